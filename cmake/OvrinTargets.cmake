@@ -1,0 +1,41 @@
+# The warning, sanitizer and test settings that every target of the project shares.
+
+add_library(ovrin_options INTERFACE)
+target_compile_options(ovrin_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Werror)
+target_include_directories(ovrin_options INTERFACE "${CMAKE_SOURCE_DIR}/src")
+if(OVRIN_SANITIZE)
+  target_compile_options(ovrin_options INTERFACE -fsanitize=${OVRIN_SANITIZE} -fno-sanitize-recover=all
+                                                 -fno-omit-frame-pointer)
+  target_link_options(ovrin_options INTERFACE -fsanitize=${OVRIN_SANITIZE})
+endif()
+
+# ovrin_sources(VARIABLE FOLDER...): the .cpp files that lie directly in the folders.
+function(ovrin_sources variable)
+  set(files)
+  foreach(folder IN LISTS ARGN)
+    file(GLOB found CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp")
+    list(APPEND files ${found})
+  endforeach()
+  set(${variable} ${files} PARENT_SCOPE)
+endfunction()
+
+# ovrin_test(NAME folder LABEL unit|platform|desktop LIBRARIES ... [WHOLE]): one test program from tests/NAME/*.cpp.
+# WHOLE runs the program as a single CTest entry, for programs whose start-up is expensive.
+function(ovrin_test)
+  cmake_parse_arguments(ARG "WHOLE" "NAME;LABEL" "LIBRARIES" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${ARG_NAME}/*.cpp")
+  if(NOT sources)
+    return()
+  endif()
+  string(REPLACE "/" "_" target "test_${ARG_NAME}")
+  add_executable(${target} ${sources})
+  target_include_directories(${target} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
+  target_link_libraries(${target} PRIVATE ovrin_options GTest::gmock GTest::gtest GTest::gtest_main ${ARG_LIBRARIES})
+  target_compile_definitions(${target} PRIVATE OVRIN_SOURCE_DIR="${CMAKE_SOURCE_DIR}" OVRIN_BINARY_DIR="${CMAKE_BINARY_DIR}")
+  if(ARG_WHOLE)
+    add_test(NAME ${ARG_NAME} COMMAND ${target})
+    set_tests_properties(${ARG_NAME} PROPERTIES LABELS ${ARG_LABEL})
+  else()
+    gtest_discover_tests(${target} TEST_PREFIX "${ARG_NAME}/" DISCOVERY_MODE PRE_TEST PROPERTIES LABELS ${ARG_LABEL})
+  endif()
+endfunction()
