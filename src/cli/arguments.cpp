@@ -1,0 +1,191 @@
+#include "cli/arguments.h"
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <utility>
+
+namespace ovrin::cli {
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+// The words of one command, split into options and operands.
+class CommandWords {
+public:
+    CommandWords(std::string command, Words words) : command_(std::move(command)), words_(std::move(words)) {}
+
+    // Takes out a flag; true when it was there.
+    bool takeFlag(const std::string& name) {
+        const auto end = optionsEnd();
+        const auto found = std::find(words_.begin(), end, name);
+        if (found == end) return false;
+        words_.erase(found);
+        return true;
+    }
+
+    // Takes out "NAME VALUE" or "NAME=VALUE".
+    std::optional<std::string> takeValue(const std::string& name) {
+        for (auto word = words_.begin(); word != optionsEnd(); ++word) {
+            if (word->starts_with(name + "=")) {
+                std::string value = word->substr(name.size() + 1);
+                words_.erase(word);
+                return requireValue(name, std::move(value));
+            }
+            if (*word == name) {
+                if (word + 1 == words_.end()) throw UsageError(command_ + ": " + name + " needs a value");
+                std::string value = *(word + 1);
+                words_.erase(word, word + 2);
+                return requireValue(name, std::move(value));
+            }
+        }
+        return std::nullopt;
+    }
+
+    // What is left once every option was taken. A left-over option is an error.
+    Words takeOperands() {
+        const auto separator = optionsEnd();
+        for (auto word = words_.begin(); word != separator; ++word) {
+            if (word->size() > 1 && word->front() == '-') throw UsageError(command_ + ": unknown option " + *word);
+        }
+        if (separator != words_.end()) words_.erase(separator);
+        return std::move(words_);
+    }
+
+private:
+    Words::iterator optionsEnd() { return std::find(words_.begin(), words_.end(), "--"); }
+
+    std::string requireValue(const std::string& name, std::string value) const {
+        if (value.empty()) throw UsageError(command_ + ": " + name + " needs a value");
+        return value;
+    }
+
+    std::string command_;
+    Words words_;
+};
+
+std::string joined(const Words& words) {
+    std::string text;
+    for (const std::string& word : words) {
+        if (!text.empty()) text += ' ';
+        text += word;
+    }
+    return text;
+}
+
+std::optional<std::string> joinedIfAny(const Words& words) {
+    if (words.empty()) return std::nullopt;
+    return joined(words);
+}
+
+void requireNoMore(const std::string& command, const Words& words) {
+    if (!words.empty()) throw UsageError(command + ": unexpected argument " + words.front());
+}
+
+OutputForm takeForm(CommandWords& words) {
+    return words.takeFlag("--json") ? OutputForm::json : OutputForm::text;
+}
+
+Invocation parseRecognize(CommandWords words) {
+    Recognize command;
+    command.form = takeForm(words);
+    command.history = words.takeFlag("--save") ? HistoryEntry::save : HistoryEntry::leave;
+    command.images = words.takeOperands();
+    if (command.images.empty()) throw UsageError("recognize: no image given");
+    if (std::ranges::count(command.images, "-") > 1)
+        throw UsageError("recognize: standard input can be read only once");
+    return command;
+}
+
+Invocation parseHistory(CommandWords words) {
+    ListHistory command;
+    command.form = takeForm(words);
+    command.query = joined(words.takeOperands());
+    return command;
+}
+
+Invocation parseTranslate(CommandWords words) {
+    Translate command;
+    command.targetLanguage = words.takeValue("--to");
+    command.text = joinedIfAny(words.takeOperands());
+    return command;
+}
+
+Invocation parseAsk(CommandWords words) {
+    return Ask{.question = joinedIfAny(words.takeOperands())};
+}
+
+Invocation parseConfig(CommandWords commandWords) {
+    Words words = commandWords.takeOperands();
+    if (words.empty()) throw UsageError("config: get, set, unset or set-key expected");
+    const std::string verb = words.front();
+    words.erase(words.begin());
+    if (verb == "get") {
+        if (words.size() > 1) requireNoMore("config get", {words.begin() + 1, words.end()});
+        return ConfigGet{.key = joinedIfAny(words)};
+    }
+    if (verb == "set") {
+        if (words.size() != 2) throw UsageError("config set: KEY and VALUE expected");
+        return ConfigSet{.key = words[0], .value = words[1]};
+    }
+    if (verb == "unset") {
+        if (words.size() != 1) throw UsageError("config unset: KEY expected");
+        return ConfigUnset{.key = words[0]};
+    }
+    if (verb == "set-key") {
+        // The rejected argument is probably the key itself: it is not repeated.
+        if (!words.empty())
+            throw UsageError("config set-key: the key is read from standard input, not from an argument");
+        return ConfigSetKey{};
+    }
+    throw UsageError("config: unknown action " + verb);
+}
+
+}  // namespace
+
+Invocation parseArguments(std::vector<std::string> words) {
+    if (words.empty()) return StartAssistant{};
+    const std::string command = words.front();
+    words.erase(words.begin());
+    if (command == "--help" || command == "-h" || command == "help") return ShowHelp{};
+    if (command == "--version") return ShowVersion{};
+
+    static const std::map<std::string, std::function<Invocation(CommandWords)>> parsers{
+        {"recognize", parseRecognize}, {"history", parseHistory}, {"translate", parseTranslate}, {"ask", parseAsk},
+        {"config", parseConfig},
+    };
+    const auto parser = parsers.find(command);
+    if (parser == parsers.end()) throw UsageError("unknown command " + command);
+
+    CommandWords commandWords(command, std::move(words));
+    if (commandWords.takeFlag("--help") || commandWords.takeFlag("-h")) return ShowHelp{};
+    return parser->second(std::move(commandWords));
+}
+
+std::string helpText() {
+    return R"(Ovrin reads the text on the screen, and translates and explains it.
+
+Usage:
+  ovrin recognize IMAGE... [--json] [--save]   print the text of pictures; "-" is standard input
+  ovrin translate [--to TAG] [TEXT]            translate TEXT, or standard input, as the answer streams in
+  ovrin ask [QUESTION]                         ask a question, or standard input
+  ovrin history [QUERY] [--json]               past results, newest first
+  ovrin config get [KEY]                       show preferences
+  ovrin config set KEY VALUE                   change a preference
+  ovrin config unset KEY                       go back to its default
+  ovrin config set-key                         store the API key read from standard input
+  ovrin --help | --version
+
+Options:
+  --json     result records as JSON instead of text, one line for each picture
+  --save     keep the recognised text in the history
+  --to TAG   target language, such as zh-Hans, en or ja
+
+Pictures may be PNG, JPEG, WebP, BMP, GIF or TIFF.
+The model service comes from the preferences, or from OVRIN_BASE_URL, OVRIN_API_KEY and OVRIN_API_STANDARD.
+Exit status: 0 done, 1 failed, 2 wrong usage, 130 interrupted.
+)";
+}
+
+}  // namespace ovrin::cli

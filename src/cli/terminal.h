@@ -1,0 +1,40 @@
+// The three standard channels of the program, as file descriptors, so that tests can give their own.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "base/error.h"
+
+namespace ovrin::cli {
+
+// Whoever read standard output has gone: there is no point in going on, and nothing to say.
+class OutputClosed : public std::exception {
+public:
+    const char* what() const noexcept override { return "standard output was closed"; }
+};
+
+class Terminal {
+public:
+    // The descriptors stay the caller's. SIGPIPE must be ignored in the process.
+    Terminal(int input, int output, int error) : input_(input), output_(output), error_(error) {}
+
+    // Writes the bytes as they are, at once. Throws OutputClosed when the reader has gone, Error when the device fails.
+    void write(std::string_view text);
+
+    // One line on standard error; failures are ignored, there is nowhere left to tell them.
+    void writeError(std::string_view line);
+
+    // Everything up to the end of standard input. Throws Error when it cannot be read or exceeds maximumBytes.
+    std::string readAll(std::size_t maximumBytes);
+
+    bool outputIsTerminal() const;
+    int output() const { return output_; }
+
+private:
+    int input_;
+    int output_;
+    int error_;
+};
+
+}  // namespace ovrin::cli
