@@ -1,6 +1,7 @@
 #include "cli/interruption.h"
 
 #include <pthread.h>
+#include <unistd.h>
 
 namespace ovrin::cli {
 
@@ -23,8 +24,11 @@ Interruption::Interruption() {
     pthread_sigmask(SIG_BLOCK, &signals, &previous_);
     listener_ = std::thread([this, signals] {
         int signal = 0;
-        sigwait(&signals, &signal);
-        if (signal != wakeSignal) stop_.request_stop();
+        while (sigwait(&signals, &signal) == 0 && signal != wakeSignal) {
+            const int status = 128 + signal;
+            if (exitStatus_.exchange(status) != 0) _exit(status);
+            stop_.request_stop();
+        }
     });
 }
 
