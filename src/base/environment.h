@@ -1,0 +1,33 @@
+// The process environment as a value: a copy taken at one moment, so that reading it is free of races and a test can
+// hand in its own. Whoever needs it more than once keeps an EnvironmentSource and asks anew each time.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace ovrin {
+
+class Environment {
+public:
+    using Variables = std::map<std::string, std::string, std::less<>>;
+
+    Environment() = default;
+    explicit Environment(Variables variables);
+
+    // The variables of this process as they are now. Any thread, as long as nobody changes them (nobody here does).
+    static Environment ofProcess();
+
+    // The value as it was set, untrimmed; none when the variable is unset or empty.
+    std::optional<std::string> value(std::string_view name) const;
+
+private:
+    Variables variables_;
+};
+
+// Gives the environment at the moment of the call. Any thread.
+using EnvironmentSource = std::function<Environment()>;
+
+}  // namespace ovrin
