@@ -1,0 +1,93 @@
+#include "model/request_url.h"
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+#include <curl/curl.h>
+
+namespace ovrin {
+
+namespace {
+
+// Dot segments stay: a proxy in front of a service may give them a meaning.
+constexpr unsigned int parseFlags = CURLU_URLENCODE | CURLU_PATH_AS_IS;
+
+class Parser {
+public:
+    Parser() : handle_(curl_url(), curl_url_cleanup) {
+        if (!handle_) throw std::bad_alloc();
+    }
+
+    bool set(CURLUPart part, const std::string& text, unsigned int flags = 0) {
+        return curl_url_set(handle_.get(), part, text.c_str(), flags) == CURLUE_OK;
+    }
+
+    std::string get(CURLUPart part) const {
+        char* text = nullptr;
+        if (curl_url_get(handle_.get(), part, &text, 0) != CURLUE_OK) return {};
+        const std::unique_ptr<char, decltype(&curl_free)> owner(text, curl_free);
+        return text;
+    }
+
+private:
+    std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> handle_;
+};
+
+std::string lowerCased(std::string_view text) {
+    std::string result(text);
+    std::ranges::transform(result, result.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+    });
+    return result;
+}
+
+// The length of "http" or "https" at the start, when "://" and something other than a third slash follow (the parser
+// would forgive one slash or three and take a path for the host); 0 otherwise.
+std::size_t schemeLength(std::string_view text) {
+    const auto length = text.find("://");
+    if (length == std::string_view::npos) return 0;
+    const std::string scheme = lowerCased(text.substr(0, length));
+    if (scheme != "http" && scheme != "https") return 0;
+    const auto rest = text.substr(length + 3);
+    return rest.empty() || rest.front() == '/' ? 0 : length;
+}
+
+// The parser gives the scheme in lower case; the URL keeps the spelling that was entered.
+std::string withSchemeOf(std::string_view original, std::string url) {
+    const auto length = original.find(':');
+    return std::string(original.substr(0, length)) + url.substr(url.find(':'));
+}
+
+}  // namespace
+
+std::optional<RequestURL> RequestURL::parse(std::string_view text) {
+    if (schemeLength(text) == 0 || text.find('\0') != std::string_view::npos) return std::nullopt;
+    Parser parser;
+    if (!parser.set(CURLUPART_URL, std::string(text), parseFlags)) return std::nullopt;
+    if (parser.get(CURLUPART_HOST).empty()) return std::nullopt;
+    std::string url = parser.get(CURLUPART_URL);
+    if (url.empty()) return std::nullopt;
+    return RequestURL(withSchemeOf(text, std::move(url)), parser.get(CURLUPART_PATH));
+}
+
+bool RequestURL::pathEndsWith(std::string_view suffix) const {
+    const auto end = path_.find_last_not_of('/');
+    const std::string path = lowerCased(std::string_view(path_).substr(0, end == std::string::npos ? 0 : end + 1));
+    return path.ends_with(lowerCased(suffix));
+}
+
+RequestURL RequestURL::appendingPathComponent(std::string_view component) const {
+    const auto end = path_.find_last_not_of('/');
+    std::string path = path_.substr(0, end == std::string::npos ? 0 : end + 1);
+    path.append("/").append(component);
+    Parser parser;
+    if (!parser.set(CURLUPART_URL, string_, parseFlags) || !parser.set(CURLUPART_PATH, path)) {
+        throw std::logic_error("a parsed URL does not parse again");
+    }
+    return {withSchemeOf(string_, parser.get(CURLUPART_URL)), std::move(path)};
+}
+
+}  // namespace ovrin

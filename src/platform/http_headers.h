@@ -1,0 +1,33 @@
+// The headers of an HTTP request or response: in order, one value a name, names compared without regard to case.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace ovrin {
+
+// Header names are ASCII; no other letters are folded, or a look-alike name would pass for one that a server reads.
+bool isSameHeaderName(std::string_view first, std::string_view second);
+
+class HTTPHeaders {
+public:
+    using Entry = std::pair<std::string, std::string>;  // name as given, value
+
+    // Puts the header in, in place of one of the same name.
+    void set(std::string name, std::string value);
+
+    // The value of the header; empty when there is none.
+    std::string_view value(std::string_view name) const;
+
+    auto begin() const { return entries_.begin(); }
+    auto end() const { return entries_.end(); }
+
+    bool operator==(const HTTPHeaders&) const = default;
+
+private:
+    std::vector<Entry> entries_;
+};
+
+}  // namespace ovrin
