@@ -1,0 +1,78 @@
+#include "platform/linux/recognition/inference_session.h"
+
+#include <onnxruntime_cxx_api.h>
+
+#include <functional>
+#include <numeric>
+#include <optional>
+#include <string>
+
+#include "base/error.h"
+
+namespace ovrin {
+namespace {
+
+// The runtime's messages name source files and run over several lines; the first line holds the cause.
+std::string firstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
+
+Ort::SessionOptions sessionOptions() {
+    Ort::SessionOptions options;
+    options.SetIntraOpNumThreads(1);
+    options.SetGraphOptimizationLevel(ORT_ENABLE_ALL);
+    // Every picture has other dimensions: a memory pattern is planned anew for each and never used again.
+    options.DisableMemPattern();
+    options.AddConfigEntry("session.set_denormal_as_zero", "1");
+    return options;
+}
+
+}  // namespace
+
+struct InferenceSession::Runtime {
+    explicit Runtime(const std::filesystem::path& modelFile)
+        : environment(ORT_LOGGING_LEVEL_FATAL, "ovrin"),
+          session(environment, modelFile.c_str(), sessionOptions()),
+          inputName(session.GetInputNameAllocated(0, allocator).get()),
+          outputName(session.GetOutputNameAllocated(0, allocator).get()) {}
+
+    Ort::Env environment;
+    Ort::Session session;
+    Ort::AllocatorWithDefaultOptions allocator;
+    std::string inputName;
+    std::string outputName;
+};
+
+InferenceSession::InferenceSession(const std::filesystem::path& modelFile) {
+    std::error_code status;
+    if (!std::filesystem::is_regular_file(modelFile, status))
+        throw Error("The recognition model " + modelFile.string() + " is missing.");
+    try {
+        runtime_ = std::make_unique<Runtime>(modelFile);
+    } catch (const Ort::Exception& failure) {
+        throw Error("The recognition model " + modelFile.string() + " can't be loaded: " + firstLine(failure.what()));
+    }
+}
+
+InferenceSession::~InferenceSession() = default;
+
+Tensor InferenceSession::run(const Tensor& input, const std::stop_token& stop) const {
+    if (stop.stop_requested()) throw CancellationError();
+    Ort::RunOptions options;
+    const std::stop_callback terminate(stop, [&options] { options.SetTerminate(); });
+    const auto memory = Ort::MemoryInfo::CreateCpu(OrtArenaAllocator, OrtMemTypeDefault);
+    // The runtime only reads the input, but its API has one tensor type for both directions.
+    const auto tensor = Ort::Value::CreateTensor<float>(memory, const_cast<float*>(input.values.data()),
+                                                        input.values.size(), input.shape.data(), input.shape.size());
+    const char* inputName = runtime_->inputName.c_str();
+    const char* outputName = runtime_->outputName.c_str();
+    try {
+        const auto outputs = runtime_->session.Run(options, &inputName, &tensor, 1, &outputName, 1);
+        const auto information = outputs.front().GetTensorTypeAndShapeInfo();
+        const auto* first = outputs.front().GetTensorData<float>();
+        return {information.GetShape(), {first, first + information.GetElementCount()}};
+    } catch (const Ort::Exception& failure) {
+        if (stop.stop_requested()) throw CancellationError();
+        throw Error("The recognition model failed: " + firstLine(failure.what()));
+    }
+}
+
+}  // namespace ovrin

@@ -1,0 +1,33 @@
+// Finds where text is in a picture: one box for each run of text on one visual line.
+#pragma once
+
+#include <filesystem>
+#include <stop_token>
+#include <vector>
+
+#include <opencv2/core.hpp>
+
+#include "platform/linux/recognition/inference_session.h"
+
+namespace ovrin {
+
+// A piece of one line. Pixels of the whole picture, origin at its upper-left corner.
+struct TextRegion {
+    cv::Rect box;
+    float score = 0;  // 0..1, how sure the network is that this is text
+};
+
+class TextDetector {
+public:
+    explicit TextDetector(const std::filesystem::path& modelFile);
+
+    // The regions of a picture of four bytes a pixel (blue, green, red, unused), in no particular order.
+    std::vector<TextRegion> detect(const cv::Mat& picture, const std::stop_token& stop) const;
+
+private:
+    cv::Mat textProbability(const cv::Mat& picture, double scale, const std::stop_token& stop) const;
+
+    InferenceSession network_;
+};
+
+}  // namespace ovrin
