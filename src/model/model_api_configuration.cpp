@@ -6,7 +6,6 @@
 #include "base/text.h"
 #include "model/deep_seek_error.h"
 #include "model/request_url.h"
-#include "platform/http_headers.h"
 
 namespace ovrin {
 
@@ -22,9 +21,10 @@ bool isValidHeader(std::string_view name, std::string_view value) {
 
 }  // namespace
 
+// Header names are ASCII. No other letters are folded, or a look-alike name would pass for one that the server reads.
 std::optional<std::string> ModelAPIConfiguration::headerValue(std::string_view named) const {
-    const auto found =
-        std::ranges::find_if(customHeaders, [&](const auto& entry) { return isSameHeaderName(entry.first, named); });
+    const auto found = std::ranges::find_if(
+        customHeaders, [&](const auto& entry) { return text::equalsIgnoringAsciiCase(entry.first, named); });
     if (found == customHeaders.end()) return std::nullopt;
     return std::string(text::trimmed(found->second));
 }
@@ -54,7 +54,7 @@ std::map<std::string, std::string> ModelAPIConfiguration::normalizedHeaders() co
         const std::string value(text::trimmed(enteredValue));
         if (name.empty() || value.empty()) continue;
         if (!isValidHeader(name, value)) throw DeepSeekError::invalidHeader(name);
-        std::erase_if(result, [&](const auto& earlier) { return isSameHeaderName(earlier.first, name); });
+        std::erase_if(result, [&](const auto& earlier) { return text::equalsIgnoringAsciiCase(earlier.first, name); });
         result.emplace(name, value);
     }
     return result;

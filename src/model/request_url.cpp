@@ -1,12 +1,13 @@
 #include "model/request_url.h"
 
-#include <algorithm>
 #include <memory>
 #include <new>
 #include <stdexcept>
 #include <utility>
 
 #include <curl/curl.h>
+
+#include "base/text.h"
 
 namespace ovrin {
 
@@ -36,20 +37,12 @@ private:
     std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> handle_;
 };
 
-std::string lowerCased(std::string_view text) {
-    std::string result(text);
-    std::ranges::transform(result, result.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-    });
-    return result;
-}
-
 // The length of "http" or "https" at the start, when "://" and something other than a third slash follow (the parser
 // would forgive one slash or three and take a path for the host); 0 otherwise.
 std::size_t schemeLength(std::string_view text) {
     const auto length = text.find("://");
     if (length == std::string_view::npos) return 0;
-    const std::string scheme = lowerCased(text.substr(0, length));
+    const std::string scheme = text::asciiLowercased(text.substr(0, length));
     if (scheme != "http" && scheme != "https") return 0;
     const auto rest = text.substr(length + 3);
     return rest.empty() || rest.front() == '/' ? 0 : length;
@@ -75,8 +68,9 @@ std::optional<RequestURL> RequestURL::parse(std::string_view text) {
 
 bool RequestURL::pathEndsWith(std::string_view suffix) const {
     const auto end = path_.find_last_not_of('/');
-    const std::string path = lowerCased(std::string_view(path_).substr(0, end == std::string::npos ? 0 : end + 1));
-    return path.ends_with(lowerCased(suffix));
+    const std::string path =
+        text::asciiLowercased(std::string_view(path_).substr(0, end == std::string::npos ? 0 : end + 1));
+    return path.ends_with(text::asciiLowercased(suffix));
 }
 
 RequestURL RequestURL::appendingPathComponent(std::string_view component) const {

@@ -1,4 +1,4 @@
-// The headers of an HTTP request or response: in order, one value a name, names compared without regard to case.
+// The headers of an HTTP request or response: in order, one value a name, names compared without regard to ASCII case.
 #pragma once
 
 #include <string>
@@ -7,9 +7,6 @@
 #include <vector>
 
 namespace ovrin {
-
-// Header names are ASCII; no other letters are folded, or a look-alike name would pass for one that a server reads.
-bool isSameHeaderName(std::string_view first, std::string_view second);
 
 class HTTPHeaders {
 public:
