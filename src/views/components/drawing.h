@@ -1,0 +1,42 @@
+// From the theme's plain values to the toolkit's colours, fonts and pictures.
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QPixmap>
+#include <QRectF>
+#include <QString>
+#include <string_view>
+
+#include "theme/color_token.h"
+#include "theme/ov_icon.h"
+#include "theme/type_scale.h"
+
+class QPainter;
+
+namespace ovrin {
+
+QColor toQColor(const theme::Color& color);
+
+QString toQString(std::string_view utf8);
+
+// The system's font in the given style. Glyphs that it lacks come from a face of the text's language (a BCP-47 tag;
+// Simplified Chinese, the language of the program, when none is given), so that Chinese never falls back to a Japanese
+// face.
+QFont toQFont(const theme::FontStyle& style, std::string_view language = "zh-Hans");
+
+// The icon as a template picture: its strokes in the given colour. size is its side in points; the pixmap has the given
+// device pixel ratio.
+QPixmap iconPixmap(OVIcon icon, double size, const QColor& color, double devicePixelRatio);
+
+// Draws the icon centred in the rectangle, with a side of size points.
+void drawIcon(QPainter& painter, OVIcon icon, const QRectF& rectangle, double size, const QColor& color);
+
+// Fills a rounded rectangle without outline.
+void fillRounded(QPainter& painter, const QRectF& rectangle, double radius, const QColor& color);
+
+// A soft shadow around a rounded rectangle, drawn outside of it only. blur and offset are in points.
+void drawShadow(QPainter& painter, const QRectF& rectangle, double radius, double blur, double verticalOffset,
+                const QColor& color);
+
+}  // namespace ovrin

@@ -1,0 +1,41 @@
+// A value that moves from where it is to a goal along one of the theme's springs.
+#pragma once
+
+#include <QAbstractAnimation>
+#include <functional>
+
+#include "theme/motion.h"
+
+namespace ovrin {
+
+class ViewEnvironment;
+
+class SpringAnimation final : public QAbstractAnimation {
+public:
+    // update is called with each new value, on the main thread. Both references must outlive the animation.
+    SpringAnimation(const ViewEnvironment& environment, theme::Spring spring, std::function<void(double)> update,
+                    QObject* parent = nullptr);
+
+    // Starts towards the goal from the present value. Under reduced motion it is a short ease-out of 0.12 s instead.
+    void animateTo(double goal);
+
+    // Goes there without motion.
+    void jumpTo(double value);
+
+    double value() const { return value_; }
+    int duration() const override;
+
+protected:
+    void updateCurrentTime(int milliseconds) override;
+
+private:
+    const ViewEnvironment& environment_;
+    theme::Spring spring_;
+    std::function<void(double)> update_;
+    int springDuration_;  // milliseconds
+    double from_ = 0;
+    double goal_ = 0;
+    double value_ = 0;
+};
+
+}  // namespace ovrin
