@@ -1,4 +1,4 @@
-#include "platform/linux/qt_main_loop.h"
+#include "platform/linux/qt/qt_main_loop.h"
 
 #include <QBasicTimer>
 #include <QCoreApplication>
