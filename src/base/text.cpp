@@ -146,6 +146,11 @@ std::size_t countByIterator(std::string_view text, std::size_t limit) {
     return count;
 }
 
+bool isWhiteSpace(UChar32 codePoint) {
+    if (codePoint < 0x80) return codePoint == ' ' || (codePoint >= '\t' && codePoint <= '\r');
+    return u_isUWhiteSpace(codePoint) != 0;
+}
+
 }  // namespace
 
 bool isValidUtf8(std::string_view bytes) {
@@ -171,13 +176,13 @@ std::string_view trimmed(std::string_view text) {
     std::size_t begin = 0;
     while (begin < text.size()) {
         std::size_t next = begin;
-        if (!u_isUWhiteSpace(decodeAt(text, next))) break;
+        if (!isWhiteSpace(decodeAt(text, next))) break;
         begin = next;
     }
     std::size_t end = text.size();
     while (end > begin) {
         std::size_t previous = end;
-        if (!u_isUWhiteSpace(previousCodePoint(text, previous))) break;
+        if (!isWhiteSpace(previousCodePoint(text, previous))) break;
         end = previous;
     }
     return text.substr(begin, end - begin);

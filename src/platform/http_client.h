@@ -3,7 +3,9 @@
 // Both operations may be awaited on any loop; calls are independent of each other. A failure before a response arrives
 // throws Error with a sentence that a person understands ("找不到服务器 example.com。"); it never contains header
 // values or the request body. HTTP error statuses are no failures. Stopping the awaiting task, or dropping the stream
-// of a body, ends the request and closes its connection at once; a stopped call throws CancellationError.
+// of a body, ends the request and closes its connection within milliseconds; a stopped call throws CancellationError. A
+// body that is dropped when its last bytes are already on their way (answers are dropped at their end mark) may be read
+// to its end in those milliseconds, so that the connection serves the next request.
 #pragma once
 
 #include <chrono>

@@ -1,0 +1,69 @@
+#include "model/model_client.h"
+
+#include <optional>
+#include <utility>
+
+namespace ovrin {
+
+ModelClient::ModelClient(EventLoop& ioLoop, HTTPClientProtocol& httpClient, ConfigurationProvider configurationProvider)
+    : ioLoop_(&ioLoop), httpClient_(&httpClient), configurationProvider_(std::move(configurationProvider)) {}
+
+AsyncStream<std::string> ModelClient::stream(std::vector<DeepSeek::Message> messages, double temperature) const {
+    return streamFrom<std::string>(
+        *ioLoop_, [client = *this, messages = std::move(messages), temperature](StreamWriter<std::string>& pieces) {
+            return runStream(client, messages, temperature, pieces);
+        });
+}
+
+Task<std::string> ModelClient::complete(std::vector<DeepSeek::Message> messages, double temperature) const {
+    return awaitAnswer(*this, std::move(messages), temperature);
+}
+
+ModelClient::WireClient ModelClient::makeWireClient(const ModelAPIConfiguration& configuration) const {
+    std::string endpoint = configuration.endpointURL();
+    auto headers = configuration.normalizedHeaders();
+    if (configuration.standard == ModelAPIStandard::anthropic) {
+        return AnthropicClient(*ioLoop_, *httpClient_, std::move(endpoint), configuration.apiKey, std::move(headers),
+                               configuration.maxOutputTokens);
+    }
+    return OpenAICompatibleClient(
+        *ioLoop_, *httpClient_, std::move(endpoint), [key = configuration.apiKey] { return key; }, std::move(headers));
+}
+
+Task<void> ModelClient::runStream(ModelClient client, std::vector<DeepSeek::Message> messages, double temperature,
+                                  StreamWriter<std::string>& pieces) {
+    const ModelAPIConfiguration configuration = client.configurationProvider_().validated();
+    const WireClient wireClient = client.makeWireClient(configuration);
+    AsyncStream<std::string> inner =
+        std::visit([&](const auto& wire) { return wire.stream(std::move(messages), configuration.model, temperature); },
+                   wireClient);
+    while (true) {
+        std::optional<std::string> piece = co_await inner.next();
+        if (!piece) co_return;
+        pieces.push(std::move(*piece));
+    }
+}
+
+Task<void> ModelClient::runComplete(ModelClient client, std::vector<DeepSeek::Message> messages, double temperature,
+                                    StreamWriter<std::string>& answer) {
+    const ModelAPIConfiguration configuration = client.configurationProvider_().validated();
+    const WireClient wireClient = client.makeWireClient(configuration);
+    Task<std::string> complete = std::visit(
+        [&](const auto& wire) { return wire.complete(std::move(messages), configuration.model, temperature); },
+        wireClient);
+    std::string text = co_await std::move(complete);
+    answer.push(std::move(text));
+}
+
+// The answer crosses from the I/O loop to the caller's as a stream of one piece.
+Task<std::string> ModelClient::awaitAnswer(ModelClient client, std::vector<DeepSeek::Message> messages,
+                                           double temperature) {
+    AsyncStream<std::string> answer =
+        streamFrom<std::string>(*client.ioLoop_, [client, messages, temperature](StreamWriter<std::string>& writer) {
+            return runComplete(client, messages, temperature, writer);
+        });
+    std::optional<std::string> text = co_await answer.next();
+    co_return std::move(text).value();
+}
+
+}  // namespace ovrin

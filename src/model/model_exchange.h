@@ -1,0 +1,44 @@
+// The parts of a conversation with a model service that both wire standards have in common.
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "base/async_stream.h"
+#include "base/task.h"
+#include "model/deep_seek_error.h"
+#include "model/event_decoding.h"
+#include "platform/http_client.h"
+
+namespace ovrin {
+
+// Whether an answer is asked for piece by piece or in one.
+enum class Delivery { streamed, whole };
+
+// How a standard reads what comes back.
+struct AnswerRules {
+    DecodeEventLine decodeEventLine;
+    DeepSeekError (*mapHTTPError)(int status, std::string_view body);
+};
+
+// The POST request of either standard without its authentication; the custom headers are set by setCustomHeaders(),
+// after every other header.
+HTTPRequest makePostRequest(std::string url, std::string body, Delivery delivery);
+void setCustomHeaders(HTTPRequest& request, const std::map<std::string, std::string>& customHeaders);
+
+// Sends the request and pushes the pieces of its answer as they arrive. Returns at the end of the answer; throws
+// DeepSeekError, or unchanged what the body failed with. Nothing is pushed once a stop has been requested.
+Task<void> streamAnswer(HTTPClientProtocol& httpClient, HTTPRequest request, AnswerRules rules,
+                        StreamWriter<std::string>& pieces);
+
+// Sends the request and gives the body of a successful answer. Throws DeepSeekError.
+Task<std::string> wholeAnswer(HTTPClientProtocol& httpClient, HTTPRequest request, AnswerRules rules);
+
+// The error of a response outside 200-299 whose body is not the service's error body.
+DeepSeekError httpStatusError(int status, std::string_view body);
+
+// The error of a successful body that did not decode for want of the field (or for not being JSON at all).
+DeepSeekError decodingError(std::string_view body, std::string_view field);
+
+}  // namespace ovrin
