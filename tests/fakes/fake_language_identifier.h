@@ -7,7 +7,7 @@
 
 #include "platform/language_identifier.h"
 
-namespace ovrin::fakes {
+namespace ovrin {
 
 class FakeLanguageIdentifier final : public LanguageIdentifier {
 public:
@@ -20,4 +20,4 @@ public:
     }
 };
 
-}  // namespace ovrin::fakes
+}  // namespace ovrin

@@ -10,7 +10,7 @@
 
 #include "platform/text_recognizer.h"
 
-namespace ovrin::fakes {
+namespace ovrin {
 
 class FakeTextRecognizer final : public TextRecognizer {
 public:
@@ -53,4 +53,4 @@ private:
     TextRecognitionRequest lastRequest_;
 };
 
-}  // namespace ovrin::fakes
+}  // namespace ovrin

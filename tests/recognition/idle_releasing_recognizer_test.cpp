@@ -31,7 +31,7 @@ protected:
     }
 
     VirtualLoop loop_;
-    fakes::FakeTextRecognizer inner_;
+    FakeTextRecognizer inner_;
     std::unique_ptr<WorkerExecutor> workers_ = std::make_unique<WorkerExecutor>(1);
     std::unique_ptr<IdleReleasingRecognizer> recognizer_ =
         std::make_unique<IdleReleasingRecognizer>(inner_, loop_, *workers_, 3min);

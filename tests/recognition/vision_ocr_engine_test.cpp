@@ -37,8 +37,8 @@ protected:
 
     RunLoop loop_;
     VirtualLoop virtualLoop_;  // outlives the workers, which report to it when nobody listens any more
-    fakes::FakeTextRecognizer recognizer_;
-    fakes::FakeLanguageIdentifier identifier_;
+    FakeTextRecognizer recognizer_;
+    FakeLanguageIdentifier identifier_;
     Timestamp now_{1'234'567'891ns};
     WorkerExecutor workers_{1};
     std::unique_ptr<VisionOCREngine> engine_ = std::make_unique<VisionOCREngine>(
