@@ -1,0 +1,44 @@
+// Seam: the displays of the desktop and pictures of what is on them.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "base/geometry.h"
+#include "base/image.h"
+#include "base/task.h"
+
+namespace ovrin {
+
+enum class DisplayId : std::uint64_t {};
+
+struct CapturableDisplay {
+    DisplayId id{};
+    Rect frame;              // points, display space: origin at the primary display's upper-left corner, y downwards
+    double scaleFactor = 1;  // device pixels per point
+};
+
+struct ScreenshotRequest {
+    DisplayId display{};
+    Rect sourceRect;  // points, from the display's own upper-left corner
+    int width = 0;    // pixels of the picture
+    int height = 0;   // pixels of the picture
+};
+
+class ScreenCapture {
+public:
+    virtual ~ScreenCapture() = default;
+
+    // Whether the program may see the screen; asking the user for it when it may not, and their answer. Main thread.
+    virtual bool preflightAccess() = 0;
+    virtual bool requestAccess() = 0;
+
+    // The displays in the order the system lists them. Throws Error.
+    virtual Task<std::vector<CapturableDisplay>> displays() = 0;
+
+    // One picture of what is on the display now, every window included and the pointer not. The wait for it does not
+    // block the awaiting loop. Throws Error, and CancellationError when the user turns the system's question down.
+    virtual Task<Image> screenshot(ScreenshotRequest request) = 0;
+};
+
+}  // namespace ovrin
