@@ -1,15 +1,16 @@
 #include "model/anthropic_types.h"
 
+#include <utility>
+
 #include <nlohmann/json.hpp>
 
+#include "base/json.h"
 #include "model/json_reader.h"
 #include "model/wire_decoding.h"
 
 namespace ovrin::Anthropic {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // A delta and a content block have the same fields.
 template <typename TypedText>
@@ -89,16 +90,16 @@ bool readResponse(JSONReader& reader, Response& response) {
 }  // namespace
 
 std::string encode(const Request& request) {
-    Json body = {{"model", request.model}, {"max_tokens", request.maxTokens}};
+    json::Value body = {{"model", request.model}, {"max_tokens", request.maxTokens}};
     if (request.system) body["system"] = *request.system;
-    Json messages = Json::array();
+    json::Value messages = json::Value::array();
     for (const Message& message : request.messages) {
         messages.push_back({{"role", message.role}, {"content", message.content}});
     }
     body["messages"] = std::move(messages);
     body["temperature"] = request.temperature;
     body["stream"] = request.stream;
-    return body.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return json::encoded(body);
 }
 
 std::optional<StreamEvent> decodeStreamEvent(std::string_view json) {

@@ -1,15 +1,16 @@
 #include "model/deep_seek_types.h"
 
+#include <utility>
+
 #include <nlohmann/json.hpp>
 
+#include "base/json.h"
 #include "model/json_reader.h"
 #include "model/wire_decoding.h"
 
 namespace ovrin::DeepSeek {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 bool readDelta(JSONReader& reader, ChatStreamChunk::Delta& delta) {
     delta = {};
@@ -116,15 +117,15 @@ bool readAPIErrorBody(JSONReader& reader, APIErrorBody& body) {
 }  // namespace
 
 std::string encode(const ChatRequest& request) {
-    Json messages = Json::array();
+    json::Value messages = json::Value::array();
     for (const Message& message : request.messages) {
         messages.push_back({{"role", message.role}, {"content", message.content}});
     }
-    const Json body = {{"model", request.model},
-                       {"messages", std::move(messages)},
-                       {"temperature", request.temperature},
-                       {"stream", request.stream}};
-    return body.dump(-1, ' ', false, Json::error_handler_t::replace);
+    const json::Value body = {{"model", request.model},
+                              {"messages", std::move(messages)},
+                              {"temperature", request.temperature},
+                              {"stream", request.stream}};
+    return json::encoded(body);
 }
 
 std::optional<ChatStreamChunk> decodeChatStreamChunk(std::string_view json) {

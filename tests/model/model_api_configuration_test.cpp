@@ -59,8 +59,7 @@ TEST(ModelAPIConfiguration, AppendsThePathOfItsStandard) {
     EXPECT_EQ(endpoint("https://h.example"), "https://h.example/chat/completions");
     EXPECT_EQ(endpoint("https://h.example/", ModelAPIStandard::anthropic), "https://h.example/messages");
     EXPECT_EQ(endpoint("https://h.example/v1/messages"), "https://h.example/v1/messages/chat/completions");
-    EXPECT_EQ(endpoint("https://h.example/achat/completions"),
-              "https://h.example/achat/completions/chat/completions");
+    EXPECT_EQ(endpoint("https://h.example/achat/completions"), "https://h.example/achat/completions/chat/completions");
 }
 
 TEST(ModelAPIConfiguration, LeavesAnEndpointAsItIs) {
@@ -72,8 +71,7 @@ TEST(ModelAPIConfiguration, LeavesAnEndpointAsItIs) {
 }
 
 TEST(ModelAPIConfiguration, KeepsTheOtherPartsOfTheURL) {
-    EXPECT_EQ(endpoint(" \n\thttp://h.example:8080/v1?a=b#c\u3000"),
-              "http://h.example:8080/v1/chat/completions?a=b#c");
+    EXPECT_EQ(endpoint(" \n\thttp://h.example:8080/v1?a=b#c\u3000"), "http://h.example:8080/v1/chat/completions?a=b#c");
     EXPECT_EQ(endpoint("https://user:p%20w@[::1]:8443/v1"), "https://user:p%20w@[::1]:8443/v1/chat/completions");
     EXPECT_EQ(endpoint("https://例子.测试/路"), "https://例子.测试/%e8%b7%af/chat/completions");
     EXPECT_EQ(endpoint("https://h.example/a b"), "https://h.example/a%20b/chat/completions");
@@ -81,10 +79,26 @@ TEST(ModelAPIConfiguration, KeepsTheOtherPartsOfTheURL) {
 }
 
 TEST(ModelAPIConfiguration, RefusesWhatIsNoHTTPURLWithAHost) {
-    for (const char* url : {"", "   ", "h.example/v1", "ftp://h.example", "file:///etc/hosts", "https://", "https:///v1",
-                            "https:/v1", "https:v1", "https://:443/", "https://?q", "https://#f", "https://user@/v1",
-                            "https://h.example:99999", "https://h.example:port", "https://ex ample.com", "https://[::1",
-                            "https://h.example\\v1", "javascript://h.example", "https://h\x01/"}) {
+    for (const char* url : {"",
+                            "   ",
+                            "h.example/v1",
+                            "ftp://h.example",
+                            "file:///etc/hosts",
+                            "https://",
+                            "https:///v1",
+                            "https:/v1",
+                            "https:v1",
+                            "https://:443/",
+                            "https://?q",
+                            "https://#f",
+                            "https://user@/v1",
+                            "https://h.example:99999",
+                            "https://h.example:port",
+                            "https://ex ample.com",
+                            "https://[::1",
+                            "https://h.example\\v1",
+                            "javascript://h.example",
+                            "https://h\x01/"}) {
         EXPECT_EQ(endpoint(url), std::nullopt) << url;
     }
     EXPECT_EQ(endpoint(std::string("https://h.example\0.evil", 23)), std::nullopt);
@@ -120,8 +134,12 @@ TEST(ModelAPIConfiguration, NormalizesHeaders) {
 
 TEST(ModelAPIConfiguration, RefusesHeadersThatWouldBreakTheRequest) {
     using Entry = std::pair<std::string, std::string>;
-    for (const auto& [name, value] : {Entry{" X-Foo: ", "v"}, {"X\nY", "v"}, {"X\rY", "v"}, {"X", "a\r\nB: c"},
-                                      {"X", "a\nb"}, {"X", std::string("a\0b", 3)}}) {
+    for (const auto& [name, value] : {Entry{" X-Foo: ", "v"},
+                                      {"X\nY", "v"},
+                                      {"X\rY", "v"},
+                                      {"X", "a\r\nB: c"},
+                                      {"X", "a\nb"},
+                                      {"X", std::string("a\0b", 3)}}) {
         ModelAPIConfiguration broken = configuration();
         broken.customHeaders = {{name, value}};
         const std::string trimmed = name == " X-Foo: " ? "X-Foo:" : name;
@@ -130,11 +148,8 @@ TEST(ModelAPIConfiguration, RefusesHeadersThatWouldBreakTheRequest) {
 }
 
 TEST(ModelAPIConfiguration, ReportsTheFirstShortcoming) {
-    ModelAPIConfiguration value{.connectionURL = "nowhere",
-                                .apiKey = " ",
-                                .model = "\n",
-                                .customHeaders = {{"a:", "b"}},
-                                .maxOutputTokens = 0};
+    ModelAPIConfiguration value{
+        .connectionURL = "nowhere", .apiKey = " ", .model = "\n", .customHeaders = {{"a:", "b"}}, .maxOutputTokens = 0};
     EXPECT_EQ(failure(value), DeepSeekError::missingAPIKey());
     value.apiKey = " key ";
     EXPECT_EQ(failure(value), DeepSeekError::missingModel());
