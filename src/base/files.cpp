@@ -137,18 +137,22 @@ private:
     Descriptor file_;
 };
 
-// Gives the file the new name unless that is taken (EEXIST). Where there are no hard links the file moves.
-bool addName(const fs::path& path, const fs::path& name) {
-    if (::link(path.c_str(), name.c_str()) == 0) return true;
-    if (errno == EEXIST || errno == ENOENT) return false;
-    return ::renameat2(AT_FDCWD, path.c_str(), AT_FDCWD, name.c_str(), RENAME_NOREPLACE) == 0;
+bool isSameFile(const fs::path& first, const fs::path& second) {
+    std::error_code error;
+    return fs::equivalent(first, second, error) && !error;
 }
 
-void makeMissingDirectories(const fs::path& path) {
-    if (path.empty() || ::mkdir(path.c_str(), 0700) == 0 || errno == EEXIST) return;
-    if (errno != ENOENT) throw FileError(path, errno);
-    makeMissingDirectories(path.parent_path());
-    if (::mkdir(path.c_str(), 0700) < 0 && errno != EEXIST) throw FileError(path, errno);
+// Gives the file the new name (it may have it already) unless that is another's, which fails with EEXIST. Where there
+// are no hard links the file moves.
+bool addName(const fs::path& path, const fs::path& name) {
+    if (::link(path.c_str(), name.c_str()) == 0) return true;
+    if (errno == EEXIST) {
+        if (isSameFile(path, name)) return true;
+        errno = EEXIST;
+        return false;
+    }
+    if (errno == ENOENT) return false;
+    return ::renameat2(AT_FDCWD, path.c_str(), AT_FDCWD, name.c_str(), RENAME_NOREPLACE) == 0;
 }
 
 std::int64_t nanoseconds(const timespec& time) {
@@ -199,8 +203,15 @@ std::optional<fs::path> keepAside(const fs::path& path) {
     }
 }
 
+void makeDirectories(const fs::path& path) {
+    if (path.empty() || ::mkdir(path.c_str(), 0700) == 0 || errno == EEXIST) return;
+    if (errno != ENOENT) throw FileError(path, errno);
+    makeDirectories(path.parent_path());
+    if (::mkdir(path.c_str(), 0700) < 0 && errno != EEXIST) throw FileError(path, errno);
+}
+
 void makePrivateDirectory(const fs::path& path) {
-    makeMissingDirectories(path);
+    makeDirectories(path);
     const Descriptor directory = openFile(path, O_RDONLY | O_DIRECTORY);
     struct stat status {};
     if (::fstat(directory.get(), &status) < 0) throw FileError(path, errno);
@@ -241,6 +252,7 @@ FileLock::FileLock(const fs::path& path, std::chrono::milliseconds patience) {
     constexpr std::chrono::milliseconds pause{2};
     const auto deadline = std::chrono::steady_clock::now() + patience;
     while (uninterrupted([&] { return ::flock(file.get(), LOCK_EX | LOCK_NB); }) < 0) {
+        if (errno == ENOLCK || errno == EOPNOTSUPP) break;
         if (errno != EWOULDBLOCK) throw FileError(lock, errno);
         if (std::chrono::steady_clock::now() >= deadline) throw FileError(lock, EWOULDBLOCK);
         std::this_thread::sleep_for(pause);

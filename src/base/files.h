@@ -43,8 +43,11 @@ void replaceFile(const std::filesystem::path& path, std::string_view bytes, Acce
 // that replacing it loses nothing. Returns the new name; none when there is no such file.
 std::optional<std::filesystem::path> keepAside(const std::filesystem::path& path);
 
-// Makes the folder and those above it that are missing, open to the user alone; an existing one that belongs to the
-// user is closed to others. Fails when it belongs to somebody else.
+// Makes the folder and those above it that are missing, open to the user alone. One that exists stays as it is.
+void makeDirectories(const std::filesystem::path& path);
+
+// The same for a folder that is the program's own: one that exists is closed to others, and one that belongs to
+// somebody else is refused.
 void makePrivateDirectory(const std::filesystem::path& path);
 
 // What a file looked like at one moment, to find out cheaply whether it was changed since.
@@ -71,7 +74,8 @@ private:
 };
 
 // The right to change a file, held by one thread of one process at a time for as long as the object lives. It stands
-// in a hidden file beside the other (".NAME.lock"), which stays. A process that dies gives its locks back.
+// in a hidden file beside the other (".NAME.lock"), which stays. A process that dies gives its locks back. Where the
+// file system knows no locks everybody has the right at once.
 class FileLock {
 public:
     static constexpr std::chrono::milliseconds defaultPatience{2000};

@@ -1,0 +1,44 @@
+#include "storage/user_directories.h"
+
+#include <optional>
+#include <string_view>
+
+namespace ovrin {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view ownName = "Ovrin";
+
+// Relative paths in these variables count as unset, as the base directory specification demands.
+std::optional<fs::path> absolutePath(const Environment& environment, std::string_view variable) {
+    const auto value = environment.value(variable);
+    if (!value || !fs::path(*value).is_absolute()) return std::nullopt;
+    return fs::path(*value);
+}
+
+fs::path directory(const Environment& environment, std::string_view variable, std::string_view belowHome) {
+    if (const auto base = absolutePath(environment, variable)) return *base / ownName;
+    if (const auto home = absolutePath(environment, "HOME")) return *home / belowHome / ownName;
+    return absolutePath(environment, "TMPDIR").value_or("/tmp") / ownName;
+}
+
+}  // namespace
+
+fs::path configurationDirectory(const Environment& environment) {
+    return directory(environment, "XDG_CONFIG_HOME", ".config");
+}
+
+fs::path applicationSupportDirectory(const Environment& environment) {
+    return directory(environment, "XDG_DATA_HOME", ".local/share");
+}
+
+fs::path preferencesFile(const Environment& environment) {
+    return configurationDirectory(environment) / "preferences.json";
+}
+
+fs::path historyFile(const Environment& environment) {
+    return applicationSupportDirectory(environment) / "history.json";
+}
+
+}  // namespace ovrin

@@ -1,0 +1,19 @@
+// Where the program keeps its files for the user. Nothing here touches the disk.
+#pragma once
+
+#include <filesystem>
+
+#include "base/environment.h"
+
+namespace ovrin {
+
+// $XDG_CONFIG_HOME/Ovrin, else ~/.config/Ovrin; under the temporary directory when the environment names no home.
+std::filesystem::path configurationDirectory(const Environment& environment);
+
+// $XDG_DATA_HOME/Ovrin, else ~/.local/share/Ovrin; under the temporary directory when the environment names no home.
+std::filesystem::path applicationSupportDirectory(const Environment& environment);
+
+std::filesystem::path preferencesFile(const Environment& environment);
+std::filesystem::path historyFile(const Environment& environment);
+
+}  // namespace ovrin
