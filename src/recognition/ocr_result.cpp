@@ -1,43 +1,14 @@
 #include "recognition/ocr_result.h"
 
-#include <chrono>
-#include <cmath>
-
 #include <nlohmann/json.hpp>
 
 #include "base/error.h"
 #include "base/hash_combine.h"
+#include "base/json_date.h"
 
 namespace ovrin {
 
 namespace {
-
-using Seconds = std::chrono::duration<double>;
-using std::chrono::microseconds;
-
-constexpr Timestamp referenceDate = std::chrono::sys_days{std::chrono::year{2001} / 1 / 1};
-
-// Beyond this a double of seconds no longer fits a Timestamp (some 290 years from 1970).
-constexpr double largestDistance = 8e9;
-
-Timestamp dateFromSeconds(double seconds) {
-    return referenceDate + std::chrono::round<microseconds>(Seconds(seconds));
-}
-
-nlohmann::ordered_json encodedDate(Timestamp moment, OCRResult::DateForm form) {
-    if (form == OCRResult::DateForm::iso8601) return iso8601Text(moment);
-    return Seconds(moment - referenceDate).count();
-}
-
-std::optional<Timestamp> decodedDate(const json::Value& json, OCRResult::DateForm form) {
-    if (form == OCRResult::DateForm::iso8601) {
-        const auto text = json::string(json, "createdAt");
-        return text ? parseIso8601(*text) : std::nullopt;
-    }
-    const auto seconds = json::number(json, "createdAt");
-    if (!seconds || !(std::abs(*seconds) <= largestDistance)) return std::nullopt;
-    return dateFromSeconds(*seconds);
-}
 
 [[noreturn]] void failFor(const char* key) {
     throw Error(std::string("A recognition result has no usable \"") + key + "\".");
@@ -76,7 +47,7 @@ OCRResult OCRResult::fromJson(const json::Value& json, DateForm form) {
     if (list == nullptr || !list->is_array()) failFor("paragraphs");
     for (const json::Value& paragraph : *list) result.paragraphs.push_back(OCRParagraph::fromJson(paragraph));
     result.detectedLanguage = decodedLanguage(json);
-    const auto createdAt = decodedDate(json, form);
+    const auto createdAt = decodedDate(json, "createdAt", form);
     if (!createdAt) failFor("createdAt");
     result.createdAt = *createdAt;
     return result;

@@ -10,16 +10,13 @@
 
 #include "base/date_time.h"
 #include "base/json.h"
+#include "base/json_date.h"
 #include "recognition/ocr_paragraph.h"
 
 namespace ovrin {
 
 struct OCRResult {
-    // How a serialised result writes its time.
-    enum class DateForm {
-        secondsSinceReferenceDate,  // a number; the reference date is 2001-01-01T00:00:00Z
-        iso8601,                    // a string in UTC; fractions of a second are dropped
-    };
+    using DateForm = ovrin::DateForm;  // how a serialised result writes its time
 
     std::vector<OCRParagraph> paragraphs{};         // in the order they were reported; never empty from an engine
     std::optional<std::string> detectedLanguage{};  // BCP-47 tag of the whole text's dominant language
