@@ -1,9 +1,11 @@
 // AsyncStream<T>: an unbounded sequence of values from a producer on one loop or thread to one consumer on another.
 //
 // Values arrive in the order they were pushed; the stream ends normally or with an exception, after all values pushed
-// before. Dropping the stream tells the producer through its stop token and throws away what is still queued.
+// before. Dropping the stream tells the producer through its stop token, throws away what is still queued and ends a
+// wait for the next value with CancellationError. Values may be destroyed on either thread.
 #pragma once
 
+#include <cassert>
 #include <coroutine>
 #include <deque>
 #include <exception>
@@ -35,6 +37,19 @@ struct StreamState {
     std::exception_ptr failure;
     std::optional<Resumer> waiting;
     std::stop_source dropped;
+
+    // The first end counts.
+    void end(std::exception_ptr reason) {
+        std::optional<Resumer> waiter;
+        {
+            const std::lock_guard lock(mutex);
+            if (isFinished) return;
+            isFinished = true;
+            failure = std::move(reason);
+            waiter = std::exchange(waiting, std::nullopt);
+        }
+        if (waiter) waiter->resume();
+    }
 };
 
 }  // namespace detail
@@ -52,10 +67,11 @@ public:
 
     // Ignored after the end and after the stream was dropped.
     void push(T value) {
+        assert(state_);
         std::optional<Resumer> waiter;
         {
             const std::lock_guard lock(state_->mutex);
-            if (state_->isFinished || state_->dropped.stop_requested()) return;
+            if (state_->isFinished) return;
             state_->queue.push_back(std::move(value));
             waiter = std::exchange(state_->waiting, std::nullopt);
         }
@@ -74,15 +90,8 @@ private:
     explicit StreamWriter(std::shared_ptr<detail::StreamState<T>> state) : state_(std::move(state)) {}
 
     void end(std::exception_ptr failure) {
-        std::optional<Resumer> waiter;
-        {
-            const std::lock_guard lock(state_->mutex);
-            if (state_->isFinished) return;
-            state_->isFinished = true;
-            state_->failure = std::move(failure);
-            waiter = std::exchange(state_->waiting, std::nullopt);
-        }
-        if (waiter) waiter->resume();
+        assert(state_);
+        state_->end(std::move(failure));
     }
 
     std::shared_ptr<detail::StreamState<T>> state_;
@@ -137,8 +146,12 @@ public:
     };
 
     // The next value; none after a normal end; throws what the producer failed with, and CancellationError when the
-    // awaiting task is stopped. After the end it keeps giving the same answer.
-    NextAwaiter next() { return NextAwaiter(state_); }
+    // awaiting task is stopped (the value that had arrived then stays in the stream). After the end it keeps giving the
+    // same answer. One wait at a time; the stream may be moved or dropped meanwhile.
+    NextAwaiter next() {
+        assert(state_ && "an empty stream has no next value");
+        return NextAwaiter(state_);
+    }
 
 private:
     template <typename U>
@@ -147,13 +160,15 @@ private:
 
     void drop() {
         if (!state_) return;
+        // Cleared before anything that may run code of others.
+        const auto state = std::exchange(state_, nullptr);
+        state->end(std::make_exception_ptr(CancellationError()));
         std::deque<T> unread;
         {
-            const std::lock_guard lock(state_->mutex);
-            unread.swap(state_->queue);
+            const std::lock_guard lock(state->mutex);
+            unread.swap(state->queue);
         }
-        state_->dropped.request_stop();
-        state_.reset();
+        state->dropped.request_stop();
     }
 
     std::shared_ptr<detail::StreamState<T>> state_;
@@ -180,7 +195,7 @@ Task<void> runProducer(std::function<Task<void>(StreamWriter<T>&)> body, StreamW
 }  // namespace detail
 
 // A stream whose values come from a task on the given loop. The task starts at once (from any thread), ends the stream
-// by ending, and is destroyed on its loop when the stream is dropped.
+// by ending, and is destroyed on its loop when the stream is dropped. The loop has to exist until one of these.
 template <typename T>
 AsyncStream<T> streamFrom(EventLoop& loop, std::function<Task<void>(StreamWriter<T>&)> body) {
     auto [stream, writer] = makeStream<T>();

@@ -21,6 +21,9 @@ class RunLoop final : public EventLoop {
 public:
     // The loop belongs to the thread that makes it.
     RunLoop();
+    RunLoop(const RunLoop&) = delete;
+    RunLoop& operator=(const RunLoop&) = delete;
+    ~RunLoop() override;
 
     void post(Work work) override;
     TimerId postAfter(Duration delay, Work work) override;
@@ -35,13 +38,13 @@ public:
     void quit();
 
     // Runs the loop until the task is done and gives its result or exception. A stop makes the task's waits throw
-    // CancellationError.
+    // CancellationError. A quit() meanwhile does not end it.
     template <typename T>
     T complete(Task<T> task, std::stop_token stop = {}) {
         Outcome<T> outcome;
         RunningTask running(*this, collect(std::move(task), outcome), std::move(stop));
         running.start();
-        run();
+        while (!outcome.isKnown) run();
         if (outcome.failure) std::rethrow_exception(outcome.failure);
         if constexpr (!std::is_void_v<T>) return std::move(*outcome.value);
     }
@@ -51,6 +54,7 @@ private:
     struct Outcome {
         std::optional<std::conditional_t<std::is_void_v<T>, bool, T>> value;
         std::exception_ptr failure;
+        bool isKnown = false;
     };
 
     template <typename T>
@@ -64,8 +68,11 @@ private:
         } catch (...) {
             outcome.failure = std::current_exception();
         }
+        outcome.isKnown = true;
         quit();
     }
+
+    void runTimer(TimerId timer);
 
     const std::thread::id thread_;
     mutable std::mutex mutex_;

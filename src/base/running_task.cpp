@@ -1,6 +1,7 @@
 #include "base/running_task.h"
 
 #include <cassert>
+#include <exception>
 #include <optional>
 #include <utility>
 
@@ -28,7 +29,10 @@ TaskRoot::TaskRoot(EventLoop& loop, Task<void> task, const std::stop_token& oute
 }
 
 void TaskRoot::start() {
-    if (task_) resume(task_.handle_);
+    assert(task_ && task_.handle_.promise().context.loop->isCurrent());
+    assert(!isStarted_ && "a task starts once");
+    isStarted_ = true;
+    resume(task_.handle_);
 }
 
 void TaskRoot::resume(std::coroutine_handle<> handle) {
@@ -39,13 +43,16 @@ void TaskRoot::resume(std::coroutine_handle<> handle) {
     settle();
 }
 
-void TaskRoot::settle() {
+void TaskRoot::settle() noexcept {
     if (depth_ > 0 || isDone_) return;
     if (task_ && task_.handle_.done()) {
         isDone_ = true;
-        task_.handle_.promise().takeResult();  // an exception here is a programming error: it ends the program
+        try {
+            task_.handle_.promise().takeResult();
+        } catch (...) {
+            std::terminate();  // a programming error; caught so that the program's last words name it
+        }
         task_ = {};
-        if (isCancelled_) return;
         if (const auto callback = std::exchange(onDone_, {})) callback();
     } else if (isCancelled_) {
         isDone_ = true;
@@ -54,10 +61,11 @@ void TaskRoot::settle() {
 }
 
 void TaskRoot::cancel() {
-    if (isDone_ || isCancelled_) return;
     const auto keepAlive = shared_from_this();
+    // Also when the task is done: the clean-up of its locals may be what makes the owner go.
+    const auto unwanted = std::exchange(onDone_, {});
+    if (isDone_ || isCancelled_) return;
     isCancelled_ = true;
-    onDone_ = {};
     stop_.request_stop();
     settle();
 }
@@ -76,6 +84,14 @@ void TaskSlot::replace(Task<void> task) {
 void TaskSlot::cancel() {
     // Cleared before the old task is destroyed, so that its clean-up finds the slot empty.
     const auto old = std::exchange(running_, nullptr);
+}
+
+void TaskGroup::cancelAll() {
+    // One at a time and out of the list, because the clean-up of a task may use the group.
+    while (!tasks_.empty()) {
+        std::list<RunningTask> one;
+        one.splice(one.begin(), tasks_, tasks_.begin());
+    }
 }
 
 void TaskGroup::start(Task<void> task) {
@@ -117,8 +133,8 @@ private:
 }  // namespace
 
 void startDetached(EventLoop& loop, Task<void> task, const std::stop_token& stop) {
-    const auto detached = std::make_shared<DetachedTask>(loop, std::move(task));
-    loop.post([detached, stop] { detached->start(stop); });
+    auto detached = std::make_shared<DetachedTask>(loop, std::move(task));
+    loop.post([detached = std::move(detached), stop] { detached->start(stop); });
 }
 
 }  // namespace ovrin

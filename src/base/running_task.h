@@ -1,7 +1,8 @@
 // RunningTask: the owner of a task that runs. TaskSlot, TaskGroup: the two ways objects keep them.
 //
 // Cancelling asks the task's waits and helpers to stop and destroys the task where it waits, so that a cancelled task
-// changes no state and shows no message. A task that cancels its own owner runs on to its next wait and ends there.
+// changes no state and shows no message. A task that cancels its own owner runs on to its next wait and is destroyed
+// there: no exception reaches it, so none of its handlers runs for an owner that is gone.
 // All of them belong to the thread of their loop.
 #pragma once
 
@@ -28,16 +29,19 @@ public:
     void resume(std::coroutine_handle<> handle);
     void cancel();
     bool isDone() const { return isDone_; }
+    // Set when the owner has gone: the coroutine must not run on after its next wait.
+    bool isCancelled() const { return isCancelled_; }
     void setOnDone(std::function<void()> callback) { onDone_ = std::move(callback); }
 
 private:
-    void settle();
+    void settle() noexcept;
 
     Task<void> task_;
     std::stop_source stop_;
     std::stop_callback<std::function<void()>> outerStop_;
     std::function<void()> onDone_;
     int depth_ = 0;  // how many resume() calls are on the stack
+    bool isStarted_ = false;
     bool isCancelled_ = false;
     bool isDone_ = false;
 };
@@ -85,9 +89,10 @@ public:
     explicit TaskGroup(EventLoop& loop) : loop_(loop) {}
     TaskGroup(const TaskGroup&) = delete;
     TaskGroup& operator=(const TaskGroup&) = delete;
+    ~TaskGroup() { cancelAll(); }
 
     void start(Task<void> task);
-    void cancelAll() { tasks_.clear(); }
+    void cancelAll();
     bool isEmpty() const { return tasks_.empty(); }
 
 private:
@@ -96,7 +101,7 @@ private:
 };
 
 // Runs a task on a loop from any thread, owned by nobody: it lives until it ends or the stop destroys it on its loop.
-// The loop has to run (or drain) until then.
+// The loop has to exist until then. It may be gone once the task has ended, and a stop that comes later is ignored.
 void startDetached(EventLoop& loop, Task<void> task, const std::stop_token& stop);
 
 }  // namespace ovrin

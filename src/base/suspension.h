@@ -4,6 +4,7 @@
 #include <coroutine>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <stop_token>
 #include <utility>
@@ -15,15 +16,20 @@
 
 namespace ovrin {
 
-// Wakes one waiting coroutine on its loop. Copies share the right to do so: the first wake counts, later ones and
-// those that come after the coroutine has gone are ignored.
+// Wakes one waiting coroutine on its loop. Copies share the right to do so: the first wake counts. Later ones, and
+// those that come after the coroutine has gone on or was destroyed, are ignored and touch nothing, so that a Resumer
+// may outlive the loop.
 class Resumer {
 public:
     Resumer() = default;
 
     // Any thread. The coroutine goes on from its loop, never inside this call.
     void resume() const {
-        state_->loop->post([state = state_] {
+        if (!state_) return;
+        const std::lock_guard lock(state_->mutex);
+        EventLoop* const loop = std::exchange(state_->loop, nullptr);
+        if (!loop) return;
+        loop->post([state = state_] {
             if (const auto handle = std::exchange(state->handle, {})) state->root->resume(handle);
         });
     }
@@ -31,7 +37,9 @@ public:
 private:
     friend class Suspension;
     struct State {
-        EventLoop* loop;
+        State(EventLoop* l, detail::TaskRoot* r, std::coroutine_handle<> h) : loop(l), root(r), handle(h) {}
+        std::mutex mutex;
+        EventLoop* loop;                 // guarded by the mutex; none when woken or gone
         detail::TaskRoot* root;          // alive as long as handle is set
         std::coroutine_handle<> handle;  // touched on the loop's thread only
     };
@@ -49,22 +57,29 @@ public:
     Suspension(const Suspension&) = delete;
     Suspension& operator=(const Suspension&) = delete;
     ~Suspension() {
-        if (state_) state_->handle = {};
+        if (!state_) return;
+        state_->handle = {};
+        const std::lock_guard lock(state_->mutex);
+        state_->loop = nullptr;
     }
 
-    // From await_suspend. False when a stop has been requested: do not wait then, throwIfCancelled() will throw.
+    // From await_suspend, before anything that may wake. False when a stop has been requested: do not wait then,
+    // throwIfCancelled() will throw. When the owner of the task has gone, the wait begins and nothing ends it: the task
+    // is destroyed in it.
     template <typename Promise>
     bool begin(std::coroutine_handle<Promise> awaiting) {
         const TaskContext& context = awaiting.promise().context;
         stop_ = context.stop;
+        loop_ = context.loop;
+        if (context.root->isCancelled()) return true;
         if (stop_.stop_requested()) return false;
-        state_ = std::make_shared<Resumer::State>(Resumer::State{context.loop, context.root, awaiting});
+        state_ = std::make_shared<Resumer::State>(context.loop, context.root, awaiting);
         onStop_.emplace(stop_, [resumer = resumer()] { resumer.resume(); });
         return true;
     }
 
     Resumer resumer() const { return Resumer(state_); }
-    EventLoop& loop() const { return *state_->loop; }
+    EventLoop& loop() const { return *loop_; }
 
     // From await_resume.
     void throwIfCancelled() const {
@@ -73,6 +88,7 @@ public:
 
 private:
     std::shared_ptr<Resumer::State> state_;
+    EventLoop* loop_ = nullptr;
     std::stop_token stop_;
     std::optional<std::stop_callback<std::function<void()>>> onStop_;
 };

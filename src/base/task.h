@@ -4,9 +4,12 @@
 // result or exception to its one awaiter. What it awaits inherits its loop and its stop token. A task that is
 // dropped before its end is destroyed where it waits: its locals are cleaned up and nothing of it runs again.
 //
-// Write coroutines with parameters by value, and name what is awaited instead of awaiting inside a condition.
+// Write coroutines with parameters by value, and name what is awaited instead of awaiting inside a condition. GCC 12
+// destroys two times what a temporary aggregate inside a co_await expression holds: a lambda with captures other than
+// references, or arguments in braces ({.text = text}), must get a name first and be moved into the call.
 #pragma once
 
+#include <cassert>
 #include <coroutine>
 #include <exception>
 #include <optional>
@@ -70,7 +73,7 @@ template <typename T>
 class TaskPromise : public TaskPromiseBase {
 public:
     Task<T> get_return_object();
-    template <typename Value>
+    template <typename Value = T>
     requires std::is_constructible_v<T, Value&&>
     void return_value(Value&& value) { value_.emplace(std::forward<Value>(value)); }
     T takeResult() {
@@ -137,7 +140,10 @@ public:
     };
 
     // Awaiting consumes the task: co_await std::move(task).
-    Awaiter operator co_await() && { return Awaiter(std::exchange(handle_, {})); }
+    Awaiter operator co_await() && {
+        assert(handle_ && "an empty task cannot be awaited");
+        return Awaiter(std::exchange(handle_, {}));
+    }
 
     explicit operator bool() const { return static_cast<bool>(handle_); }
 

@@ -16,6 +16,9 @@ class VirtualLoop final : public EventLoop {
 public:
     // The loop belongs to the thread that makes it; its clock starts at zero.
     VirtualLoop();
+    VirtualLoop(const VirtualLoop&) = delete;
+    VirtualLoop& operator=(const VirtualLoop&) = delete;
+    ~VirtualLoop() override;
 
     void post(Work work) override;
     TimerId postAfter(Duration delay, Work work) override;
@@ -34,6 +37,7 @@ public:
 
 private:
     bool runOne();
+    void runTimer(TimerId timer);
 
     const std::thread::id thread_;
     mutable std::mutex mutex_;
