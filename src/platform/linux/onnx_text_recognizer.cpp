@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <opencv2/core.hpp>
 
+#include "platform/linux/recognition/glyph_places.h"
 #include "platform/linux/recognition/line_reader.h"
 #include "platform/linux/recognition/parallel.h"
 #include "platform/linux/recognition/reading_order.h"
@@ -31,8 +32,8 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
  parallelFor(regions.size(),recognitionThreads(),[&](std::size_t i){ pieces[i]=cutLinePiece(picture,regions[i].box);});
  LineReader lines(resources_->reader,resources_->tesseract,{"chi_tra","jpn","kor"});
  auto readings=lines.read(pieces,stop);
- std::vector<cv::Rect> boxes; std::vector<std::size_t> from;
- for(std::size_t i=0;i<pieces.size();i++){ if(readings[i].empty()||meanConfidence(readings[i])<0.5) continue; placeSpaces(readings[i],pieces[i]); auto b=pieces[i].inkBox; b.x+=pieces[i].box.x;b.y+=pieces[i].box.y; if(!pieces[i].flatBackground||b.empty()) b=pieces[i].box; boxes.push_back(b); from.push_back(i);}
+ std::vector<cv::Rect> boxes;  std::vector<std::size_t> from;
+ for(std::size_t i=0;i<pieces.size();i++){ if(readings[i].empty()||meanConfidence(readings[i])<0.5) continue; placeOnInk(readings[i],pieces[i]); placeSpaces(readings[i],pieces[i]); auto b=pieces[i].box; boxes.push_back(b); from.push_back(i);}
  std::vector<TextObservation> out;
  for(const auto& row:readingOrder(boxes)){ std::string text; double conf=0,n=0; cv::Rect box; for(auto k:row){ auto&r=readings[from[k]]; if(!text.empty()) text+=' '; text+=textOf(r); conf+=meanConfidence(r)*(double)r.size(); n+=(double)r.size(); box=box.empty()?boxes[k]:box|boxes[k]; }
   out.push_back({{{text,(float)(conf/n)}},{box.x/(double)image.width(),1-(box.y+box.height)/(double)image.height(),box.width/(double)image.width(),box.height/(double)image.height()}}); }

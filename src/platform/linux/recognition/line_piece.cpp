@@ -11,10 +11,12 @@ namespace {
 
 constexpr int levelsPerChannel = 8;
 constexpr double flatShare = 0.3;  // of the pixels that have about the background's colour, text being the rest
+static const double sideShare = getenv("SS")?atof(getenv("SS")):0.4;
+static const double marginShare = getenv("MS")?atof(getenv("MS")):0.2;  // of the text's height, around it
 constexpr int inkLevel = 96;       // of 255: from here on a pixel belongs to a stroke
 
 struct Background {
-    cv::Vec3f color;
+    cv::Scalar color;
     double share = 0;
 };
 
@@ -35,81 +37,175 @@ Background backgroundOf(const cv::Mat& bgr) {
     }
     const auto best = static_cast<std::size_t>(std::max_element(counts.begin(), counts.end()) - counts.begin());
     Background background;
-    background.color = sums[best] / static_cast<float>(counts[best]);
+    const cv::Vec3f color = sums[best] / static_cast<float>(counts[best]);
+    background.color = {color[0], color[1], color[2]};
     int near = 0;
     for (int y = 0; y < bgr.rows; ++y) {
         const auto* row = bgr.ptr<cv::Vec3b>(y);
         for (int x = 0; x < bgr.cols; ++x) {
-            if (cv::norm(cv::Vec3f(row[x]) - background.color, cv::NORM_INF) < 12) ++near;
+            if (cv::norm(cv::Vec3f(row[x]) - color, cv::NORM_INF) < 12) ++near;
         }
     }
     background.share = near / static_cast<double>(bgr.total());
     return background;
 }
 
-// How far each pixel is from the background, the strongest text colour being 255.
-cv::Mat inkOf(const cv::Mat& bgr, const Background& background) {
-    cv::Mat ink(bgr.size(), CV_8U);
-    std::array<int, 256> histogram{};
+// The colours above and below the text, column by column, averaged along the line and blended between top and bottom:
+// what lies behind text on a gradient.
+cv::Mat blendedBackground(const cv::Mat& bgr, const cv::Rect& box) {
+    cv::Mat top, bottom;
+    const int rows = std::max(1, box.height / 12);
+    cv::reduce(bgr.rowRange(box.y, box.y + rows), top, 0, cv::REDUCE_AVG, CV_32F);
+    cv::reduce(bgr.rowRange(box.br().y - rows, box.br().y), bottom, 0, cv::REDUCE_AVG, CV_32F);
+    cv::blur(top, top, {box.height, 1}, {-1, -1}, cv::BORDER_REPLICATE);
+    cv::blur(bottom, bottom, {box.height, 1}, {-1, -1}, cv::BORDER_REPLICATE);
+    cv::Mat background(bgr.size(), CV_8UC3);
     for (int y = 0; y < bgr.rows; ++y) {
-        const auto* row = bgr.ptr<cv::Vec3b>(y);
-        auto* target = ink.ptr<std::uint8_t>(y);
-        for (int x = 0; x < bgr.cols; ++x) {
-            const auto distance = static_cast<int>(cv::norm(cv::Vec3f(row[x]) - background.color, cv::NORM_INF));
-            target[x] = static_cast<std::uint8_t>(std::min(255, distance));
-            ++histogram[target[x]];
-        }
+        const float share = std::clamp((static_cast<float>(y - box.y) + 0.5F) / static_cast<float>(box.height), 0.0F, 1.0F);
+        cv::Mat row = background.row(y);
+        cv::Mat(top * (1 - share) + bottom * share).convertTo(row, CV_8U);
+    }
+    return background;
+}
+
+double shareNear(const cv::Mat& bgr, const cv::Mat& background) {
+    cv::Mat distance;
+    cv::absdiff(bgr, background, distance);
+    cv::Mat near;
+    cv::inRange(distance, cv::Scalar(0, 0, 0), cv::Scalar(12, 12, 12), near);
+    return cv::countNonZero(near) / static_cast<double>(bgr.total());
+}
+
+// How far each pixel is from the background, the strongest text colour of the box being 255.
+cv::Mat inkOf(const cv::Mat& bgr, const cv::Mat& background, const cv::Rect& box) {
+    cv::Mat difference;
+    cv::absdiff(bgr, background, difference);
+    cv::Mat channels[3];
+    cv::split(difference, channels);
+    cv::Mat ink = cv::max(cv::max(channels[0], channels[1]), channels[2]);
+    std::array<int, 256> histogram{};
+    for (int y = box.y; y < box.br().y; ++y) {
+        const auto* row = ink.ptr<std::uint8_t>(y);
+        for (int x = box.x; x < box.br().x; ++x) ++histogram[row[x]];
     }
     // The strongest percent decides what full ink is; a blank piece must not be stretched into noise.
     int strongest = 255;
-    for (int seen = 0; strongest > 24 && (seen += histogram[static_cast<std::size_t>(strongest)]) < bgr.rows * bgr.cols / 100;) --strongest;
+    int seen = 0;
+    while (strongest > 24 && (seen += histogram[static_cast<std::size_t>(strongest)]) < box.area() / 100) --strongest;
     ink.convertTo(ink, CV_8U, 255.0 / strongest);
     return ink;
 }
 
-}  // namespace
-
-ColumnRun LinePiece::widestGap(double from, double to) const {
-    ColumnRun widest;
-    for (std::size_t i = 1; i < runs.size(); ++i) {
-        const ColumnRun gap{runs[i - 1].right, runs[i].left};
-        if (gap.right > from && gap.left < to && gap.width() > widest.width()) widest = gap;
+// Runs of positions for which holds(position) is true.
+template <typename Predicate>
+std::vector<ColumnRun> runsWhere(int count, Predicate holds) {
+    std::vector<ColumnRun> runs;
+    for (int position = 0; position < count; ++position) {
+        if (!holds(position)) continue;
+        if (runs.empty() || runs.back().right != position) runs.push_back({position, position});
+        runs.back().right = position + 1;
     }
-    return widest;
+    return runs;
 }
 
-LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box) {
+// The rows of the line itself: the band of ink through the middle of the box, with the marks that stand close above or
+// below it. Neighbouring lines reach into the box where lines are set tightly.
+ColumnRun rowsOfLine(const cv::Mat& strokes, const cv::Rect& box) {
+    const auto bands = runsWhere(strokes.rows, [&](int y) {
+        return cv::countNonZero(strokes(cv::Rect(box.x, y, box.width, 1))) > 0;
+    });
+    ColumnRun line;
+    const int middle = box.y + box.height / 2;
+    const int quarter = std::max(1, box.height / 4);
+    for (const auto& band : bands) {
+        const bool central = band.left < middle + quarter && band.right > middle - quarter;
+        if (!central) continue;
+        if (line.width() == 0) line = band;
+        line.right = band.right;
+    }
+    for (const auto& band : bands) {  // dots and accents
+        const int gap = std::max(band.left - line.right, line.left - band.right);
+        const bool small = band.width() <= std::max(2, line.width() / 3);
+        const bool inside = band.left >= box.y && band.right <= box.br().y;
+        if (line.width() > 0 && gap >= 0 && gap <= std::max(1, line.width() / 5) && small && inside) {
+            line = {std::min(line.left, band.left), std::max(line.right, band.right)};
+        }
+    }
+    return line;
+}
+
+bool isRuler(const cv::Mat& strokes, const ColumnRun& run, const ColumnRun& rows) {
+    if (run.width() > std::max(2, rows.width() / 6)) return false;
+    if (strokes.rows <= rows.width() + 2) return false;
+    return cv::countNonZero(strokes.colRange(run.left, run.right)) >= 0.95 * strokes.rows * run.width();
+}
+
+// The columns of the line: those of the box, and beyond its sides as long as ink follows closely.
+std::vector<ColumnRun> columnsOfLine(const cv::Mat& strokes, const cv::Rect& box, const ColumnRun& rows) {
+    const cv::Mat line = strokes.rowRange(rows.left, rows.right);
+    auto runs = runsWhere(line.cols, [&](int x) { return cv::countNonZero(line.col(x)) > 0; });
+    std::erase_if(runs, [&](const ColumnRun& run) { return isRuler(strokes, run, rows); });
+    const double reach = 0.4 * rows.width();
+    auto first = std::find_if(runs.begin(), runs.end(), [&](const ColumnRun& run) { return run.right > box.x; });
+    auto last = std::find_if(runs.rbegin(), runs.rend(), [&](const ColumnRun& run) { return run.left < box.br().x; }).base();
+    if (first >= last) return {};
+    while (first != runs.begin() && first->left - std::prev(first)->right <= reach) --first;
+    while (last != runs.end() && last->left - std::prev(last)->right <= reach) ++last;
+    return {first, last};
+}
+
+LinePiece noisyPiece(const cv::Mat& picture, cv::Rect box) {
     LinePiece piece;
+    const int aside = box.height / 4;
+    box = cv::Rect(box.x - aside, box.y, box.width + 2 * aside, box.height) & cv::Rect({}, picture.size());
     piece.box = box;
     cv::cvtColor(picture(box), piece.color, cv::COLOR_BGRA2BGR);
-    const Background background = backgroundOf(piece.color);
-    piece.flatBackground = background.share >= flatShare;
-    piece.ink = inkOf(piece.color, background);
+    // Nothing but the letters has one and the same colour: what is near it is ink.
+    const cv::Mat text(piece.color.size(), CV_8UC3, backgroundOf(piece.color).color);
+    piece.ink = 255 - inkOf(piece.color, text, cv::Rect({}, text.size()));
+    piece.runs = {{0, box.width}};
+    return piece;
+}
 
-    int left = -1;
-    for (int x = 0; x <= box.width; ++x) {
-        int count = 0;
-        if (x < box.width) {
-            for (int y = 0; y < box.height; ++y) count += piece.ink.at<std::uint8_t>(y, x) >= inkLevel ? 1 : 0;
-        }
-        if (count > 0 && left < 0) left = x;
-        if (count == 0 && left >= 0) {
-            piece.runs.push_back({left, x});
-            left = -1;
-        }
+}  // namespace
+
+LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box) {
+    const int aside = box.height;
+    const int above = std::max(1, box.height / 6);
+    const cv::Rect strip = cv::Rect(box.x - aside, box.y - above, box.width + 2 * aside, box.height + 2 * above) &
+                           cv::Rect({}, picture.size());
+    const cv::Rect inner = box - strip.tl();
+    cv::Mat bgr;
+    cv::cvtColor(picture(strip), bgr, cv::COLOR_BGRA2BGR);
+    const Background plain = backgroundOf(bgr(inner));
+    cv::Mat background(bgr.size(), CV_8UC3, plain.color);
+    if (plain.share < flatShare) {
+        background = blendedBackground(bgr, inner);
+        if (shareNear(bgr(inner), background(inner)) < flatShare) return noisyPiece(picture, box);
     }
-    int top = box.height;
-    int bottom = 0;
-    for (int y = 0; y < box.height; ++y) {
-        const auto* row = piece.ink.ptr<std::uint8_t>(y);
-        if (std::any_of(row, row + box.width, [](std::uint8_t level) { return level >= inkLevel; })) {
-            top = std::min(top, y);
-            bottom = y + 1;
-        }
+    const cv::Mat ink = inkOf(bgr, background, inner);
+    const cv::Mat strokes = ink >= inkLevel;
+    const ColumnRun rows = rowsOfLine(strokes, inner);
+    LinePiece piece;
+    piece.flatBackground = true;
+    if (rows.width() > 0) piece.runs = columnsOfLine(strokes, inner, rows);
+    if (piece.runs.empty()) {
+        piece.box = box;
+        piece.color = bgr(inner).clone();
+        piece.ink = ink(inner).clone();
+        return piece;
     }
-    if (!piece.runs.empty()) {
-        piece.inkBox = {piece.runs.front().left, top, piece.runs.back().right - piece.runs.front().left, bottom - top};
-    }
+    const cv::Rect text(piece.runs.front().left, rows.left, piece.runs.back().right - piece.runs.front().left, rows.width());
+    const int above_ = std::max(2, static_cast<int>(std::lround(marginShare * text.height)));
+    const int side = std::max(2, static_cast<int>(std::lround(sideShare * text.height)));
+    cv::Mat around = background(text);
+    cv::copyMakeBorder(bgr(text), piece.color, above_, above_, side, side, cv::BORDER_CONSTANT | cv::BORDER_ISOLATED,
+                       cv::mean(around));
+    cv::copyMakeBorder(ink(text), piece.ink, above_, above_, side, side, cv::BORDER_CONSTANT | cv::BORDER_ISOLATED,
+                       cv::Scalar(0));
+    piece.box = text + strip.tl();
+    piece.inkBox = {side, above_, text.width, text.height};
+    for (auto& run : piece.runs) run = {run.left - text.x + side, run.right - text.x + side};
     return piece;
 }
 

@@ -1,6 +1,7 @@
 // One piece of a line cut out of the picture, with its text told from its background.
 #pragma once
 
+#include <algorithm>
 #include <vector>
 
 #include <opencv2/core.hpp>
@@ -15,18 +16,18 @@ struct ColumnRun {
 };
 
 struct LinePiece {
-    cv::Rect box;                // pixels of the whole picture
-    cv::Mat color;               // blue, green, red
-    cv::Mat ink;                 // one byte a pixel, 0 background to 255 text
-    cv::Rect inkBox;             // what the text covers, pixels from the piece's upper-left corner; may be empty
-    std::vector<ColumnRun> runs; // the columns that hold ink, left to right
-    bool flatBackground = false; // one colour behind the text: ink and runs can be relied on
+    cv::Rect box;                 // what the text covers, pixels of the whole picture
+    cv::Mat color;                // blue, green, red: the text with a margin of background around it
+    cv::Mat ink;                  // of the same size, one byte a pixel, 0 background to 255 text
+    cv::Rect inkBox;              // what the text covers, pixels of these two; may be empty
+    std::vector<ColumnRun> runs;  // the columns of these two that hold ink, left to right
+    bool flatBackground = false;  // one colour lies behind the text: ink and runs can be relied on
 
-    // Where there is no ink: the widest blank between two positions.
-    ColumnRun widestGap(double from, double to) const;
+    double glyphHeight() const { return inkBox.height > 0 ? inkBox.height : std::max(1, color.rows); }
 };
 
-// Cuts the box out of a picture of four bytes a pixel. Ink that the box's sides cut through widens it.
+// Cuts the text that was found in the box (pixels) out of a picture of four bytes a pixel. Parts of other lines are
+// painted over; ink that the box's sides cut through, or leave just outside, is taken in.
 LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box);
 
 }  // namespace ovrin

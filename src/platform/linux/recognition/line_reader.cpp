@@ -49,6 +49,7 @@ double credibility(const Reading& reading, const std::string& language) {
 struct PieceState {
     Reading network;
     double unexplained = 0;
+    double glyphs = 0;  // how many squares would fill the piece
     ScriptCounts counts;
     Reading other;
     double otherScore = 0;
@@ -56,7 +57,8 @@ struct PieceState {
 };
 
 bool isUnreadable(const PieceState& piece) {
-    return piece.unexplained > 0.12 || meanConfidence(piece.network) < 0.85;
+    return (piece.unexplained > 0.12 && piece.unexplained * piece.glyphs > 0.6) ||
+           (meanConfidence(piece.network) < 0.85 && piece.glyphs > 1.5);
 }
 
 // In a picture of this language, is the piece worth a second reading?
@@ -65,7 +67,8 @@ bool isDoubtful(const PieceState& piece, const std::string& language) {
     const bool weak = std::any_of(piece.network.begin(), piece.network.end(),
                                   [](const ReadCharacter& character) { return character.confidence < 0.9F; });
     if (language == "kor") return piece.unexplained > 0.05 || (weak && piece.counts.han > 0);
-    return piece.counts.han > 0 || piece.counts.kana > 0 || piece.unexplained > 0.06;
+    if (language == "chi_tra") return piece.counts.han > 0 || piece.unexplained > 0.05;
+    return piece.unexplained > 0.05 || piece.counts.kana > 0 || (piece.counts.han > 0 && (weak || piece.counts.simplified > 0 || piece.counts.traditional > 0));
 }
 
 }  // namespace
@@ -79,14 +82,15 @@ std::vector<Reading> LineReader::read(const std::vector<LinePiece>& pieces, cons
     std::vector<std::size_t> order(pieces.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-        return pieces[a].box.width * pieces[b].box.height > pieces[b].box.width * pieces[a].box.height;
+        return pieces[a].color.cols * pieces[b].color.rows > pieces[b].color.cols * pieces[a].color.rows;
     });
     parallelFor(pieces.size(), recognitionThreads(), [&](std::size_t position) {
         const std::size_t index = order[position];
         auto& state = states[index];
         state.network = network_.read(pieces[index].color, stop);
-        state.unexplained = pieces[index].flatBackground ? unexplainedInk(state.network, pieces[index]) : 0;
+        state.unexplained = unexplainedInk(state.network, pieces[index]);
         state.counts = countScripts(state.network);
+        state.glyphs = (pieces[index].inkBox.empty() ? pieces[index].color.cols : pieces[index].inkBox.width) / pieces[index].glyphHeight();
     });
 
     ScriptCounts total;
@@ -111,6 +115,8 @@ std::vector<Reading> LineReader::read(const std::vector<LinePiece>& pieces, cons
     };
 
     const bool traditional = total.traditional >= 2 && total.traditional > total.simplified;
+    std::vector<std::string> languages_ = this->languages_;
+    if (total.simplified > total.traditional) std::erase(languages_, "chi_tra");
     if (!languages_.empty() && (!unreadable.empty() || traditional)) {
         // The pieces with the most ink that nobody explained tell the picture's language.
         std::vector<std::size_t> probed = unreadable;
@@ -119,7 +125,7 @@ std::vector<Reading> LineReader::read(const std::vector<LinePiece>& pieces, cons
         }
         std::sort(probed.begin(), probed.end(), [&](std::size_t a, std::size_t b) {
             const auto weight = [&](std::size_t i) {
-                return (0.1 + states[i].unexplained) * pieces[i].box.width / pieces[i].box.height;
+                return (0.1 + states[i].unexplained) * pieces[i].color.cols / pieces[i].color.rows;
             };
             return weight(a) > weight(b);
         });
@@ -158,7 +164,7 @@ std::vector<Reading> LineReader::read(const std::vector<LinePiece>& pieces, cons
     for (std::size_t i = 0; i < states.size(); ++i) {
         auto& state = states[i];
         if (state.otherScore >= convincing || (state.otherScore >= possible && state.unexplained > 0.3)) {
-            readings[i] = joinReadings(state.network, state.other, std::max(1, pieces[i].inkBox.height),
+            readings[i] = joinReadings(state.network, state.other, pieces[i].glyphHeight(),
                                        [this](char32_t character) { return network_.knows(character); });
         } else {
             readings[i] = std::move(state.network);

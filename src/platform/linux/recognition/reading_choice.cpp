@@ -11,108 +11,122 @@ namespace {
 
 double centerOf(const ReadCharacter& character) { return (character.left + character.right) / 2; }
 
+bool isAscii(const ReadCharacter& character) { return character.code < 0x80; }
+
 bool isLatin(const ReadCharacter& character) {
-    const Script script = scriptOf(character.code);
-    return script == Script::latin || script == Script::digit;
+    return isAscii(character) && scriptOf(character.code) != Script::mark;
 }
 
-// A stretch where the readings differ: [from, to) of each.
-struct Difference {
-    std::size_t networkFrom, networkTo;
-    std::size_t otherFrom, otherTo;
-};
+using Iterator = Reading::const_iterator;
 
-// Where each character of one reading has an equal partner in the other: pairs in rising order.
-using Alignment = std::vector<std::pair<std::size_t, std::size_t>>;
-
-Alignment align(const Reading& network, const Reading& other, double glyphHeight) {
-    constexpr double gap = 0.7;
-    const std::size_t rows = network.size() + 1;
-    const std::size_t columns = other.size() + 1;
-    std::vector<double> cost(rows * columns, 0);
-    const auto at = [&](std::size_t i, std::size_t j) -> double& { return cost[i * columns + j]; };
-    const auto pairCost = [&](std::size_t i, std::size_t j) {
-        const double distance = std::abs(centerOf(network[i]) - centerOf(other[j])) / glyphHeight;
-        if (distance > 1.5) return std::numeric_limits<double>::infinity();
-        double difference = 1;
-        if (network[i].code == other[j].code) {
-            difference = 0;
-        } else if (simplified(network[i].code) == simplified(other[j].code)) {
-            difference = 0.2;
-        }
-        return difference + 0.4 * distance;
-    };
-    for (std::size_t i = 0; i < rows; ++i) {
-        for (std::size_t j = 0; j < columns; ++j) {
-            if (i == 0 || j == 0) {
-                at(i, j) = gap * static_cast<double>(i + j);
-                continue;
-            }
-            at(i, j) = std::min({at(i - 1, j) + gap, at(i, j - 1) + gap, at(i - 1, j - 1) + pairCost(i - 1, j - 1)});
-        }
-    }
-    Alignment matches;
-    for (std::size_t i = network.size(), j = other.size(); i > 0 && j > 0;) {
-        if (at(i, j) == at(i - 1, j - 1) + pairCost(i - 1, j - 1)) {
-            --i;
-            --j;
-            if (network[i].code == other[j].code) matches.emplace_back(i, j);
-        } else if (at(i, j) == at(i - 1, j) + gap) {
-            --i;
-        } else {
-            --j;
-        }
-    }
-    std::reverse(matches.begin(), matches.end());
-    return matches;
-}
-
-double meanConfidence(const Reading& reading, std::size_t from, std::size_t to) {
+double meanConfidence(Iterator from, Iterator to) {
     double sum = 0;
-    for (std::size_t i = from; i < to; ++i) sum += reading[i].confidence;
+    for (Iterator i = from; i != to; ++i) sum += i->confidence;
     return from == to ? 0 : sum / static_cast<double>(to - from);
 }
 
-// How long the run of Latin letters and digits is that the stretch of the network's reading belongs to; 0 when the
-// stretch holds anything else.
-std::size_t latinRun(const Reading& reading, std::size_t from, std::size_t to) {
-    const auto ascii = [](const ReadCharacter& character) { return character.code < 0x80; };
-    if (!std::all_of(reading.begin() + static_cast<std::ptrdiff_t>(from), reading.begin() + static_cast<std::ptrdiff_t>(to),
-                     ascii))
-        return 0;
-    while (from > 0 && ascii(reading[from - 1])) --from;
-    while (to < reading.size() && ascii(reading[to])) ++to;
-    return static_cast<std::size_t>(std::count_if(reading.begin() + static_cast<std::ptrdiff_t>(from),
-                                                  reading.begin() + static_cast<std::ptrdiff_t>(to), isLatin));
+// How much worse than a gap it is to take two characters for the same place of the line.
+double pairCost(const ReadCharacter& a, const ReadCharacter& b, double glyphHeight) {
+    const double distance = std::abs(centerOf(a) - centerOf(b)) / glyphHeight;
+    if (distance > 1.5) return std::numeric_limits<double>::infinity();
+    const double difference = a.code == b.code ? 0 : simplified(a.code) == simplified(b.code) ? 0.2 : 0.8;
+    return difference + 0.5 * distance;
 }
 
-bool networkIsRight(const Reading& network, const Reading& other, const Difference& difference,
+// The two characters stand at the same place: is the network's the right one?
+bool networkIsRight(const ReadCharacter& network, const ReadCharacter& other,
                     const std::function<bool(char32_t)>& knows) {
-    const auto [networkFrom, networkTo, otherFrom, otherTo] = difference;
-    const double networkConfidence = meanConfidence(network, networkFrom, networkTo);
-    const double otherConfidence = meanConfidence(other, otherFrom, otherTo);
-    bool otherIsKnown = true;
-    for (std::size_t j = otherFrom; j < otherTo; ++j) otherIsKnown = otherIsKnown && knows(other[j].code);
-    if (otherFrom == otherTo) {
-        return networkConfidence >= (latinRun(network, networkFrom, networkTo) > 0 ? 0.8 : 0.9);
-    }
-    if (networkFrom == networkTo) return otherConfidence < (otherIsKnown ? 0.85 : 0.5);
-    if (latinRun(network, networkFrom, networkTo) >= 3 && networkConfidence > 0.6) return true;
-    if (!otherIsKnown) return otherConfidence < 0.5;
-    if (networkTo - networkFrom == otherTo - otherFrom) {
-        bool variants = true;
-        for (std::size_t k = 0; k < networkTo - networkFrom; ++k) {
-            variants = variants && simplified(network[networkFrom + k].code) == simplified(other[otherFrom + k].code);
+    const bool marks = scriptOf(network.code) == Script::mark || scriptOf(network.code) == Script::wideMark;
+    const bool otherMarks = scriptOf(other.code) == Script::mark || scriptOf(other.code) == Script::wideMark;
+    if (marks && (otherMarks || other.code == U'・')) return network.confidence >= 0.5F;
+    if (!knows(other.code)) return other.confidence < 0.5F;
+    if (simplified(network.code) == simplified(other.code)) return false;
+    return network.confidence >= 0.9F || network.confidence >= other.confidence;
+}
+
+class Joiner {
+public:
+    Joiner(double glyphHeight, const std::function<bool(char32_t)>& knows) : glyphHeight_(glyphHeight), knows_(knows) {}
+
+    // Joins what lies between two words of the network.
+    void joinStretch(Iterator network, Iterator networkEnd, Iterator other, Iterator otherEnd) {
+        const auto rows = static_cast<std::size_t>(networkEnd - network) + 1;
+        const auto columns = static_cast<std::size_t>(otherEnd - other) + 1;
+        std::vector<double> cost(rows * columns, 0);
+        const auto at = [&](std::size_t i, std::size_t j) -> double& { return cost[i * columns + j]; };
+        const auto pair = [&](std::size_t i, std::size_t j) {
+            return pairCost(network[static_cast<std::ptrdiff_t>(i)], other[static_cast<std::ptrdiff_t>(j)], glyphHeight_);
+        };
+        // From the end, so that the way back runs from the beginning.
+        for (std::size_t i = rows; i-- > 0;) {
+            for (std::size_t j = columns; j-- > 0;) {
+                if (i + 1 == rows || j + 1 == columns) {
+                    at(i, j) = gapCost * static_cast<double>(rows - 1 - i + columns - 1 - j);
+                } else {
+                    at(i, j) = std::min({at(i + 1, j) + gapCost, at(i, j + 1) + gapCost, at(i + 1, j + 1) + pair(i, j)});
+                }
+            }
         }
-        if (variants) return false;
+        for (std::size_t i = 0, j = 0; i + 1 < rows || j + 1 < columns;) {
+            if (i + 1 < rows && j + 1 < columns && at(i, j) == at(i + 1, j + 1) + pair(i, j)) {
+                takePair(network[static_cast<std::ptrdiff_t>(i++)], other[static_cast<std::ptrdiff_t>(j++)]);
+            } else if (j + 1 == columns || (i + 1 < rows && at(i, j) == at(i + 1, j) + gapCost)) {
+                takeNetworkOnly(network[static_cast<std::ptrdiff_t>(i++)], other, otherEnd);
+            } else {
+                takeOtherOnly(other[static_cast<std::ptrdiff_t>(j++)], network, networkEnd);
+            }
+        }
     }
-    return networkConfidence >= 0.9 || networkConfidence >= otherConfidence;
+
+    void take(Iterator from, Iterator to) { joined_.insert(joined_.end(), from, to); }
+
+    Reading result() { return std::move(joined_); }
+
+private:
+    static constexpr double gapCost = 0.6;
+
+    void takePair(const ReadCharacter& network, const ReadCharacter& other) {
+        const bool equal = network.code == other.code;
+        joined_.push_back(equal || networkIsRight(network, other, knows_) ? network : other);
+        if (equal) joined_.back().confidence = std::max(network.confidence, other.confidence);
+        joined_.back().spaceBefore = std::max(network.spaceBefore, other.spaceBefore);
+    }
+
+    void takeNetworkOnly(const ReadCharacter& network, Iterator other, Iterator otherEnd) {
+        const bool covered = std::any_of(other, otherEnd, [&](const ReadCharacter& character) {
+            return centerOf(network) > character.left && centerOf(network) < character.right && isWide(character.code);
+        });
+        if (!covered && network.confidence >= (isAscii(network) ? 0.8F : 0.9F)) joined_.push_back(network);
+    }
+
+    void takeOtherOnly(const ReadCharacter& other, Iterator network, Iterator networkEnd) {
+        const bool covered = isAscii(other) && std::any_of(network, networkEnd, [&](const ReadCharacter& character) {
+            return std::abs(centerOf(other) - centerOf(character)) < 0.35 * glyphHeight_;
+        });
+        if (!covered && other.confidence >= (knows_(other.code) ? 0.85F : 0.5F)) joined_.push_back(other);
+    }
+
+    double glyphHeight_;
+    const std::function<bool(char32_t)>& knows_;
+    Reading joined_;
+};
+
+// The next Latin word or run of words of the network's reading that is long and sure enough to be believed.
+std::pair<Iterator, Iterator> nextLatinRun(Iterator from, Iterator end) {
+    while (from != end) {
+        const Iterator first = std::find_if(from, end, isLatin);
+        const Iterator last = std::find_if_not(first, end, isAscii);
+        const auto letters = std::count_if(first, last, isLatin);
+        if (letters >= 3 && meanConfidence(first, last) >= 0.85) return {first, last};
+        from = last;
+    }
+    return {end, end};
 }
 
 }  // namespace
 
 double unexplainedInk(const Reading& reading, const LinePiece& piece) {
-    const double height = std::max(1, piece.inkBox.height);
+    const double height = piece.glyphHeight();
     int total = 0;
     int unexplained = 0;
     std::size_t next = 0;
@@ -132,26 +146,35 @@ double unexplainedInk(const Reading& reading, const LinePiece& piece) {
 
 Reading joinReadings(const Reading& network, const Reading& other, double glyphHeight,
                      const std::function<bool(char32_t)>& knows) {
-    Reading joined;
-    Alignment matches = align(network, other, glyphHeight);
-    matches.emplace_back(network.size(), other.size());
-    std::size_t i = 0;
-    std::size_t j = 0;
-    for (const auto& [matchI, matchJ] : matches) {
-        const Difference difference{i, matchI, j, matchJ};
-        const bool chosen = networkIsRight(network, other, difference, knows);
-        const auto& source = chosen ? network : other;
-        joined.insert(joined.end(), source.begin() + static_cast<std::ptrdiff_t>(chosen ? i : j),
-                      source.begin() + static_cast<std::ptrdiff_t>(chosen ? matchI : matchJ));
-        if (matchI < network.size()) {
-            joined.push_back(network[matchI]);
-            joined.back().confidence = std::max(joined.back().confidence, other[matchJ].confidence);
-            joined.back().spaceBefore = std::max(joined.back().spaceBefore, other[matchJ].spaceBefore);
+    Joiner joiner(glyphHeight, knows);
+    Iterator i = network.begin();
+    Iterator j = other.begin();
+    while (i != network.end()) {
+        auto [first, last] = nextLatinRun(i, network.end());
+        // Where a letter at the edge lies on a character that the network can't name, the letter is a part of that.
+        const auto covering = [&](const ReadCharacter& letter) {
+            return std::any_of(j, other.end(), [&](const ReadCharacter& character) {
+                return !knows(character.code) && character.confidence > std::max(0.9F, letter.confidence) &&
+                       centerOf(letter) > character.left && centerOf(letter) < character.right;
+            });
+        };
+        while (first != last && covering(*first)) ++first;
+        while (first != last && covering(*std::prev(last))) --last;
+        if (first == last) {
+            if (last == network.end()) break;
+            first = last = network.end();
         }
-        i = matchI + 1;
-        j = matchJ + 1;
+        const double left = first == network.end() ? std::numeric_limits<double>::infinity() : centerOf(*first) - 0.3 * glyphHeight;
+        const double right = first == network.end() ? left : centerOf(*std::prev(last)) + 0.3 * glyphHeight;
+        const Iterator before = std::find_if(j, other.end(), [&](const ReadCharacter& character) { return centerOf(character) > left; });
+        const Iterator after = std::find_if(before, other.end(), [&](const ReadCharacter& character) { return centerOf(character) > right; });
+        joiner.joinStretch(i, first, j, before);
+        joiner.take(first, last);
+        i = last;
+        j = after;
     }
-    return joined;
+    joiner.joinStretch(i, network.end(), j, other.end());
+    return joiner.result();
 }
 
 }  // namespace ovrin

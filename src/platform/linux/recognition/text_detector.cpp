@@ -45,6 +45,28 @@ Tensor networkInput(const cv::Mat& bgr) {
     return tensor;
 }
 
+// Where words stand closely the network's regions run into each other: one piece is read better than two halves.
+std::vector<TextRegion> joinOverlapping(std::vector<TextRegion> regions) {
+    for (std::size_t i = 0; i < regions.size(); ++i) {
+        for (std::size_t j = i + 1; j < regions.size();) {
+            const cv::Rect& a = regions[i].box;
+            const cv::Rect& b = regions[j].box;
+            const int sharedHeight = std::min(a.br().y, b.br().y) - std::max(a.y, b.y);
+            const int gap = std::max(a.x, b.x) - std::min(a.br().x, b.br().x);
+            const bool join = sharedHeight > 0.6 * std::max(a.height, b.height) && gap < 0;
+            if (!join) {
+                ++j;
+                continue;
+            }
+            regions[i].box |= b;
+            regions[i].score = std::max(regions[i].score, regions[j].score);
+            regions.erase(regions.begin() + static_cast<std::ptrdiff_t>(j));
+            j = i + 1;
+        }
+    }
+    return regions;
+}
+
 }  // namespace
 
 TextDetector::TextDetector(const std::filesystem::path& modelFile) : network_(modelFile) {}
@@ -100,7 +122,7 @@ std::vector<TextRegion> TextDetector::detect(const cv::Mat& picture, const std::
                            static_cast<int>(std::ceil(grown.height / scale)));
         regions.push_back({box & cv::Rect({}, picture.size()), score});
     }
-    return regions;
+    return joinOverlapping(std::move(regions));
 }
 
 }  // namespace ovrin

@@ -18,12 +18,16 @@ void placeSpaces(Reading& reading, const LinePiece& piece) {
     if (reading.empty()) return;
     const double em = 1.08 * std::max(1, piece.inkBox.height);
     reading.front().spaceBefore = 0;
+    if (!piece.flatBackground) {
+        for (auto& character : reading) character.spaceBefore = character.spaceBefore > 0.5 && !isWide(character.code) ? 1 : 0;
+        return;
+    }
     for (std::size_t i = 1; i < reading.size(); ++i) {
         auto& character = reading[i];
         const auto& before = reading[i - 1];
         const Script left = scriptOf(before.code);
         const Script right = scriptOf(character.code);
-        const double gap = piece.widestGap(centerOf(before), centerOf(character)).width() / em;
+        const double gap = (character.left - before.right) / em;
         double score = gap + 0.25 * character.spaceBefore;
         const double said = character.spaceBefore;
         character.spaceBefore = 0;
@@ -33,10 +37,11 @@ void placeSpaces(Reading& reading, const LinePiece& piece) {
             const double distance = (centerOf(character) - centerOf(before)) / em;
             character.spaceBefore = distance > 1.3 && gap > 0.3 ? 1 : 0;
         } else {
-            character.spaceBefore = score > 0.33 ? 1 : 0;
+            const bool korean = left == Script::hangul || right == Script::hangul;
+            character.spaceBefore = (korean ? gap + 0.04 * said > 0.245 : score > 0.33) ? 1 : 0;
         }
         if (std::getenv("DUMP"))
-            std::fprintf(stderr, "%x %x gap %.2f said %.2f -> %.0f\n", (unsigned)before.code, (unsigned)character.code, gap, said, character.spaceBefore);
+            std::fprintf(stderr, "PAIR %u %u %.3f %.3f %.0f %.1f\n", (unsigned)before.code, (unsigned)character.code, gap, said, character.spaceBefore, em);
     }
 }
 
