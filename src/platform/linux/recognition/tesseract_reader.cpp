@@ -87,7 +87,8 @@ Reading TesseractReader::read(const LinePiece& piece, const std::string& languag
                 int left = 0, top = 0, right = 0, bottom = 0;
                 if (!text || !symbol->BoundingBox(tesseract::RIL_SYMBOL, &left, &top, &right, &bottom)) continue;
                 const auto characters = icu::UnicodeString::fromUTF8(text.get());
-                const double space = symbol->IsAtBeginningOf(tesseract::RIL_WORD) ? 1 : 0;
+                // Only Korean has words; elsewhere they are the engine's own.
+                const double space = language == "kor" && symbol->IsAtBeginningOf(tesseract::RIL_WORD) ? 1 : 0;
                 for (int i = 0; i < characters.length(); i = characters.moveIndex32(i, 1)) {
                     reading.push_back({static_cast<char32_t>(characters.char32At(i)),
                                        symbol->Confidence(tesseract::RIL_SYMBOL) / 100.0F,
