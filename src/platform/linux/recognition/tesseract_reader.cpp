@@ -56,11 +56,12 @@ TesseractReader::Engine TesseractReader::takeEngine(const std::string& language)
         }
     }
     auto engine = std::make_unique<tesseract::TessBaseAPI>();
-    if (engine->Init(dataFolder_.c_str(), language.c_str(), tesseract::OEM_LSTM_ONLY) != 0) return nullptr;
-    engine->SetPageSegMode(getenv("PSM")?(tesseract::PageSegMode)atoi(getenv("PSM")):tesseract::PSM_SINGLE_LINE);
-    engine->SetVariable("debug_file", "/dev/null");
-    engine->SetVariable("invert_threshold", "0");
-    engine->SetVariable("user_defined_dpi", "300");
+    const std::vector<std::string> names = {"debug_file", "invert_threshold", "user_defined_dpi"};
+    const std::vector<std::string> values = {"/dev/null", "0", "300"};
+    if (engine->Init(dataFolder_.c_str(), language.c_str(), tesseract::OEM_LSTM_ONLY, nullptr, 0, &names, &values,
+                     false) != 0)
+        return nullptr;
+    engine->SetPageSegMode(tesseract::PSM_SINGLE_LINE);
     return engine;
 }
 
