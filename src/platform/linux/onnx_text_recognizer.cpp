@@ -1,41 +1,188 @@
 #include "platform/linux/onnx_text_recognizer.h"
 
+#include <malloc.h>
+
+#include <algorithm>
 #include <cstdlib>
+#include <mutex>
+#include <optional>
+#include <shared_mutex>
+#include <utility>
+
 #include <opencv2/core.hpp>
 
+#include "base/error.h"
 #include "platform/linux/recognition/glyph_places.h"
+#include "platform/linux/recognition/line_piece.h"
 #include "platform/linux/recognition/line_reader.h"
 #include "platform/linux/recognition/parallel.h"
 #include "platform/linux/recognition/reading_order.h"
 #include "platform/linux/recognition/text_detector.h"
 #include "platform/linux/recognition/word_spaces.h"
+
 namespace ovrin {
+namespace {
+
+constexpr const char* detectionModel = "ch_PP-OCRv4_det_infer.onnx";
+constexpr const char* recognitionModel = "ch_PP-OCRv4_rec_infer.onnx";
+constexpr const char* characterList = "ppocr_keys_v1.txt";
+
+// What is read with less confidence is the texture of a picture, not text; a character or two needs more.
+bool isText(const Reading& reading) {
+    const double confidence = meanConfidence(reading);
+    return !reading.empty() && confidence >= (reading.size() <= 2 ? 0.65 : 0.5);
+}
+
+// Tesseract's names for those requested languages that the network can't read.
+std::vector<std::string> otherLanguages(const std::vector<std::string>& tags) {
+    const auto requested = [&](std::initializer_list<const char*> prefixes) {
+        return std::any_of(tags.begin(), tags.end(), [&](const std::string& tag) {
+            return std::any_of(prefixes.begin(), prefixes.end(),
+                               [&](const char* prefix) { return tag.starts_with(prefix); });
+        });
+    };
+    std::vector<std::string> languages;
+    if (requested({"zh-Hant", "zh-TW", "zh-HK", "zh-MO"})) languages.emplace_back("chi_tra");
+    if (requested({"ja"})) languages.emplace_back("jpn");
+    if (requested({"ko"})) languages.emplace_back("kor");
+    return languages;
+}
+
+Rect unitBox(const cv::Rect& box, const Image& image) {
+    const double width = image.width();
+    const double height = image.height();
+    return {.x = box.x / width, .y = 1 - box.br().y / height, .width = box.width / width, .height = box.height / height};
+}
+
+std::vector<TextObservation> observations(const std::vector<LinePiece>& pieces, const std::vector<Reading>& readings,
+                                          const Image& image) {
+    std::vector<cv::Rect> boxes;
+    boxes.reserve(pieces.size());
+    for (const auto& piece : pieces) boxes.push_back(piece.box);
+    std::vector<TextObservation> lines;
+    for (const auto& row : readingOrder(boxes)) {
+        std::string text;
+        double confidence = 0;
+        double characters = 0;
+        cv::Rect box;
+        for (const std::size_t index : row) {
+            const Reading& reading = readings[index];
+            if (!text.empty()) text += ' ';
+            text += textOf(reading);
+            confidence += meanConfidence(reading) * static_cast<double>(reading.size());
+            characters += static_cast<double>(reading.size());
+            box = box.empty() ? boxes[index] : box | boxes[index];
+        }
+        lines.push_back({.candidates = {{.string = text, .confidence = static_cast<float>(confidence / characters)}},
+                         .boundingBox = unitBox(box, image)});
+    }
+    return lines;
+}
+
+}  // namespace
+
 RecognitionFiles RecognitionFiles::ofThisProgram() {
     const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
     const auto built = folder / "share/ovrin/models";
     const char* prefix = std::getenv("TESSDATA_PREFIX");
     return {.modelFolder = std::filesystem::exists(built) ? built : folder.parent_path() / "share/ovrin/models",
-            .tesseractFolder = prefix != nullptr ? prefix : "/usr/share/tesseract-ocr/5/tessdata"};
+            .tesseractFolder = prefix != nullptr ? prefix : OVRIN_TESSDATA_FOLDER};
 }
 
+// The loaded models. Running passes hold the lock shared; releasing waits for them.
+class OnnxTextRecognizer::Resources {
+public:
+    struct Models {
+        std::unique_ptr<TextDetector> detector;
+        std::unique_ptr<LineRecognizer> lineRecognizer;
+        std::unique_ptr<TesseractReader> tesseract;
+    };
 
-class OnnxTextRecognizer::Resources { public: 
- explicit Resources(const RecognitionFiles&f):detector(f.modelFolder/"ch_PP-OCRv4_det_infer.onnx"),reader(f.modelFolder/"ch_PP-OCRv4_rec_infer.onnx",f.modelFolder/"ppocr_keys_v1.txt"),tesseract(f.tesseractFolder){}
- TextDetector detector; LineRecognizer reader; TesseractReader tesseract; };
-OnnxTextRecognizer::OnnxTextRecognizer(RecognitionFiles files):resources_(std::make_unique<Resources>(files)){}
-OnnxTextRecognizer::~OnnxTextRecognizer()=default;
-void OnnxTextRecognizer::prepare(){} void OnnxTextRecognizer::releaseResources(){}
-std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRequest&, const Image& image, std::stop_token stop){
- const cv::Mat picture(image.height(),image.width(),CV_8UC4,const_cast<std::uint8_t*>(image.data()));
- auto regions=resources_->detector.detect(picture,stop);
- std::vector<LinePiece> pieces(regions.size());
- parallelFor(regions.size(),recognitionThreads(),[&](std::size_t i){ pieces[i]=cutLinePiece(picture,regions[i].box);});
- LineReader lines(resources_->reader,resources_->tesseract,{"chi_tra","jpn","kor"});
- auto readings=lines.read(pieces,stop);
- std::vector<cv::Rect> boxes;  std::vector<std::size_t> from;
- for(std::size_t i=0;i<pieces.size();i++){ if(readings[i].empty()||meanConfidence(readings[i])<0.5) continue; placeOnInk(readings[i],pieces[i]); placeSpaces(readings[i],pieces[i]); auto b=pieces[i].box; boxes.push_back(b); from.push_back(i);}
- std::vector<TextObservation> out;
- for(const auto& row:readingOrder(boxes)){ std::string text; double conf=0,n=0; cv::Rect box; for(auto k:row){ auto&r=readings[from[k]]; if(!text.empty()) text+=' '; text+=textOf(r); conf+=meanConfidence(r)*(double)r.size(); n+=(double)r.size(); box=box.empty()?boxes[k]:box|boxes[k]; }
-  out.push_back({{{text,(float)(conf/n)}},{box.x/(double)image.width(),1-(box.y+box.height)/(double)image.height(),box.width/(double)image.width(),box.height/(double)image.height()}}); }
- return out; }
+    explicit Resources(RecognitionFiles files) : files_(std::move(files)) {}
+
+    std::shared_lock<std::shared_mutex> use() { return std::shared_lock(inUse_); }
+
+    // Call while holding use().
+    const Models& models() {
+        const std::lock_guard lock(loading_);
+        if (!models_) models_ = load();
+        return *models_;
+    }
+
+    void release() {
+        const std::unique_lock lock(inUse_);
+        models_.reset();
+        malloc_trim(0);  // the C library would keep the memory for itself
+    }
+
+private:
+    Models load() const {
+        Models models;
+        parallelFor(2, 2, [&](std::size_t index) {
+            if (index == 0) {
+                models.lineRecognizer =
+                    std::make_unique<LineRecognizer>(files_.modelFolder / recognitionModel, files_.modelFolder / characterList);
+            } else {
+                models.detector = std::make_unique<TextDetector>(files_.modelFolder / detectionModel);
+            }
+        });
+        models.tesseract = std::make_unique<TesseractReader>(files_.tesseractFolder);
+        return models;
+    }
+
+    RecognitionFiles files_;
+    std::shared_mutex inUse_;
+    std::mutex loading_;
+    std::optional<Models> models_;
+};
+
+OnnxTextRecognizer::OnnxTextRecognizer(RecognitionFiles files)
+    : resources_(std::make_unique<Resources>(std::move(files))) {}
+
+OnnxTextRecognizer::~OnnxTextRecognizer() = default;
+
+std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRequest& request, const Image& image,
+                                                         std::stop_token stop) {
+    if (stop.stop_requested()) throw CancellationError();
+    if (image.isEmpty()) return {};
+    const auto lock = resources_->use();
+    const auto& models = resources_->models();
+    // OpenCV's pictures are mutable; nothing here writes into this one.
+    const cv::Mat picture(image.height(), image.width(), CV_8UC4, const_cast<std::uint8_t*>(image.data()));
+
+    const auto regions = models.detector->detect(picture, stop);
+    std::vector<LinePiece> pieces(regions.size());
+    parallelFor(regions.size(), recognitionThreads(),
+                [&](std::size_t index) { pieces[index] = cutLinePiece(picture, regions[index].box); });
+    std::erase_if(pieces, [](const LinePiece& piece) { return piece.runs.empty(); });
+
+    auto languages = otherLanguages(request.recognitionLanguages);
+    std::erase_if(languages, [&](const std::string& language) { return !models.tesseract->hasLanguage(language); });
+    const LineReader reader(*models.lineRecognizer, *models.tesseract, std::move(languages));
+    const auto readings = reader.read(pieces, stop);
+
+    std::vector<LinePiece> textPieces;
+    std::vector<Reading> textReadings;
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        if (!isText(readings[i])) continue;
+        textReadings.push_back(readings[i]);
+        placeOnInk(textReadings.back(), pieces[i]);
+        placeSpaces(textReadings.back(), pieces[i]);
+        textPieces.push_back(std::move(pieces[i]));
+    }
+    return observations(textPieces, textReadings, image);
 }
+
+void OnnxTextRecognizer::prepare() {
+    const auto lock = resources_->use();
+    try {
+        resources_->models();
+    } catch (const Error&) {
+        // The next perform() meets the same failure and reports it to somebody who asked for something.
+        return;
+    }
+}
+
+void OnnxTextRecognizer::releaseResources() { resources_->release(); }
+
+}  // namespace ovrin

@@ -164,6 +164,7 @@ LinePiece noisyPiece(const cv::Mat& picture, cv::Rect box) {
     const cv::Mat text(piece.color.size(), CV_8UC3, backgroundOf(piece.color).color);
     piece.ink = 255 - inkOf(piece.color, text, cv::Rect({}, text.size()));
     piece.runs = {{0, box.width}};
+    piece.em = 0.8 * box.height;
     return piece;
 }
 
@@ -204,6 +205,8 @@ LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box) {
     cv::copyMakeBorder(ink(text), piece.ink, above_, above_, side, side, cv::BORDER_CONSTANT | cv::BORDER_ISOLATED,
                        cv::Scalar(0));
     piece.box = text + strip.tl();
+    // Text without capitals or descenders covers less than the font's size; the detected box knows better then.
+    piece.em = std::max(1.08 * text.height, 0.75 * box.height);
     piece.inkBox = {side, above_, text.width, text.height};
     for (auto& run : piece.runs) run = {run.left - text.x + side, run.right - text.x + side};
     return piece;

@@ -21,6 +21,7 @@ struct LinePiece {
     cv::Mat ink;                  // of the same size, one byte a pixel, 0 background to 255 text
     cv::Rect inkBox;              // what the text covers, pixels of these two; may be empty
     std::vector<ColumnRun> runs;  // the columns of these two that hold ink, left to right
+    double em = 1;                // about the font's size in pixels
     bool flatBackground = false;  // one colour lies behind the text: ink and runs can be relied on
 
     double glyphHeight() const { return inkBox.height > 0 ? inkBox.height : std::max(1, color.rows); }

@@ -57,6 +57,7 @@ struct PieceState {
 };
 
 bool isUnreadable(const PieceState& piece) {
+    if (piece.glyphs == 0) return false;
     return (piece.unexplained > 0.12 && piece.unexplained * piece.glyphs > 0.6) ||
            (meanConfidence(piece.network) < 0.85 && piece.glyphs > 1.5);
 }
@@ -90,7 +91,7 @@ std::vector<Reading> LineReader::read(const std::vector<LinePiece>& pieces, cons
         state.network = network_.read(pieces[index].color, stop);
         state.unexplained = unexplainedInk(state.network, pieces[index]);
         state.counts = countScripts(state.network);
-        state.glyphs = (pieces[index].inkBox.empty() ? pieces[index].color.cols : pieces[index].inkBox.width) / pieces[index].glyphHeight();
+        state.glyphs = pieces[index].runs.empty() ? 0 : (pieces[index].inkBox.empty() ? pieces[index].color.cols : pieces[index].inkBox.width) / pieces[index].glyphHeight();
     });
 
     ScriptCounts total;
@@ -144,7 +145,13 @@ std::vector<Reading> LineReader::read(const std::vector<LinePiece>& pieces, cons
         }
         const auto best = static_cast<std::size_t>(std::max_element(scores.begin(), scores.end()) - scores.begin());
         const std::string& language = languages_[best];
-        if (scores[best] / static_cast<double>(probed.size()) >= possible) {
+        // Kanji alone are no evidence against a picture whose Chinese the network reads.
+        std::size_t kana = 0;
+        for (const std::size_t index : probed) kana += countScripts(states[index].other).kana;
+        const bool chinese = language == "jpn" && kana == 0 && total.simplified > 0;
+        if (chinese) {
+            for (const std::size_t index : probed) states[index].otherScore = 0;
+        } else if (scores[best] / static_cast<double>(probed.size()) >= possible) {
             std::vector<std::size_t> doubtful;
             for (std::size_t i = 0; i < states.size(); ++i) {
                 if (states[i].otherLanguage.empty() && isDoubtful(states[i], language)) doubtful.push_back(i);
@@ -163,6 +170,7 @@ std::vector<Reading> LineReader::read(const std::vector<LinePiece>& pieces, cons
     std::vector<Reading> readings(pieces.size());
     for (std::size_t i = 0; i < states.size(); ++i) {
         auto& state = states[i];
+        if (pieces[i].runs.empty()) continue;
         if (state.otherScore >= convincing || (state.otherScore >= possible && state.unexplained > 0.3)) {
             readings[i] = joinReadings(state.network, state.other, pieces[i].glyphHeight(),
                                        [this](char32_t character) { return network_.knows(character); });

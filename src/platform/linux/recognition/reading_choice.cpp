@@ -28,9 +28,9 @@ double meanConfidence(Iterator from, Iterator to) {
 // How much worse than a gap it is to take two characters for the same place of the line.
 double pairCost(const ReadCharacter& a, const ReadCharacter& b, double glyphHeight) {
     const double distance = std::abs(centerOf(a) - centerOf(b)) / glyphHeight;
-    if (distance > 1.5) return std::numeric_limits<double>::infinity();
+    if (distance > 2.5) return std::numeric_limits<double>::infinity();
     const double difference = a.code == b.code ? 0 : simplified(a.code) == simplified(b.code) ? 0.2 : 0.8;
-    return difference + 0.5 * distance;
+    return difference + 0.25 * distance;
 }
 
 // The two characters stand at the same place: is the network's the right one?

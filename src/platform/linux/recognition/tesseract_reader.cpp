@@ -56,11 +56,12 @@ TesseractReader::Engine TesseractReader::takeEngine(const std::string& language)
         }
     }
     auto engine = std::make_unique<tesseract::TessBaseAPI>();
-    if (engine->Init(dataFolder_.c_str(), language.c_str(), tesseract::OEM_LSTM_ONLY) != 0) return nullptr;
-    engine->SetPageSegMode(getenv("PSM")?(tesseract::PageSegMode)atoi(getenv("PSM")):tesseract::PSM_SINGLE_LINE);
-    engine->SetVariable("debug_file", "/dev/null");
-    engine->SetVariable("invert_threshold", "0");
-    engine->SetVariable("user_defined_dpi", "300");
+    const std::vector<std::string> names = {"debug_file", "invert_threshold", "user_defined_dpi"};
+    const std::vector<std::string> values = {"/dev/null", "0", "300"};
+    if (engine->Init(dataFolder_.c_str(), language.c_str(), tesseract::OEM_LSTM_ONLY, nullptr, 0, &names, &values,
+                     false) != 0)
+        return nullptr;
+    engine->SetPageSegMode(tesseract::PSM_SINGLE_LINE);
     return engine;
 }
 
@@ -87,7 +88,8 @@ Reading TesseractReader::read(const LinePiece& piece, const std::string& languag
                 int left = 0, top = 0, right = 0, bottom = 0;
                 if (!text || !symbol->BoundingBox(tesseract::RIL_SYMBOL, &left, &top, &right, &bottom)) continue;
                 const auto characters = icu::UnicodeString::fromUTF8(text.get());
-                const double space = symbol->IsAtBeginningOf(tesseract::RIL_WORD) ? 1 : 0;
+                // Only Korean has words; elsewhere they are the engine's own.
+                const double space = language == "kor" && symbol->IsAtBeginningOf(tesseract::RIL_WORD) ? 1 : 0;
                 for (int i = 0; i < characters.length(); i = characters.moveIndex32(i, 1)) {
                     reading.push_back({static_cast<char32_t>(characters.char32At(i)),
                                        symbol->Confidence(tesseract::RIL_SYMBOL) / 100.0F,
