@@ -1,0 +1,35 @@
+// The keychain of the Linux desktop: the session's secret service, and where none answers a file that only the user
+// can read. What was put into the file counts before what the service holds, until the service takes a newer value.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/keychain.h"
+#include "platform/linux/keychain_file.h"
+#include "platform/linux/secret_service.h"
+
+namespace ovrin {
+
+class LinuxKeychain : public Keychain {
+public:
+    // The file's folder is the program's own.
+    LinuxKeychain(SecretService service, std::filesystem::path file);
+
+    KeychainMatch copyMatching(const KeychainItem& item) override;
+    KeychainStatus update(const KeychainItem& item, std::string_view data) override;
+    KeychainStatus add(const KeychainItem& item, std::string_view data) override;
+    KeychainStatus remove(const KeychainItem& item) override;
+    std::optional<std::string> message(KeychainStatus status) const override;
+
+private:
+    KeychainStatus putInFile(const KeychainItem& item, std::string_view data);
+
+    SecretService service_;
+    KeychainFile file_;
+};
+
+}  // namespace ovrin

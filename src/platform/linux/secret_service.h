@@ -1,0 +1,52 @@
+// The desktop's secret service (org.freedesktop.secrets), through libsecret. Items carry the attributes "service" and
+// "account", so that other tools find them. Any thread; calls share nothing.
+//
+// No call waits longer than its patience, whatever the service or the bus does: the work is done on a thread of its
+// own, which is told to stop and left behind when time is up. Only a locked collection is worth more patience: then
+// the user is being asked for a password.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "base/environment.h"
+#include "platform/keychain.h"
+
+namespace ovrin {
+
+enum class SessionBus { none, ofProcess };
+
+class SecretService {
+public:
+    struct Patience {
+        std::chrono::milliseconds service{10'000};  // for the service to start and answer
+        std::chrono::milliseconds user{60'000};     // for a password to be typed
+    };
+
+    // Whether the process has a session bus. Where it has none the library would start one of its own.
+    static SessionBus sessionBus(const Environment& environment);
+
+    SecretService(SessionBus bus, Patience patience);
+
+    // All answer keychainUnavailable where no service is to be had, keychainLocked, keychainTimedOut or keychainRefused
+    // where it fails.
+    KeychainMatch find(const KeychainItem& item) const;
+    KeychainStatus replace(const KeychainItem& item, std::string_view data) const;  // keychainItemNotFound: none there
+    KeychainStatus store(const KeychainItem& item, std::string_view data) const;    // in the default collection
+    KeychainStatus remove(const KeychainItem& item) const;                          // keychainItemNotFound: none there
+
+private:
+    class Call;
+    class Session;
+    using Operation = std::function<KeychainMatch(Session&)>;
+
+    static KeychainMatch converse(Call& call, const Operation& operation);
+    KeychainMatch perform(Operation operation) const;
+
+    SessionBus bus_;
+    Patience patience_;
+};
+
+}  // namespace ovrin

@@ -1,0 +1,216 @@
+// The keychain against a real secret service (gnome-keyring) on a bus of its own, and against none.
+#include "platform/linux/keychain.h"
+
+#include <chrono>
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "base/files.h"
+#include "fakes/private_bus.h"
+#include "fakes/temporary_directory.h"
+#include "platform/linux/keychain_status.h"
+#include "storage/keychain_store.h"
+
+namespace ovrin {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::Optional;
+
+const KeychainItem apiKey{.service = "com.quel.ovrin", .account = "deepseek-api-key"};
+const KeychainItem headers{.service = "com.quel.ovrin", .account = "model-custom-headers"};
+
+class KeychainTest : public ::testing::Test {
+protected:
+    // The library finds the bus through the process's own environment.
+    ~KeychainTest() override { ::unsetenv("DBUS_SESSION_BUS_ADDRESS"); }
+
+    LinuxKeychain keychainOn(const std::string& address, SecretService::Patience patience = {}) const {
+        ::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
+        return {SecretService(SessionBus::ofProcess, patience), file};
+    }
+
+    LinuxKeychain keychainWithoutBus() const { return {SecretService(SessionBus::none, {}), file}; }
+
+    // Starts a service and waits until it answers on the bus.
+    std::unique_ptr<ChildProcess> startService(const PrivateBus& bus, bool unlocked) const {
+        ChildProcess::Setup setup{
+            .arguments = {"gnome-keyring-daemon", "--foreground", "--components=secrets"},
+            .environment = {"HOME=" + home.path().string(), "XDG_RUNTIME_DIR=" + home.path().string(),
+                            "DBUS_SESSION_BUS_ADDRESS=" + bus.address()}};
+        if (unlocked) {
+            setup.arguments.emplace_back("--unlock");
+            setup.input = "password";
+        }
+        auto service = std::make_unique<ChildProcess>(setup);
+        ::setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
+        const SecretService client(SessionBus::ofProcess, {});
+        const auto answers = [&] {
+            const KeychainStatus status = client.find(apiKey).status;
+            return status == keychainSuccess || status == keychainItemNotFound || status == keychainLocked;
+        };
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        while (!answers() && std::chrono::steady_clock::now() < deadline) std::this_thread::yield();
+        return service;
+    }
+
+    std::string fileContent() const { return files::readFile(file, 1U << 20U); }
+
+    static mode_t modeOf(const std::filesystem::path& path) {
+        struct stat status {};
+        ::stat(path.c_str(), &status);
+        return status.st_mode & 07777U;
+    }
+
+    TemporaryDirectory home;
+    std::filesystem::path file = home.path() / "data" / "Ovrin" / "keychain.json";
+};
+
+TEST_F(KeychainTest, TheServiceKeepsSecretsAndTheFileStaysAway) {
+    const PrivateBus bus;
+    const auto service = startService(bus, true);
+    LinuxKeychain keychain = keychainOn(bus.address());
+    EXPECT_EQ(keychain.copyMatching(apiKey).status, keychainItemNotFound);
+    EXPECT_EQ(keychain.update(apiKey, "one"), keychainItemNotFound);
+    EXPECT_EQ(keychain.add(apiKey, "sk-密钥"), keychainSuccess);
+    EXPECT_EQ(keychain.copyMatching(apiKey).data, "sk-密钥");
+    EXPECT_EQ(keychain.copyMatching(headers).status, keychainItemNotFound);
+    EXPECT_EQ(keychain.update(apiKey, std::string("\xFF\0x", 3)), keychainSuccess);
+    EXPECT_EQ(keychainOn(bus.address()).copyMatching(apiKey).data, std::string("\xFF\0x", 3));
+    EXPECT_EQ(keychain.remove(apiKey), keychainSuccess);
+    EXPECT_EQ(keychain.remove(apiKey), keychainItemNotFound);
+    EXPECT_EQ(keychain.copyMatching(apiKey).status, keychainItemNotFound);
+    EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+TEST_F(KeychainTest, TheStoreWorksOverTheService) {
+    const PrivateBus bus;
+    const auto service = startService(bus, true);
+    LinuxKeychain keychain = keychainOn(bus.address());
+    KeychainStore store(keychain);
+    store.writeString("one", apiKey.account);
+    store.writeString("two", apiKey.account);
+    EXPECT_THAT(store.readString(apiKey.account), Optional(std::string("two")));
+    store.deleteString(apiKey.account);
+    EXPECT_EQ(store.readString(apiKey.account), std::nullopt);
+}
+
+TEST_F(KeychainTest, WithoutAServiceAPrivateFileKeepsSecrets) {
+    const PrivateBus bus;  // nobody on it offers the service
+    for (const std::string& address : {std::string("unix:path=/nowhere"), bus.address()}) {
+        LinuxKeychain keychain = keychainOn(address);
+        EXPECT_EQ(keychain.copyMatching(apiKey).status, keychainItemNotFound);
+        EXPECT_EQ(keychain.update(apiKey, "one"), keychainItemNotFound);
+        EXPECT_EQ(keychain.add(apiKey, "one"), keychainSuccess);
+        EXPECT_EQ(keychain.update(apiKey, "two"), keychainSuccess);
+        EXPECT_EQ(keychain.add(headers, "{}"), keychainSuccess);
+        EXPECT_EQ(keychainOn(address).copyMatching(apiKey).data, "two");
+        EXPECT_EQ(modeOf(file), 0600U);
+        EXPECT_EQ(modeOf(file.parent_path()), 0700U);
+        EXPECT_EQ(keychain.remove(apiKey), keychainSuccess);
+        EXPECT_EQ(keychain.remove(apiKey), keychainItemNotFound);
+        EXPECT_EQ(keychain.copyMatching(apiKey).status, keychainItemNotFound);
+        EXPECT_EQ(keychain.copyMatching(headers).data, "{}");
+        EXPECT_EQ(keychain.remove(headers), keychainSuccess);
+    }
+}
+
+TEST_F(KeychainTest, WhatWasChangedWithoutTheServiceCountsUntilTheServiceTakesOver) {
+    const PrivateBus bus;
+    const auto service = startService(bus, true);
+    LinuxKeychain online = keychainOn(bus.address());
+    LinuxKeychain offline = keychainWithoutBus();
+    ASSERT_EQ(online.add(apiKey, "old"), keychainSuccess);
+    ASSERT_EQ(online.add(headers, "{}"), keychainSuccess);
+
+    ASSERT_EQ(offline.add(apiKey, "newer"), keychainSuccess);
+    ASSERT_EQ(offline.remove(headers), keychainItemNotFound);
+    EXPECT_EQ(online.copyMatching(apiKey).data, "newer");
+    EXPECT_EQ(online.copyMatching(headers).status, keychainItemNotFound);
+
+    EXPECT_EQ(online.update(apiKey, "newest"), keychainSuccess);
+    EXPECT_THAT(fileContent(), Not(HasSubstr("new")));
+    EXPECT_EQ(online.copyMatching(apiKey).data, "newest");
+    EXPECT_EQ(online.remove(headers), keychainSuccess);
+    EXPECT_EQ(online.copyMatching(headers).status, keychainItemNotFound);
+}
+
+TEST_F(KeychainTest, ALockedCollectionIsAnErrorAndNoReasonToWriteAFile) {
+    const PrivateBus bus;
+    {
+        const auto service = startService(bus, true);
+        ASSERT_EQ(keychainOn(bus.address()).add(apiKey, "secret"), keychainSuccess);
+    }
+    const auto service = startService(bus, false);  // and nobody who could ask for the password
+    LinuxKeychain keychain = keychainOn(bus.address());
+    EXPECT_EQ(keychain.copyMatching(apiKey).status, keychainLocked);
+    EXPECT_NE(keychain.update(apiKey, "sk-new"), keychainSuccess);
+    EXPECT_NE(keychain.add(headers, "sk-new"), keychainSuccess);
+    EXPECT_NE(keychain.remove(apiKey), keychainSuccess);
+    EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+// A bus that accepts connections and never says a word.
+TEST_F(KeychainTest, AServiceThatDoesNotAnswerIsGivenUp) {
+    const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string path = (home.path() / "mute").string();
+    std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
+    ASSERT_EQ(::bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(listener, 8), 0);
+    LinuxKeychain keychain = keychainOn(
+        "unix:path=" + path, {.service = std::chrono::milliseconds(1), .user = std::chrono::milliseconds(1)});
+    EXPECT_EQ(keychain.copyMatching(apiKey).status, keychainTimedOut);
+    EXPECT_EQ(keychain.add(apiKey, "sk-secret"), keychainTimedOut);
+    EXPECT_FALSE(std::filesystem::exists(file));
+    ::close(listener);
+}
+
+TEST_F(KeychainTest, ADamagedFileIsReportedAndKeptAside) {
+    LinuxKeychain keychain = keychainWithoutBus();
+    ASSERT_EQ(keychain.add(apiKey, "one"), keychainSuccess);
+    std::ofstream(file) << R"({"com.quel.ovrin":{"deepseek-api-key":"sk-half)";
+    EXPECT_EQ(keychain.copyMatching(apiKey).status, keychainDamagedFile);
+    EXPECT_EQ(keychain.add(apiKey, "two"), keychainSuccess);
+    EXPECT_EQ(keychain.copyMatching(apiKey).data, "two");
+    EXPECT_THAT(files::readFile(file.string() + ".unreadable", 1000), HasSubstr("sk-half"));
+    EXPECT_EQ(keychain.add(headers, "\xFF"), keychainInvalidData);
+}
+
+TEST_F(KeychainTest, FailuresOfTheFileNameTheReasonAndNoSecret) {
+    std::ofstream(home.path() / "data") << "no folder";
+    LinuxKeychain keychain = keychainWithoutBus();
+    KeychainStore store(keychain);
+    try {
+        store.writeString("sk-secret", apiKey.account);
+        FAIL();
+    } catch (const KeychainStore::KeychainError& error) {
+        EXPECT_EQ(error.errorDescription(), "无法读写密钥文件：Not a directory");
+    }
+    EXPECT_EQ(keychain.message(keychainItemNotFound), std::nullopt);
+    EXPECT_THAT(keychain.message(keychainLocked), Optional(HasSubstr("锁定")));
+}
+
+TEST(SessionBusTest, IsFoundInTheEnvironment) {
+    const TemporaryDirectory runtime;
+    using Variables = Environment::Variables;
+    const Environment withoutSocket(Variables{{"XDG_RUNTIME_DIR", runtime.path()}});
+    EXPECT_EQ(SecretService::sessionBus(Environment()), SessionBus::none);
+    EXPECT_EQ(SecretService::sessionBus(withoutSocket), SessionBus::none);
+    EXPECT_EQ(SecretService::sessionBus(Environment(Variables{{"DBUS_SESSION_BUS_ADDRESS", "unix:x"}})),
+              SessionBus::ofProcess);
+}
+
+}  // namespace
+}  // namespace ovrin
