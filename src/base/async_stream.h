@@ -164,9 +164,12 @@ private:
         const auto state = std::exchange(state_, nullptr);
         state->end(std::make_exception_ptr(CancellationError()));
         std::deque<T> unread;
+        // What was thrown on this thread goes on this thread too, not with the producer's hold on the state.
+        std::exception_ptr thrown = std::make_exception_ptr(CancellationError());
         {
             const std::lock_guard lock(state->mutex);
             unread.swap(state->queue);
+            if (state->failure) thrown.swap(state->failure);
         }
         state->dropped.request_stop();
     }
@@ -184,11 +187,17 @@ namespace detail {
 
 template <typename T>
 Task<void> runProducer(std::function<Task<void>(StreamWriter<T>&)> body, StreamWriter<T> writer) {
+    std::exception_ptr failure;
     try {
         co_await body(writer);
-        writer.finish();
     } catch (...) {
-        writer.fail(std::current_exception());
+        failure = std::current_exception();
+    }
+    // Outside the handler, which would keep a hold on what the consumer's thread throws.
+    if (failure) {
+        writer.fail(std::move(failure));
+    } else {
+        writer.finish();
     }
 }
 

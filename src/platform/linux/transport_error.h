@@ -1,0 +1,22 @@
+// What the user reads when a request fails on its way: one Chinese sentence for each cause that curl can tell.
+//
+// The texts name the host at most: never a URL (it may hold a password), a header or a body.
+#pragma once
+
+#include <string>
+
+#include <curl/curl.h>
+
+#include "base/error.h"
+
+namespace ovrin {
+
+// The failure of a finished transfer of the handle. host: the name in the request's URL.
+Error transportError(CURLcode code, CURL* handle, const std::string& host);
+
+Error invalidURLError();
+Error invalidHeaderError();
+Error timeoutError();
+Error tooManyRedirectsError();
+
+}  // namespace ovrin

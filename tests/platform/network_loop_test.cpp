@@ -1,0 +1,75 @@
+#include "platform/linux/network_loop.h"
+
+#include <chrono>
+#include <filesystem>
+#include <future>
+#include <iterator>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+using namespace std::chrono_literals;
+
+namespace ovrin {
+namespace {
+
+long threadCount() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+}
+
+TEST(NetworkLoop, StartsItsThreadWithTheFirstWork) {
+    std::thread([] {}).join();  // a sanitizer starts a thread of its own with the first
+    const long before = threadCount();
+    NetworkLoop loop;
+    EXPECT_EQ(threadCount(), before);
+    std::promise<bool> isCurrent;
+    loop.post([&] { isCurrent.set_value(loop.isCurrent()); });
+    EXPECT_TRUE(isCurrent.get_future().get());
+    EXPECT_FALSE(loop.isCurrent());
+}
+
+TEST(NetworkLoop, RunsWorkInOrderAndTimersWhenTheyAreDue) {
+    NetworkLoop loop;
+    std::vector<int> order;
+    std::promise<void> done;
+    loop.post([&] {
+        loop.postAfter(2ms, [&] {
+            order.push_back(4);
+            done.set_value();
+        });
+        loop.postAfter(1ms, [&] { order.push_back(3); });
+        loop.post([&] { order.push_back(2); });
+        order.push_back(1);
+    });
+    done.get_future().wait();
+    EXPECT_EQ(order, (std::vector{1, 2, 3, 4}));
+}
+
+TEST(NetworkLoop, ATimerThatIsDueCanStillBeCancelled) {
+    NetworkLoop loop;
+    bool hasRun = false;
+    std::promise<void> done;
+    loop.post([&] {
+        const auto timer = loop.postAfter(0ms, [&] { hasRun = true; });
+        loop.post([&, timer] { loop.cancelTimer(timer); });
+        loop.postAfter(1ms, [&] { done.set_value(); });
+    });
+    done.get_future().wait();
+    EXPECT_FALSE(hasRun);
+}
+
+TEST(NetworkLoop, RunsWhatWasPostedBeforeItEndsAndForgetsTimers) {
+    const auto marker = std::make_shared<int>(0);
+    {
+        NetworkLoop loop;
+        loop.postAfter(1h, [marker] { ++*marker; });
+        loop.post([&loop, marker] { loop.post([marker] { ++*marker; }); });
+    }
+    EXPECT_EQ(*marker, 1);
+    EXPECT_EQ(marker.use_count(), 1);
+}
+
+}  // namespace
+}  // namespace ovrin
