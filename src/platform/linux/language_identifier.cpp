@@ -47,7 +47,7 @@ ScriptCounts countScripts(const icu::UnicodeString& text) {
 }
 
 // One East Asian character says about as much as half a word of letters.
-constexpr std::size_t lettersPerCharacter = 3;
+constexpr std::size_t lettersPerCharacter = 5;
 
 std::optional<std::string> eastAsianLanguage(const ScriptCounts& counts) {
     const std::size_t characters = counts.han + counts.kana + counts.hangul + counts.bopomofo;
@@ -148,6 +148,8 @@ std::optional<std::string> LinuxLanguageIdentifier::dominantLanguage(std::string
     if (counts.latin > counts.cyrillic + counts.others && (!reliable || counts.latin < shortText)) {
         const auto [language, count] = languageByFrequentWords(unicode);
         if (count > 0) return language;
+        const bool ascii = std::all_of(clean.begin(), clean.end(), [](char byte) { return (byte & 0x80) == 0; });
+        if (!reliable && ascii) return "en";  // names and commands
     }
     // Few Cyrillic letters: Russian unless a letter says otherwise.
     if (counts.cyrillic > counts.latin + counts.others && counts.cyrillic < shortText && !reliable) {

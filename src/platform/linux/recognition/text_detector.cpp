@@ -12,14 +12,37 @@ namespace ovrin {
 namespace {
 
 constexpr int strideOfNetwork = 32;   // its input sides are multiples of this
-constexpr int marginAroundPicture = 16;  // text that touches the border of a tight crop is not seen otherwise
-constexpr int tileHeight = 448;
-constexpr int tileOverlap = 32;
+constexpr int tileWidth = 1088;       // bounds the memory of one run
+constexpr int tileHeight = 512;
+constexpr int leastTileHeight = 96;  // below, splitting for another core costs more than it gains
+constexpr int overlap = 24;          // text that touches the border of a tile or crop is not seen otherwise
+constexpr int leastContrast = 10;    // between neighbouring pixels, levels of 255
 constexpr float textThreshold = 0.3F;
 constexpr float minimumScore = 0.5F;
 constexpr double growth = 1.6;  // the network marks a shrunken core of each line
 
 int roundedUp(int value, int multiple) { return (value + multiple - 1) / multiple * multiple; }
+
+// The part of the picture outside of which neighbouring pixels hardly differ: there is no text there.
+cv::Rect activeArea(const cv::Mat& picture) {
+    if (picture.cols < 2) return {};
+    int left = picture.cols, right = 0, top = picture.rows, bottom = 0;
+    cv::Mat contrast;
+    for (int y = 0; y < picture.rows; ++y) {
+        cv::absdiff(picture(cv::Rect(1, y, picture.cols - 1, 1)), picture(cv::Rect(0, y, picture.cols - 1, 1)), contrast);
+        const auto* first = contrast.ptr<std::uint8_t>();
+        const auto* last = first + contrast.cols * contrast.channels();
+        const auto strong = [](std::uint8_t level) { return level >= leastContrast; };
+        const auto* from = std::find_if(first, last, strong);
+        if (from == last) continue;
+        const auto* to = std::find_if(std::reverse_iterator(last), std::reverse_iterator(first), strong).base();
+        left = std::min(left, static_cast<int>(from - first) / contrast.channels());
+        right = std::max(right, static_cast<int>(to - first - 1) / contrast.channels() + 2);
+        top = std::min(top, y);
+        bottom = y + 1;
+    }
+    return right > left ? cv::Rect(left, top, right - left, bottom - top) : cv::Rect();
+}
 
 Tensor networkInput(const cv::Mat& bgr) {
     constexpr std::array<float, 3> mean = {0.485F, 0.456F, 0.406F};
@@ -71,40 +94,38 @@ std::vector<TextRegion> joinOverlapping(std::vector<TextRegion> regions) {
 
 TextDetector::TextDetector(const std::filesystem::path& modelFile) : network_(modelFile) {}
 
-cv::Mat TextDetector::textProbability(const cv::Mat& picture, double scale, const std::stop_token& stop) const {
-    cv::Mat scaled;
-    if (scale != 1) {
-        cv::resize(picture, scaled, {}, scale, scale, scale < 1 ? cv::INTER_AREA : cv::INTER_CUBIC);
-    } else {
-        scaled = picture;
-    }
-    cv::Mat padded;
-    const int right = roundedUp(scaled.cols + 2 * marginAroundPicture, strideOfNetwork) - scaled.cols - marginAroundPicture;
-    const int bottom =
-        roundedUp(scaled.rows + 2 * marginAroundPicture, strideOfNetwork) - scaled.rows - marginAroundPicture;
-    cv::copyMakeBorder(scaled, padded, marginAroundPicture, bottom, marginAroundPicture, right, cv::BORDER_REPLICATE);
-
-    cv::Mat probability(padded.size(), CV_32F, cv::Scalar(0));
-    const int tiles = std::max(static_cast<int>(std::min<std::size_t>(recognitionThreads(), padded.rows / 128 + 0U)),
-                               (padded.rows + tileHeight - 1) / tileHeight);
-    const int step = roundedUp((padded.rows + tiles - 1) / std::max(1, tiles), strideOfNetwork);
-    parallelFor(static_cast<std::size_t>((padded.rows + step - 1) / step), recognitionThreads(), [&](std::size_t index) {
-        const int top = static_cast<int>(index) * step;
-        const int end = std::min(padded.rows, top + step);
-        const int from = std::max(0, top - tileOverlap);
-        const int to = std::min(padded.rows, end + tileOverlap);
+cv::Mat TextDetector::textProbability(const cv::Mat& picture, const cv::Rect& area, const std::stop_token& stop) const {
+    const int columns = (area.width + tileWidth - 1) / tileWidth;
+    const int wantedRows = columns > 1 ? 1 : static_cast<int>(recognitionThreads());
+    const int rows = std::max((area.height + tileHeight - 1) / tileHeight,
+                              std::clamp(area.height / leastTileHeight, 1, wantedRows));
+    cv::Mat probability(area.size(), CV_32F, cv::Scalar(0));
+    parallelFor(static_cast<std::size_t>(rows * columns), recognitionThreads(), [&](std::size_t index) {
+        const int row = static_cast<int>(index) / columns;
+        const int column = static_cast<int>(index) % columns;
+        const cv::Rect tile(cv::Point(area.width * column / columns, area.height * row / rows),
+                            cv::Point(area.width * (column + 1) / columns, area.height * (row + 1) / rows));
+        // Around the tile, what the network needs to see of its surroundings; at the picture's edge, more of the edge.
+        const cv::Rect wanted(tile.x + area.x - overlap, tile.y + area.y - overlap,
+                              roundedUp(tile.width + 2 * overlap, strideOfNetwork),
+                              roundedUp(tile.height + 2 * overlap, strideOfNetwork));
+        const cv::Rect there = wanted & cv::Rect({}, picture.size());
+        if (activeArea(picture(there)).empty()) return;
         cv::Mat bgr;
-        cv::cvtColor(padded.rowRange(from, to), bgr, cv::COLOR_BGRA2BGR);
+        cv::cvtColor(picture(there), bgr, cv::COLOR_BGRA2BGR);
+        cv::copyMakeBorder(bgr, bgr, there.y - wanted.y, wanted.br().y - there.br().y, there.x - wanted.x,
+                           wanted.br().x - there.br().x, cv::BORDER_REPLICATE);
         Tensor output = network_.run(networkInput(bgr), stop);
         const cv::Mat map(bgr.rows, bgr.cols, CV_32F, output.values.data());
-        map.rowRange(top - from, end - from).copyTo(probability.rowRange(top, end));
+        map(cv::Rect(overlap, overlap, tile.width, tile.height)).copyTo(probability(tile));
     });
-    return probability({marginAroundPicture, marginAroundPicture, scaled.cols, scaled.rows}).clone();
+    return probability;
 }
 
 std::vector<TextRegion> TextDetector::detect(const cv::Mat& picture, const std::stop_token& stop) const {
-    const double scale = 1;
-    const cv::Mat probability = textProbability(picture, scale, stop);
+    const cv::Rect area = activeArea(picture);
+    if (area.empty()) return {};
+    const cv::Mat probability = textProbability(picture, area, stop);
     const cv::Mat mask = probability > textThreshold;
     std::vector<std::vector<cv::Point>> contours;
     cv::findContours(mask, contours, cv::RETR_EXTERNAL, cv::CHAIN_APPROX_SIMPLE);
@@ -116,11 +137,10 @@ std::vector<TextRegion> TextDetector::detect(const cv::Mat& picture, const std::
         const auto score = static_cast<float>(cv::mean(probability(core), mask(core))[0]);
         if (score < minimumScore) continue;
         const double grow = core.area() * growth / (2.0 * (core.width + core.height));
-        const cv::Rect2d grown(core.x - grow, core.y - grow, core.width + 2 * grow, core.height + 2 * grow);
-        const cv::Rect box(static_cast<int>(std::floor(grown.x / scale)), static_cast<int>(std::floor(grown.y / scale)),
-                           static_cast<int>(std::ceil(grown.width / scale)),
-                           static_cast<int>(std::ceil(grown.height / scale)));
-        regions.push_back({box & cv::Rect({}, picture.size()), score});
+        const cv::Point corner(static_cast<int>(std::floor(core.x - grow)), static_cast<int>(std::floor(core.y - grow)));
+        const cv::Point opposite(static_cast<int>(std::ceil(core.br().x + grow)),
+                                 static_cast<int>(std::ceil(core.br().y + grow)));
+        regions.push_back({(cv::Rect(corner, opposite) + area.tl()) & cv::Rect({}, picture.size()), score});
     }
     return joinOverlapping(std::move(regions));
 }

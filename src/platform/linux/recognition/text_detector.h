@@ -25,7 +25,7 @@ public:
     std::vector<TextRegion> detect(const cv::Mat& picture, const std::stop_token& stop) const;
 
 private:
-    cv::Mat textProbability(const cv::Mat& picture, double scale, const std::stop_token& stop) const;
+    cv::Mat textProbability(const cv::Mat& picture, const cv::Rect& area, const std::stop_token& stop) const;
 
     InferenceSession network_;
 };
