@@ -1,3 +1,224 @@
-int main() {
-    return 2;
+// The composition root: the one place where adapters meet logic. Builds what the command needs, and nothing more, so
+// that a command in a terminal starts at once.
+#include <csignal>
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <random>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include "base/environment.h"
+#include "base/error.h"
+#include "base/run_loop.h"
+#include "base/text.h"
+#include "base/worker_executor.h"
+#include "cli/answer_commands.h"
+#include "cli/arguments.h"
+#include "cli/config_command.h"
+#include "cli/history_command.h"
+#include "cli/interruption.h"
+#include "cli/recognize_command.h"
+#include "cli/terminal.h"
+#include "language/ai_service.h"
+#include "language/conversation_prompts.h"
+#include "language/translation_service.h"
+#include "model/model_client.h"
+#include "platform/linux/image_decoder.h"
+#include "platform/linux/keychain.h"
+#include "platform/linux/language_identifier.h"
+#include "platform/linux/onnx_text_recognizer.h"
+#include "platform/linux/secret_service.h"
+#include "platform/linux/url_session_http_client.h"
+#include "recognition/vision_ocr_engine.h"
+#include "storage/app_config.h"
+#include "storage/defaults_store.h"
+#include "storage/history_store.h"
+#include "storage/keychain_store.h"
+#include "storage/preferences.h"
+#include "storage/user_directories.h"
+
+namespace ovrin {
+
+namespace {
+
+constexpr int exitUsage = 2;
+
+std::size_t secureRandomIndex(std::size_t count) {
+    std::random_device source;
+    return std::uniform_int_distribution<std::size_t>(0, count - 1)(source);
+}
+
+std::unique_ptr<HistoryStore> openHistory() {
+    const Environment environment = Environment::ofProcess();
+    return std::make_unique<HistoryStore>(historyFile(environment), text::caseRules(environment),
+                                          std::chrono::system_clock::now);
+}
+
+LinuxKeychain openKeychain() {
+    const Environment environment = Environment::ofProcess();
+    return {SecretService(SecretService::sessionBus(environment), {}), keychainFile(environment)};
+}
+
+// The preferences and the secrets.
+struct Settings {
+    DefaultsStore defaults{preferencesFile(Environment::ofProcess())};
+    LinuxKeychain secrets = openKeychain();
+    KeychainStore keychain{secrets};
+    AppConfig config{defaults, Environment::ofProcess, keychain};
+};
+
+// The way to the model service.
+struct ModelServices {
+    explicit ModelServices(const Settings& settings)
+        : http(Environment::ofProcess()),
+          client(http.loop(), http, [&settings] { return settings.config.modelAPIConfiguration(); }) {}
+
+    URLSessionHTTPClient http;
+    ModelClient client;
+};
+
+// One invocation from the command line.
+class CommandLine {
+public:
+    explicit CommandLine(cli::Terminal& terminal) : terminal_(terminal) {}
+
+    int operator()(const cli::ShowHelp&) {
+        terminal_.write(cli::helpText());
+        return EXIT_SUCCESS;
+    }
+
+    int operator()(const cli::ShowVersion&) {
+        terminal_.write("ovrin " OVRIN_VERSION "\n");
+        return EXIT_SUCCESS;
+    }
+
+    int operator()(const cli::StartAssistant&) {
+        terminal_.writeError("ovrin: this build has no desktop assistant yet; see 'ovrin --help' for what it can do");
+        return exitUsage;
+    }
+
+    int operator()(const cli::Recognize& command) {
+        const cli::Interruption interruption;
+        RunLoop loop;
+        const LinuxImageDecoder decoder;
+        const LinuxLanguageIdentifier identifier;
+        OnnxTextRecognizer recognizer(RecognitionFiles::ofThisProgram());
+        WorkerExecutor workers(1);
+        VisionOCREngine engine({"zh-Hans", "zh-Hant", "en-US", "ja-JP", "ko-KR"}, recognizer, identifier, workers,
+                               std::chrono::system_clock::now);
+        std::unique_ptr<HistoryStore> history;
+        const auto openedHistory = [&history]() -> HistoryStore& {
+            if (!history) history = openHistory();
+            return *history;
+        };
+        return interruptible(interruption, [&] {
+            return cli::recognize(command, {.terminal = terminal_,
+                                            .loop = loop,
+                                            .decoder = decoder,
+                                            .engine = engine,
+                                            .history = openedHistory,
+                                            .stop = interruption.token()});
+        });
+    }
+
+    int operator()(const cli::ListHistory& command) { return cli::listHistory(command, *openHistory(), terminal_); }
+
+    int operator()(const cli::Translate& command) {
+        const cli::Interruption interruption;
+        RunLoop loop;
+        const Settings settings;
+        const LinuxLanguageIdentifier identifier;
+        const ModelServices model(settings);
+        const TranslationService service(
+            model.client, identifier,
+            [&settings] { return settings.defaults.string(preference::translationPrompt).value_or(""); },
+            std::chrono::system_clock::now);
+        return interruptible(interruption, [&] {
+            return cli::translate(command, service, settings.config.targetLanguage(),
+                                  {.terminal = terminal_, .loop = loop, .stop = interruption.token()});
+        });
+    }
+
+    int operator()(const cli::Ask& command) {
+        const cli::Interruption interruption;
+        RunLoop loop;
+        const Settings settings;
+        const ModelServices model(settings);
+        const ConversationPrompts prompts(Environment::ofProcess, secureRandomIndex);
+        const AIService service(model.client);
+        return interruptible(interruption, [&] {
+            return cli::ask(command, service, prompts, settings.config.targetLanguage(),
+                            {.terminal = terminal_, .loop = loop, .stop = interruption.token()});
+        });
+    }
+
+    int operator()(const cli::ConfigGet& command) {
+        const Settings settings;
+        return cli::showPreferences(command, settings.defaults, terminal_);
+    }
+    int operator()(const cli::ConfigSet& command) {
+        Settings settings;
+        return cli::changePreference(command, settings.defaults);
+    }
+    int operator()(const cli::ConfigUnset& command) {
+        Settings settings;
+        return cli::removePreference(command, settings.defaults);
+    }
+    int operator()(const cli::ConfigSetKey&) {
+        Settings settings;
+        return cli::storeAPIKey(settings.keychain, terminal_);
+    }
+    int operator()(const cli::ConfigUnsetKey&) {
+        Settings settings;
+        return cli::removeAPIKey(settings.keychain);
+    }
+
+private:
+    template <typename Work>
+    static int interruptible(const cli::Interruption& interruption, const Work& work) {
+        try {
+            return work();
+        } catch (const CancellationError&) {
+            return interruption.exitStatus() != 0 ? interruption.exitStatus() : EXIT_FAILURE;
+        }
+    }
+
+    cli::Terminal& terminal_;
+};
+
+// A dump of the memory would hold the API key.
+void forbidCoreDumps() {
+    const rlimit none{0, 0};
+    ::setrlimit(RLIMIT_CORE, &none);
+}
+
+int run(const std::vector<std::string>& words) {
+    cli::Terminal terminal(STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO);
+    try {
+        return std::visit(CommandLine(terminal), cli::parseArguments(words));
+    } catch (const cli::UsageError& error) {
+        terminal.writeError(std::string("ovrin: ") + error.what());
+        terminal.writeError("Try 'ovrin --help'.");
+        return exitUsage;
+    } catch (const cli::OutputClosed&) {
+        return EXIT_FAILURE;
+    } catch (...) {
+        terminal.writeError(errorDescription(std::current_exception()));
+        return EXIT_FAILURE;
+    }
+}
+
+}  // namespace
+
+}  // namespace ovrin
+
+int main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);
+    ovrin::forbidCoreDumps();
+    return ovrin::run({argv + 1, argv + argc});
 }

@@ -118,7 +118,7 @@ Invocation parseAsk(CommandWords words) {
 
 Invocation parseConfig(CommandWords commandWords) {
     Words words = commandWords.takeOperands();
-    if (words.empty()) throw UsageError("config: get, set, unset or set-key expected");
+    if (words.empty()) throw UsageError("config: get, set, unset, set-key or unset-key expected");
     const std::string verb = words.front();
     words.erase(words.begin());
     if (verb == "get") {
@@ -138,6 +138,10 @@ Invocation parseConfig(CommandWords commandWords) {
         if (!words.empty())
             throw UsageError("config set-key: the key is read from standard input, not from an argument");
         return ConfigSetKey{};
+    }
+    if (verb == "unset-key") {
+        requireNoMore("config unset-key", words);
+        return ConfigUnsetKey{};
     }
     throw UsageError("config: unknown action " + verb);
 }
@@ -174,7 +178,7 @@ Usage:
   ovrin config get [KEY]                       show preferences
   ovrin config set KEY VALUE                   change a preference
   ovrin config unset KEY                       go back to its default
-  ovrin config set-key                         store the API key read from standard input
+  ovrin config set-key | unset-key             store the API key read from standard input, or forget it
   ovrin --help | --version
 
 Options:

@@ -53,9 +53,10 @@ struct ConfigUnset {
     std::string key;
 };
 struct ConfigSetKey {};
+struct ConfigUnsetKey {};
 
 using Invocation = std::variant<ShowHelp, ShowVersion, StartAssistant, Recognize, ListHistory, Translate, Ask,
-                                ConfigGet, ConfigSet, ConfigUnset, ConfigSetKey>;
+                                ConfigGet, ConfigSet, ConfigUnset, ConfigSetKey, ConfigUnsetKey>;
 
 // words: the arguments without the program's name. "--" ends the options of a command. Throws UsageError.
 Invocation parseArguments(std::vector<std::string> words);

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <system_error>
 
+#include <termios.h>
 #include <unistd.h>
 
 namespace ovrin::cli {
@@ -27,6 +28,29 @@ int writeFully(int descriptor, std::string_view text) {
     }
     return 0;
 }
+
+constexpr std::size_t longestSecret = 65536;  // bytes
+
+// Keeps a terminal from showing what is typed; does nothing to other devices.
+class HiddenInput {
+public:
+    explicit HiddenInput(int descriptor) : descriptor_(descriptor), isChanged_(::tcgetattr(descriptor, &before_) == 0) {
+        if (!isChanged_) return;
+        termios silent = before_;
+        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        ::tcsetattr(descriptor_, TCSAFLUSH, &silent);
+    }
+    HiddenInput(const HiddenInput&) = delete;
+    HiddenInput& operator=(const HiddenInput&) = delete;
+    ~HiddenInput() {
+        if (isChanged_) ::tcsetattr(descriptor_, TCSAFLUSH, &before_);
+    }
+
+private:
+    int descriptor_;
+    termios before_{};
+    bool isChanged_;
+};
 
 }  // namespace
 
@@ -57,6 +81,26 @@ std::string Terminal::readAll(std::size_t maximumBytes) {
             throw Error("standard input: more than " + std::to_string(maximumBytes >> 20U) + " MiB");
         }
     }
+}
+
+std::string Terminal::readSecretLine(std::string_view prompt) {
+    const bool isTerminal = ::isatty(input_) == 1;
+    if (isTerminal) writeFully(error_, prompt);
+    std::string line;
+    {
+        const HiddenInput hidden(input_);
+        char character = 0;
+        while (true) {
+            const ssize_t count = ::read(input_, &character, 1);
+            if (count < 0 && errno == EINTR) continue;
+            if (count < 0) throw Error("standard input: " + reason(errno));
+            if (count == 0 || character == '\n') break;
+            line += character;
+            if (line.size() > longestSecret) throw Error("standard input: the line is too long for a key");
+        }
+    }
+    if (isTerminal) writeFully(error_, "\n");
+    return line;
 }
 
 bool Terminal::outputIsTerminal() const {

@@ -28,8 +28,11 @@ public:
     // Everything up to the end of standard input. Throws Error when it cannot be read or exceeds maximumBytes.
     std::string readAll(std::size_t maximumBytes);
 
+    // The first line of standard input. On a terminal it asks for it on standard error and does not show what is typed.
+    // Throws Error as readAll() does.
+    std::string readSecretLine(std::string_view prompt);
+
     bool outputIsTerminal() const;
-    int output() const { return output_; }
 
 private:
     int input_;

@@ -41,4 +41,8 @@ fs::path historyFile(const Environment& environment) {
     return applicationSupportDirectory(environment) / "history.json";
 }
 
+std::filesystem::path keychainFile(const Environment& environment) {
+    return applicationSupportDirectory(environment) / "keychain.json";
+}
+
 }  // namespace ovrin

@@ -16,4 +16,7 @@ std::filesystem::path applicationSupportDirectory(const Environment& environment
 std::filesystem::path preferencesFile(const Environment& environment);
 std::filesystem::path historyFile(const Environment& environment);
 
+// For the secrets where no secret service answers.
+std::filesystem::path keychainFile(const Environment& environment);
+
 }  // namespace ovrin
