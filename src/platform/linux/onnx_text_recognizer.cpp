@@ -13,6 +13,7 @@
 
 #include "base/error.h"
 #include "platform/linux/recognition/glyph_places.h"
+#include "platform/linux/recognition/letter_shapes.h"
 #include "platform/linux/recognition/line_piece.h"
 #include "platform/linux/recognition/line_reader.h"
 #include "platform/linux/recognition/parallel.h"
@@ -168,6 +169,7 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
         textReadings.push_back(readings[i]);
         placeOnInk(textReadings.back(), pieces[i]);
         placeSpaces(textReadings.back(), pieces[i]);
+        if (request.usesLanguageCorrection) correctLetterShapes(textReadings.back());
         textPieces.push_back(std::move(pieces[i]));
     }
     return observations(textPieces, textReadings, image);

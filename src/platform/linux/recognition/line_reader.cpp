@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <set>
 
 #include "base/error.h"
 #include "platform/linux/recognition/parallel.h"
@@ -70,6 +71,25 @@ bool isDoubtful(const PieceState& piece, const std::string& language) {
     if (language == "kor") return piece.unexplained > 0.05 || (weak && piece.counts.han > 0);
     if (language == "chi_tra") return piece.counts.han > 0 || piece.unexplained > 0.05;
     return piece.unexplained > 0.05 || piece.counts.kana > 0 || (piece.counts.han > 0 && (weak || piece.counts.simplified > 0 || piece.counts.traditional > 0));
+}
+
+// Do the probed pieces show enough of the language's own script, and not one stroke read over and over?
+bool isEstablished(const std::string& language, const std::vector<std::size_t>& probed,
+                   const std::vector<PieceState>& states, const ScriptCounts& total) {
+    std::set<char32_t> own;
+    std::size_t kana = 0;
+    for (const std::size_t index : probed) {
+        if (states[index].otherLanguage != language) continue;
+        for (const auto& character : states[index].other) {
+            const Script script = scriptOf(character.code);
+            const bool isOwn = language == "kor" ? script == Script::hangul : script == Script::han || script == Script::kana;
+            if (isOwn && character.confidence > 0.9F) own.insert(character.code);
+            if (script == Script::kana && character.code != U'ー') ++kana;
+        }
+    }
+    // Kanji alone are no evidence against a picture whose Chinese the network reads.
+    if (language == "jpn" && kana == 0 && total.simplified > 0) return false;
+    return own.size() >= 2;
 }
 
 }  // namespace
@@ -145,11 +165,7 @@ std::vector<Reading> LineReader::read(const std::vector<LinePiece>& pieces, cons
         }
         const auto best = static_cast<std::size_t>(std::max_element(scores.begin(), scores.end()) - scores.begin());
         const std::string& language = languages_[best];
-        // Kanji alone are no evidence against a picture whose Chinese the network reads.
-        std::size_t kana = 0;
-        for (const std::size_t index : probed) kana += countScripts(states[index].other).kana;
-        const bool chinese = language == "jpn" && kana == 0 && total.simplified > 0;
-        if (chinese) {
+        if (!isEstablished(language, probed, states, total)) {
             for (const std::size_t index : probed) states[index].otherScore = 0;
         } else if (scores[best] / static_cast<double>(probed.size()) >= possible) {
             std::vector<std::size_t> doubtful;

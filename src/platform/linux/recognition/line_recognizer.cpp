@@ -15,7 +15,6 @@ namespace {
 constexpr int networkHeight = 48;
 constexpr int networkStep = 8;  // columns for one step of the output
 constexpr int minimumWidth = 48;
-static const double squeeze = getenv("SQ")?atof(getenv("SQ")):1;
 constexpr int maximumWidth = 3200;
 
 std::vector<char32_t> readCharacters(const std::filesystem::path& file) {
@@ -52,7 +51,7 @@ LineRecognizer::LineRecognizer(const std::filesystem::path& modelFile, const std
 
 Reading LineRecognizer::read(const cv::Mat& line, const std::stop_token& stop) const {
     const double scale = static_cast<double>(networkHeight) / line.rows;
-    const int width = std::clamp(static_cast<int>(std::lround(line.cols * scale * squeeze)), 1, maximumWidth);
+    const int width = std::clamp(static_cast<int>(std::lround(line.cols * scale)), 1, maximumWidth);
     cv::Mat scaled;
     cv::resize(line, scaled, {width, networkHeight}, 0, 0, scale < 1 ? cv::INTER_AREA : cv::INTER_CUBIC);
     const int paddedWidth = std::max(minimumWidth, (width + networkStep - 1) / networkStep * networkStep);

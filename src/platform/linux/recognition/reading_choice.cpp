@@ -111,11 +111,16 @@ private:
     Reading joined_;
 };
 
-// The next Latin word or run of words of the network's reading that is long and sure enough to be believed.
-std::pair<Iterator, Iterator> nextLatinRun(Iterator from, Iterator end) {
+// The next Latin word or run of words of the network's reading that is long and sure enough to be believed. Ink that it
+// couldn't read ends the run.
+std::pair<Iterator, Iterator> nextLatinRun(Iterator from, Iterator end, double glyphHeight) {
     while (from != end) {
         const Iterator first = std::find_if(from, end, isLatin);
-        const Iterator last = std::find_if_not(first, end, isAscii);
+        Iterator last = first;
+        while (last != end && isAscii(*last) &&
+               (last == first || centerOf(*last) - centerOf(*std::prev(last)) < 1.5 * glyphHeight)) {
+            ++last;
+        }
         const auto letters = std::count_if(first, last, isLatin);
         if (letters >= 3 && meanConfidence(first, last) >= 0.85) return {first, last};
         from = last;
@@ -150,7 +155,7 @@ Reading joinReadings(const Reading& network, const Reading& other, double glyphH
     Iterator i = network.begin();
     Iterator j = other.begin();
     while (i != network.end()) {
-        auto [first, last] = nextLatinRun(i, network.end());
+        auto [first, last] = nextLatinRun(i, network.end(), glyphHeight);
         // Where a letter at the edge lies on a character that the network can't name, the letter is a part of that.
         const auto covering = [&](const ReadCharacter& letter) {
             return std::any_of(j, other.end(), [&](const ReadCharacter& character) {

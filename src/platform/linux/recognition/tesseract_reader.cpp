@@ -10,6 +10,8 @@
 #include <opencv2/imgproc.hpp>
 #include <unicode/unistr.h>
 
+#include "platform/linux/recognition/letter_shapes.h"
+
 namespace ovrin {
 namespace {
 
@@ -99,6 +101,7 @@ Reading TesseractReader::read(const LinePiece& piece, const std::string& languag
         }
     }
     giveBack(language, std::move(engine));
+    if (language != "kor") widenMarks(reading);
     return reading;
 }
 

@@ -20,7 +20,7 @@ std::optional<double> cellWidth(const Reading& reading, double em) {
         if (!isWide(reading[i - 1].code) && !isWide(reading[i].code))
             distances.push_back(centerOf(reading[i]) - centerOf(reading[i - 1]));
     }
-    constexpr std::size_t enough = 7;
+    constexpr std::size_t enough = 10;
     if (distances.size() < enough) return std::nullopt;
     double best = 0;
     double bestError = 1;
@@ -36,7 +36,7 @@ std::optional<double> cellWidth(const Reading& reading, double em) {
             best = cell;
         }
     }
-    if (bestError > 0.09) return std::nullopt;
+    if (bestError > 0.075) return std::nullopt;
     return best;
 }
 
@@ -54,7 +54,7 @@ bool isSpace(const ReadCharacter& before, const ReadCharacter& after, double em,
         const bool mark = left == Script::mark || right == Script::mark;
         return gap + 0.1 * said > (mark ? 0.4 : 0.2);
     }
-    if (cell) return distance / *cell > 1.6;
+    if (cell) return distance / *cell > 1.6 && gap > 0.3;
     return gap + 0.25 * said > 0.3;
 }
 
