@@ -25,7 +25,7 @@ public:
     ChildProcess& operator=(const ChildProcess&) = delete;
 
     // The next line of its standard output; empty at the end.
-    std::string readLine();
+    std::string readLine() const;
     void stop();
 
 private:

@@ -32,9 +32,9 @@ const KeychainItem headers{.service = "com.quel.ovrin", .account = "model-custom
 
 class KeychainTest : public ::testing::Test {
 protected:
-    // The library finds the bus through the process's own environment.
-    ~KeychainTest() override { ::unsetenv("DBUS_SESSION_BUS_ADDRESS"); }
+    void TearDown() override { ::unsetenv("DBUS_SESSION_BUS_ADDRESS"); }
 
+    // The library finds the bus through the process's own environment.
     LinuxKeychain keychainOn(const std::string& address, SecretService::Patience patience = {}) const {
         ::setenv("DBUS_SESSION_BUS_ADDRESS", address.c_str(), 1);
         return {SecretService(SessionBus::ofProcess, patience), file};

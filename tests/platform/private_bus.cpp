@@ -1,9 +1,9 @@
 #include "fakes/private_bus.h"
 
+#include <csignal>
 #include <fstream>
 
 #include <fcntl.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -54,7 +54,7 @@ ChildProcess::ChildProcess(const Setup& setup) {
     if (failure != 0) throw Error("cannot start " + setup.arguments.front());
 }
 
-std::string ChildProcess::readLine() {
+std::string ChildProcess::readLine() const {
     std::string line;
     char character = 0;
     while (::read(output_, &character, 1) == 1 && character != '\n') line += character;
