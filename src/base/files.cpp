@@ -239,6 +239,12 @@ Stamp Stamp::of(const fs::path& path) {
     return stamp;
 }
 
+Stamp Stamp::ofReplaced(const fs::path& path) {
+    Stamp stamp = of(path);
+    stamp.isSettled_ = true;
+    return stamp;
+}
+
 bool Stamp::stillHolds(const fs::path& path) const {
     if (!isSettled_) return false;
     Stamp present = of(path);

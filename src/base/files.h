@@ -56,6 +56,10 @@ public:
     // That of a missing file when there is none (or it cannot be looked at).
     static Stamp of(const std::filesystem::path& path);
 
+    // That of a file which this process has just replaced and still holds the lock of. Whoever changes it next has to
+    // replace it too, and a replacement is another file: it cannot be mistaken for this one.
+    static Stamp ofReplaced(const std::filesystem::path& path);
+
     bool isMissing() const { return inode_ == 0; }
 
     // Whether the file is still the one of this stamp. False too when it had only just been written when the stamp was

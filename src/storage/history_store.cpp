@@ -151,7 +151,7 @@ void HistoryStore::persist(const HistoryRecords& records) {
     } catch (const files::FileError&) {
         return;  // failures of storage are silent; memory keeps the change
     }
-    stamp_ = files::Stamp::of(fileURL_);
+    stamp_ = files::Stamp::ofReplaced(fileURL_);
     isUnreadable_ = false;
     written_ = idsOf(records);
     unwrittenResults_.clear();

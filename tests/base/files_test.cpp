@@ -195,6 +195,10 @@ TEST(FilesTest, AStampTellsWhetherTheFileChanged) {
     EXPECT_FALSE(missing.stillHolds(path));
     // Just written: a second change of the same size within the clock's tick would look the same.
     EXPECT_FALSE(Stamp::of(path).stillHolds(path));
+    const Stamp own = Stamp::ofReplaced(path);
+    EXPECT_TRUE(own.stillHolds(path));
+    replaceFile(path, "two", Access::onlyUser);
+    EXPECT_FALSE(own.stillHolds(path));
 }
 
 TEST(FilesTest, ALockHasOneHolderAndEndsWithItsProcess) {
