@@ -267,6 +267,10 @@ std::string lowercased(std::string_view text) {
     return toUtf8(toUtf16(text).toLower(icu::Locale::getRoot()));
 }
 
+std::string uppercased(std::string_view text) {
+    return toUtf8(toUtf16(text).toUpper(icu::Locale::getRoot()));
+}
+
 std::string asciiLowercased(std::string_view text) {
     std::string result(text);
     std::transform(result.begin(), result.end(), result.begin(), asciiLower);

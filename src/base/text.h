@@ -61,8 +61,9 @@ bool containsIgnoringCase(std::string_view text, std::string_view query, CaseRul
 // typed with fixed phrases, never for display.
 std::string foldedIgnoringCaseAndDiacritics(std::string_view text, CaseRules rules);
 
-// Lower case by Unicode's rules, independent of the locale.
+// Lower and upper case by Unicode's rules, independent of the locale.
 std::string lowercased(std::string_view text);
+std::string uppercased(std::string_view text);
 
 // ASCII letters in lower case, every other byte unchanged: names of header fields, schemes and the like.
 std::string asciiLowercased(std::string_view text);

@@ -1,0 +1,57 @@
+// Opens the one command palette, closes it, and toggles it from its shortcut.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "base/event_loop.h"
+#include "base/text.h"
+#include "shortcuts/assistant_actions.h"
+#include "shortcuts/command_palette_view_model.h"
+#include "shortcuts/registry.h"
+
+namespace ovrin {
+
+// The floating window of the palette.
+class CommandPalettePanel {
+public:
+    virtual ~CommandPalettePanel() = default;
+
+    // Centred on the screen, in front and with the keyboard.
+    virtual void present() = 0;
+    virtual bool isVisible() const = 0;
+    virtual void orderOut() = 0;
+};
+
+// Makes a panel that shows the view model and calls requestClose on Escape, on the close button and when it stops being
+// the key window while visible. Both arguments outlive the panel.
+using MakeCommandPalettePanel = std::function<std::unique_ptr<CommandPalettePanel>(CommandPaletteViewModel& viewModel,
+                                                                                   std::function<void()> requestClose)>;
+
+// Main thread. The actions and the registry outlive it.
+class CommandPalettePresenter {
+public:
+    CommandPalettePresenter(AssistantActions& actions, const KeyboardShortcuts::Registry& registry,
+                            MakeCommandPalettePanel makePanel, EventLoop& mainLoop, text::CaseRules caseRules);
+    CommandPalettePresenter(const CommandPalettePresenter&) = delete;
+    CommandPalettePresenter& operator=(const CommandPalettePresenter&) = delete;
+    ~CommandPalettePresenter();
+
+    // Opens a fresh palette, or closes the one that is visible.
+    void show();
+
+    void close();
+
+private:
+    struct Palette;
+
+    AssistantActions& actions_;
+    const KeyboardShortcuts::Registry& registry_;
+    MakeCommandPalettePanel makePanel_;
+    EventLoop& mainLoop_;
+    text::CaseRules caseRules_;
+    std::shared_ptr<Palette> palette_;  // open or none
+    std::shared_ptr<const bool> isAlive_ = std::make_shared<const bool>(true);
+};
+
+}  // namespace ovrin

@@ -1,0 +1,18 @@
+// The name of a shortcut: under it the user's choice is stored and handlers are bound.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/shortcut.h"
+
+namespace ovrin::KeyboardShortcuts {
+
+struct Name {
+    std::string rawValue;
+    std::optional<Shortcut> defaultShortcut{};
+
+    friend bool operator==(const Name&, const Name&) = default;
+};
+
+}  // namespace ovrin::KeyboardShortcuts

@@ -1,0 +1,129 @@
+// The registry of global shortcuts: stores the user's key combinations under names, keeps them registered with the
+// desktop, and calls the handlers of a name when its combination is pressed anywhere.
+//
+// Stored under "KeyboardShortcuts_" + name: the JSON text {"carbonKeyCode":17,"carbonModifiers":768}; the boolean false
+// when the user cleared a shortcut that has a default; nothing when it was never set or has no default to suppress.
+//
+// Main thread. A combination that the desktop refuses stays stored but does not fire; the diagnostics get one line.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <span>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "base/published.h"
+#include "platform/hot_keys.h"
+#include "platform/keyboard_layout.h"
+#include "platform/shortcut.h"
+#include "shortcuts/name.h"
+#include "storage/defaults_store.h"
+
+namespace ovrin::KeyboardShortcuts {
+
+enum class KeyDirection { down, up };
+
+// A change made through the registry. Every one is news, also when it set what was there before.
+struct ShortcutChange {
+    std::string name;
+    std::uint64_t number = 0;
+    friend bool operator==(const ShortcutChange&, const ShortcutChange&) = default;
+};
+
+class Registry {
+public:
+    using Action = std::function<void()>;
+    using Diagnostics = std::function<void(const std::string& line)>;
+
+    Registry(DefaultsStore& defaults, HotKeys& hotKeys, const KeyboardLayout& layout, Diagnostics diagnostics);
+    Registry(const Registry&) = delete;
+    Registry& operator=(const Registry&) = delete;
+    // Gives every combination back to the desktop.
+    ~Registry();
+
+    // Makes the name known. Its default is stored unless something (a combination or false) is stored already. Throws
+    // files::FileError.
+    void add(const Name& name);
+
+    std::optional<Shortcut> getShortcut(const Name& name) const;
+
+    // What the user sees of it; none when the name has no combination.
+    std::optional<std::string> shortcutDisplay(const Name& name) const;
+
+    // Stores or clears the combination and announces it; clearing what is clear does nothing. Throws files::FileError
+    // when it can't be stored; nothing has changed then.
+    void setShortcut(std::optional<Shortcut> shortcut, const Name& name);
+
+    // Handlers of a name are called in the order they were added; they may change the registry.
+    void onKeyDown(const Name& name, Action action);
+    void onKeyUp(const Name& name, Action action);
+
+    // Also gives the combinations of the names that had handlers back to the desktop.
+    void removeAllHandlers();
+
+    // Names that are disabled neither fire nor keep their combination from other programs (while the menu is open).
+    void disable(std::span<const Name> names);
+    void enable(std::span<const Name> names);
+
+    // While a menu of the program tracks the keyboard, hot keys don't arrive; their keys come as ordinary key events,
+    // which go through handleKeyEvent. It says whether the keys were a registered combination.
+    void menuTrackingDidBegin() { isMenuOpen_ = true; }
+    void menuTrackingDidEnd() { isMenuOpen_ = false; }
+    bool handleKeyEvent(KeyDirection direction, const Shortcut& shortcut);
+
+    // A recorder needs to see combinations that are registered: none is while one is active.
+    void recorderDidBegin();
+    void recorderDidEnd();
+
+    // Why the desktop refuses the name's combination; none when it works or there is none.
+    std::optional<std::string> registrationFailure(const Name& name) const;
+
+    const Published<ShortcutChange>& shortcutByNameDidChange() const { return lastChange_; }
+    const Published<bool>& recorderActiveStatusDidChange() const { return isRecorderActive_; }
+
+private:
+    struct Handlers {
+        Name name;
+        std::vector<Action> keyDown;
+        std::vector<Action> keyUp;
+        bool isDisabled = false;
+    };
+
+    Handlers& handlersOf(const Name& name);
+    void store(const std::optional<Shortcut>& shortcut, const Name& name);
+    void announce(const Name& name);
+
+    void registerIfNeeded(const Shortcut& shortcut);
+    bool registerWithDesktop(const Shortcut& shortcut);
+    void unregister(const Shortcut& shortcut);
+    void unregisterUnlessHeldByOthers(const Shortcut& shortcut, const Name& name);
+    void setEnabled(bool isEnabled);
+    void noteFailure(const Shortcut& shortcut, const std::string& reason);
+
+    void handleHotKey(KeyDirection direction, HotKeyId id);
+    void handleFailure(HotKeyId id, const std::string& reason);
+    void dispatch(KeyDirection direction, const Shortcut& shortcut);
+
+    DefaultsStore& defaults_;
+    HotKeys& hotKeys_;
+    const KeyboardLayout& layout_;
+    Diagnostics diagnostics_;
+
+    std::vector<Handlers> names_;               // in the order they became known
+    std::unordered_set<Shortcut> registered_;   // what is to work whenever the registry is enabled
+    std::map<HotKeyId, Shortcut> hotKeyTable_;  // what the desktop has given us
+    std::unordered_map<Shortcut, std::string> failures_;
+    std::uint32_t hotKeyCounter_ = 0;
+    bool isEnabled_ = true;
+    bool isMenuOpen_ = false;
+
+    Published<ShortcutChange> lastChange_;
+    Published<bool> isRecorderActive_{false};
+};
+
+}  // namespace ovrin::KeyboardShortcuts

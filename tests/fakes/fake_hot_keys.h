@@ -1,0 +1,70 @@
+// A desktop that gives out hot keys as the test says, writes down what it was asked, and presses keys.
+#pragma once
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <utility>
+
+#include "base/error.h"
+#include "fakes/journal.h"
+#include "platform/hot_keys.h"
+#include "platform/us_keyboard_layout.h"
+#include "shortcuts/shortcut_description.h"
+
+namespace ovrin {
+
+class FakeHotKeys final : public HotKeys {
+public:
+    explicit FakeHotKeys(Journal& journal) : journal_(journal) {}
+
+    std::unordered_set<KeyboardShortcuts::Shortcut> takenByOthers;
+    bool isOptionAloneAllowed = true;
+
+    void setEvents(HotKeyEvents events) override { events_ = std::move(events); }
+    void registerHotKey(HotKeyId id, const KeyboardShortcuts::Shortcut& shortcut) override {
+        if (takenByOthers.contains(shortcut)) throw Error("taken");
+        registered_.emplace(id, shortcut);
+        journal_.add("register " + std::to_string(static_cast<unsigned>(id)) + " " + text(shortcut));
+    }
+    void unregisterHotKey(HotKeyId id) override {
+        journal_.add("unregister " + text(registered_.at(id)));
+        registered_.erase(id);
+    }
+    bool allowsOptionAlone() const override { return isOptionAloneAllowed; }
+
+    // Whether the combination is registered; if so, its event is delivered.
+    bool press(const KeyboardShortcuts::Shortcut& shortcut) { return deliver(shortcut, events_.keyDown); }
+    bool release(const KeyboardShortcuts::Shortcut& shortcut) { return deliver(shortcut, events_.keyUp); }
+
+    void fail(const KeyboardShortcuts::Shortcut& shortcut, const std::string& reason) {
+        const auto id = idOf(shortcut).value();
+        registered_.erase(id);
+        events_.failed(id, reason);
+    }
+
+    bool isRegistered(const KeyboardShortcuts::Shortcut& shortcut) const { return idOf(shortcut).has_value(); }
+
+private:
+    static std::string text(const KeyboardShortcuts::Shortcut& shortcut) {
+        return description(shortcut, USKeyboardLayout());
+    }
+    std::optional<HotKeyId> idOf(const KeyboardShortcuts::Shortcut& shortcut) const {
+        const auto found = std::find_if(registered_.begin(), registered_.end(),
+                                        [&](const auto& entry) { return entry.second == shortcut; });
+        return found == registered_.end() ? std::nullopt : std::optional(found->first);
+    }
+    bool deliver(const KeyboardShortcuts::Shortcut& shortcut, const std::function<void(HotKeyId)>& event) {
+        const auto id = idOf(shortcut);
+        if (id) event(*id);
+        return id.has_value();
+    }
+
+    Journal& journal_;
+    HotKeyEvents events_;
+    std::map<HotKeyId, KeyboardShortcuts::Shortcut> registered_;
+};
+
+}  // namespace ovrin

@@ -1,0 +1,137 @@
+// A private X server without a screen, and a client of it that types on its keyboard.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <xcb/xcb.h>
+#include <xcb/xtest.h>
+
+#include "platform/linux/xcb_xkb.h"
+
+extern char** environ;  // NOLINT(readability-redundant-declaration)
+
+namespace ovrin {
+
+// X key codes of the keyboard that the server starts with.
+namespace keycode {
+inline constexpr xcb_keycode_t f5 = 71, s = 39, t = 28, w = 25;
+inline constexpr xcb_keycode_t leftShift = 50, leftSuper = 133, capsLock = 66, numLock = 77;
+}  // namespace keycode
+
+class XTestServer {
+public:
+    static bool isInstalled() {
+        const char* const path = std::getenv("PATH");
+        std::string directories = path == nullptr ? "" : path;
+        for (std::size_t begin = 0; begin <= directories.size();) {
+            const auto end = std::min(directories.find(':', begin), directories.size());
+            if (access((directories.substr(begin, end - begin) + "/Xvfb").c_str(), X_OK) == 0) return true;
+            begin = end + 1;
+        }
+        return false;
+    }
+
+    XTestServer() {
+        // The server picks a free display and writes its number into the pipe once it is ready.
+        std::array<int, 2> pipe{};
+        if (::pipe(pipe.data()) != 0) throw std::runtime_error("no pipe");
+        fcntl(pipe[0], F_SETFD, FD_CLOEXEC);
+        server_ = spawn({"Xvfb", "-displayfd", std::to_string(pipe[1]), "-screen", "0", "640x480x24", "-nolisten",
+                         "tcp", "-noreset"});
+        close(pipe[1]);
+        std::string number;
+        for (char digit = 0; read(pipe[0], &digit, 1) == 1 && digit != '\n';) number += digit;
+        close(pipe[0]);
+        display_ = ":" + number;
+        connection_.reset(xcb_connect(display_.c_str(), nullptr));
+        if (number.empty() || xcb_connection_has_error(connection()) != 0) throw std::runtime_error("no X server");
+    }
+    XTestServer(const XTestServer&) = delete;
+    XTestServer& operator=(const XTestServer&) = delete;
+    ~XTestServer() { stop(); }
+
+    // As if the server had crashed.
+    void stop() {
+        if (server_ == 0) return;
+        kill(server_, SIGKILL);
+        waitpid(std::exchange(server_, 0), nullptr, 0);
+        unlink(("/tmp/.X" + display_.substr(1) + "-lock").c_str());
+        unlink(("/tmp/.X11-unix/X" + display_.substr(1)).c_str());
+    }
+
+    const char* display() const { return display_.c_str(); }
+    xcb_connection_t* connection() const { return connection_.get(); }
+    xcb_window_t root() const { return xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root; }
+
+    void press(xcb_keycode_t key) const { fake(XCB_KEY_PRESS, key); }
+    void release(xcb_keycode_t key) const { fake(XCB_KEY_RELEASE, key); }
+
+    // Holds the key for as long as it takes the server, which is told to be quick about it, to repeat it some times.
+    void hold(xcb_keycode_t key) const {
+        constexpr std::uint16_t delay = 5, interval = 5, held = 60;  // milliseconds
+        std::free(xcb_xkb_use_extension_reply(connection(), xcb_xkb_use_extension(connection(), 1, 0), nullptr));
+        constexpr std::array<std::uint8_t, 32> noKeys{};
+        xcb_xkb_set_controls(connection(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
+                             XCB_XKB_BOOL_CTRL_REPEAT_KEYS, delay, interval, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
+                             noKeys.data());
+        press(key);
+        fake(XCB_KEY_RELEASE, key, held);
+    }
+
+    // Presses the keys in order and releases them in reverse order.
+    void type(const std::vector<xcb_keycode_t>& keys) const {
+        for (auto key = keys.begin(); key != keys.end(); ++key) press(*key);
+        for (auto key = keys.rbegin(); key != keys.rend(); ++key) release(*key);
+    }
+
+    // Returns when the server has done everything asked of it so far.
+    void synchronize() const {
+        std::free(xcb_get_input_focus_reply(connection(), xcb_get_input_focus(connection()), nullptr));
+    }
+
+    // Sets the layouts, such as "us,ru", as the user's settings would.
+    void setLayouts(const std::string& layouts) const {
+        waitpid(spawn({"setxkbmap", "-display", display_, "-layout", layouts}), nullptr, 0);
+    }
+
+private:
+    static pid_t spawn(std::vector<std::string> command) {
+        std::vector<char*> arguments;
+        for (auto& argument : command) arguments.push_back(argument.data());
+        arguments.push_back(nullptr);
+        posix_spawn_file_actions_t files;
+        posix_spawn_file_actions_init(&files);
+        posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        pid_t process = 0;
+        const int failure = posix_spawnp(&process, arguments[0], &files, nullptr, arguments.data(), environ);
+        posix_spawn_file_actions_destroy(&files);
+        if (failure != 0) throw std::runtime_error("cannot start " + command[0]);
+        return process;
+    }
+
+    // The server does it after the delay, and what it is asked afterwards only then.
+    void fake(std::uint8_t event, xcb_keycode_t key, std::uint32_t delay = 0) const {
+        xcb_test_fake_input(connection(), event, key, delay, root(), 0, 0, 0);
+        xcb_flush(connection());
+    }
+
+    pid_t server_ = 0;
+    std::string display_;
+    std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection_{nullptr, &xcb_disconnect};
+};
+
+}  // namespace ovrin

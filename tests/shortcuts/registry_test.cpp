@@ -1,0 +1,215 @@
+#include "shortcuts/registry.h"
+
+#include <optional>
+#include <string>
+
+#include "shortcut_fixture.h"
+
+namespace ovrin {
+namespace {
+
+using KeyboardShortcuts::KeyDirection;
+using KeyboardShortcuts::Name;
+using KeyboardShortcuts::Shortcut;
+using KeyboardShortcuts::ShortcutChange;
+
+const std::string plainKey = "KeyboardShortcuts_plain";
+const std::string defaultKey = "KeyboardShortcuts_withDefault";
+const std::string storedT = R"({"carbonKeyCode":17,"carbonModifiers":768})";
+
+using RegistryTest = ShortcutTest;
+
+TEST_F(RegistryTest, StoresACombinationAsJsonText) {
+    registry.setShortcut(commandShiftT, plain);
+    EXPECT_EQ(stored(plainKey), storedT);
+    EXPECT_EQ(registry.getShortcut(plain), commandShiftT);
+    EXPECT_EQ(registry.shortcutDisplay(plain), "⇧⌘T");
+}
+
+TEST_F(RegistryTest, WhatDoesNotDecodeIsNoShortcut) {
+    for (const char* text :
+         {"", "17", "{}", "[17,768]", R"({"carbonKeyCode":17})", R"({"carbonKeyCode":"17","carbonModifiers":768})",
+          R"({"carbonKeyCode":1.5,"carbonModifiers":768})", R"({"carbonKeyCode":99999999999,"carbonModifiers":768})",
+          R"({"carbonKeyCode":17,"carbonModifiers":768)"}) {
+        defaults.setString(plainKey, text);
+        EXPECT_EQ(registry.getShortcut(plain), std::nullopt) << text;
+    }
+    defaults.setBoolean(plainKey, true);
+    EXPECT_EQ(registry.getShortcut(plain), std::nullopt);
+    defaults.setString(plainKey, R"({ "carbonModifiers": 768, "other": 1, "carbonKeyCode": 17 })");
+    EXPECT_EQ(registry.getShortcut(plain), commandShiftT);
+}
+
+TEST_F(RegistryTest, ADefaultIsStoredOnlyWhereNothingIsStored) {
+    registry.add(withDefault);
+    EXPECT_EQ(stored(defaultKey), storedT);
+
+    registry.setShortcut(std::nullopt, withDefault);
+    EXPECT_EQ(stored(defaultKey), false);
+    registry.add(withDefault);
+    EXPECT_EQ(stored(defaultKey), false);
+    EXPECT_EQ(registry.getShortcut(withDefault), std::nullopt);
+
+    registry.setShortcut(commandShiftS, withDefault);
+    registry.add(withDefault);
+    EXPECT_EQ(registry.getShortcut(withDefault), commandShiftS);
+
+    defaults.setString(defaultKey, "damaged");
+    registry.add(withDefault);
+    EXPECT_EQ(stored(defaultKey), "damaged");
+}
+
+TEST_F(RegistryTest, ClearingANameWithoutDefaultLeavesNothingStored) {
+    registry.setShortcut(commandShiftT, plain);
+    registry.setShortcut(std::nullopt, plain);
+    EXPECT_EQ(stored(plainKey), nullptr);
+    EXPECT_FALSE(hotKeys.isRegistered(commandShiftT));
+}
+
+TEST_F(RegistryTest, EveryChangeIsAnnouncedEvenOneThatSetsTheSame) {
+    const auto subscription =
+        registry.shortcutByNameDidChange().onDidChange([&](const ShortcutChange& change) { journal.add(change.name); });
+    registry.setShortcut(commandShiftT, plain);
+    registry.setShortcut(commandShiftT, plain);
+    registry.setShortcut(std::nullopt, plain);
+    registry.setShortcut(std::nullopt, plain);
+    EXPECT_EQ(journal.events(), (Events{"register 1 ⇧⌘T", "plain", "unregister ⇧⌘T", "register 2 ⇧⌘T", "plain",
+                                        "unregister ⇧⌘T", "plain"}));
+}
+
+TEST_F(RegistryTest, HandlersAreCalledInTheOrderTheyWereAdded) {
+    registry.setShortcut(commandShiftT, plain);
+    registry.onKeyDown(plain, add("first"));
+    registry.onKeyDown(plain, add("second"));
+    registry.onKeyUp(plain, add("up"));
+    journal.take();
+    hotKeys.press(commandShiftT);
+    EXPECT_EQ(journal.take(), (Events{"first", "second"}));
+    hotKeys.release(commandShiftT);
+    EXPECT_EQ(journal.take(), (Events{"up"}));
+}
+
+TEST_F(RegistryTest, TwoNamesWithTheSameCombinationBothFire) {
+    const Name other{.rawValue = "other"};
+    registry.onKeyDown(plain, add("plain"));
+    registry.onKeyDown(other, add("other"));
+    registry.setShortcut(commandShiftT, plain);
+    registry.setShortcut(commandShiftT, other);
+    EXPECT_EQ(journal.take(), (Events{"register 1 ⇧⌘T"}));
+    hotKeys.press(commandShiftT);
+    EXPECT_EQ(journal.take(), (Events{"plain", "other"}));
+
+    // The one goes on working when the other gives the combination up.
+    registry.setShortcut(commandShiftS, plain);
+    journal.take();
+    hotKeys.press(commandShiftT);
+    EXPECT_EQ(journal.take(), (Events{"other"}));
+    registry.setShortcut(std::nullopt, other);
+    EXPECT_FALSE(hotKeys.press(commandShiftT));
+}
+
+TEST_F(RegistryTest, AChangedCombinationTakesItsHandlersAlong) {
+    registry.onKeyDown(plain, add("down"));
+    registry.setShortcut(commandShiftT, plain);
+    registry.setShortcut(commandShiftS, plain);
+    journal.take();
+    EXPECT_FALSE(hotKeys.press(commandShiftT));
+    EXPECT_TRUE(hotKeys.press(commandShiftS));
+    EXPECT_EQ(journal.events(), (Events{"down"}));
+}
+
+TEST_F(RegistryTest, AHandlerMayChangeTheRegistry) {
+    registry.setShortcut(commandShiftT, plain);
+    registry.onKeyDown(plain, [this] {
+        registry.onKeyDown(plain, add("added meanwhile"));
+        registry.setShortcut(std::nullopt, plain);
+    });
+    hotKeys.press(commandShiftT);
+    EXPECT_EQ(registry.getShortcut(plain), std::nullopt);
+}
+
+TEST_F(RegistryTest, ARefusedCombinationIsStoredAndReportedInOneLine) {
+    hotKeys.takenByOthers.insert(commandShiftT);
+    registry.setShortcut(commandShiftT, plain);
+    EXPECT_EQ(journal.take(), (Events{"Error registering hotkey ⇧⌘T: taken"}));
+    EXPECT_EQ(registry.getShortcut(plain), commandShiftT);
+    EXPECT_EQ(registry.registrationFailure(plain), "taken");
+
+    hotKeys.takenByOthers.clear();
+    registry.onKeyDown(plain, add("down"));
+    EXPECT_EQ(registry.registrationFailure(plain), std::nullopt);
+    EXPECT_TRUE(hotKeys.press(commandShiftT));
+}
+
+TEST_F(RegistryTest, AHotKeyThatStopsWorkingIsReportedAndCanBeHadAgain) {
+    registry.setShortcut(commandShiftT, plain);
+    journal.take();
+    hotKeys.fail(commandShiftT, "display lost");
+    EXPECT_EQ(journal.take(), (Events{"Error registering hotkey ⇧⌘T: display lost"}));
+    EXPECT_EQ(registry.registrationFailure(plain), "display lost");
+    registry.setShortcut(commandShiftT, plain);
+    EXPECT_EQ(registry.registrationFailure(plain), std::nullopt);
+}
+
+TEST_F(RegistryTest, DisabledNamesGiveTheirCombinationsBackUntilTheyAreEnabled) {
+    const std::vector<Name> names{plain, withDefault};
+    registry.add(withDefault);
+    registry.setShortcut(commandShiftS, plain);
+    registry.onKeyDown(plain, add("plain"));
+    registry.disable(names);
+    EXPECT_FALSE(hotKeys.isRegistered(commandShiftT));
+    EXPECT_FALSE(hotKeys.isRegistered(commandShiftS));
+
+    registry.setShortcut(commandShiftW, plain);
+    EXPECT_FALSE(hotKeys.isRegistered(commandShiftW));
+    registry.enable(names);
+    EXPECT_TRUE(hotKeys.isRegistered(commandShiftT));
+    journal.take();
+    EXPECT_TRUE(hotKeys.press(commandShiftW));
+    EXPECT_EQ(journal.events(), (Events{"plain"}));
+}
+
+TEST_F(RegistryTest, WhileAMenuIsOpenKeyEventsStandInForHotKeys) {
+    registry.setShortcut(commandShiftT, plain);
+    registry.onKeyDown(plain, add("down"));
+    journal.take();
+    EXPECT_FALSE(registry.handleKeyEvent(KeyDirection::down, commandShiftT));
+    registry.menuTrackingDidBegin();
+    EXPECT_TRUE(registry.handleKeyEvent(KeyDirection::down, commandShiftT));
+    EXPECT_FALSE(registry.handleKeyEvent(KeyDirection::down, commandShiftS));
+    hotKeys.press(commandShiftT);  // the same press once more
+    EXPECT_EQ(journal.take(), (Events{"down"}));
+    registry.menuTrackingDidEnd();
+    hotKeys.press(commandShiftT);
+    EXPECT_EQ(journal.take(), (Events{"down"}));
+}
+
+TEST_F(RegistryTest, RemovingAllHandlersGivesTheirCombinationsBack) {
+    registry.setShortcut(commandShiftT, plain);
+    registry.onKeyDown(plain, add("old"));
+    registry.removeAllHandlers();
+    EXPECT_FALSE(hotKeys.isRegistered(commandShiftT));
+    registry.onKeyDown(plain, add("new"));
+    journal.take();
+    hotKeys.press(commandShiftT);
+    EXPECT_EQ(journal.events(), (Events{"new"}));
+}
+
+TEST_F(RegistryTest, WhatCannotBeStoredChangesNothing) {
+    DefaultsStore broken(file / "below a file" / "preferences.json");
+    std::ofstream(file) << "{}";
+    KeyboardShortcuts::Registry other(broken, hotKeys, layout, [](const std::string&) {});
+    EXPECT_THROW(other.setShortcut(commandShiftT, plain), files::FileError);
+    EXPECT_FALSE(hotKeys.isRegistered(commandShiftT));
+}
+
+TEST_F(RegistryTest, GivesEverythingBackWhenItGoes) {
+    {
+        KeyboardShortcuts::Registry other(defaults, hotKeys, layout, [](const std::string&) {});
+        other.setShortcut(commandShiftT, plain);
+    }
+    EXPECT_FALSE(hotKeys.isRegistered(commandShiftT));
+}
+
+}  // namespace
+}  // namespace ovrin

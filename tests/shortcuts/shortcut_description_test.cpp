@@ -1,0 +1,51 @@
+#include "shortcuts/shortcut_description.h"
+
+#include <optional>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "platform/us_keyboard_layout.h"
+
+namespace ovrin::KeyboardShortcuts {
+namespace {
+
+class OneKeyLayout final : public KeyboardLayout {
+public:
+    explicit OneKeyLayout(std::optional<std::string> character) : character_(std::move(character)) {}
+    std::optional<std::string> character(Key) const override { return character_; }
+    std::optional<Key> key(std::uint32_t) const override { return std::nullopt; }
+
+private:
+    std::optional<std::string> character_;
+};
+
+TEST(ShortcutDescription, NamesModifiersInTheirOrderBeforeTheKey) {
+    EXPECT_EQ(description(Shortcut(Key::t, allModifiers), USKeyboardLayout()), "⌃⌥⇧⌘🌐︎T");
+    EXPECT_EQ(description(Shortcut(Key::k, Modifiers::command), USKeyboardLayout()), "⌘K");
+}
+
+TEST(ShortcutDescription, ShowsSpecialKeysBySymbolWhateverTheLayoutSays) {
+    const OneKeyLayout layout("x");
+    EXPECT_EQ(description(Shortcut(Key::returnKey, Modifiers::control), layout), "⌃↩");
+    EXPECT_EQ(description(Shortcut(Key::space, Modifiers::option), layout), "⌥␣");
+    EXPECT_EQ(description(Shortcut(Key::up, Modifiers::command), layout), "⌘↑");
+    EXPECT_EQ(description(Shortcut(Key{90}, Modifiers::none), layout), "F20");
+}
+
+TEST(ShortcutDescription, ShowsOtherKeysByTheUpperCaseCharacterOfTheLayout) {
+    const Shortcut shortcut(Key::t, Modifiers::command);
+    EXPECT_EQ(description(shortcut, OneKeyLayout("е")), "⌘Е");
+    EXPECT_EQ(description(shortcut, OneKeyLayout("é")), "⌘É");
+    EXPECT_EQ(description(shortcut, OneKeyLayout(std::nullopt)), "⌘�");
+}
+
+TEST(ShortcutDescription, OnlyF1ToF20AreFunctionKeys) {
+    EXPECT_TRUE(isFunctionKey(Key{122}));
+    EXPECT_TRUE(isFunctionKey(Key{90}));
+    EXPECT_FALSE(isFunctionKey(Key::up));
+    EXPECT_FALSE(isFunctionKey(Key{3}));  // the letter F
+}
+
+}  // namespace
+}  // namespace ovrin::KeyboardShortcuts
