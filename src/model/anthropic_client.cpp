@@ -55,8 +55,8 @@ Task<std::string> AnthropicClient::complete(std::vector<DeepSeek::Message> messa
     return runWhole(*this, std::move(messages), std::move(model), temperature);
 }
 
-HTTPRequest AnthropicClient::makeRequest(std::vector<DeepSeek::Message> messages, std::string model, double temperature,
-                                         Delivery delivery) const {
+HTTPRequest AnthropicClient::makeRequest(const std::vector<DeepSeek::Message>& messages, std::string model,
+                                         double temperature, Delivery delivery) const {
     HTTPRequest request = makePostRequest(endpoint_,
                                           encode(Anthropic::Request{.model = std::move(model),
                                                                     .maxTokens = maxOutputTokens_,
@@ -80,13 +80,13 @@ DeepSeekError AnthropicClient::mapHTTPError(int status, std::string_view body) {
 
 Task<void> AnthropicClient::run(AnthropicClient client, std::vector<DeepSeek::Message> messages, std::string model,
                                 double temperature, StreamWriter<std::string>& pieces) {
-    HTTPRequest request = client.makeRequest(std::move(messages), std::move(model), temperature, Delivery::streamed);
+    HTTPRequest request = client.makeRequest(messages, std::move(model), temperature, Delivery::streamed);
     co_await streamAnswer(*client.httpClient_, std::move(request), rules(), pieces);
 }
 
 Task<std::string> AnthropicClient::runWhole(AnthropicClient client, std::vector<DeepSeek::Message> messages,
                                             std::string model, double temperature) {
-    HTTPRequest request = client.makeRequest(std::move(messages), std::move(model), temperature, Delivery::whole);
+    HTTPRequest request = client.makeRequest(messages, std::move(model), temperature, Delivery::whole);
     const std::string body = co_await wholeAnswer(*client.httpClient_, std::move(request), rules());
     const auto response = Anthropic::decodeResponse(body);
     if (!response) throw decodingError(body, "content");

@@ -33,7 +33,7 @@ public:
     // The whole answer, never empty. Throws DeepSeekError.
     Task<std::string> complete(std::vector<DeepSeek::Message> messages, std::string model, double temperature) const;
 
-    HTTPRequest makeRequest(std::vector<DeepSeek::Message> messages, std::string model, double temperature,
+    HTTPRequest makeRequest(const std::vector<DeepSeek::Message>& messages, std::string model, double temperature,
                             Delivery delivery) const;
 
     static DeepSeekError mapHTTPError(int status, std::string_view body);

@@ -30,14 +30,14 @@ Task<std::string> OpenAICompatibleClient::complete(std::vector<DeepSeek::Message
     return runWhole(*this, std::move(messages), std::move(model), temperature);
 }
 
-HTTPRequest OpenAICompatibleClient::makeRequest(std::vector<DeepSeek::Message> messages, std::string model,
+HTTPRequest OpenAICompatibleClient::makeRequest(const std::vector<DeepSeek::Message>& messages, std::string model,
                                                 double temperature, Delivery delivery) const {
     const std::string storedKey = apiKeyProvider_().value_or("");
     const std::string_view key = text::trimmed(storedKey);
     if (key.empty() && !hasCustomAuthorization()) throw DeepSeekError::missingAPIKey();
     HTTPRequest request = makePostRequest(endpointURL(baseURL_),
                                           encode(DeepSeek::ChatRequest{.model = std::move(model),
-                                                                       .messages = std::move(messages),
+                                                                       .messages = messages,
                                                                        .temperature = temperature,
                                                                        .stream = delivery == Delivery::streamed}),
                                           delivery);
@@ -68,14 +68,14 @@ bool OpenAICompatibleClient::hasCustomAuthorization() const {
 
 Task<void> OpenAICompatibleClient::run(OpenAICompatibleClient client, std::vector<DeepSeek::Message> messages,
                                        std::string model, double temperature, StreamWriter<std::string>& pieces) {
-    HTTPRequest request = client.makeRequest(std::move(messages), std::move(model), temperature, Delivery::streamed);
+    HTTPRequest request = client.makeRequest(messages, std::move(model), temperature, Delivery::streamed);
     co_await streamAnswer(*client.httpClient_, std::move(request), rules(), pieces);
 }
 
 Task<std::string> OpenAICompatibleClient::runWhole(OpenAICompatibleClient client,
                                                    std::vector<DeepSeek::Message> messages, std::string model,
                                                    double temperature) {
-    HTTPRequest request = client.makeRequest(std::move(messages), std::move(model), temperature, Delivery::whole);
+    HTTPRequest request = client.makeRequest(messages, std::move(model), temperature, Delivery::whole);
     const std::string body = co_await wholeAnswer(*client.httpClient_, std::move(request), rules());
     auto response = DeepSeek::decodeChatResponse(body);
     if (!response) throw decodingError(body, "choices");

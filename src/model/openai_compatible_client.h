@@ -37,7 +37,7 @@ public:
     Task<std::string> complete(std::vector<DeepSeek::Message> messages, std::string model, double temperature) const;
 
     // Throws DeepSeekError missingAPIKey when neither a key nor an Authorization header is there.
-    HTTPRequest makeRequest(std::vector<DeepSeek::Message> messages, std::string model, double temperature,
+    HTTPRequest makeRequest(const std::vector<DeepSeek::Message>& messages, std::string model, double temperature,
                             Delivery delivery) const;
 
     // The URL with the protocol's path at its end. Throws DeepSeekError invalidConnectionURL.

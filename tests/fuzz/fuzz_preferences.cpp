@@ -1,13 +1,13 @@
 // Whatever the preferences file holds, every preference can be read, and one that is set is read back; a file that was
 // unreadable is kept aside, and one that was readable keeps its other values.
-#include <unistd.h>
-
 #include <array>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <optional>
 #include <string>
+
+#include <unistd.h>
 
 #include "check.h"
 #include "storage/defaults_store.h"
@@ -54,8 +54,8 @@ Values valuesOf(const ovrin::DefaultsStore& store) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const Folder folder;
     folder.empty();
-    std::ofstream(folder.file(), std::ios::binary).write(reinterpret_cast<const char*>(data),
-                                                         static_cast<std::streamsize>(size));
+    std::ofstream(folder.file(), std::ios::binary)
+        .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
     ovrin::DefaultsStore store(folder.file());
     Values expected = valuesOf(store);
     store.setInteger(ovrin::preference::maxOutputTokens, 7);
