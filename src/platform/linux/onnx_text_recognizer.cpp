@@ -168,9 +168,11 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
         if (!isText(readings[i])) continue;
         textReadings.push_back(readings[i]);
         placeOnInk(textReadings.back(), pieces[i]);
-        placeSpaces(textReadings.back(), pieces[i]);
-        if (request.usesLanguageCorrection) correctLetterShapes(textReadings.back());
         textPieces.push_back(std::move(pieces[i]));
+    }
+    placeSpaces(textReadings, textPieces);
+    if (request.usesLanguageCorrection) {
+        for (auto& reading : textReadings) correctLetterShapes(reading);
     }
     return observations(textPieces, textReadings, image);
 }

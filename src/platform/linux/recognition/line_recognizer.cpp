@@ -24,6 +24,9 @@ std::vector<char32_t> readCharacters(const std::filesystem::path& file) {
     for (std::string line; std::getline(input, line);) {
         characters.push_back(static_cast<char32_t>(icu::UnicodeString::fromUTF8(line).char32At(0)));
     }
+    constexpr std::size_t fewest = 1000;
+    if (characters.size() < fewest)
+        throw Error("The recognition model's character list " + file.string() + " is damaged.");
     characters.push_back(U' ');
     return characters;
 }

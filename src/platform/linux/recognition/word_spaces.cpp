@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <optional>
 
 #include "platform/linux/recognition/script.h"
@@ -13,30 +11,40 @@ namespace {
 
 double centerOf(const ReadCharacter& character) { return (character.left + character.right) / 2; }
 
-// The cell width of a fixed-width font in pixels, if the characters stand on a grid of cells.
-std::optional<double> cellWidth(const Reading& reading, double em) {
+std::vector<double> narrowDistances(const Reading& reading) {
     std::vector<double> distances;
     for (std::size_t i = 1; i < reading.size(); ++i) {
         if (!isWide(reading[i - 1].code) && !isWide(reading[i].code))
             distances.push_back(centerOf(reading[i]) - centerOf(reading[i - 1]));
     }
+    return distances;
+}
+
+// How far the distances are from whole numbers of cells on average, in cells.
+double gridError(const std::vector<double>& distances, double cell) {
+    double error = 0;
+    for (const double distance : distances) {
+        const double cells = std::max(1.0, std::round(distance / cell));
+        error += std::min(0.5, std::abs(distance / cell - cells));
+    }
+    return distances.empty() ? 1 : error / static_cast<double>(distances.size());
+}
+
+// The cell width of a fixed-width font in ems, if so many characters stand on a grid of cells that it's no accident.
+std::optional<double> cellWidth(const Reading& reading, double em) {
     constexpr std::size_t enough = 10;
+    constexpr double largestError = 0.075;
+    const auto distances = narrowDistances(reading);
     if (distances.size() < enough) return std::nullopt;
-    double best = 0;
-    double bestError = 1;
-    for (double cell = 0.42 * em; cell < 0.8 * em; cell += 0.01 * em) {
-        double error = 0;
-        for (const double distance : distances) {
-            const double cells = std::max(1.0, std::round(distance / cell));
-            error += std::min(0.5, std::abs(distance / cell - cells));
-        }
-        error /= static_cast<double>(distances.size());
+    std::optional<double> best;
+    double bestError = largestError;
+    for (double cell = 0.42; cell < 0.8; cell += 0.01) {
+        const double error = gridError(distances, cell * em);
         if (error < bestError) {
             bestError = error;
             best = cell;
         }
     }
-    if (bestError > 0.075) return std::nullopt;
     return best;
 }
 
@@ -58,9 +66,7 @@ bool isSpace(const ReadCharacter& before, const ReadCharacter& after, double em,
     return gap + 0.25 * said > 0.3;
 }
 
-}  // namespace
-
-void placeSpaces(Reading& reading, const LinePiece& piece) {
+void placeSpaces(Reading& reading, const LinePiece& piece, std::optional<double> cellInEms) {
     if (reading.empty()) return;
     reading.front().spaceBefore = 0;
     if (!piece.flatBackground) {
@@ -69,12 +75,35 @@ void placeSpaces(Reading& reading, const LinePiece& piece) {
         }
         return;
     }
-    const auto cell = cellWidth(reading, piece.em);
+    std::optional<double> cell;
+    if (cellInEms) cell = *cellInEms * piece.em;
     for (std::size_t i = 1; i < reading.size(); ++i) {
-        const double said = reading[i].spaceBefore;
         reading[i].spaceBefore = isSpace(reading[i - 1], reading[i], piece.em, cell) ? 1 : 0;
-        if (std::getenv("DUMP"))
-            std::fprintf(stderr, "PAIR %u %u %.3f %.3f %.0f %.1f\n", (unsigned)reading[i-1].code, (unsigned)reading[i].code, (reading[i].left-reading[i-1].right)/piece.em, said, reading[i].spaceBefore, cell?-*cell/piece.em:piece.em);
+    }
+}
+
+}  // namespace
+
+void placeSpaces(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces) {
+    std::vector<std::optional<double>> cells(readings.size());
+    std::vector<double> found;
+    std::size_t longPieces = 0;
+    constexpr std::size_t longPiece = 10;
+    for (std::size_t i = 0; i < readings.size(); ++i) {
+        cells[i] = cellWidth(readings[i], pieces[i].em);
+        if (narrowDistances(readings[i]).size() >= longPiece) ++longPieces;
+        if (cells[i]) found.push_back(*cells[i]);
+    }
+    // Where most long pieces stand on a grid, a short piece on about the same grid does too.
+    std::optional<double> common;
+    if (found.size() * 2 > longPieces) {
+        std::nth_element(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(found.size() / 2), found.end());
+        common = found[found.size() / 2];
+    }
+    for (std::size_t i = 0; i < readings.size(); ++i) {
+        const auto distances = narrowDistances(readings[i]);
+        if (!cells[i] && common && gridError(distances, *common * pieces[i].em) < 0.15) cells[i] = common;
+        placeSpaces(readings[i], pieces[i], cells[i]);
     }
 }
 

@@ -1,0 +1,121 @@
+#include "platform/linux/image_decoder.h"
+
+#include <allheaders.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "base/error.h"
+
+namespace ovrin {
+namespace {
+
+struct PixDeleter {
+    void operator()(Pix* picture) const { pixDestroy(&picture); }
+};
+using PixPointer = std::unique_ptr<Pix, PixDeleter>;
+
+// Left half red, right half blue.
+PixPointer twoColors(int width, int height) {
+    PixPointer picture(pixCreate(width, height, 32));
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            pixSetRGBPixel(picture.get(), x, y, x < width / 2 ? 255 : 0, 0, x < width / 2 ? 0 : 255);
+        }
+    }
+    return picture;
+}
+
+std::vector<std::byte> encoded(Pix* picture, int format) {
+    l_uint8* data = nullptr;
+    std::size_t size = 0;
+    EXPECT_EQ(pixWriteMem(&data, &size, picture, format), 0);
+    const auto* first = reinterpret_cast<const std::byte*>(data);
+    std::vector<std::byte> bytes(first, first + size);
+    std::free(data);
+    return bytes;
+}
+
+std::string failureOf(const std::vector<std::byte>& bytes) {
+    try {
+        LinuxImageDecoder().decode(bytes);
+    } catch (const Error& failure) {
+        return failure.errorDescription();
+    }
+    return "decoded";
+}
+
+std::vector<int> pixelAt(const Image& image, int x, int y) {
+    const auto* pixel = image.data() + static_cast<std::size_t>(y) * image.bytesPerRow() + static_cast<std::size_t>(x) * 4;
+    return {pixel[0], pixel[1], pixel[2], pixel[3]};
+}
+
+TEST(ImageDecoderTest, DecodesEveryFormat) {
+    const PixPointer picture = twoColors(40, 20);
+    for (const int format : {IFF_PNG, IFF_JFIF_JPEG, IFF_WEBP, IFF_BMP, IFF_GIF, IFF_TIFF, IFF_TIFF_LZW}) {
+        const Image image = LinuxImageDecoder().decode(encoded(picture.get(), format));
+        ASSERT_EQ(image.width(), 40) << format;
+        ASSERT_EQ(image.height(), 20) << format;
+        const auto left = pixelAt(image, 4, 10);
+        const auto right = pixelAt(image, 36, 10);
+        EXPECT_GT(left[2], 220) << format;
+        EXPECT_LT(left[0], 40) << format;
+        EXPECT_GT(right[0], 220) << format;
+        EXPECT_EQ(right[3], 255) << format;
+    }
+}
+
+TEST(ImageDecoderTest, TransparentPartsLieOnWhite) {
+    const PixPointer picture = twoColors(10, 10);
+    const PixPointer alpha(pixCreate(10, 10, 8));  // nothing is opaque
+    pixSetRGBComponent(picture.get(), alpha.get(), L_ALPHA_CHANNEL);
+    pixSetSpp(picture.get(), 4);
+    const Image image = LinuxImageDecoder().decode(encoded(picture.get(), IFF_PNG));
+    EXPECT_EQ(pixelAt(image, 2, 5), (std::vector<int>{255, 255, 255, 255}));
+}
+
+TEST(ImageDecoderTest, DepthsAndPalettesComeOutAsColor) {
+    for (const int depth : {1, 2, 4, 8, 16}) {
+        const PixPointer picture(pixCreate(16, 16, depth));
+        pixSetAll(picture.get());
+        const Image image = LinuxImageDecoder().decode(encoded(picture.get(), IFF_PNG));
+        // All bits set is black in a picture of one bit and white in the deeper ones.
+        EXPECT_EQ(pixelAt(image, 8, 8), (depth == 1 ? std::vector<int>{0, 0, 0, 255} : std::vector<int>{255, 255, 255, 255}))
+            << depth;
+    }
+}
+
+TEST(ImageDecoderTest, NamesWhatIsNoPicture) {
+    EXPECT_EQ(failureOf({}), "The picture is empty.");
+    EXPECT_EQ(failureOf(std::vector<std::byte>(5)), "The file is not a picture, or of a kind that can't be read.");
+    EXPECT_EQ(failureOf(std::vector<std::byte>(500, std::byte{'a'})),
+              "The file is not a picture, or of a kind that can't be read.");
+}
+
+TEST(ImageDecoderTest, RefusesPicturesThatBreakOff) {
+    PixPointer picture = twoColors(200, 120);
+    for (int i = 0; i < 4000; ++i) pixSetRGBPixel(picture.get(), i * 7 % 200, i * 13 % 120, i % 256, i * 3 % 256, i * 5 % 256);
+    for (const int format : {IFF_PNG, IFF_JFIF_JPEG, IFF_WEBP, IFF_BMP, IFF_GIF, IFF_TIFF, IFF_TIFF_LZW}) {
+        auto bytes = encoded(picture.get(), format);
+        bytes.resize(bytes.size() / 2);
+        const std::string failure = failureOf(bytes);
+        EXPECT_TRUE(failure.starts_with("The picture is damaged")) << format << ": " << failure;
+    }
+}
+
+TEST(ImageDecoderTest, RefusesHugePicturesByTheirHeader) {
+    auto bytes = encoded(twoColors(16, 16).get(), IFF_BMP);
+    const auto put = [&](std::size_t position, unsigned value) {
+        for (std::size_t i = 0; i < 4; ++i) bytes[position + i] = static_cast<std::byte>(value >> (8 * i));
+    };
+    put(18, 20000);
+    put(22, 20000);
+    const std::string failure = failureOf(bytes);
+    EXPECT_EQ(failure, "The picture is too large: 20000 x 20000 pixels, at most 120 million can be handled.");
+}
+
+}  // namespace
+}  // namespace ovrin

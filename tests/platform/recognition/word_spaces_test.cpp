@@ -1,0 +1,72 @@
+#include "platform/linux/recognition/word_spaces.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/linux/recognition/glyph_places.h"
+#include "platform/linux/recognition/letter_shapes.h"
+#include "platform/recognition/synthetic_reading.h"
+
+namespace ovrin {
+namespace {
+
+// Reads `text` off bars of ink that start at the given columns, and puts the spaces.
+std::string spaced(std::u32string_view text, const std::vector<ColumnRun>& runs, int height) {
+    Reading reading;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        // Readers are off by a few pixels.
+        reading.push_back({text[i], 0.99F, runs[i].left - 2.0, runs[i].right + 1.0, 0});
+    }
+    const LinePiece piece = pieceOf(runs, height);
+    placeOnInk(reading, piece);
+    std::vector<Reading> readings = {reading};
+    placeSpaces(readings, {piece});
+    return textOf(readings.front());
+}
+
+TEST(WordSpacesTest, WideGapsBetweenLettersAreSpaces) {
+    EXPECT_EQ(spaced(U"abcd", {{0, 8}, {9, 17}, {24, 32}, {33, 41}}, 15), "ab cd");
+}
+
+TEST(WordSpacesTest, KoreanWordsAreToldByNarrowerGaps) {
+    EXPECT_EQ(spaced(U"새문서", {{0, 14}, {19, 33}, {35, 49}}, 16), "새 문서");
+}
+
+TEST(WordSpacesTest, NarrowLettersOfAFixedWidthFontAreNoWords) {
+    // Cells of 9 pixels, the letters in their middle; one empty cell after the fifth.
+    std::vector<ColumnRun> runs;
+    const std::u32string_view text = U"il.:iabcil:x";
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const int center = static_cast<int>(i + (i >= 5 ? 1 : 0)) * 9 + 4;
+        const bool narrow = std::u32string_view(U"il.:").find(text[i]) != std::u32string_view::npos;
+        runs.push_back(narrow ? ColumnRun{center - 1, center + 1} : ColumnRun{center - 3, center + 4});
+    }
+    EXPECT_EQ(spaced(text, runs, 14), "il.:i abcil:x");
+}
+
+TEST(WordSpacesTest, WidePunctuationBringsItsOwnBlank) {
+    EXPECT_EQ(spaced(U"文，件", {{0, 15}, {17, 20}, {34, 49}}, 15), "文，件");
+    EXPECT_EQ(spaced(U"第7页", {{0, 15}, {21, 28}, {34, 49}}, 15), "第 7 页");
+}
+
+TEST(LetterShapesTest, NeighboursTellLettersOfOneShapeApart) {
+    const auto corrected = [](std::u32string_view text) {
+        Reading reading = readingOf(text, 0, 10);
+        correctLetterShapes(reading);
+        return textOf(reading);
+    };
+    EXPECT_EQ(corrected(U"OpenAl"), "OpenAI");
+    EXPECT_EQ(corrected(U"Al"), "Al");
+    EXPECT_EQ(corrected(U"m0dified"), "modified");
+    EXPECT_EQ(corrected(U"7f3a0c2"), "7f3a0c2");
+    EXPECT_EQ(corrected(U"85°℃"), "85℃");
+    EXPECT_EQ(corrected(U"学生丶商店"), "学生、商店");
+}
+
+TEST(LetterShapesTest, MarksBetweenChineseCharactersAreWide) {
+    Reading reading = readingOf(U"傘,說(a)!", 0, 10);
+    widenMarks(reading);
+    EXPECT_EQ(textOf(reading), "傘，說(a)!");
+}
+
+}  // namespace
+}  // namespace ovrin
