@@ -43,7 +43,7 @@ Task<std::string> collectErrorBody(AsyncStream<std::string> chunks) {
         if (!chunk) break;
         body += *chunk;
     }
-    co_return boundedErrorBody(std::move(body));
+    co_return body;
 }
 
 // Pushes what one line delivers, unless the task has been told to stop.
@@ -93,7 +93,7 @@ Task<void> streamAnswer(HTTPClientProtocol& httpClient, HTTPRequest request, Ans
     if (!answer.response.statusCode) throw DeepSeekError::invalidResponse();
     if (!answer.response.isSuccess()) {
         const std::string body = co_await collectErrorBody(std::move(answer.body));
-        throw rules.mapHTTPError(*answer.response.statusCode, body);
+        throw rules.mapHTTPError(*answer.response.statusCode, boundedErrorBody(body));
     }
     co_await forwardLines(std::move(answer.body), rules.decodeEventLine, pieces);
 }

@@ -49,7 +49,7 @@ std::size_t schemeLength(std::string_view text) {
 }
 
 // The parser gives the scheme in lower case; the URL keeps the spelling that was entered.
-std::string withSchemeOf(std::string_view original, std::string url) {
+std::string withSchemeOf(std::string_view original, const std::string& url) {
     const auto length = original.find(':');
     return std::string(original.substr(0, length)) + url.substr(url.find(':'));
 }
@@ -61,9 +61,9 @@ std::optional<RequestURL> RequestURL::parse(std::string_view text) {
     Parser parser;
     if (!parser.set(CURLUPART_URL, std::string(text), parseFlags)) return std::nullopt;
     if (parser.get(CURLUPART_HOST).empty()) return std::nullopt;
-    std::string url = parser.get(CURLUPART_URL);
+    const std::string url = parser.get(CURLUPART_URL);
     if (url.empty()) return std::nullopt;
-    return RequestURL(withSchemeOf(text, std::move(url)), parser.get(CURLUPART_PATH));
+    return RequestURL(withSchemeOf(text, url), parser.get(CURLUPART_PATH));
 }
 
 bool RequestURL::pathEndsWith(std::string_view suffix) const {

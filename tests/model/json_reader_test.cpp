@@ -26,8 +26,8 @@ std::string nested(std::size_t depth) {
 }
 
 TEST(JSONReader, AcceptsJSONAndNothingElse) {
-    for (const char* json : {"{}", " [ ] ", "null", "true", "false", "0", "-0.5e+10", "12E3", "\"\"", "1e999",
-                             R"({"a":[1,{"b":[]},"c"],"a":null})", "\"\\u0000\\/\\b\"", "\t\r\n[1 , 2]\n"}) {
+    for (const char* json : {"{}", " [ ] ", "null", "true", "false", "0", "-0.5e+10", "12E3", R"("")", "1e999",
+                             R"({"a":[1,{"b":[]},"c"],"a":null})", R"("\u0000\/\b")", "\t\r\n[1 , 2]\n"}) {
         EXPECT_TRUE(isJSON(json)) << json;
     }
     for (const char* json : {"",
@@ -36,11 +36,11 @@ TEST(JSONReader, AcceptsJSONAndNothingElse) {
                              "}",
                              "[1,]",
                              "[,1]",
-                             "{\"a\"}",
-                             "{\"a\":}",
-                             "{\"a\":1,}",
+                             R"({"a"})",
+                             R"({"a":})",
+                             R"({"a":1,})",
                              "{a:1}",
-                             "{\"a\":1 \"b\":2}",
+                             R"({"a":1 "b":2})",
                              "[1 2]",
                              "01",
                              "-",
@@ -51,14 +51,14 @@ TEST(JSONReader, AcceptsJSONAndNothingElse) {
                              "nul",
                              "truefalse",
                              "NaN",
-                             "\"",
-                             "\"\\",
-                             "\"\\x\"",
-                             "\"\\u12\"",
+                             R"(")",
+                             R"("\)",
+                             R"("\x")",
+                             R"("\u12")",
                              "\"\n\"",
-                             "\"\\ud800\"",
-                             "\"\\udc00\"",
-                             "\"\\ud800\\u0041\"",
+                             R"("\ud800")",
+                             R"("\udc00")",
+                             R"("\ud800\u0041")",
                              "'a'",
                              "{} {}",
                              "[] ,",
