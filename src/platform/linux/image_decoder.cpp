@@ -2,7 +2,10 @@
 
 #include <leptonica/allheaders.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,6 +26,36 @@ struct Header {
     l_int32 height = 0;
 };
 
+l_int32 littleEndian32(const l_uint8* data) {
+    return static_cast<l_int32>(static_cast<l_uint32>(data[0]) | static_cast<l_uint32>(data[1]) << 8 |
+                                static_cast<l_uint32>(data[2]) << 16 | static_cast<l_uint32>(data[3]) << 24);
+}
+
+l_uint32 bigEndian32(const l_uint8* data) {
+    return static_cast<l_uint32>(data[0]) << 24 | static_cast<l_uint32>(data[1]) << 16 |
+           static_cast<l_uint32>(data[2]) << 8 | static_cast<l_uint32>(data[3]);
+}
+
+// Does the file go on to its own end? The libraries below Leptonica write to standard error when they find out.
+bool isWhole(const l_uint8* data, std::size_t size, l_int32 format) {
+    if (format == IFF_PNG) {
+        constexpr std::size_t signature = 8;
+        constexpr std::size_t chunkFrame = 12;  // length, name and checksum
+        for (std::size_t position = signature; position + chunkFrame <= size;) {
+            const std::size_t length = bigEndian32(data + position);
+            if (length > size - position - chunkFrame) return false;
+            if (std::equal(data + position + 4, data + position + 8, "IEND")) return true;
+            position += chunkFrame + length;
+        }
+        return false;
+    }
+    if (format == IFF_JFIF_JPEG) {
+        constexpr std::array<l_uint8, 2> endOfImage = {0xff, 0xd9};
+        return std::find_end(data, data + size, endOfImage.begin(), endOfImage.end()) != data + size;
+    }
+    return true;
+}
+
 Header readHeader(const l_uint8* data, std::size_t size) {
     Header header;
     if (findFileFormatBuffer(data, &header.format) != 0) header.format = IFF_UNKNOWN;
@@ -32,6 +65,12 @@ Header readHeader(const l_uint8* data, std::size_t size) {
         case IFF_GIF:  // not covered by Leptonica's header reader: little-endian sides follow the six-byte signature
             header.width = data[6] | data[7] << 8;
             header.height = data[8] | data[9] << 8;
+            break;
+        case IFF_BMP:  // Leptonica compares it with the file's size first; rows may run upwards or downwards
+            if (size >= 26) {
+                header.width = littleEndian32(data + 18);
+                header.height = std::abs(littleEndian32(data + 22));
+            }
             break;
         default:
             if (pixReadHeaderMem(data, size, nullptr, &header.width, &header.height, nullptr, nullptr, nullptr) != 0)
@@ -85,7 +124,10 @@ Image toImage(const PixPointer& picture) {
 
 }  // namespace
 
-LinuxImageDecoder::LinuxImageDecoder() { setMsgSeverity(L_SEVERITY_NONE); }
+LinuxImageDecoder::LinuxImageDecoder() {
+    setMsgSeverity(L_SEVERITY_NONE);
+    leptSetStderrHandler([](const char*) {});
+}
 
 Image LinuxImageDecoder::decode(std::span<const std::byte> bytes) const {
     constexpr std::size_t shortestHeader = 12;  // what the format is told by
@@ -94,7 +136,8 @@ Image LinuxImageDecoder::decode(std::span<const std::byte> bytes) const {
     const auto* data = reinterpret_cast<const l_uint8*>(bytes.data());
     const Header header = readHeader(data, bytes.size());
     checkSize(header);
-    PixPointer picture(pixReadMem(data, bytes.size()));
+    PixPointer picture;
+    if (isWhole(data, bytes.size(), header.format)) picture.reset(pixReadMem(data, bytes.size()));
     if (!picture) throw Error("The picture is damaged or cut short.");
     picture = asOpaqueColor(std::move(picture));
     if (!picture) throw Error("There is not enough memory for the picture.");

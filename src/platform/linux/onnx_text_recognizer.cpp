@@ -168,6 +168,7 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
         if (!isText(readings[i])) continue;
         textReadings.push_back(readings[i]);
         placeOnInk(textReadings.back(), pieces[i]);
+        if (pieces[i].flatBackground) widenMarksByGaps(textReadings.back(), pieces[i].em);
         textPieces.push_back(std::move(pieces[i]));
     }
     placeSpaces(textReadings, textPieces);

@@ -48,6 +48,14 @@ char32_t corrected(const Reading& reading, std::size_t position) {
     return character;
 }
 
+// Of the marks that have a narrow and a wide form; any other character stays as it is.
+char32_t wideForm(char32_t character) {
+    constexpr std::u32string_view narrow = U",:;!?()";
+    constexpr std::u32string_view wide = U"，：；！？（）";
+    const auto mark = narrow.find(character);
+    return mark == std::u32string_view::npos ? character : wide[mark];
+}
+
 bool isEastAsian(char32_t character) { return isWide(character) && scriptOf(character) != Script::hangul; }
 
 }  // namespace
@@ -67,15 +75,38 @@ void correctLetterShapes(Reading& reading) {
 }
 
 void widenMarks(Reading& reading) {
-    constexpr std::u32string_view narrow = U",:;!?()";
-    constexpr std::u32string_view wide = U"，：；！？（）";
     for (std::size_t i = 0; i < reading.size(); ++i) {
-        const auto mark = narrow.find(reading[i].code);
-        if (mark == std::u32string_view::npos) continue;
+        const char32_t wide = wideForm(reading[i].code);
+        if (wide == reading[i].code) continue;
         const bool afterWide = i > 0 && isEastAsian(reading[i - 1].code);
         const bool beforeWide = i + 1 < reading.size() && isEastAsian(reading[i + 1].code);
         const bool atEdge = i == 0 || i + 1 == reading.size();
-        if ((afterWide && beforeWide) || (atEdge && (afterWide || beforeWide))) reading[i].code = wide[mark];
+        if ((afterWide && beforeWide) || (atEdge && (afterWide || beforeWide))) reading[i].code = wide;
+    }
+}
+
+void widenMarksByGaps(Reading& reading, double em) {
+    constexpr double blankOfMark = 0.42;   // ems; a space beside a narrow mark leaves about 0.3
+    constexpr double blankOfBrace = 0.5;
+    bool open = false;
+    for (std::size_t i = 0; i < reading.size(); ++i) {
+        auto& character = reading[i];
+        const char32_t wide = wideForm(character.code);
+        if (character.code == U'（') open = true;
+        if (wide == character.code) continue;
+        const double before = i == 0 ? 0 : (character.left - reading[i - 1].right) / em;
+        const double after = i + 1 == reading.size() ? 0 : (reading[i + 1].left - character.right) / em;
+        const bool beside = (i > 0 && isEastAsian(reading[i - 1].code)) ||
+                            (i + 1 < reading.size() && isEastAsian(reading[i + 1].code));
+        if (character.code == U')') {
+            if (open || (beside && after > blankOfBrace)) character.code = wide;
+            open = false;
+        } else if (character.code == U'(') {
+            open = beside && before > blankOfBrace;
+            if (open) character.code = wide;
+        } else if (beside && after > blankOfMark) {
+            character.code = wide;
+        }
     }
 }
 

@@ -11,4 +11,8 @@ void correctLetterShapes(Reading& reading);
 // Gives marks between Chinese or Japanese characters their wide form, for a reader that knows only the narrow one.
 void widenMarks(Reading& reading);
 
+// Gives marks beside Chinese or Japanese characters their wide form where they stand in a wide cell: the picture shows
+// a blank there that no space makes. em: pixels; characters on their ink.
+void widenMarksByGaps(Reading& reading, double em);
+
 }  // namespace ovrin

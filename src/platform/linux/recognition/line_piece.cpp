@@ -173,9 +173,9 @@ LinePiece noisyPiece(const cv::Mat& picture, cv::Rect box) {
 LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box) {
     const int aside = box.height;
     const int above = std::max(1, box.height / 6);
-    const cv::Rect strip = cv::Rect(box.x - aside, box.y - above, box.width + 2 * aside, box.height + 2 * above) &
+    cv::Rect strip = cv::Rect(box.x - aside, box.y - above, box.width + 2 * aside, box.height + 2 * above) &
                            cv::Rect({}, picture.size());
-    const cv::Rect inner = box - strip.tl();
+    cv::Rect inner = box - strip.tl();
     cv::Mat bgr;
     cv::cvtColor(picture(strip), bgr, cv::COLOR_BGRA2BGR);
     const Background plain = backgroundOf(bgr(inner));
@@ -183,6 +183,11 @@ LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box) {
     if (plain.share < flatShare) {
         background = blendedBackground(bgr, inner);
         if (shareNear(bgr(inner), background(inner)) < flatShare) return noisyPiece(picture, box);
+        // What lies behind the text is known only inside of the box.
+        bgr = bgr(inner).clone();
+        background = background(inner).clone();
+        strip = box;
+        inner = cv::Rect({}, box.size());
     }
     const cv::Mat ink = inkOf(bgr, background, inner);
     const cv::Mat strokes = ink >= inkLevel;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <numeric>
 #include <set>
+#include <string_view>
 
 #include "base/error.h"
 #include "platform/linux/recognition/parallel.h"
@@ -38,7 +39,11 @@ ScriptCounts countScripts(const Reading& reading) {
 
 // How much the reading looks like the language it was read in, 0..1.
 double credibility(const Reading& reading, const std::string& language) {
-    if (reading.empty()) return 0;
+    constexpr std::u32string_view strokes = U"ー一-_—|丨";  // what lines and icons are read as
+    if (std::all_of(reading.begin(), reading.end(), [&](const ReadCharacter& character) {
+            return strokes.find(character.code) != std::u32string_view::npos;
+        }))
+        return 0;
     const ScriptCounts counts = countScripts(reading);
     double score = meanConfidence(reading);
     const auto letters = counts.han + counts.kana + counts.hangul;

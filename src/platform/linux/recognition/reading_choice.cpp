@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <string_view>
 
 #include "platform/linux/recognition/script.h"
 
@@ -121,8 +122,11 @@ std::pair<Iterator, Iterator> nextLatinRun(Iterator from, Iterator end, double g
                (last == first || centerOf(*last) - centerOf(*std::prev(last)) < 1.5 * glyphHeight)) {
             ++last;
         }
-        const auto letters = std::count_if(first, last, isLatin);
-        if (letters >= 3 && meanConfidence(first, last) >= 0.85) return {first, last};
+        // Every reader knows digits: a number alone needs no protection.
+        const auto letters = std::count_if(first, last, [](const ReadCharacter& character) {
+            return isAscii(character) && scriptOf(character.code) == Script::latin;
+        });
+        if (letters >= 2 && std::count_if(first, last, isLatin) >= 3 && meanConfidence(first, last) >= 0.85) return {first, last};
         from = last;
     }
     return {end, end};
@@ -159,7 +163,9 @@ Reading joinReadings(const Reading& network, const Reading& other, double glyphH
         // Where a letter at the edge lies on a character that the network can't name, the letter is a part of that.
         const auto covering = [&](const ReadCharacter& letter) {
             return std::any_of(j, other.end(), [&](const ReadCharacter& character) {
-                return !knows(character.code) && character.confidence > std::max(0.9F, letter.confidence) &&
+                // Rings and bars are parts of many characters.
+                const bool part = std::u32string_view(U"oO0Q|lI1").find(letter.code) != std::u32string_view::npos;
+                return !knows(character.code) && character.confidence > (part ? 0.85F : std::max(0.9F, letter.confidence)) &&
                        centerOf(letter) > character.left && centerOf(letter) < character.right;
             });
         };

@@ -45,54 +45,59 @@ std::vector<TextRow> rowsOf(const std::vector<cv::Rect>& boxes, Indices indices)
     return rows;
 }
 
-// The left edge of a column to the right of a clean gutter, when both sides are text that fills its width line after
-// line: then the two are columns and not the cells of a table or form.
-std::optional<int> columnGutter(const std::vector<cv::Rect>& boxes, const std::vector<TextRow>& rows) {
-    if (rows.size() < 2) return std::nullopt;
-    int left = boxes[rows[0][0]].x, right = 0;
-    std::vector<int> candidates;
-    for (const auto& row : rows) {
-        for (const std::size_t index : row) {
-            left = std::min(left, boxes[index].x);
-            right = std::max(right, boxes[index].br().x);
-            candidates.push_back(boxes[index].x);
-        }
+// One side of a possible gutter.
+struct Column {
+    int left = 0;
+    int right = 0;
+    std::size_t lines = 0;
+    std::vector<int> wholeLines;  // widths of the lines that are one piece
+
+    void add(const cv::Rect& line, bool whole) {
+        left = lines == 0 ? line.x : std::min(left, line.x);
+        right = std::max(right, line.br().x);
+        ++lines;
+        if (whole) wholeLines.push_back(line.width);
     }
-    for (const int edge : candidates) {
-        int leftEnd = 0;
-        std::size_t leftLines = 0, rightLines = 0, both = 0;
-        double leftFill = 0, rightFill = 0, height = 0;
-        bool clean = true;
+
+    // Running text fills its column line after line, but for headings and the ends of paragraphs; cells of tables and
+    // forms don't.
+    bool isRunningText(double lineHeight) const {
+        const int width = right - left;
+        const auto filled = static_cast<std::size_t>(
+            std::count_if(wholeLines.begin(), wholeLines.end(), [&](int line) { return line > 0.6 * width; }));
+        return width > 8 * lineHeight && filled >= 2 && filled * 2 >= lines;
+    }
+};
+
+// The left edge of a column to the right of a clean gutter, when both sides are running text.
+std::optional<int> columnGutter(const std::vector<cv::Rect>& boxes, const std::vector<TextRow>& rows) {
+    double lineHeight = 0;
+    std::vector<int> edges;
+    for (const auto& box : boxes) {
+        lineHeight += box.height / static_cast<double>(boxes.size());
+        edges.push_back(box.x);
+    }
+    std::sort(edges.begin(), edges.end());
+    for (const int edge : edges) {
+        const bool clean = std::none_of(boxes.begin(), boxes.end(),
+                                        [&](const cv::Rect& box) { return box.x < edge && box.br().x > edge; });
+        if (!clean) continue;
+        Column left, right;
+        std::size_t both = 0;
         for (const auto& row : rows) {
-            for (const std::size_t index : row) {
-                if (boxes[index].x < edge && boxes[index].br().x > edge) clean = false;
-                if (boxes[index].x < edge) leftEnd = std::max(leftEnd, boxes[index].br().x);
-            }
+            const auto middle = std::find_if(row.begin(), row.end(), [&](std::size_t i) { return boxes[i].x >= edge; });
+            const auto add = [&](Column& column, TextRow::const_iterator first, TextRow::const_iterator last) {
+                cv::Rect line;
+                for (auto i = first; i != last; ++i) line = line.empty() ? boxes[*i] : line | boxes[*i];
+                if (first != last) column.add(line, last - first == 1);
+            };
+            add(left, row.begin(), middle);
+            add(right, middle, row.end());
+            if (middle != row.begin() && middle != row.end()) ++both;
         }
-        if (!clean || leftEnd == 0) continue;
-        for (const auto& row : rows) {
-            bool onLeft = false, onRight = false;
-            for (const std::size_t index : row) {
-                height += boxes[index].height;
-                if (boxes[index].x < edge) {
-                    leftFill += boxes[index].width;
-                    onLeft = true;
-                } else {
-                    rightFill += boxes[index].width;
-                    onRight = true;
-                }
-            }
-            leftLines += onLeft ? 1 : 0;
-            rightLines += onRight ? 1 : 0;
-            both += onLeft && onRight ? 1 : 0;
-        }
-        if (both < 2) continue;
-        height /= static_cast<double>(std::accumulate(rows.begin(), rows.end(), std::size_t{0},
-                                                      [](std::size_t sum, const TextRow& row) { return sum + row.size(); }));
-        const int leftWidth = leftEnd - left, rightWidth = right - edge;
-        const bool wide = leftWidth > 8 * height && rightWidth > 8 * height && edge - leftEnd > 0.6 * height;
-        const bool filled = leftFill > 0.7 * leftWidth * static_cast<double>(leftLines) && rightFill > 0.7 * rightWidth * static_cast<double>(rightLines);
-        if (wide && filled) return edge;
+        if (both >= 2 && right.left - left.right > 0.6 * lineHeight && left.isRunningText(lineHeight) &&
+            right.isRunningText(lineHeight))
+            return edge;
     }
     return std::nullopt;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <string_view>
 
 #include "platform/linux/recognition/script.h"
 
@@ -49,21 +50,39 @@ std::optional<double> cellWidth(const Reading& reading, double em) {
 }
 
 // Is there a space between the two characters? Distances in ems; said: what the reader believes, 0..1.
-bool isSpace(const ReadCharacter& before, const ReadCharacter& after, double em, std::optional<double> cell) {
+bool isSpace(const ReadCharacter& before, const ReadCharacter& after, double em, std::optional<double> cell,
+             double koreanSpace) {
     const Script left = scriptOf(before.code);
     const Script right = scriptOf(after.code);
     const double gap = (after.left - before.right) / em;
     const double distance = centerOf(after) - centerOf(before);
     const double said = after.spaceBefore;
     if (left == Script::wideMark || right == Script::wideMark) return gap > 1.3;
-    if (left == Script::hangul || right == Script::hangul) return gap + 0.06 * said > 0.235;
-    if (isWide(before.code) && isWide(after.code)) return distance > 1.3 * em && gap > 0.3;
+    if (left == Script::hangul || right == Script::hangul) return gap + 0.02 * said > koreanSpace;
+    if (isWide(before.code) && isWide(after.code)) return distance > 1.35 * em && gap > 0.42;
     if (isWide(before.code) != isWide(after.code)) {
+        // Stops and the like stand off from the character before them without any space.
+        constexpr std::u32string_view stops = U",.:;!?·…";
+        const bool stop = stops.find(before.code) != std::u32string_view::npos ||
+                          stops.find(after.code) != std::u32string_view::npos;
         const bool mark = left == Script::mark || right == Script::mark;
-        return gap + 0.1 * said > (mark ? 0.4 : 0.2);
+        return gap + 0.1 * said > (stop ? 0.4 : mark ? 0.26 : 0.2);
     }
     if (cell) return distance / *cell > 1.6 && gap > 0.3;
     return gap + 0.25 * said > 0.3;
+}
+
+// The gap in ems from which on Korean syllables are words apart. Fonts differ in how far apart they set syllables.
+double koreanSpaceOf(const Reading& reading, double em) {
+    std::vector<double> gaps;
+    for (std::size_t i = 1; i < reading.size(); ++i) {
+        if (scriptOf(reading[i - 1].code) == Script::hangul && scriptOf(reading[i].code) == Script::hangul)
+            gaps.push_back((reading[i].left - reading[i - 1].right) / em);
+    }
+    constexpr std::size_t enough = 4;
+    if (gaps.size() < enough) return 0.235;
+    std::nth_element(gaps.begin(), gaps.begin() + static_cast<std::ptrdiff_t>(gaps.size() / 2), gaps.end());
+    return std::clamp(gaps[gaps.size() / 2] + 0.125, 0.2, 0.3);
 }
 
 void placeSpaces(Reading& reading, const LinePiece& piece, std::optional<double> cellInEms) {
@@ -77,8 +96,9 @@ void placeSpaces(Reading& reading, const LinePiece& piece, std::optional<double>
     }
     std::optional<double> cell;
     if (cellInEms) cell = *cellInEms * piece.em;
+    const double koreanSpace = koreanSpaceOf(reading, piece.em);
     for (std::size_t i = 1; i < reading.size(); ++i) {
-        reading[i].spaceBefore = isSpace(reading[i - 1], reading[i], piece.em, cell) ? 1 : 0;
+        reading[i].spaceBefore = isSpace(reading[i - 1], reading[i], piece.em, cell, koreanSpace) ? 1 : 0;
     }
 }
 
