@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -170,8 +171,10 @@ public:
         return cli::removePreference(command, settings.defaults);
     }
     int operator()(const cli::ConfigSetKey&) {
+        const cli::Interruption interruption;
         Settings settings;
-        return cli::storeAPIKey(settings.keychain, terminal_);
+        return interruptible(interruption,
+                             [&] { return cli::storeAPIKey(settings.keychain, terminal_, interruption.token()); });
     }
     int operator()(const cli::ConfigUnsetKey&) {
         Settings settings;
@@ -197,6 +200,14 @@ void forbidCoreDumps() {
     ::setrlimit(RLIMIT_CORE, &none);
 }
 
+// A standard channel that is closed would lend its number to the first file or socket that is opened. In its stand
+// everything that reads or writes it fails, as it should.
+void occupyClosedChannels() {
+    for (const int channel : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(channel, F_GETFD) == -1) ::open("/dev/null", channel == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}
+
 int run(const std::vector<std::string>& words) {
     cli::Terminal terminal(STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO);
     try {
@@ -219,6 +230,7 @@ int run(const std::vector<std::string>& words) {
 
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
+    ovrin::occupyClosedChannels();
     ovrin::forbidCoreDumps();
     return ovrin::run({argv + 1, argv + argc});
 }

@@ -7,6 +7,7 @@
 #include "base/error.h"
 #include "base/run_loop.h"
 #include "base/text.h"
+#include "cli/output_watch.h"
 #include "language/ai_service.h"
 #include "language/conversation_messages.h"
 #include "language/translation_service.h"
@@ -18,8 +19,8 @@ namespace {
 constexpr std::size_t largestInput = std::size_t{16} << 20U;  // bytes
 
 // The words of the command, else standard input; trimmed, and repaired where it is not UTF-8.
-std::string inputText(const std::optional<std::string>& words, Terminal& terminal) {
-    const std::string given = words ? *words : terminal.readAll(largestInput);
+std::string inputText(const std::optional<std::string>& words, const AnswerServices& services) {
+    const std::string given = words ? *words : services.terminal.readAll(largestInput, services.stop);
     std::string input(text::trimmed(text::repairedUtf8(given)));
     if (input.empty()) throw Error("there is no text to send");
     return input;
@@ -30,13 +31,17 @@ class AnswerPrinter {
 public:
     explicit AnswerPrinter(Terminal& terminal) : terminal_(terminal) {}
 
-    Task<void> print(AsyncStream<std::string> pieces) {
+    Task<void> printPieces(AsyncStream<std::string> pieces) {
         while (true) {
             const std::optional<std::string> piece = co_await pieces.next();
             if (!piece) co_return;
-            terminal_.write(*piece);
-            needsLineFeed_ = !piece->ends_with('\n');
+            print(*piece);
         }
+    }
+
+    Task<void> printWhole(Task<std::string> answer) {
+        const std::string text = co_await std::move(answer);
+        print(text);
     }
 
     void endLine() {
@@ -45,14 +50,31 @@ public:
     }
 
 private:
+    void print(const std::string& text) {
+        terminal_.write(text);
+        needsLineFeed_ = !text.ends_with('\n');
+    }
+
     Terminal& terminal_;
     bool needsLineFeed_ = false;
 };
 
-int printAnswer(AsyncStream<std::string> pieces, const AnswerServices& services) {
+// The end of whoever reads the answer, like a stop, is the end of the request.
+void runWhileRead(Task<void> printing, const AnswerServices& services) {
+    const OutputWatch watch(services.terminal.output(), services.stop);
+    try {
+        services.loop.complete(std::move(printing), watch.token());
+    } catch (const CancellationError&) {
+        if (watch.readerHasGone()) throw OutputClosed();
+        throw;
+    }
+}
+
+template <typename MakePrinting>
+int printAnswer(const AnswerServices& services, const MakePrinting& makePrinting) {
     AnswerPrinter printer(services.terminal);
     try {
-        services.loop.complete(printer.print(std::move(pieces)), services.stop);
+        runWhileRead(makePrinting(printer), services);
     } catch (const OutputClosed&) {
         throw;
     } catch (...) {
@@ -63,19 +85,32 @@ int printAnswer(AsyncStream<std::string> pieces, const AnswerServices& services)
     return 0;
 }
 
+Task<std::string> translatedText(Task<TranslationResult> translation) {
+    const TranslationResult result = co_await std::move(translation);
+    co_return result.translatedText;
+}
+
 }  // namespace
 
 int translate(const Translate& command, const TranslationService& service, const std::string& defaultTarget,
               const AnswerServices& services) {
-    const std::string text = inputText(command.text, services.terminal);
-    return printAnswer(service.stream(text, command.targetLanguage.value_or(defaultTarget)), services);
+    const std::string text = inputText(command.text, services);
+    const std::string target = command.targetLanguage.value_or(defaultTarget);
+    return printAnswer(services, [&](AnswerPrinter& printer) {
+        return command.delivery == AnswerDelivery::pieces
+                   ? printer.printPieces(service.stream(text, target))
+                   : printer.printWhole(translatedText(service.translate(text, target)));
+    });
 }
 
 int ask(const Ask& command, const AIService& service, const ConversationPrompts& prompts,
         const std::string& defaultTarget, const AnswerServices& services) {
-    const std::string question = inputText(command.question, services.terminal);
-    const std::string replyLanguage = prompts.replyLanguage(defaultTarget);
-    return printAnswer(service.stream(directChatMessages(prompts, replyLanguage, {}, question)), services);
+    const std::string question = inputText(command.question, services);
+    const auto messages = directChatMessages(prompts, prompts.replyLanguage(defaultTarget), {}, question);
+    return printAnswer(services, [&](AnswerPrinter& printer) {
+        return command.delivery == AnswerDelivery::pieces ? printer.printPieces(service.stream(messages))
+                                                          : printer.printWhole(service.complete(messages));
+    });
 }
 
 }  // namespace ovrin::cli

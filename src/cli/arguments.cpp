@@ -53,6 +53,21 @@ public:
         return std::move(words_);
     }
 
+    // Takes out the first word; empty when there is none.
+    std::string takeFirst() {
+        if (words_.empty()) return {};
+        std::string first = std::move(words_.front());
+        words_.erase(words_.begin());
+        return first;
+    }
+
+    // All that is left, whether it looks like an option or not.
+    Words takeLiterally() {
+        const auto separator = optionsEnd();
+        if (separator != words_.end()) words_.erase(separator);
+        return std::move(words_);
+    }
+
 private:
     Words::iterator optionsEnd() { return std::find(words_.begin(), words_.end(), "--"); }
 
@@ -105,45 +120,71 @@ Invocation parseHistory(CommandWords words) {
     return command;
 }
 
+AnswerDelivery takeDelivery(CommandWords& words) {
+    return words.takeFlag("--no-stream") ? AnswerDelivery::whole : AnswerDelivery::pieces;
+}
+
 Invocation parseTranslate(CommandWords words) {
     Translate command;
     command.targetLanguage = words.takeValue("--to");
+    command.delivery = takeDelivery(words);
     command.text = joinedIfAny(words.takeOperands());
     return command;
 }
 
 Invocation parseAsk(CommandWords words) {
-    return Ask{.question = joinedIfAny(words.takeOperands())};
+    Ask command;
+    command.delivery = takeDelivery(words);
+    command.question = joinedIfAny(words.takeOperands());
+    return command;
 }
 
-Invocation parseConfig(CommandWords commandWords) {
-    Words words = commandWords.takeOperands();
-    if (words.empty()) throw UsageError("config: get, set, unset, set-key or unset-key expected");
-    const std::string verb = words.front();
-    words.erase(words.begin());
-    if (verb == "get") {
-        if (words.size() > 1) requireNoMore("config get", {words.begin() + 1, words.end()});
-        return ConfigGet{.key = joinedIfAny(words)};
-    }
-    if (verb == "set") {
-        if (words.size() != 2) throw UsageError("config set: KEY and VALUE expected");
-        return ConfigSet{.key = words[0], .value = words[1]};
-    }
-    if (verb == "unset") {
-        if (words.size() != 1) throw UsageError("config unset: KEY expected");
-        return ConfigUnset{.key = words[0]};
-    }
-    if (verb == "set-key") {
-        // The rejected argument is probably the key itself: it is not repeated.
-        if (!words.empty())
-            throw UsageError("config set-key: the key is read from standard input, not from an argument");
-        return ConfigSetKey{};
-    }
-    if (verb == "unset-key") {
-        requireNoMore("config unset-key", words);
-        return ConfigUnsetKey{};
-    }
-    throw UsageError("config: unknown action " + verb);
+Invocation parseConfigGet(CommandWords commandWords) {
+    const Words words = commandWords.takeOperands();
+    if (words.size() > 1) requireNoMore("config get", {words.begin() + 1, words.end()});
+    return ConfigGet{.key = joinedIfAny(words)};
+}
+
+// A value may begin with a dash: a number below zero, a prompt that is a list.
+Invocation parseConfigSet(CommandWords commandWords) {
+    const Words words = commandWords.takeLiterally();
+    if (words.size() != 2) throw UsageError("config set: KEY and VALUE expected");
+    return ConfigSet{.key = words[0], .value = words[1]};
+}
+
+Invocation parseConfigUnset(CommandWords commandWords) {
+    const Words words = commandWords.takeOperands();
+    if (words.size() != 1) throw UsageError("config unset: KEY expected");
+    return ConfigUnset{.key = words[0]};
+}
+
+Invocation parseConfigSetKey(CommandWords commandWords) {
+    // A rejected argument is probably the key itself: it is not repeated.
+    if (!commandWords.takeLiterally().empty())
+        throw UsageError("config set-key: the key is read from standard input, not from an argument");
+    return ConfigSetKey{};
+}
+
+Invocation parseConfigUnsetKey(CommandWords commandWords) {
+    requireNoMore("config unset-key", commandWords.takeOperands());
+    return ConfigUnsetKey{};
+}
+
+using Parsers = std::map<std::string, std::function<Invocation(CommandWords)>>;
+
+Invocation parseConfig(CommandWords words) {
+    static const Parsers parsers{
+        {"get", parseConfigGet},
+        {"set", parseConfigSet},
+        {"unset", parseConfigUnset},
+        {"set-key", parseConfigSetKey},
+        {"unset-key", parseConfigUnsetKey},
+    };
+    const std::string action = words.takeFirst();
+    if (action.empty()) throw UsageError("config: get, set, unset, set-key or unset-key expected");
+    const auto parser = parsers.find(action);
+    if (parser == parsers.end()) throw UsageError("config: unknown action " + action);
+    return parser->second(std::move(words));
 }
 
 }  // namespace
@@ -155,7 +196,7 @@ Invocation parseArguments(std::vector<std::string> words) {
     if (command == "--help" || command == "-h" || command == "help") return ShowHelp{};
     if (command == "--version") return ShowVersion{};
 
-    static const std::map<std::string, std::function<Invocation(CommandWords)>> parsers{
+    static const Parsers parsers{
         {"recognize", parseRecognize}, {"history", parseHistory}, {"translate", parseTranslate}, {"ask", parseAsk},
         {"config", parseConfig},
     };
@@ -182,9 +223,10 @@ Usage:
   ovrin --help | --version
 
 Options:
-  --json     result records as JSON instead of text, one line for each picture
-  --save     keep the recognised text in the history
-  --to TAG   target language, such as zh-Hans, en or ja
+  --json       result records as JSON instead of text, one line for each picture
+  --save       keep the recognised text in the history
+  --to TAG     target language, such as zh-Hans, en or ja
+  --no-stream  print the answer of translate or ask when it is complete
 
 Pictures may be PNG, JPEG, WebP, BMP, GIF or TIFF.
 The model service comes from the preferences, or from OVRIN_BASE_URL, OVRIN_API_KEY and OVRIN_API_STANDARD.

@@ -17,6 +17,7 @@ public:
 
 enum class OutputForm { text, json };
 enum class HistoryEntry { leave, save };
+enum class AnswerDelivery { pieces, whole };  // as they arrive, or all at once at the end
 
 struct ShowHelp {};
 struct ShowVersion {};
@@ -36,10 +37,12 @@ struct ListHistory {
 struct Translate {
     std::optional<std::string> text;            // none: standard input
     std::optional<std::string> targetLanguage;  // BCP-47 tag; none: the stored default
+    AnswerDelivery delivery = AnswerDelivery::pieces;
 };
 
 struct Ask {
     std::optional<std::string> question;  // none: standard input
+    AnswerDelivery delivery = AnswerDelivery::pieces;
 };
 
 struct ConfigGet {

@@ -5,9 +5,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/error.h"
 #include "base/text.h"
+#include "model/deep_seek_error.h"
 #include "storage/app_config.h"
 #include "storage/defaults_store.h"
 #include "storage/keychain_store.h"
@@ -50,6 +52,7 @@ std::int64_t parsedInteger(const std::string& key, const std::string& value) {
     const char* end = value.data() + value.size();
     const auto [stop, failure] = std::from_chars(value.data(), end, number);
     if (failure != std::errc{} || stop != end) throw Error(key + " takes a whole number");
+    if (key == preference::maxOutputTokens && number <= 0) throw DeepSeekError::invalidMaxOutputTokens();
     return number;
 }
 
@@ -66,7 +69,11 @@ constexpr Choice choices[] = {
 
 std::string checkedText(const std::string& key, const std::string& value) {
     if (key == preference::legacyAPIKey) throw Error("the API key is stored with 'ovrin config set-key'");
-    if (key == preference::targetLanguage) return AppConfig::normalizeLanguageTag(value);
+    if (key == preference::targetLanguage) {
+        std::string tag = AppConfig::normalizeLanguageTag(text::trimmed(value));
+        if (tag.empty()) throw Error(key + " takes a language tag such as zh-Hans, en or ja");
+        return tag;
+    }
     for (const Choice& choice : choices) {
         if (key != choice.key) continue;
         const std::string all = ' ' + std::string(choice.values) + ' ';
@@ -116,8 +123,9 @@ int removePreference(const ConfigUnset& command, DefaultsStore& defaults) {
     return 0;
 }
 
-int storeAPIKey(KeychainStore& keychain, Terminal& terminal) {
-    const std::string key(text::trimmed(terminal.readSecretLine("API key: ")));
+int storeAPIKey(KeychainStore& keychain, Terminal& terminal, std::stop_token stop) {
+    const std::string line = terminal.readSecretLine("API key: ", std::move(stop));
+    const std::string key(text::trimmed(line));
     if (key.empty()) throw Error("no API key was given on standard input");
     if (!text::isValidUtf8(key)) throw Error("the API key is not valid UTF-8");
     keychain.writeString(key, std::string(AppConfig::apiKeyAccount));

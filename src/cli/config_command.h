@@ -1,6 +1,8 @@
 // ovrin config: the preferences by their stored keys, and the API key.
 #pragma once
 
+#include <stop_token>
+
 #include "cli/arguments.h"
 #include "cli/terminal.h"
 
@@ -16,8 +18,9 @@ int showPreferences(const ConfigGet& command, const DefaultsStore& defaults, Ter
 int changePreference(const ConfigSet& command, DefaultsStore& defaults);
 int removePreference(const ConfigUnset& command, DefaultsStore& defaults);
 
-// Reads the key from standard input, without echo on a terminal, up to its end or the first line break.
-int storeAPIKey(KeychainStore& keychain, Terminal& terminal);
+// Reads the key from standard input, without echo on a terminal, up to its end or the first line break. Throws
+// CancellationError when stopped while it waits for that.
+int storeAPIKey(KeychainStore& keychain, Terminal& terminal, std::stop_token stop);
 int removeAPIKey(KeychainStore& keychain);
 
 }  // namespace ovrin::cli

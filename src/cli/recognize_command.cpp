@@ -21,12 +21,13 @@ namespace {
 
 constexpr std::size_t largestPictureFile = std::size_t{512} << 20U;  // bytes
 
-std::string readBytes(const std::string& path, Terminal& terminal) {
-    return path == "-" ? terminal.readAll(largestPictureFile) : files::readFile(path, largestPictureFile);
+std::string readBytes(const std::string& path, const RecognizeServices& services) {
+    return path == "-" ? services.terminal.readAll(largestPictureFile, services.stop)
+                       : files::readFile(path, largestPictureFile);
 }
 
 OCRResult recognizeFile(const std::string& path, const RecognizeServices& services) {
-    const std::string bytes = readBytes(path, services.terminal);
+    const std::string bytes = readBytes(path, services);
     Image image = services.decoder.decode(std::as_bytes(std::span(bytes)));
     return services.loop.complete(services.engine.recognize(std::move(image)), services.stop);
 }

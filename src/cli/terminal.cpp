@@ -2,11 +2,15 @@
 
 #include <array>
 #include <cerrno>
-#include <cstddef>
 #include <system_error>
+#include <utility>
 
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
+
+#include "base/error.h"
+#include "cli/wakeable_wait.h"
 
 namespace ovrin::cli {
 
@@ -22,6 +26,10 @@ int writeFully(int descriptor, std::string_view text) {
         const ssize_t written = ::write(descriptor, text.data(), text.size());
         if (written >= 0) {
             text.remove_prefix(static_cast<std::size_t>(written));
+        } else if (errno == EAGAIN) {
+            // Whoever shares the device has made it non-blocking.
+            pollfd writable{.fd = descriptor, .events = POLLOUT, .revents = 0};
+            ::poll(&writable, 1, -1);
         } else if (errno != EINTR) {
             return errno;
         }
@@ -31,25 +39,52 @@ int writeFully(int descriptor, std::string_view text) {
 
 constexpr std::size_t longestSecret = 65536;  // bytes
 
-// Keeps a terminal from showing what is typed; does nothing to other devices.
-class HiddenInput {
+// Reads whose wait a stop request ends.
+class Input {
 public:
-    explicit HiddenInput(int descriptor) : descriptor_(descriptor), isChanged_(::tcgetattr(descriptor, &before_) == 0) {
-        if (!isChanged_) return;
-        termios silent = before_;
-        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-        ::tcsetattr(descriptor_, TCSAFLUSH, &silent);
-    }
-    HiddenInput(const HiddenInput&) = delete;
-    HiddenInput& operator=(const HiddenInput&) = delete;
-    ~HiddenInput() {
-        if (isChanged_) ::tcsetattr(descriptor_, TCSAFLUSH, &before_);
+    Input(int descriptor, std::stop_token stop) : descriptor_(descriptor), stop_(stop), wait_(std::move(stop)) {}
+
+    // How many bytes came; 0 at the end.
+    std::size_t read(char* buffer, std::size_t size) {
+        while (true) {
+            if (stop_.stop_possible()) wait_.untilReadable(descriptor_);
+            if (stop_.stop_requested()) throw CancellationError();
+            const ssize_t count = ::read(descriptor_, buffer, size);
+            if (count >= 0) return static_cast<std::size_t>(count);
+            if (errno != EINTR) throw Error("standard input: " + reason(errno));
+        }
     }
 
 private:
     int descriptor_;
+    std::stop_token stop_;
+    WakeableWait wait_;
+};
+
+// Asks for a secret on a terminal and keeps that from showing what is typed; does nothing with other devices.
+class SecretPrompt {
+public:
+    SecretPrompt(int input, int error, std::string_view prompt)
+        : input_(input), error_(error), isTerminal_(::tcgetattr(input, &before_) == 0) {
+        if (!isTerminal_) return;
+        writeFully(error_, prompt);
+        termios silent = before_;
+        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        ::tcsetattr(input_, TCSAFLUSH, &silent);
+    }
+    SecretPrompt(const SecretPrompt&) = delete;
+    SecretPrompt& operator=(const SecretPrompt&) = delete;
+    ~SecretPrompt() {
+        if (!isTerminal_) return;
+        ::tcsetattr(input_, TCSAFLUSH, &before_);
+        writeFully(error_, "\n");  // the typed one wasn't shown either
+    }
+
+private:
+    int input_;
+    int error_;
     termios before_{};
-    bool isChanged_;
+    bool isTerminal_;
 };
 
 }  // namespace
@@ -66,40 +101,28 @@ void Terminal::writeError(std::string_view line) {
     writeFully(error_, whole);
 }
 
-std::string Terminal::readAll(std::size_t maximumBytes) {
+std::string Terminal::readAll(std::size_t maximumBytes, std::stop_token stop) {
+    Input input(input_, std::move(stop));
     std::string all;
     std::array<char, 65536> buffer{};
-    while (true) {
-        const ssize_t count = ::read(input_, buffer.data(), buffer.size());
-        if (count == 0) return all;
-        if (count < 0) {
-            if (errno == EINTR) continue;
-            throw Error("standard input: " + reason(errno));
-        }
-        all.append(buffer.data(), static_cast<std::size_t>(count));
+    while (const std::size_t count = input.read(buffer.data(), buffer.size())) {
+        all.append(buffer.data(), count);
         if (all.size() > maximumBytes) {
             throw Error("standard input: more than " + std::to_string(maximumBytes >> 20U) + " MiB");
         }
     }
+    return all;
 }
 
-std::string Terminal::readSecretLine(std::string_view prompt) {
-    const bool isTerminal = ::isatty(input_) == 1;
-    if (isTerminal) writeFully(error_, prompt);
+std::string Terminal::readSecretLine(std::string_view prompt, std::stop_token stop) {
+    const SecretPrompt secretPrompt(input_, error_, prompt);
+    Input input(input_, std::move(stop));
     std::string line;
-    {
-        const HiddenInput hidden(input_);
-        char character = 0;
-        while (true) {
-            const ssize_t count = ::read(input_, &character, 1);
-            if (count < 0 && errno == EINTR) continue;
-            if (count < 0) throw Error("standard input: " + reason(errno));
-            if (count == 0 || character == '\n') break;
-            line += character;
-            if (line.size() > longestSecret) throw Error("standard input: the line is too long for a key");
-        }
+    char character = 0;
+    while (input.read(&character, 1) != 0 && character != '\n') {
+        line += character;
+        if (line.size() > longestSecret) throw Error("standard input: the line is too long for a key");
     }
-    if (isTerminal) writeFully(error_, "\n");
     return line;
 }
 

@@ -1,10 +1,11 @@
 // The three standard channels of the program, as file descriptors, so that tests can give their own.
 #pragma once
 
+#include <cstddef>
+#include <exception>
+#include <stop_token>
 #include <string>
 #include <string_view>
-
-#include "base/error.h"
 
 namespace ovrin::cli {
 
@@ -25,13 +26,15 @@ public:
     // One line on standard error; failures are ignored, there is nowhere left to tell them.
     void writeError(std::string_view line);
 
-    // Everything up to the end of standard input. Throws Error when it cannot be read or exceeds maximumBytes.
-    std::string readAll(std::size_t maximumBytes);
+    // Everything up to the end of standard input. Throws Error when it cannot be read or exceeds maximumBytes, and
+    // CancellationError as soon as a stop is requested.
+    std::string readAll(std::size_t maximumBytes, std::stop_token stop = {});
 
     // The first line of standard input. On a terminal it asks for it on standard error and does not show what is typed.
-    // Throws Error as readAll() does.
-    std::string readSecretLine(std::string_view prompt);
+    // Throws as readAll() does.
+    std::string readSecretLine(std::string_view prompt, std::stop_token stop = {});
 
+    int output() const { return output_; }
     bool outputIsTerminal() const;
 
 private:

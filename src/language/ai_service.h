@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/async_stream.h"
+#include "base/task.h"
 #include "model/deep_seek_types.h"
 #include "model/model_client.h"
 
@@ -17,10 +18,17 @@ public:
 
     // The pieces of the answer as they arrive. Ends with the model client's error; dropping it ends the request.
     AsyncStream<std::string> stream(std::vector<DeepSeek::Message> messages) const {
-        return client_.stream(std::move(messages), 0.2);
+        return client_.stream(std::move(messages), temperature);
+    }
+
+    // The whole answer, never empty. Fails with the model client's error.
+    Task<std::string> complete(std::vector<DeepSeek::Message> messages) const {
+        return client_.complete(std::move(messages), temperature);
     }
 
 private:
+    static constexpr double temperature = 0.2;
+
     ModelClient client_;
 };
 
