@@ -18,6 +18,15 @@ bool isLatin(const ReadCharacter& character) {
     return isAscii(character) && scriptOf(character.code) != Script::mark;
 }
 
+// Rings and bars are parts of many characters.
+bool isPartOfMany(char32_t character) {
+    return std::u32string_view(U"oO0Q|lI1").find(character) != std::u32string_view::npos;
+}
+
+bool covers(const ReadCharacter& character, const ReadCharacter& part, double tolerance) {
+    return centerOf(part) > character.left - tolerance && centerOf(part) < character.right + tolerance;
+}
+
 using Iterator = Reading::const_iterator;
 
 double meanConfidence(Iterator from, Iterator to) {
@@ -95,7 +104,7 @@ private:
 
     void takeNetworkOnly(const ReadCharacter& network, Iterator other, Iterator otherEnd) {
         const bool covered = std::any_of(other, otherEnd, [&](const ReadCharacter& character) {
-            return centerOf(network) > character.left && centerOf(network) < character.right && isWide(character.code);
+            return isWide(character.code) && covers(character, network, isPartOfMany(network.code) ? 0.25 * glyphHeight_ : 0);
         });
         if (!covered && network.confidence >= (isAscii(network) ? 0.8F : 0.9F)) joined_.push_back(network);
     }
@@ -163,10 +172,9 @@ Reading joinReadings(const Reading& network, const Reading& other, double glyphH
         // Where a letter at the edge lies on a character that the network can't name, the letter is a part of that.
         const auto covering = [&](const ReadCharacter& letter) {
             return std::any_of(j, other.end(), [&](const ReadCharacter& character) {
-                // Rings and bars are parts of many characters.
-                const bool part = std::u32string_view(U"oO0Q|lI1").find(letter.code) != std::u32string_view::npos;
+                const bool part = isPartOfMany(letter.code);
                 return !knows(character.code) && character.confidence > (part ? 0.85F : std::max(0.9F, letter.confidence)) &&
-                       centerOf(letter) > character.left && centerOf(letter) < character.right;
+                       covers(character, letter, part ? 0.25 * glyphHeight : 0);
             });
         };
         while (first != last && covering(*first)) ++first;

@@ -12,6 +12,9 @@ namespace {
 
 double centerOf(const ReadCharacter& character) { return (character.left + character.right) / 2; }
 
+// Written without spaces between words.
+bool isEastAsian(char32_t character) { return isWide(character) && scriptOf(character) != Script::hangul; }
+
 std::vector<double> narrowDistances(const Reading& reading) {
     std::vector<double> distances;
     for (std::size_t i = 1; i < reading.size(); ++i) {
@@ -31,7 +34,7 @@ double gridError(const std::vector<double>& distances, double cell) {
     return distances.empty() ? 1 : error / static_cast<double>(distances.size());
 }
 
-// The cell width of a fixed-width font in ems, if so many characters stand on a grid of cells that it's no accident.
+// The cell width of a fixed-width font in pixels, if so many characters stand on a grid of cells that it's no accident.
 std::optional<double> cellWidth(const Reading& reading, double em) {
     constexpr std::size_t enough = 10;
     constexpr double largestError = 0.075;
@@ -43,24 +46,64 @@ std::optional<double> cellWidth(const Reading& reading, double em) {
         const double error = gridError(distances, cell * em);
         if (error < bestError) {
             bestError = error;
-            best = cell;
+            best = cell * em;
         }
     }
     return best;
 }
 
-// Is there a space between the two characters? Distances in ems; said: what the reader believes, 0..1.
+// From which gap on, in ems, the Korean syllables of the picture are words apart. Fonts differ in how far apart they
+// set syllables: the cut is where the gaps fall best into two groups.
+double koreanSpace(const std::vector<Reading>& readings, const std::vector<LinePiece>& pieces) {
+    constexpr double usual = 0.235;
+    constexpr double narrowest = 0.17;
+    constexpr double widest = 0.34;
+    constexpr std::size_t enough = 8;
+    std::vector<double> gaps;
+    for (std::size_t k = 0; k < readings.size(); ++k) {
+        const auto& reading = readings[k];
+        for (std::size_t i = 1; i < reading.size() && pieces[k].flatBackground; ++i) {
+            if (scriptOf(reading[i - 1].code) == Script::hangul && scriptOf(reading[i].code) == Script::hangul)
+                gaps.push_back((reading[i].left - reading[i - 1].right) / pieces[k].em);
+        }
+    }
+    // A few gaps of a misplaced syllable must not pull the groups apart.
+    std::erase_if(gaps, [](double gap) { return gap < 0 || gap > 0.7; });
+    if (gaps.size() < enough) return usual;
+    double best = usual;
+    double bestSeparation = 0;
+    for (double cut = narrowest; cut <= widest; cut += 0.005) {
+        double below = 0, above = 0;
+        double belowCount = 0, aboveCount = 0;
+        for (const double gap : gaps) {
+            (gap < cut ? below : above) += gap;
+            (gap < cut ? belowCount : aboveCount) += 1;
+        }
+        if (belowCount == 0 || aboveCount == 0) continue;
+        const double apart = above / aboveCount - below / belowCount;
+        const double separation = belowCount * aboveCount * apart * apart;
+        if (separation > bestSeparation * 1.0001) {
+            bestSeparation = separation;
+            best = cut + 0.005;
+        }
+    }
+    return best;
+}
+
+// Is there a space between the two characters? The em and the cell of a fixed-width font are in pixels.
 bool isSpace(const ReadCharacter& before, const ReadCharacter& after, double em, std::optional<double> cell,
-             double koreanSpace) {
+             double koreanGap) {
     const Script left = scriptOf(before.code);
     const Script right = scriptOf(after.code);
     const double gap = (after.left - before.right) / em;
-    const double distance = centerOf(after) - centerOf(before);
+    const double distance = (centerOf(after) - centerOf(before)) / em;
     const double said = after.spaceBefore;
     if (left == Script::wideMark || right == Script::wideMark) return gap > 1.3;
-    if (left == Script::hangul || right == Script::hangul) return gap + 0.02 * said > koreanSpace;
-    if (isWide(before.code) && isWide(after.code)) return distance > 1.35 * em && gap > 0.42;
+    if (left == Script::hangul || right == Script::hangul) return gap > koreanGap;
+    if (isWide(before.code) && isWide(after.code)) return distance > 1.3 && gap > 0.4;
     if (isWide(before.code) != isWide(after.code)) {
+        // Half a wide cell, half a narrow one, and less than half of the blank cell that a space makes.
+        if (cell) return distance > 0.48 + *cell / em && gap > 0.3;
         // Stops and the like stand off from the character before them without any space.
         constexpr std::u32string_view stops = U",.:;!?·…";
         const bool stop = stops.find(before.code) != std::u32string_view::npos ||
@@ -68,37 +111,22 @@ bool isSpace(const ReadCharacter& before, const ReadCharacter& after, double em,
         const bool mark = left == Script::mark || right == Script::mark;
         return gap + 0.1 * said > (stop ? 0.4 : mark ? 0.26 : 0.2);
     }
-    if (cell) return distance / *cell > 1.6 && gap > 0.3;
+    if (cell) return distance * em / *cell > 1.6 && gap > 0.3;
     return gap + 0.25 * said > 0.3;
 }
 
-// The gap in ems from which on Korean syllables are words apart. Fonts differ in how far apart they set syllables.
-double koreanSpaceOf(const Reading& reading, double em) {
-    std::vector<double> gaps;
-    for (std::size_t i = 1; i < reading.size(); ++i) {
-        if (scriptOf(reading[i - 1].code) == Script::hangul && scriptOf(reading[i].code) == Script::hangul)
-            gaps.push_back((reading[i].left - reading[i - 1].right) / em);
-    }
-    constexpr std::size_t enough = 4;
-    if (gaps.size() < enough) return 0.235;
-    std::nth_element(gaps.begin(), gaps.begin() + static_cast<std::ptrdiff_t>(gaps.size() / 2), gaps.end());
-    return std::clamp(gaps[gaps.size() / 2] + 0.125, 0.2, 0.3);
-}
-
-void placeSpaces(Reading& reading, const LinePiece& piece, std::optional<double> cellInEms) {
+void placeSpaces(Reading& reading, const LinePiece& piece, std::optional<double> cell,
+                 double koreanGap) {
     if (reading.empty()) return;
     reading.front().spaceBefore = 0;
     if (!piece.flatBackground) {
         for (auto& character : reading) {
-            character.spaceBefore = character.spaceBefore > 0.5 && !isWide(character.code) ? 1 : 0;
+            character.spaceBefore = character.spaceBefore > 0.5 && !isEastAsian(character.code) ? 1 : 0;
         }
         return;
     }
-    std::optional<double> cell;
-    if (cellInEms) cell = *cellInEms * piece.em;
-    const double koreanSpace = koreanSpaceOf(reading, piece.em);
     for (std::size_t i = 1; i < reading.size(); ++i) {
-        reading[i].spaceBefore = isSpace(reading[i - 1], reading[i], piece.em, cell, koreanSpace) ? 1 : 0;
+        reading[i].spaceBefore = isSpace(reading[i - 1], reading[i], piece.em, cell, koreanGap) ? 1 : 0;
     }
 }
 
@@ -120,10 +148,12 @@ void placeSpaces(std::vector<Reading>& readings, const std::vector<LinePiece>& p
         std::nth_element(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(found.size() / 2), found.end());
         common = found[found.size() / 2];
     }
+    const double koreanGap = koreanSpace(readings, pieces);
     for (std::size_t i = 0; i < readings.size(); ++i) {
         const auto distances = narrowDistances(readings[i]);
-        if (!cells[i] && common && gridError(distances, *common * pieces[i].em) < 0.15) cells[i] = common;
-        placeSpaces(readings[i], pieces[i], cells[i]);
+        const bool fits = common && *common > 0.4 * pieces[i].em && *common < 0.8 * pieces[i].em;
+        if (!cells[i] && fits && gridError(distances, *common) < 0.15) cells[i] = common;
+        placeSpaces(readings[i], pieces[i], cells[i], koreanGap);
     }
 }
 
