@@ -15,8 +15,8 @@
 #include "platform/linux/recognition/glyph_places.h"
 #include "platform/linux/recognition/letter_shapes.h"
 #include "platform/linux/recognition/line_piece.h"
-#include "platform/linux/recognition/line_reader.h"
 #include "platform/linux/recognition/parallel.h"
+#include "platform/linux/recognition/piece_reader.h"
 #include "platform/linux/recognition/reading_order.h"
 #include "platform/linux/recognition/text_detector.h"
 #include "platform/linux/recognition/word_spaces.h"
@@ -159,7 +159,7 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
 
     auto languages = otherLanguages(request.recognitionLanguages);
     std::erase_if(languages, [&](const std::string& language) { return !models.tesseract->hasLanguage(language); });
-    const LineReader reader(*models.lineRecognizer, *models.tesseract, std::move(languages));
+    const PieceReader reader(*models.lineRecognizer, *models.tesseract, std::move(languages));
     const auto readings = reader.read(pieces, stop);
 
     std::vector<LinePiece> textPieces;

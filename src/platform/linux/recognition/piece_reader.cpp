@@ -1,4 +1,4 @@
-#include "platform/linux/recognition/line_reader.h"
+#include "platform/linux/recognition/piece_reader.h"
 
 #include <algorithm>
 #include <numeric>
@@ -99,10 +99,10 @@ bool isEstablished(const std::string& language, const std::vector<std::size_t>& 
 
 }  // namespace
 
-LineReader::LineReader(const LineRecognizer& network, TesseractReader& tesseract, std::vector<std::string> languages)
+PieceReader::PieceReader(const LineRecognizer& network, TesseractReader& tesseract, std::vector<std::string> languages)
     : network_(network), tesseract_(tesseract), languages_(std::move(languages)) {}
 
-std::vector<Reading> LineReader::read(const std::vector<LinePiece>& pieces, const std::stop_token& stop) const {
+std::vector<Reading> PieceReader::read(const std::vector<LinePiece>& pieces, const std::stop_token& stop) const {
     std::vector<PieceState> states(pieces.size());
     // The widest first, so that the cores end together.
     std::vector<std::size_t> order(pieces.size());

@@ -13,9 +13,9 @@
 
 namespace ovrin {
 
-class LineReader {
+class PieceReader {
 public:
-    LineReader(const LineRecognizer& network, TesseractReader& tesseract, std::vector<std::string> languages);
+    PieceReader(const LineRecognizer& network, TesseractReader& tesseract, std::vector<std::string> languages);
 
     // One reading for each piece, in their order.
     std::vector<Reading> read(const std::vector<LinePiece>& pieces, const std::stop_token& stop) const;
