@@ -138,7 +138,12 @@ private:
 };
 
 OnnxTextRecognizer::OnnxTextRecognizer(RecognitionFiles files)
-    : resources_(std::make_unique<Resources>(std::move(files))) {}
+    : resources_(std::make_unique<Resources>(std::move(files))) {
+    // Builds of ONNX Runtime exist that keep a record of their use in the user's cache folder and send it home. Its own
+    // switch in the environment turns that off only when it is set before the library makes its first environment.
+    constexpr const char* noTelemetry = "ORT_DISABLE_TELEMETRY";
+    if (std::getenv(noTelemetry) == nullptr) ::setenv(noTelemetry, "1", 1);
+}
 
 OnnxTextRecognizer::~OnnxTextRecognizer() = default;
 
