@@ -3,6 +3,7 @@
 #include <fstream>
 #include <future>
 #include <iterator>
+#include <ostream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -37,6 +38,10 @@ struct Protocol {
                                        : "data: [DONE]\n\n";
     }
 };
+void PrintTo(const Protocol& protocol, std::ostream* stream) {
+    *stream << protocol.standard;
+}
+
 const Protocol openAI{.standard = "openai-compatible", .path = "/v1/chat/completions"};
 const Protocol anthropic{.standard = "anthropic", .path = "/v1/messages"};
 
@@ -120,6 +125,10 @@ struct Failure {
     Protocol protocol = openAI;
     std::vector<std::string> arguments{"translate", "早上好"};
 };
+
+void PrintTo(const Failure& failure, std::ostream* stream) {
+    *stream << failure.name;
+}
 
 class FailingService : public testing::TestWithParam<Failure> {};
 
