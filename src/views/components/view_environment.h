@@ -17,6 +17,7 @@ public:
         theme::Appearance appearance = theme::Appearance::light;
         bool reducesMotion = false;
         bool reducesTransparency = true;  // blurred backgrounds are rare on this desktop
+        bool isComposited = true;         // whether windows can have translucent pixels at all
         friend bool operator==(const Settings&, const Settings&) = default;
     };
 

@@ -40,14 +40,15 @@ public:
 
     TimerId postAfter(Duration delay, Work work) {
         const std::lock_guard lock(mutex_);
-        const TimerId id = timers_.add(std::chrono::steady_clock::now() + delay, std::move(work));
+        const TimerId id = timers_.add(TimerQueue::dueAfter(std::chrono::steady_clock::now(), delay), std::move(work));
         wake();  // the timer of the toolkit can only be set on its own thread
         return id;
     }
 
     void cancelTimer(TimerId timer) {
+        std::optional<Work> dropped;  // destroyed after the lock is gone: what it holds may post
         const std::lock_guard lock(mutex_);
-        timers_.cancel(timer);
+        dropped = timers_.cancel(timer);
     }
 
 protected:
@@ -70,11 +71,22 @@ private:
 
     std::optional<Work> takeNext() {
         const std::lock_guard lock(mutex_);
-        while (auto due = timers_.takeDue(std::chrono::steady_clock::now())) queue_.push_back(std::move(*due));
+        while (const auto due = timers_.popDue(std::chrono::steady_clock::now())) {
+            queue_.emplace_back([this, id = *due] { runTimer(id); });
+        }
         if (queue_.empty()) return std::nullopt;
         std::optional<Work> next(std::move(queue_.front()));
         queue_.pop_front();
         return next;
+    }
+
+    void runTimer(TimerId timer) {
+        std::optional<Work> work;
+        {
+            const std::lock_guard lock(mutex_);
+            work = timers_.take(timer);
+        }
+        if (work) (*work)();
     }
 
     void runPosted() {
@@ -84,7 +96,7 @@ private:
         }
         const auto end = std::chrono::steady_clock::now() + timeSlice;
         while (const auto work = takeNext()) {
-            (*work)();
+            perform(*work);
             if (std::chrono::steady_clock::now() >= end) break;
         }
         scheduleNext();

@@ -1,0 +1,39 @@
+// Seam: the transparent windows over every display through which the user chooses a part of the screen.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "base/geometry.h"
+
+namespace ovrin {
+
+// One overlay on screen; destroying it takes it away at once.
+class CaptureOverlayWindow {
+public:
+    virtual ~CaptureOverlayWindow() = default;
+};
+
+class CaptureOverlays {
+public:
+    struct Callbacks {
+        std::function<void(Rect)> onSelection;  // in the overlay's view space: points, origin at its lower-left corner
+        std::function<void()> onCancel;
+    };
+
+    virtual ~CaptureOverlays() = default;
+
+    // The frames of all displays, the primary one first: points in window space (origin at the primary display's
+    // lower-left corner, y upwards).
+    virtual std::vector<Rect> screenFrames() = 0;
+
+    // Covers the display with that frame. The callbacks come later, on the main thread; the overlay may be destroyed
+    // from inside them.
+    virtual std::unique_ptr<CaptureOverlayWindow> show(const Rect& screenFrame, Callbacks callbacks) = 0;
+
+    // Brings the program to the front, so that the overlays hear the keyboard.
+    virtual void activateApplication() = 0;
+};
+
+}  // namespace ovrin

@@ -1,0 +1,27 @@
+// The displays as the window toolkit sees them, in the coordinate spaces of the program. Main thread.
+#pragma once
+
+#include <QRect>
+#include <vector>
+
+#include "base/geometry.h"
+#include "platform/linux/x11_screenshot.h"
+
+class QScreen;
+
+namespace ovrin {
+
+struct ScreenInfo {
+    QRect frame;             // points, as windows are placed
+    double scaleFactor = 1;  // device pixels per point
+    Rect windowSpaceFrame;   // points, origin at the primary display's lower-left corner, y upwards
+    Rect displaySpaceFrame;  // points, origin at the primary display's upper-left corner, y downwards
+
+    // Device pixels of the root window: a display's corner is given in them, its size in points.
+    PixelRect pixelFrame() const;
+};
+
+// All displays, the primary one first.
+std::vector<ScreenInfo> screenInfos();
+
+}  // namespace ovrin

@@ -1,0 +1,185 @@
+#include "platform/linux/x11_screenshot.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include <sys/mman.h>
+#include <unistd.h>
+#include <xcb/shm.h>
+#include <xcb/xcb.h>
+
+#include "base/error.h"
+
+namespace ovrin {
+
+namespace {
+
+// For replies, which the caller frees.
+struct Free {
+    void operator()(void* memory) const { std::free(memory); }  // NOLINT(cppcoreguidelines-no-malloc)
+};
+template <typename Reply>
+using ReplyPointer = std::unique_ptr<Reply, Free>;
+
+[[noreturn]] void fail(const char* reason) {
+    throw Error(std::string("无法截取屏幕：") + reason);
+}
+
+// Memory that the display server writes the picture into.
+class SharedMemory {
+public:
+    explicit SharedMemory(std::size_t size)
+        : size_(size), descriptor_(::memfd_create("ovrin-screenshot", MFD_CLOEXEC)) {
+        if (descriptor_ < 0 || ::ftruncate(descriptor_, static_cast<off_t>(size)) != 0) fail("内存不足。");
+        data_ = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, descriptor_, 0);
+        if (data_ == MAP_FAILED) fail("内存不足。");
+    }
+    SharedMemory(const SharedMemory&) = delete;
+    SharedMemory& operator=(const SharedMemory&) = delete;
+    ~SharedMemory() {
+        if (data_ != MAP_FAILED) ::munmap(data_, size_);
+        if (descriptor_ >= 0) ::close(descriptor_);
+    }
+
+    // A second descriptor, for the server to close.
+    int duplicated() const { return ::dup(descriptor_); }
+    std::span<const std::uint8_t> bytes() const { return {static_cast<const std::uint8_t*>(data_), size_}; }
+
+private:
+    std::size_t size_;
+    int descriptor_;
+    void* data_ = MAP_FAILED;
+};
+
+// Copies rows of 32-bit pixels whose fourth byte means nothing and makes them opaque.
+void copyOpaque(std::span<const std::uint8_t> source, std::uint8_t* target, std::size_t pixels) {
+    for (std::size_t i = 0; i < pixels; ++i) {
+        std::uint32_t pixel = 0;
+        std::memcpy(&pixel, source.data() + 4 * i, sizeof pixel);
+        pixel |= 0xFF000000U;
+        std::memcpy(target + 4 * i, &pixel, sizeof pixel);
+    }
+}
+
+PixelRect intersection(const PixelRect& a, const PixelRect& b) {
+    const int left = std::max(a.x, b.x);
+    const int top = std::max(a.y, b.y);
+    return {left, top, std::max(0, std::min(a.x + a.width, b.x + b.width) - left),
+            std::max(0, std::min(a.y + a.height, b.y + b.height) - top)};
+}
+
+}  // namespace
+
+class X11Screenshot::Connection {
+public:
+    Connection() : connection_(xcb_connect(nullptr, &screenNumber_)) {
+        if (xcb_connection_has_error(connection_) != 0) {
+            xcb_disconnect(connection_);
+            fail("没有可用的显示器。");
+        }
+        auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_));
+        for (int i = 0; i < screenNumber_; ++i) xcb_screen_next(&screens);
+        screen_ = screens.data;
+        const auto* shm = xcb_get_extension_data(connection_, &xcb_shm_id);
+        hasSharedMemory_ = shm != nullptr && shm->present != 0;
+    }
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+    ~Connection() { xcb_disconnect(connection_); }
+
+    bool isAlive() const { return xcb_connection_has_error(connection_) == 0; }
+
+    // The size changes when monitors come and go.
+    PixelRect rootFrame() {
+        const ReplyPointer<xcb_get_geometry_reply_t> geometry(
+            xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, screen_->root), nullptr));
+        if (!geometry) fail("与显示服务器的连接已断开。");
+        return {0, 0, geometry->width, geometry->height};
+    }
+
+    // The part must lie inside of the root window. Rows of 32-bit pixels without padding, handed to the function.
+    template <typename Use>
+    void withPixels(const PixelRect& part, Use use) {
+        requireTrueColor();
+        const std::size_t size = static_cast<std::size_t>(part.width) * static_cast<std::size_t>(part.height) * 4;
+        if (!hasSharedMemory_ || !useSharedMemory(part, size, use)) useReply(part, size, use);
+    }
+
+private:
+    void requireTrueColor() const {
+        const bool isUsual = (screen_->root_depth == 24 || screen_->root_depth == 32) &&
+                             xcb_get_setup(connection_)->image_byte_order == XCB_IMAGE_ORDER_LSB_FIRST;
+        if (!isUsual) fail("不支持此显示器的像素格式。");
+    }
+
+    template <typename Use>
+    bool useSharedMemory(const PixelRect& part, std::size_t size, Use use) {
+        const SharedMemory memory(size);
+        const xcb_shm_seg_t segment = xcb_generate_id(connection_);
+        xcb_shm_attach_fd(connection_, segment, memory.duplicated(), 0);
+        const auto cookie =
+            xcb_shm_get_image(connection_, screen_->root, static_cast<std::int16_t>(part.x),
+                              static_cast<std::int16_t>(part.y), static_cast<std::uint16_t>(part.width),
+                              static_cast<std::uint16_t>(part.height), ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP, segment, 0);
+        const ReplyPointer<xcb_shm_get_image_reply_t> reply(xcb_shm_get_image_reply(connection_, cookie, nullptr));
+        xcb_shm_detach(connection_, segment);
+        xcb_flush(connection_);
+        if (!reply) return false;
+        use(memory.bytes());
+        return true;
+    }
+
+    // For servers without shared memory, such as those on another machine.
+    template <typename Use>
+    void useReply(const PixelRect& part, std::size_t size, Use use) {
+        const auto cookie =
+            xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, screen_->root, static_cast<std::int16_t>(part.x),
+                          static_cast<std::int16_t>(part.y), static_cast<std::uint16_t>(part.width),
+                          static_cast<std::uint16_t>(part.height), ~0U);
+        const ReplyPointer<xcb_get_image_reply_t> reply(xcb_get_image_reply(connection_, cookie, nullptr));
+        if (!reply || static_cast<std::size_t>(xcb_get_image_data_length(reply.get())) < size) {
+            fail("显示服务器没有返回图像。");
+        }
+        use(std::span<const std::uint8_t>(xcb_get_image_data(reply.get()), size));
+    }
+
+    int screenNumber_ = 0;
+    xcb_connection_t* connection_;
+    const xcb_screen_t* screen_ = nullptr;
+    bool hasSharedMemory_ = false;
+};
+
+X11Screenshot::X11Screenshot() = default;
+
+X11Screenshot::~X11Screenshot() = default;
+
+Image X11Screenshot::take(const PixelRect& rectangle) {
+    if (rectangle.width <= 0 || rectangle.height <= 0) fail("区域为空。");
+    const std::lock_guard lock(mutex_);
+    if (!connection_ || !connection_->isAlive()) {
+        connection_.reset();
+        connection_ = std::make_unique<Connection>();
+    }
+    const auto rowBytes = static_cast<std::size_t>(rectangle.width) * 4;
+    std::vector<std::uint8_t> pixels(rowBytes * static_cast<std::size_t>(rectangle.height));
+    const PixelRect visible = intersection(rectangle, connection_->rootFrame());
+    if (visible.width > 0 && visible.height > 0) {
+        connection_->withPixels(visible, [&](std::span<const std::uint8_t> source) {
+            const auto sourceRowBytes = static_cast<std::size_t>(visible.width) * 4;
+            for (int row = 0; row < visible.height; ++row) {
+                const auto targetRow = static_cast<std::size_t>(visible.y - rectangle.y + row);
+                const auto targetOffset = targetRow * rowBytes + static_cast<std::size_t>(visible.x - rectangle.x) * 4;
+                copyOpaque(source.subspan(static_cast<std::size_t>(row) * sourceRowBytes, sourceRowBytes),
+                           pixels.data() + targetOffset, static_cast<std::size_t>(visible.width));
+            }
+        });
+    }
+    return {rectangle.width, rectangle.height, std::move(pixels)};
+}
+
+}  // namespace ovrin

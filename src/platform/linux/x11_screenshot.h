@@ -1,0 +1,37 @@
+// Pictures of the X11 root window through shared memory. The pointer is no part of them.
+#pragma once
+
+#include <memory>
+#include <mutex>
+
+#include "base/image.h"
+
+namespace ovrin {
+
+struct PixelRect {
+    int x = 0;  // device pixels from the upper-left corner of the root window
+    int y = 0;
+    int width = 0;
+    int height = 0;
+};
+
+class X11Screenshot {
+public:
+    // Connects to the display that DISPLAY names on first use.
+    X11Screenshot();
+    ~X11Screenshot();
+    X11Screenshot(const X11Screenshot&) = delete;
+    X11Screenshot& operator=(const X11Screenshot&) = delete;
+
+    // What is on the screen now; what lies outside of the root window stays black. Any thread; calls take turns. Throws
+    // Error when there is no display or it fails.
+    Image take(const PixelRect& rectangle);
+
+private:
+    class Connection;
+
+    std::mutex mutex_;
+    std::unique_ptr<Connection> connection_;
+};
+
+}  // namespace ovrin

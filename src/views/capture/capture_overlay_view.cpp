@@ -1,0 +1,199 @@
+#include "views/capture/capture_overlay_view.h"
+
+#include <QEasingCurve>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QWindow>
+#include <cmath>
+#include <utility>
+
+#include "recognition/capture_geometry.h"
+#include "theme/type_scale.h"
+#include "views/components/drawing.h"
+
+namespace ovrin {
+
+namespace {
+
+constexpr int fadeInMilliseconds = 160;
+constexpr int keyboardGrabInterval = 20;  // milliseconds
+constexpr float dimming = 0.32F;
+constexpr double selectionRadius = 5;
+
+const theme::FontStyle sizeFont{10.5, theme::FontWeight::medium, theme::FontDesign::standard};
+const theme::FontStyle hintFont{12.5, theme::FontWeight::medium, theme::FontDesign::standard};
+const theme::FontStyle keyFont{10.5, theme::FontWeight::medium, theme::FontDesign::standard};
+
+QColor black(float alpha) {
+    return QColor::fromRgbF(0, 0, 0, alpha);
+}
+QColor white(float alpha) {
+    return QColor::fromRgbF(1, 1, 1, alpha);
+}
+
+// Half-point sizes matter in labels this small.
+QFont labelFont(const theme::FontStyle& style) {
+    QFont font = toQFont(style);
+    font.setPointSizeF(style.size * 72 / 96);
+    return font;
+}
+
+Size measured(const QFont& font, const QString& text) {
+    const QFontMetricsF metrics(font);
+    return {metrics.horizontalAdvance(text), metrics.height()};
+}
+
+}  // namespace
+
+CaptureOverlayView::CaptureOverlayView(const QRect& frame, QImage backdrop, CaptureOverlays::Callbacks callbacks)
+    : backdrop_(std::move(backdrop)), callbacks_(std::move(callbacks)) {
+    setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint | Qt::WindowStaysOnTopHint);
+    setAttribute(backdrop_.isNull() ? Qt::WA_TranslucentBackground : Qt::WA_OpaquePaintEvent);
+    setCursor(Qt::CrossCursor);
+    setFocusPolicy(Qt::StrongFocus);
+    setGeometry(frame);
+    fadeIn_.setStartValue(0.0);
+    fadeIn_.setEndValue(1.0);
+    fadeIn_.setDuration(fadeInMilliseconds);
+    fadeIn_.setEasingCurve(QEasingCurve::OutCubic);
+    connect(&fadeIn_, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
+    show();
+    raise();
+    fadeIn_.start();
+    grabKeyboardSoon();
+}
+
+// The window manager gives no focus to this window, so Escape only arrives through a grab. While the keys of the
+// shortcut are still down, the keyboard belongs to the shortcut's own grab: try until they are up.
+void CaptureOverlayView::grabKeyboardSoon() {
+    const auto attempt = [this] {
+        if (windowHandle()->setKeyboardGrabEnabled(true)) keyboardGrab_.stop();
+    };
+    connect(&keyboardGrab_, &QTimer::timeout, this, attempt);
+    keyboardGrab_.start(keyboardGrabInterval);
+    attempt();
+}
+
+Rect CaptureOverlayView::bounds() const {
+    return {0, 0, static_cast<double>(width()), static_cast<double>(height())};
+}
+
+Point CaptureOverlayView::toViewSpace(const QPointF& position) const {
+    return {position.x(), height() - position.y()};
+}
+
+QRectF CaptureOverlayView::fromViewSpace(const Rect& rectangle) const {
+    return {rectangle.x, height() - rectangle.y - rectangle.height, rectangle.width, rectangle.height};
+}
+
+void CaptureOverlayView::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (backdrop_.isNull()) {
+        painter.setCompositionMode(QPainter::CompositionMode_Clear);
+        painter.fillRect(rect(), Qt::black);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    } else {
+        painter.drawImage(rect(), backdrop_);
+    }
+    painter.setOpacity(fadeIn_.currentValue().toDouble());
+    painter.fillRect(rect(), black(dimming));
+    if (startPoint_ && currentPoint_) {
+        drawSelection(painter, capture::selectionBetween(*startPoint_, *currentPoint_));
+    } else {
+        drawHint(painter);
+    }
+}
+
+void CaptureOverlayView::drawSelection(QPainter& painter, const Rect& selection) const {
+    QPainterPath path;
+    path.addRoundedRect(fromViewSpace(selection), selectionRadius, selectionRadius);
+    painter.save();
+    painter.setClipPath(path);
+    if (backdrop_.isNull()) {
+        painter.setCompositionMode(QPainter::CompositionMode_Clear);
+        painter.fillPath(path, Qt::black);
+    } else {
+        painter.setOpacity(1);
+        painter.drawImage(rect(), backdrop_);
+    }
+    painter.restore();
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(black(0.28F), 3.0));
+    painter.drawPath(path);
+    painter.setPen(QPen(white(0.96F), 1.25));
+    painter.drawPath(path);
+    drawSize(painter, selection);
+}
+
+void CaptureOverlayView::drawSize(QPainter& painter, const Rect& selection) const {
+    const QString text = toQString(capture::sizeLabelText(selection));
+    const QFont font = labelFont(sizeFont);
+    const QRectF label = fromViewSpace(capture::sizeLabelFrame(selection, bounds(), measured(font, text)));
+    fillRounded(painter, label, 8, black(0.62F));
+    painter.setFont(font);
+    painter.setPen(white(0.88F));
+    painter.drawText(label, Qt::AlignCenter, text);
+}
+
+void CaptureOverlayView::drawHint(QPainter& painter) const {
+    const QString hint = QStringLiteral("拖拽选择区域");
+    const QString key = QStringLiteral("esc");
+    const QFont hintText = labelFont(hintFont);
+    const QFont keyText = labelFont(keyFont);
+    const Size hintSize = measured(hintText, hint);
+    const Size keySize = measured(keyText, key);
+    const capture::HintLayout layout = capture::hintLayout(bounds(), hintSize, keySize);
+
+    const QRectF pill = fromViewSpace(layout.pill);
+    painter.setPen(QPen(white(0.12F), 0.75));
+    painter.setBrush(black(0.58F));
+    painter.drawRoundedRect(pill, 18, 18);
+    fillRounded(painter, fromViewSpace(layout.keyBox), 6, white(0.1F));
+
+    const auto drawText = [&](const QFont& font, const QColor& color, const Point& origin, const Size& size,
+                              const QString& text) {
+        painter.setFont(font);
+        painter.setPen(color);
+        painter.drawText(fromViewSpace({origin.x, origin.y, std::ceil(size.width) + 1, size.height}),
+                         Qt::AlignLeft | Qt::AlignVCenter, text);
+    };
+    drawText(hintText, white(0.92F), layout.hintOrigin, hintSize, hint);
+    drawText(keyText, white(0.72F), layout.keyOrigin, keySize, key);
+}
+
+void CaptureOverlayView::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return;
+    startPoint_ = currentPoint_ = toViewSpace(event->position());
+    update();
+}
+
+void CaptureOverlayView::mouseMoveEvent(QMouseEvent* event) {
+    if (!startPoint_) return;
+    currentPoint_ = toViewSpace(event->position());
+    update();
+}
+
+void CaptureOverlayView::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || !startPoint_) return;
+    currentPoint_ = toViewSpace(event->position());
+    const Rect selection = capture::selectionBetween(*startPoint_, *currentPoint_);
+    if (!capture::isSelection(selection)) {
+        startPoint_.reset();
+        currentPoint_.reset();
+        update();
+        return;
+    }
+    // The overlays are destroyed by what follows: not from inside the event of one of them.
+    QTimer::singleShot(0, this, [report = callbacks_.onSelection, selection] { report(selection); });
+}
+
+void CaptureOverlayView::keyPressEvent(QKeyEvent* event) {
+    if (event->key() != Qt::Key_Escape) return QWidget::keyPressEvent(event);
+    QTimer::singleShot(0, this, [report = callbacks_.onCancel] { report(); });
+}
+
+}  // namespace ovrin

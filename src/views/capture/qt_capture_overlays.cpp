@@ -1,0 +1,49 @@
+#include "views/capture/qt_capture_overlays.h"
+
+#include <QImage>
+#include <algorithm>
+#include <utility>
+
+#include "base/error.h"
+#include "platform/linux/qt/qt_screens.h"
+#include "platform/linux/x11_screenshot.h"
+#include "views/capture/capture_overlay_view.h"
+#include "views/components/view_environment.h"
+
+namespace ovrin {
+
+namespace {
+
+// A copy of the screen to draw on, for displays that nothing composites. Without one the overlay is merely dark.
+QImage backdropOf(const ScreenInfo& screen, X11Screenshot& screenshot) {
+    try {
+        const Image image = screenshot.take(screen.pixelFrame());
+        QImage picture = QImage(image.data(), image.width(), image.height(),
+                                static_cast<qsizetype>(image.bytesPerRow()), QImage::Format_RGB32)
+                             .copy();
+        picture.setDevicePixelRatio(screen.scaleFactor);
+        return picture;
+    } catch (const Error&) {
+        QImage plain(screen.frame.size(), QImage::Format_RGB32);
+        plain.fill(Qt::darkGray);
+        return plain;
+    }
+}
+
+}  // namespace
+
+std::vector<Rect> QtCaptureOverlays::screenFrames() {
+    std::vector<Rect> frames;
+    for (const ScreenInfo& screen : screenInfos()) frames.push_back(screen.windowSpaceFrame);
+    return frames;
+}
+
+std::unique_ptr<CaptureOverlayWindow> QtCaptureOverlays::show(const Rect& screenFrame, Callbacks callbacks) {
+    const std::vector<ScreenInfo> screens = screenInfos();
+    const auto screen = std::ranges::find(screens, screenFrame, &ScreenInfo::windowSpaceFrame);
+    if (screen == screens.end()) return nullptr;  // unplugged this very moment
+    QImage backdrop = environment_.settings().isComposited ? QImage() : backdropOf(*screen, screenshot_);
+    return std::make_unique<CaptureOverlayView>(screen->frame, std::move(backdrop), std::move(callbacks));
+}
+
+}  // namespace ovrin

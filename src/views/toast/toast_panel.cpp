@@ -1,0 +1,57 @@
+#include "views/toast/toast_panel.h"
+
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QScreen>
+
+#include "views/components/drawing.h"
+#include "views/components/ov_animated_icon.h"
+
+namespace ovrin {
+
+using theme::ColorToken;
+
+namespace {
+constexpr int panelWidth = 260;
+constexpr int panelHeight = 40;
+constexpr int distanceFromTop = 28;
+constexpr int padding = 16;
+constexpr int spacing = 9;
+constexpr double cornerRadius = 12;
+constexpr double iconSize = 15;
+}  // namespace
+
+ToastPanel::ToastPanel(ViewEnvironment& environment, const std::string& message, OVIcon icon)
+    : OVFloatingWindow(environment, cornerRadius, Focus::never) {
+    setFixedSize(panelWidth, panelHeight);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+
+    auto* symbol = new OVAnimatedIcon(environment, icon, iconSize, ColorToken::accentInk);
+    auto* label = new QLabel;
+    label->setFont(toQFont(theme::font::bodyMedium));
+    label->setTextFormat(Qt::PlainText);
+    QPalette colors;
+    colors.setColor(QPalette::WindowText, color(ColorToken::ink));
+    label->setPalette(colors);
+    const QString line = toQString(message).simplified();
+    const int room = panelWidth - 2 * padding - spacing - symbol->width();
+    label->setText(label->fontMetrics().elidedText(line, Qt::ElideRight, room));
+    label->setAccessibleName(line);
+
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(padding, 0, padding, 0);
+    row->setSpacing(spacing);
+    row->addStretch();
+    row->addWidget(symbol, 0, Qt::AlignVCenter);
+    row->addWidget(label, 0, Qt::AlignVCenter);
+    row->addStretch();
+
+    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+        const QRect visible = screen->availableGeometry();
+        move(visible.center().x() + 1 - panelWidth / 2, visible.top() + distanceFromTop);
+    }
+    show();
+}
+
+}  // namespace ovrin
