@@ -1,0 +1,116 @@
+#include "recognition/capture_controller.h"
+
+#include <memory>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "base/error.h"
+#include "recognition/capture_geometry.h"
+
+namespace ovrin {
+namespace {
+
+TEST(CaptureGeometry, ASelectionIsTheSameWhicheverWayItIsDragged) {
+    const Rect expected{10, 20, 30, 40};
+    EXPECT_EQ(capture::selectionBetween({10, 20}, {40, 60}), expected);
+    EXPECT_EQ(capture::selectionBetween({40, 60}, {10, 20}), expected);
+    EXPECT_EQ(capture::selectionBetween({40, 20}, {10, 60}), expected);
+    EXPECT_TRUE(capture::isSelection({0, 0, 5, 5}));
+    EXPECT_FALSE(capture::isSelection({0, 0, 4, 40}));
+}
+
+TEST(CaptureGeometry, DisplaySpaceGrowsDownFromThePrimaryDisplay) {
+    EXPECT_EQ(capture::toDisplaySpace({100, 100, 50, 20}, 1080), (Rect{100, 960, 50, 20}));
+    // Above and left of the primary display.
+    EXPECT_EQ(capture::toDisplaySpace({-200, 1100, 50, 20}, 1080), (Rect{-200, -40, 50, 20}));
+    EXPECT_EQ(capture::toDisplaySpace({1, 2, 3, 4}, std::nullopt), (Rect{1, 2, 3, 4}));
+}
+
+TEST(CaptureGeometry, TheSizeLabelStaysInsideTheScreen) {
+    const Rect bounds{0, 0, 1920, 1080};
+    const Size text{59.4, 13};
+    EXPECT_EQ(capture::sizeLabelText({0, 0, 640.9, 480.2}), "640 × 480");
+    EXPECT_EQ(capture::sizeLabelFrame({300, 400, 200, 100}, bounds, text), (Rect{300, 370, 76, 22}));
+    // Less than 42 points of room below: above the selection, and below the top edge of the screen.
+    EXPECT_EQ(capture::sizeLabelFrame({300, 42, 200, 100}, bounds, text).y, 12);
+    EXPECT_EQ(capture::sizeLabelFrame({300, 41, 200, 100}, bounds, text).y, 149);
+    EXPECT_EQ(capture::sizeLabelFrame({300, 0, 200, 1080}, bounds, text).y, 1046);
+    EXPECT_EQ(capture::sizeLabelFrame({0, 400, 50, 50}, bounds, text).x, 12);
+    EXPECT_EQ(capture::sizeLabelFrame({1900, 400, 20, 50}, bounds, text).x, 1832);
+}
+
+TEST(CaptureGeometry, TheHintHangsUnderTheTopEdge) {
+    const auto layout = capture::hintLayout({0, 0, 1000, 600}, {75.2, 15}, {16.5, 13});
+    EXPECT_EQ(layout.pill, (Rect{425, 540, 150, 36}));
+    EXPECT_EQ(layout.hintOrigin, (Point{439, 550.5}));
+    EXPECT_EQ(layout.keyBox, (Rect{535, 548, 30, 20}));
+}
+
+class FakeOverlays final : public CaptureOverlays {
+public:
+    struct Window final : CaptureOverlayWindow {
+        explicit Window(int& shown) : count(shown) { ++count; }
+        Window(const Window&) = delete;
+        Window& operator=(const Window&) = delete;
+        ~Window() override { --count; }
+        int& count;
+    };
+
+    std::vector<Rect> screenFrames() override { return frames; }
+    std::unique_ptr<CaptureOverlayWindow> show(const Rect& /*screenFrame*/, Callbacks given) override {
+        callbacks.push_back(std::move(given));
+        return std::make_unique<Window>(onScreen);
+    }
+    void activateApplication() override {}
+
+    std::vector<Rect> frames{{0, 0, 1920, 1080}, {-1280, 300, 1280, 800}};
+    std::vector<Callbacks> callbacks;
+    int onScreen = 0;
+};
+
+struct CaptureControllerTest : ::testing::Test {
+    RegionSelector::Completion completion() {
+        return [this](RegionSelector::Result result) {
+            EXPECT_EQ(overlays.onScreen, 0) << "nothing of the overlays may be on screen any more";
+            results.push_back(std::move(result));
+        };
+    }
+
+    FakeOverlays overlays;
+    int settingsHidden = 0;
+    std::vector<RegionSelector::Result> results;
+    CaptureController controller{overlays, [this] { ++settingsHidden; }};
+};
+
+TEST_F(CaptureControllerTest, TheFirstOverlayToReportEndsTheSelectionOnAllDisplays) {
+    controller.begin(completion());
+    EXPECT_EQ(settingsHidden, 1);
+    EXPECT_EQ(overlays.onScreen, 2);
+    overlays.callbacks[1].onSelection({10, 20, 100, 50});
+    ASSERT_EQ(results.size(), 1U);
+    EXPECT_EQ(std::get<Rect>(results[0]), (Rect{-1270, 710, 100, 50}));
+    EXPECT_FALSE(controller.isSelecting());
+}
+
+TEST_F(CaptureControllerTest, EscapeIsACancellation) {
+    controller.begin(completion());
+    overlays.callbacks[0].onCancel();
+    ASSERT_EQ(results.size(), 1U);
+    EXPECT_THROW(std::rethrow_exception(std::get<std::exception_ptr>(results[0])), CancellationError);
+}
+
+TEST_F(CaptureControllerTest, ANewSelectionDropsTheOldCompletionUncalled) {
+    int calls = 0;
+    controller.begin([&calls](const RegionSelector::Result& /*result*/) { ++calls; });
+    controller.begin(completion());
+    EXPECT_EQ(overlays.onScreen, 2);
+    overlays.callbacks[2].onSelection({0, 0, 10, 10});
+    EXPECT_EQ(calls, 0);
+    EXPECT_EQ(results.size(), 1U);
+}
+
+}  // namespace
+}  // namespace ovrin
