@@ -89,19 +89,19 @@ private:
 
 }  // namespace
 
-void Terminal::write(std::string_view text) {
+void Terminal::write(std::string_view text) const {
     const int failure = writeFully(output_, text);
     if (failure == EPIPE) throw OutputClosed();
     if (failure != 0) throw Error("standard output: " + reason(failure));
 }
 
-void Terminal::writeError(std::string_view line) {
+void Terminal::writeError(std::string_view line) const {
     std::string whole(line);
     whole += '\n';
     writeFully(error_, whole);
 }
 
-std::string Terminal::readAll(std::size_t maximumBytes, std::stop_token stop) {
+std::string Terminal::readAll(std::size_t maximumBytes, std::stop_token stop) const {
     Input input(input_, std::move(stop));
     std::string all;
     std::array<char, 65536> buffer{};
@@ -114,7 +114,7 @@ std::string Terminal::readAll(std::size_t maximumBytes, std::stop_token stop) {
     return all;
 }
 
-std::string Terminal::readSecretLine(std::string_view prompt, std::stop_token stop) {
+std::string Terminal::readSecretLine(std::string_view prompt, std::stop_token stop) const {
     const SecretPrompt secretPrompt(input_, error_, prompt);
     Input input(input_, std::move(stop));
     std::string line;

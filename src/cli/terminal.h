@@ -21,18 +21,18 @@ public:
     Terminal(int input, int output, int error) : input_(input), output_(output), error_(error) {}
 
     // Writes the bytes as they are, at once. Throws OutputClosed when the reader has gone, Error when the device fails.
-    void write(std::string_view text);
+    void write(std::string_view text) const;
 
     // One line on standard error; failures are ignored, there is nowhere left to tell them.
-    void writeError(std::string_view line);
+    void writeError(std::string_view line) const;
 
     // Everything up to the end of standard input. Throws Error when it cannot be read or exceeds maximumBytes, and
     // CancellationError as soon as a stop is requested.
-    std::string readAll(std::size_t maximumBytes, std::stop_token stop = {});
+    std::string readAll(std::size_t maximumBytes, std::stop_token stop = {}) const;
 
     // The first line of standard input. On a terminal it asks for it on standard error and does not show what is typed.
     // Throws as readAll() does.
-    std::string readSecretLine(std::string_view prompt, std::stop_token stop = {});
+    std::string readSecretLine(std::string_view prompt, std::stop_token stop = {}) const;
 
     int output() const { return output_; }
     bool outputIsTerminal() const;

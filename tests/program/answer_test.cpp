@@ -26,18 +26,19 @@ struct Protocol {
 
     std::string piece(const std::string& text) const {
         const nlohmann::json content = text;
-        if (standard == "anthropic")
-            return "event: content_block_delta\ndata: "
-                   "{\"type\":\"content_block_delta\",\"index\":0,\"delta\":{\"type\":"
-                   "\"text_delta\",\"text\":" +
-                   content.dump() + "}}\n\n";
-        return "data: {\"choices\":[{\"index\":0,\"delta\":{\"content\":" + content.dump() + "}}]}\n\n";
+        if (standard == "anthropic") {
+            const nlohmann::json event{
+                {"type", "content_block_delta"}, {"index", 0}, {"delta", {{"type", "text_delta"}, {"text", text}}}};
+            return "event: content_block_delta\ndata: " + event.dump() + "\n\n";
+        }
+        return R"(data: {"choices":[{"index":0,"delta":{"content":)" + content.dump() + "}}]}\n\n";
     }
     std::string end() const {
         return standard == "anthropic" ? "event: message_stop\ndata: {\"type\":\"message_stop\"}\n\n"
                                        : "data: [DONE]\n\n";
     }
 };
+
 void PrintTo(const Protocol& protocol, std::ostream* stream) {
     *stream << protocol.standard;
 }

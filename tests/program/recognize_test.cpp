@@ -45,7 +45,7 @@ std::string picture(const std::string& text) {
     l_uint8* data = nullptr;
     std::size_t size = 0;
     pixWriteMemPng(&data, &size, canvas, 0);
-    const std::string bytes(reinterpret_cast<const char*>(data), size);
+    std::string bytes(reinterpret_cast<const char*>(data), size);
     lept_free(data);
     bmfDestroy(&font);
     pixDestroy(&canvas);

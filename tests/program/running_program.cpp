@@ -131,7 +131,7 @@ void RunningProgram::signal(int number) const {
     ::kill(id_, number);
 }
 
-std::string RunningProgram::readOutput(std::size_t size) {
+std::string RunningProgram::readOutput(std::size_t size) const {
     std::string bytes(size, '\0');
     std::size_t length = 0;
     while (length < size) {

@@ -53,7 +53,7 @@ public:
     void signal(int number) const;
 
     // The next bytes of standard output, as many as asked for unless it ends before.
-    std::string readOutput(std::size_t size);
+    std::string readOutput(std::size_t size) const;
     void closeOutput();
 
     // Waits for its end. The output is what readOutput() left.
