@@ -1,12 +1,12 @@
 #include "platform/linux/image_decoder.h"
 
-#include <allheaders.h>
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
+
+#include <allheaders.h>
+#include <gtest/gtest.h>
 
 #include "base/error.h"
 
@@ -49,7 +49,8 @@ std::string failureOf(const std::vector<std::byte>& bytes) {
 }
 
 std::vector<int> pixelAt(const Image& image, int x, int y) {
-    const auto* pixel = image.data() + static_cast<std::size_t>(y) * image.bytesPerRow() + static_cast<std::size_t>(x) * 4;
+    const auto* pixel =
+        image.data() + static_cast<std::size_t>(y) * image.bytesPerRow() + static_cast<std::size_t>(x) * 4;
     return {pixel[0], pixel[1], pixel[2], pixel[3]};
 }
 
@@ -83,7 +84,8 @@ TEST(ImageDecoderTest, DepthsAndPalettesComeOutAsColor) {
         pixSetAll(picture.get());
         const Image image = LinuxImageDecoder().decode(encoded(picture.get(), IFF_PNG));
         // All bits set is black in a picture of one bit and white in the deeper ones.
-        EXPECT_EQ(pixelAt(image, 8, 8), (depth == 1 ? std::vector<int>{0, 0, 0, 255} : std::vector<int>{255, 255, 255, 255}))
+        EXPECT_EQ(pixelAt(image, 8, 8),
+                  (depth == 1 ? std::vector<int>{0, 0, 0, 255} : std::vector<int>{255, 255, 255, 255}))
             << depth;
     }
 }
@@ -97,7 +99,8 @@ TEST(ImageDecoderTest, NamesWhatIsNoPicture) {
 
 TEST(ImageDecoderTest, RefusesPicturesThatBreakOff) {
     PixPointer picture = twoColors(200, 120);
-    for (int i = 0; i < 4000; ++i) pixSetRGBPixel(picture.get(), i * 7 % 200, i * 13 % 120, i % 256, i * 3 % 256, i * 5 % 256);
+    for (int i = 0; i < 4000; ++i)
+        pixSetRGBPixel(picture.get(), i * 7 % 200, i * 13 % 120, i % 256, i * 3 % 256, i * 5 % 256);
     for (const int format : {IFF_PNG, IFF_JFIF_JPEG, IFF_WEBP, IFF_BMP, IFF_GIF, IFF_TIFF, IFF_TIFF_LZW}) {
         auto bytes = encoded(picture.get(), format);
         bytes.resize(bytes.size() / 2);

@@ -1,7 +1,5 @@
 #include "platform/linux/image_decoder.h"
 
-#include <leptonica/allheaders.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -9,6 +7,8 @@
 #include <memory>
 #include <string>
 #include <vector>
+
+#include <leptonica/allheaders.h>
 
 #include "base/error.h"
 

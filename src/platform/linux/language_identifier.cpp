@@ -1,13 +1,12 @@
 #include "platform/linux/language_identifier.h"
 
-#include <cld2/public/compact_lang_det.h>
-#include <cld2/public/encodings.h>
-
 #include <algorithm>
 #include <array>
 #include <set>
 #include <vector>
 
+#include <cld2/public/compact_lang_det.h>
+#include <cld2/public/encodings.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 #include <unicode/uscript.h>
@@ -31,14 +30,27 @@ ScriptCounts countScripts(const icu::UnicodeString& text) {
         if (!u_isalpha(character)) continue;
         UErrorCode status = U_ZERO_ERROR;
         switch (uscript_getScript(character, &status)) {
-            case USCRIPT_HAN: ++counts.han; break;
+            case USCRIPT_HAN:
+                ++counts.han;
+                break;
             case USCRIPT_HIRAGANA:
-            case USCRIPT_KATAKANA: ++counts.kana; break;
-            case USCRIPT_HANGUL: ++counts.hangul; break;
-            case USCRIPT_BOPOMOFO: ++counts.bopomofo; break;
-            case USCRIPT_CYRILLIC: ++counts.cyrillic; break;
-            case USCRIPT_LATIN: ++counts.latin; break;
-            default: ++counts.others;
+            case USCRIPT_KATAKANA:
+                ++counts.kana;
+                break;
+            case USCRIPT_HANGUL:
+                ++counts.hangul;
+                break;
+            case USCRIPT_BOPOMOFO:
+                ++counts.bopomofo;
+                break;
+            case USCRIPT_CYRILLIC:
+                ++counts.cyrillic;
+                break;
+            case USCRIPT_LATIN:
+                ++counts.latin;
+                break;
+            default:
+                ++counts.others;
         }
         counts.traditional += isTraditionalOnly(static_cast<char32_t>(character)) ? 1 : 0;
         counts.simplified += isSimplifiedOnly(static_cast<char32_t>(character)) ? 1 : 0;
@@ -61,7 +73,7 @@ std::optional<std::string> eastAsianLanguage(const ScriptCounts& counts) {
 }
 
 std::string tagOf(CLD2::Language language) {
-    const std::string code = CLD2::LanguageCode(language);
+    std::string code = CLD2::LanguageCode(language);
     if (code == "zh") return "zh-Hans";
     if (code == "iw") return "he";
     if (code == "no") return "nb";
@@ -77,28 +89,35 @@ struct FrequentWords {
 
 const std::array<FrequentWords, 10>& frequentWords() {
     static const std::array<FrequentWords, 10> words = {{
-        {"en", {u"the", u"and", u"is", u"you", u"to", u"of", u"in", u"it", u"that", u"for", u"hello", u"world", u"what",
-                u"this", u"are", u"with", u"your", u"have", u"not", u"please", u"thanks", u"thank", u"yes", u"good",
-                u"how", u"file", u"save", u"cancel", u"open", u"close", u"delete", u"settings", u"search", u"help",
-                u"edit", u"view", u"new", u"from", u"can", u"will", u"we", u"my", u"be", u"on", u"all", u"an", u"i",
-                u"morning", u"error", u"failed", u"no", u"ok", u"hi", u"test", u"translate", u"text", u"by", u"as", u"at"}},
-        {"fr", {u"le", u"la", u"les", u"un", u"une", u"et", u"est", u"vous", u"je", u"nous", u"bonjour", u"merci",
-                u"des", u"du", u"pas", u"que", u"qui", u"dans", u"pour", u"sur", u"avec", u"monde", u"oui", u"il", u"ce",
-                u"au", u"ça", u"cest", u"très", u"bien", u"salut", u"suis", u"votre"}},
-        {"de", {u"der", u"die", u"das", u"und", u"ist", u"ich", u"nicht", u"ein", u"eine", u"sie", u"wir", u"mit",
-                u"den", u"von", u"zu", u"auf", u"für", u"guten", u"tag", u"hallo", u"welt", u"danke", u"bitte", u"ja",
-                u"nein", u"es", u"im", u"dem", u"wie", u"geht", u"morgen"}},
-        {"es", {u"el", u"los", u"las", u"una", u"y", u"es", u"de", u"que", u"en", u"por", u"con", u"para", u"hola",
-                u"mundo", u"gracias", u"buenos", u"días", u"usted", u"cómo", u"está", u"muy", u"sí", u"del", u"lo", u"se"}},
-        {"it", {u"il", u"lo", u"gli", u"di", u"che", u"è", u"per", u"sono", u"ciao", u"grazie", u"mondo", u"buongiorno",
-                u"della", u"con", u"una", u"non", u"come", u"questo", u"del"}},
-        {"pt", {u"o", u"os", u"as", u"um", u"uma", u"e", u"é", u"não", u"para", u"com", u"olá", u"mundo", u"obrigado",
-                u"obrigada", u"bom", u"dia", u"você", u"do", u"da", u"em", u"que", u"está"}},
-        {"nl", {u"de", u"het", u"een", u"en", u"van", u"ik", u"niet", u"dat", u"hallo", u"wereld", u"dank", u"goede",
-                u"morgen", u"is", u"voor", u"met", u"zijn"}},
+        {"en",
+         {u"the",    u"and",      u"is",     u"you",  u"to",        u"of",   u"in",   u"it",      u"that",  u"for",
+          u"hello",  u"world",    u"what",   u"this", u"are",       u"with", u"your", u"have",    u"not",   u"please",
+          u"thanks", u"thank",    u"yes",    u"good", u"how",       u"file", u"save", u"cancel",  u"open",  u"close",
+          u"delete", u"settings", u"search", u"help", u"edit",      u"view", u"new",  u"from",    u"can",   u"will",
+          u"we",     u"my",       u"be",     u"on",   u"all",       u"an",   u"i",    u"morning", u"error", u"failed",
+          u"no",     u"ok",       u"hi",     u"test", u"translate", u"text", u"by",   u"as",      u"at"}},
+        {"fr", {u"le",    u"la",  u"les", u"un",  u"une", u"et",   u"est",  u"vous", u"je",    u"nous", u"bonjour",
+                u"merci", u"des", u"du",  u"pas", u"que", u"qui",  u"dans", u"pour", u"sur",   u"avec", u"monde",
+                u"oui",   u"il",  u"ce",  u"au",  u"ça",  u"cest", u"très", u"bien", u"salut", u"suis", u"votre"}},
+        {"de", {u"der",   u"die", u"das",  u"und", u"ist", u"ich", u"nicht", u"ein",  u"eine",  u"sie",  u"wir",
+                u"mit",   u"den", u"von",  u"zu",  u"auf", u"für", u"guten", u"tag",  u"hallo", u"welt", u"danke",
+                u"bitte", u"ja",  u"nein", u"es",  u"im",  u"dem", u"wie",   u"geht", u"morgen"}},
+        {"es", {u"el",   u"los",  u"las",  u"una",  u"y",     u"es",      u"de",     u"que",  u"en",
+                u"por",  u"con",  u"para", u"hola", u"mundo", u"gracias", u"buenos", u"días", u"usted",
+                u"cómo", u"está", u"muy",  u"sí",   u"del",   u"lo",      u"se"}},
+        {"it",
+         {u"il", u"lo", u"gli", u"di", u"che", u"è", u"per", u"sono", u"ciao", u"grazie", u"mondo", u"buongiorno",
+          u"della", u"con", u"una", u"non", u"come", u"questo", u"del"}},
+        {"pt", {u"o",     u"os",       u"as",       u"um",  u"uma", u"e",    u"é",  u"não", u"para", u"com", u"olá",
+                u"mundo", u"obrigado", u"obrigada", u"bom", u"dia", u"você", u"do", u"da",  u"em",   u"que", u"está"}},
+        {"nl",
+         {u"de", u"het", u"een", u"en", u"van", u"ik", u"niet", u"dat", u"hallo", u"wereld", u"dank", u"goede",
+          u"morgen", u"is", u"voor", u"met", u"zijn"}},
         {"sv", {u"och", u"att", u"det", u"är", u"jag", u"inte", u"hej", u"tack", u"världen", u"en", u"som", u"på"}},
-        {"pl", {u"i", u"w", u"nie", u"jest", u"się", u"na", u"cześć", u"dzień", u"dobry", u"dziękuję", u"świecie", u"to"}},
-        {"tr", {u"ve", u"bir", u"bu", u"merhaba", u"dünya", u"için", u"teşekkürler", u"değil", u"ne", u"evet", u"nasılsın"}},
+        {"pl",
+         {u"i", u"w", u"nie", u"jest", u"się", u"na", u"cześć", u"dzień", u"dobry", u"dziękuję", u"świecie", u"to"}},
+        {"tr",
+         {u"ve", u"bir", u"bu", u"merhaba", u"dünya", u"için", u"teşekkürler", u"değil", u"ne", u"evet", u"nasılsın"}},
     }};
     return words;
 }
@@ -115,10 +134,10 @@ std::pair<const char*, std::size_t> languageByFrequentWords(icu::UnicodeString t
         }
     }
     std::pair<const char*, std::size_t> best{nullptr, 0};
-    for (const auto& [language, known] : frequentWords()) {
-        const auto count = static_cast<std::size_t>(
-            std::count_if(words.begin(), words.end(), [&](const std::u16string& word) { return known.contains(word); }));
-        if (count > best.second) best = {language, count};
+    for (const auto& candidate : frequentWords()) {
+        const auto count = static_cast<std::size_t>(std::count_if(
+            words.begin(), words.end(), [&](const std::u16string& word) { return candidate.words.contains(word); }));
+        if (count > best.second) best = {candidate.language, count};
     }
     return best;
 }
@@ -126,11 +145,10 @@ std::pair<const char*, std::size_t> languageByFrequentWords(icu::UnicodeString t
 }  // namespace
 
 std::optional<std::string> LinuxLanguageIdentifier::dominantLanguage(std::string_view text) const {
-    const auto unicode =
-        icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
+    const auto unicode = icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
     const ScriptCounts counts = countScripts(unicode);
     if (counts.all() == 0) return std::nullopt;
-    if (const auto language = eastAsianLanguage(counts)) return language;
+    if (auto language = eastAsianLanguage(counts)) return language;
 
     // Without the parts in other scripts, and as valid UTF-8.
     std::string clean;
@@ -141,9 +159,8 @@ std::optional<std::string> LinuxLanguageIdentifier::dominantLanguage(std::string
     bool reliable = false;
     const CLD2::CLDHints hints{nullptr, nullptr, CLD2::UNKNOWN_ENCODING, CLD2::UNKNOWN_LANGUAGE};
     std::array<double, 3> scores{};
-    CLD2::ExtDetectLanguageSummary(clean.data(), static_cast<int>(clean.size()), true, &hints,
-                                   CLD2::kCLDFlagBestEffort, languages.data(), percents.data(), scores.data(), nullptr,
-                                   &textBytes, &reliable);
+    CLD2::ExtDetectLanguageSummary(clean.data(), static_cast<int>(clean.size()), true, &hints, CLD2::kCLDFlagBestEffort,
+                                   languages.data(), percents.data(), scores.data(), nullptr, &textBytes, &reliable);
     constexpr std::size_t shortText = 60;  // letters
     if (counts.latin > counts.cyrillic + counts.others && (!reliable || counts.latin < shortText)) {
         const auto [language, count] = languageByFrequentWords(unicode);

@@ -1,7 +1,5 @@
 #include "platform/linux/onnx_text_recognizer.h"
 
-#include <malloc.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <mutex>
@@ -9,6 +7,7 @@
 #include <shared_mutex>
 #include <utility>
 
+#include <malloc.h>
 #include <opencv2/core.hpp>
 
 #include "base/error.h"
@@ -52,7 +51,8 @@ std::vector<std::string> otherLanguages(const std::vector<std::string>& tags) {
 Rect unitBox(const cv::Rect& box, const Image& image) {
     const double width = image.width();
     const double height = image.height();
-    return {.x = box.x / width, .y = 1 - box.br().y / height, .width = box.width / width, .height = box.height / height};
+    return {
+        .x = box.x / width, .y = 1 - box.br().y / height, .width = box.width / width, .height = box.height / height};
 }
 
 std::vector<TextObservation> observations(const std::vector<LinePiece>& pieces, const std::vector<Reading>& readings,
@@ -121,8 +121,8 @@ private:
         Models models;
         parallelFor(2, 2, [&](std::size_t index) {
             if (index == 0) {
-                models.lineRecognizer =
-                    std::make_unique<LineRecognizer>(files_.modelFolder / recognitionModel, files_.modelFolder / characterList);
+                models.lineRecognizer = std::make_unique<LineRecognizer>(files_.modelFolder / recognitionModel,
+                                                                         files_.modelFolder / characterList);
             } else {
                 models.detector = std::make_unique<TextDetector>(files_.modelFolder / detectionModel);
             }
@@ -193,6 +193,8 @@ void OnnxTextRecognizer::prepare() {
     }
 }
 
-void OnnxTextRecognizer::releaseResources() { resources_->release(); }
+void OnnxTextRecognizer::releaseResources() {
+    resources_->release();
+}
 
 }  // namespace ovrin

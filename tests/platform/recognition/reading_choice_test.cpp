@@ -10,7 +10,9 @@ namespace {
 constexpr double height = 20;
 
 // Like the real network: Latin, marks and a few Chinese characters.
-bool networkKnows(char32_t character) { return character < 0x80 || std::u32string_view(U"，：文件设置").find(character) != std::u32string_view::npos; }
+bool networkKnows(char32_t character) {
+    return character < 0x80 || std::u32string_view(U"，：文件设置").find(character) != std::u32string_view::npos;
+}
 
 std::string joined(const Reading& network, const Reading& other) {
     return textOf(joinReadings(network, other, height, networkKnows));

@@ -18,8 +18,8 @@ TEST(ReadingOrderTest, FormRowsStayTogetherAcrossWideGaps) {
 }
 
 TEST(ReadingOrderTest, WellFilledColumnsAreReadOneAfterTheOther) {
-    const std::vector<cv::Rect> boxes = {{20, 20, 290, 16}, {340, 20, 280, 16}, {20, 50, 280, 16},
-                                         {340, 50, 290, 16}, {20, 80, 285, 16}};
+    const std::vector<cv::Rect> boxes = {
+        {20, 20, 290, 16}, {340, 20, 280, 16}, {20, 50, 280, 16}, {340, 50, 290, 16}, {20, 80, 285, 16}};
     EXPECT_EQ(readingOrder(boxes), (Rows{{0}, {2}, {4}, {1}, {3}}));
 }
 

@@ -1,8 +1,4 @@
 // The recogniser against real pictures. The corpora lie beside the project; without them these tests are skipped.
-#include "platform/linux/onnx_text_recognizer.h"
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -11,6 +7,7 @@
 #include <random>
 #include <thread>
 
+#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
@@ -18,6 +15,7 @@
 
 #include "base/error.h"
 #include "platform/linux/image_decoder.h"
+#include "platform/linux/onnx_text_recognizer.h"
 
 namespace ovrin {
 namespace {
@@ -62,8 +60,8 @@ std::string textOf(const std::vector<TextObservation>& observations) {
 icu::UnicodeString squeezed(const std::string& text) {
     UErrorCode status = U_ZERO_ERROR;
     icu::UnicodeString plain = icu::UnicodeString::fromUTF8(text);
-    const std::map<char16_t, char16_t> same = {{u'“', u'"'}, {u'”', u'"'}, {u'‘', u'\''}, {u'’', u'\''},
-                                               {u'—', u'-'}, {u'–', u'-'}, {u'−', u'-'},  {u'·', u'.'}, {u'×', u'x'}};
+    const std::map<char16_t, char16_t> same = {{u'“', u'"'}, {u'”', u'"'}, {u'‘', u'\''}, {u'’', u'\''}, {u'—', u'-'},
+                                               {u'–', u'-'}, {u'−', u'-'}, {u'·', u'.'},  {u'×', u'x'}};
     for (int i = 0; i < plain.length(); ++i) {
         if (const auto found = same.find(plain[i]); found != same.end()) plain.setCharAt(i, found->second);
     }
@@ -182,7 +180,8 @@ TEST_F(CorpusTest, BoxesLieOnTheirLinesInUnitCoordinatesFromTheLowerLeft) {
 
 TEST_F(CorpusTest, OnlyRequestedScriptsAreTriedAndAMissingLanguageOnlyLosesItsScript) {
     const auto korean = corpus("ocr-dev");
-    const auto item = std::find_if(korean.begin(), korean.end(), [](const CorpusItem& one) { return one.language == "ko"; });
+    const auto item =
+        std::find_if(korean.begin(), korean.end(), [](const CorpusItem& one) { return one.language == "ko"; });
     const Image picture = pictureOf(item->picture);
     auto chineseOnly = allLanguages();
     chineseOnly.recognitionLanguages = {"zh-Hans", "en-US"};
@@ -200,8 +199,9 @@ TEST_F(CorpusTest, OnlyRequestedScriptsAreTriedAndAMissingLanguageOnlyLosesItsSc
     OnnxTextRecognizer withoutTesseract(files);
     EXPECT_FALSE(hasHangul(textOf(withoutTesseract.perform(allLanguages(), picture, {}))));
     const auto chinese = pictureOf(korean.front().picture);
-    EXPECT_LT(errorRate(joinedLines(korean.front().lines), textOf(withoutTesseract.perform(allLanguages(), chinese, {}))),
-              0.02);
+    EXPECT_LT(
+        errorRate(joinedLines(korean.front().lines), textOf(withoutTesseract.perform(allLanguages(), chinese, {}))),
+        0.02);
 }
 
 TEST_F(CorpusTest, SeveralThreadsReadAtOnceWhileResourcesAreReleased) {

@@ -19,15 +19,26 @@ struct Step {
     std::size_t runs = 0;
 };
 
-double centerOf(const ReadCharacter& character) { return (character.left + character.right) / 2; }
+double centerOf(const ReadCharacter& character) {
+    return (character.left + character.right) / 2;
+}
 
 // The widest that the ink of a character gets, in heights of the line.
 double widestGlyph(char32_t character) {
     if (isWide(character)) return 1.25;
     switch (character) {
-        case U'—': case U'…': return 2.2;
-        case U'm': case U'w': case U'M': case U'W': case U'@': case U'%': return 1.2;
-        default: return scriptOf(character) == Script::mark ? 0.9 : 0.95;
+        case U'—':
+        case U'…':
+            return 2.2;
+        case U'm':
+        case U'w':
+        case U'M':
+        case U'W':
+        case U'@':
+        case U'%':
+            return 1.2;
+        default:
+            return scriptOf(character) == Script::mark ? 0.9 : 0.95;
     }
 }
 
@@ -53,16 +64,22 @@ void placeOnInk(Reading& reading, const LinePiece& piece) {
             if (j == runs.size()) continue;
             offer(i, j, (0.25 + runs[j].width() / height) * skippedRun, 0, 1);
             // One character over several runs.
-            for (std::size_t taken = 1; i < reading.size() && taken <= mostTogether && j + taken <= runs.size(); ++taken) {
+            for (std::size_t taken = 1; i < reading.size() && taken <= mostTogether && j + taken <= runs.size();
+                 ++taken) {
                 const ColumnRun span{runs[j].left, runs[j + taken - 1].right};
                 const double excess = span.width() / height - widestGlyph(reading[i].code);
                 if (excess > 0 && taken > 1) break;
                 double inner = 0;
-                for (std::size_t k = 1; k < taken; ++k) inner += std::max(0.0, (runs[j + k].left - runs[j + k - 1].right) / height - 0.1);
+                for (std::size_t k = 1; k < taken; ++k)
+                    inner += std::max(0.0, (runs[j + k].left - runs[j + k - 1].right) / height - 0.1);
                 const double distance = 0.5 * std::abs(centerOf(reading[i]) - (span.left + span.right) / 2.0) / height;
                 const bool square = isWide(reading[i].code) && scriptOf(reading[i].code) != Script::wideMark;
                 const double thin = square ? 0.4 * std::max(0.0, 0.8 - span.width() / height) : 0;
-                offer(i, j, distance + thin + inner + (isWide(reading[i].code) ? 0.0 : 0.05) * static_cast<double>(taken - 1) + std::max(0.0, excess), 1, taken);
+                offer(i, j,
+                      distance + thin + inner +
+                          (isWide(reading[i].code) ? 0.0 : 0.05) * static_cast<double>(taken - 1) +
+                          std::max(0.0, excess),
+                      1, taken);
             }
             // Several characters in one run.
             for (std::size_t together = 2; together <= 12 && i + together <= reading.size(); ++together) {
@@ -70,7 +87,10 @@ void placeOnInk(Reading& reading, const LinePiece& piece) {
                 const double width = runs[j].width() / static_cast<double>(together);
                 if (width < 0.15 * height) break;
                 for (std::size_t k = 0; k < together; ++k) {
-                    cost += 0.5 * std::abs(centerOf(reading[i + k]) - (runs[j].left + (static_cast<double>(k) + 0.5) * width)) / height;
+                    cost +=
+                        0.5 *
+                        std::abs(centerOf(reading[i + k]) - (runs[j].left + (static_cast<double>(k) + 0.5) * width)) /
+                        height;
                 }
                 offer(i, j, cost, together, 1);
             }

@@ -1,11 +1,11 @@
 #include "platform/linux/recognition/inference_session.h"
 
-#include <onnxruntime_cxx_api.h>
-
 #include <functional>
 #include <numeric>
 #include <optional>
 #include <string>
+
+#include <onnxruntime_cxx_api.h>
 
 #include "base/error.h"
 
@@ -13,7 +13,9 @@ namespace ovrin {
 namespace {
 
 // The runtime's messages name source files and run over several lines; the first line holds the cause.
-std::string firstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
+std::string firstLine(const std::string& text) {
+    return text.substr(0, text.find('\n'));
+}
 
 Ort::SessionOptions sessionOptions() {
     Ort::SessionOptions options;

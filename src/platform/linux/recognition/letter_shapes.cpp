@@ -8,10 +8,18 @@
 namespace ovrin {
 namespace {
 
-bool isLower(char32_t character) { return character >= U'a' && character <= U'z'; }
-bool isUpper(char32_t character) { return character >= U'A' && character <= U'Z'; }
-bool isDigit(char32_t character) { return character >= U'0' && character <= U'9'; }
-bool isWordCharacter(char32_t character) { return isLower(character) || isUpper(character) || isDigit(character); }
+bool isLower(char32_t character) {
+    return character >= U'a' && character <= U'z';
+}
+bool isUpper(char32_t character) {
+    return character >= U'A' && character <= U'Z';
+}
+bool isDigit(char32_t character) {
+    return character >= U'0' && character <= U'9';
+}
+bool isWordCharacter(char32_t character) {
+    return isLower(character) || isUpper(character) || isDigit(character);
+}
 
 // The word around a position: [first, last).
 struct Word {
@@ -22,7 +30,8 @@ Word wordAt(const Reading& reading, std::size_t position) {
     Word word{position, position + 1};
     while (word.first > 0 && reading[word.first].spaceBefore < 0.5 && isWordCharacter(reading[word.first - 1].code))
         --word.first;
-    while (word.last < reading.size() && reading[word.last].spaceBefore < 0.5 && isWordCharacter(reading[word.last].code))
+    while (word.last < reading.size() && reading[word.last].spaceBefore < 0.5 &&
+           isWordCharacter(reading[word.last].code))
         ++word.last;
     return word;
 }
@@ -56,7 +65,9 @@ char32_t wideForm(char32_t character) {
     return mark == std::u32string_view::npos ? character : wide[mark];
 }
 
-bool isEastAsian(char32_t character) { return isWide(character) && scriptOf(character) != Script::hangul; }
+bool isEastAsian(char32_t character) {
+    return isWide(character) && scriptOf(character) != Script::hangul;
+}
 
 }  // namespace
 
@@ -86,7 +97,7 @@ void widenMarks(Reading& reading) {
 }
 
 void widenMarksByGaps(Reading& reading, double em) {
-    constexpr double blankOfMark = 0.42;   // ems; a space beside a narrow mark leaves about 0.3
+    constexpr double blankOfMark = 0.42;  // ems; a space beside a narrow mark leaves about 0.3
     constexpr double blankOfBrace = 0.5;
     bool open = false;
     for (std::size_t i = 0; i < reading.size(); ++i) {
@@ -96,8 +107,8 @@ void widenMarksByGaps(Reading& reading, double em) {
         if (wide == character.code) continue;
         const double before = i == 0 ? 0 : (character.left - reading[i - 1].right) / em;
         const double after = i + 1 == reading.size() ? 0 : (reading[i + 1].left - character.right) / em;
-        const bool beside = (i > 0 && isEastAsian(reading[i - 1].code)) ||
-                            (i + 1 < reading.size() && isEastAsian(reading[i + 1].code));
+        const bool beside =
+            (i > 0 && isEastAsian(reading[i - 1].code)) || (i + 1 < reading.size() && isEastAsian(reading[i + 1].code));
         if (character.code == U')') {
             if (open || (beside && after > blankOfBrace)) character.code = wide;
             open = false;

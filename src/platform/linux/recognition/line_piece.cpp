@@ -10,10 +10,10 @@ namespace ovrin {
 namespace {
 
 constexpr int levelsPerChannel = 8;
-constexpr double flatShare = 0.3;  // of the pixels that have about the background's colour, text being the rest
-static const double sideShare = getenv("SS")?atof(getenv("SS")):0.4;
-static const double marginShare = getenv("MS")?atof(getenv("MS")):0.2;  // of the text's height, around it
-constexpr int inkLevel = 96;       // of 255: from here on a pixel belongs to a stroke
+constexpr double flatShare = 0.3;    // of the pixels that have about the background's colour, text being the rest
+constexpr double marginShare = 0.2;  // of the text's height, background above and below it for the readers
+constexpr double sideShare = 0.4;    // and beside it: wide punctuation is told from narrow by its blank
+constexpr int inkLevel = 96;         // of 255: from here on a pixel belongs to a stroke
 
 struct Background {
     cv::Scalar color;
@@ -23,14 +23,15 @@ struct Background {
 // The most frequent colour, told coarsely, then averaged.
 Background backgroundOf(const cv::Mat& bgr) {
     constexpr int bucketWidth = 256 / levelsPerChannel;
-    std::array<int, levelsPerChannel * levelsPerChannel * levelsPerChannel> counts{};
+    std::array<int, std::size_t{levelsPerChannel} * levelsPerChannel * levelsPerChannel> counts{};
     std::array<cv::Vec3f, counts.size()> sums{};
     for (int y = 0; y < bgr.rows; ++y) {
         const auto* row = bgr.ptr<cv::Vec3b>(y);
         for (int x = 0; x < bgr.cols; ++x) {
             const auto& pixel = row[x];
-            const auto bucket = static_cast<std::size_t>((pixel[0] / bucketWidth * levelsPerChannel + pixel[1] / bucketWidth) *
-                                                             levelsPerChannel + pixel[2] / bucketWidth);
+            const int coarse = (pixel[0] / bucketWidth * levelsPerChannel + pixel[1] / bucketWidth) * levelsPerChannel +
+                               pixel[2] / bucketWidth;
+            const auto bucket = static_cast<std::size_t>(coarse);
             ++counts[bucket];
             sums[bucket] += cv::Vec3f(pixel);
         }
@@ -61,7 +62,8 @@ cv::Mat blendedBackground(const cv::Mat& bgr, const cv::Rect& box) {
     cv::blur(bottom, bottom, {box.height, 1}, {-1, -1}, cv::BORDER_REPLICATE);
     cv::Mat background(bgr.size(), CV_8UC3);
     for (int y = 0; y < bgr.rows; ++y) {
-        const float share = std::clamp((static_cast<float>(y - box.y) + 0.5F) / static_cast<float>(box.height), 0.0F, 1.0F);
+        const float share =
+            std::clamp((static_cast<float>(y - box.y) + 0.5F) / static_cast<float>(box.height), 0.0F, 1.0F);
         cv::Mat row = background.row(y);
         cv::Mat(top * (1 - share) + bottom * share).convertTo(row, CV_8U);
     }
@@ -111,9 +113,8 @@ std::vector<ColumnRun> runsWhere(int count, Predicate holds) {
 // The rows of the line itself: the band of ink through the middle of the box, with the marks that stand close above or
 // below it. Neighbouring lines reach into the box where lines are set tightly.
 ColumnRun rowsOfLine(const cv::Mat& strokes, const cv::Rect& box) {
-    const auto bands = runsWhere(strokes.rows, [&](int y) {
-        return cv::countNonZero(strokes(cv::Rect(box.x, y, box.width, 1))) > 0;
-    });
+    const auto bands =
+        runsWhere(strokes.rows, [&](int y) { return cv::countNonZero(strokes(cv::Rect(box.x, y, box.width, 1))) > 0; });
     ColumnRun line;
     const int middle = box.y + box.height / 2;
     const int quarter = std::max(1, box.height / 4);
@@ -147,7 +148,8 @@ std::vector<ColumnRun> columnsOfLine(const cv::Mat& strokes, const cv::Rect& box
     std::erase_if(runs, [&](const ColumnRun& run) { return isRuler(strokes, run, rows); });
     const double reach = 0.4 * rows.width();
     auto first = std::find_if(runs.begin(), runs.end(), [&](const ColumnRun& run) { return run.right > box.x; });
-    auto last = std::find_if(runs.rbegin(), runs.rend(), [&](const ColumnRun& run) { return run.left < box.br().x; }).base();
+    auto last =
+        std::find_if(runs.rbegin(), runs.rend(), [&](const ColumnRun& run) { return run.left < box.br().x; }).base();
     if (first >= last) return {};
     while (first != runs.begin() && first->left - std::prev(first)->right <= reach) --first;
     while (last != runs.end() && last->left - std::prev(last)->right <= reach) ++last;
@@ -174,7 +176,7 @@ LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box) {
     const int aside = box.height;
     const int above = std::max(1, box.height / 6);
     cv::Rect strip = cv::Rect(box.x - aside, box.y - above, box.width + 2 * aside, box.height + 2 * above) &
-                           cv::Rect({}, picture.size());
+                     cv::Rect({}, picture.size());
     cv::Rect inner = box - strip.tl();
     cv::Mat bgr;
     cv::cvtColor(picture(strip), bgr, cv::COLOR_BGRA2BGR);
@@ -201,18 +203,19 @@ LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box) {
         piece.ink = ink(inner).clone();
         return piece;
     }
-    const cv::Rect text(piece.runs.front().left, rows.left, piece.runs.back().right - piece.runs.front().left, rows.width());
-    const int above_ = std::max(2, static_cast<int>(std::lround(marginShare * text.height)));
+    const cv::Rect text(piece.runs.front().left, rows.left, piece.runs.back().right - piece.runs.front().left,
+                        rows.width());
+    const int margin = std::max(2, static_cast<int>(std::lround(marginShare * text.height)));
     const int side = std::max(2, static_cast<int>(std::lround(sideShare * text.height)));
     cv::Mat around = background(text);
-    cv::copyMakeBorder(bgr(text), piece.color, above_, above_, side, side, cv::BORDER_CONSTANT | cv::BORDER_ISOLATED,
+    cv::copyMakeBorder(bgr(text), piece.color, margin, margin, side, side, cv::BORDER_CONSTANT | cv::BORDER_ISOLATED,
                        cv::mean(around));
-    cv::copyMakeBorder(ink(text), piece.ink, above_, above_, side, side, cv::BORDER_CONSTANT | cv::BORDER_ISOLATED,
+    cv::copyMakeBorder(ink(text), piece.ink, margin, margin, side, side, cv::BORDER_CONSTANT | cv::BORDER_ISOLATED,
                        cv::Scalar(0));
     piece.box = text + strip.tl();
     // Text without capitals or descenders covers less than the font's size; the detected box knows better then.
     piece.em = std::max(1.08 * text.height, 0.75 * box.height);
-    piece.inkBox = {side, above_, text.width, text.height};
+    piece.inkBox = {side, margin, text.width, text.height};
     for (auto& run : piece.runs) run = {run.left - text.x + side, run.right - text.x + side};
     return piece;
 }

@@ -32,6 +32,8 @@ void parallelFor(std::size_t count, std::size_t threads, const std::function<voi
     if (failure) std::rethrow_exception(failure);
 }
 
-std::size_t recognitionThreads() { return std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, 4); }
+std::size_t recognitionThreads() {
+    return std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, 4);
+}
 
 }  // namespace ovrin

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <numeric>
+#include <optional>
 #include <set>
 #include <string_view>
+#include <utility>
 
 #include "base/error.h"
 #include "platform/linux/recognition/parallel.h"
@@ -13,9 +15,9 @@
 namespace ovrin {
 namespace {
 
-constexpr std::size_t probes = 2;          // pieces that every language is tried on
-constexpr double convincing = 0.95;        // mean confidence of Tesseract in the right language
-constexpr double possible = 0.8;           // below, what Tesseract says is nothing
+constexpr std::size_t probes = 2;    // pieces that every language is tried on
+constexpr double convincing = 0.95;  // mean confidence of Tesseract in the right language
+constexpr double possible = 0.8;     // below, what Tesseract says is nothing
 
 struct ScriptCounts {
     std::size_t traditional = 0, simplified = 0, kana = 0, hangul = 0, han = 0, latin = 0;
@@ -25,11 +27,21 @@ ScriptCounts countScripts(const Reading& reading) {
     ScriptCounts counts;
     for (const auto& character : reading) {
         switch (scriptOf(character.code)) {
-            case Script::han: ++counts.han; break;
-            case Script::kana: ++counts.kana; break;
-            case Script::hangul: ++counts.hangul; break;
-            case Script::latin: case Script::digit: ++counts.latin; break;
-            default: break;
+            case Script::han:
+                ++counts.han;
+                break;
+            case Script::kana:
+                ++counts.kana;
+                break;
+            case Script::hangul:
+                ++counts.hangul;
+                break;
+            case Script::latin:
+            case Script::digit:
+                ++counts.latin;
+                break;
+            default:
+                break;
         }
         if (isTraditionalOnly(character.code)) ++counts.traditional;
         if (isSimplifiedOnly(character.code)) ++counts.simplified;
@@ -63,7 +75,6 @@ struct PieceState {
 };
 
 bool isUnreadable(const PieceState& piece) {
-    if (piece.glyphs == 0) return false;
     return (piece.unexplained > 0.12 && piece.unexplained * piece.glyphs > 0.6) ||
            (meanConfidence(piece.network) < 0.85 && piece.glyphs > 1.5);
 }
@@ -75,27 +86,169 @@ bool isDoubtful(const PieceState& piece, const std::string& language) {
                                   [](const ReadCharacter& character) { return character.confidence < 0.9F; });
     if (language == "kor") return piece.unexplained > 0.05 || (weak && piece.counts.han > 0);
     if (language == "chi_tra") return piece.counts.han > 0 || piece.unexplained > 0.05;
-    return piece.unexplained > 0.05 || piece.counts.kana > 0 || (piece.counts.han > 0 && (weak || piece.counts.simplified > 0 || piece.counts.traditional > 0));
+    return piece.unexplained > 0.05 || piece.counts.kana > 0 ||
+           (piece.counts.han > 0 && (weak || piece.counts.simplified > 0 || piece.counts.traditional > 0));
 }
 
-// Do the probed pieces show enough of the language's own script, and not one stroke read over and over?
-bool isEstablished(const std::string& language, const std::vector<std::size_t>& probed,
-                   const std::vector<PieceState>& states, const ScriptCounts& total) {
-    std::set<char32_t> own;
-    std::size_t kana = 0;
-    for (const std::size_t index : probed) {
-        if (states[index].otherLanguage != language) continue;
-        for (const auto& character : states[index].other) {
-            const Script script = scriptOf(character.code);
-            const bool isOwn = language == "kor" ? script == Script::hangul : script == Script::han || script == Script::kana;
-            if (isOwn && character.confidence > 0.9F) own.insert(character.code);
-            if (script == Script::kana && character.code != U'ー') ++kana;
+using ScoredReading = std::pair<Reading, double>;
+
+// The reading of one picture's pieces, step by step.
+class Pass {
+public:
+    Pass(const LineRecognizer& network, TesseractReader& tesseract, std::vector<std::string> languages,
+         const std::vector<LinePiece>& pieces, const std::stop_token& stop)
+        : network_(network),
+          tesseract_(tesseract),
+          languages_(std::move(languages)),
+          pieces_(pieces),
+          stop_(stop),
+          states_(pieces.size()) {}
+
+    std::vector<Reading> run() {
+        readWithNetwork();
+        // A picture whose Chinese is simplified holds no traditional lines: they only look like it when read badly.
+        if (total_.simplified > total_.traditional) std::erase(languages_, "chi_tra");
+        const auto probed = piecesToProbe();
+        if (!languages_.empty() && !probed.empty()) {
+            const auto language = languageOf(probed);
+            if (language) readDoubtful(*language);
+        }
+        return joined();
+    }
+
+private:
+    void readWithNetwork() {
+        // The widest first, so that the cores end together.
+        std::vector<std::size_t> order(pieces_.size());
+        std::iota(order.begin(), order.end(), std::size_t{0});
+        std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return shape(a) > shape(b); });
+        parallelFor(order.size(), recognitionThreads(), [&](std::size_t position) {
+            const LinePiece& piece = pieces_[order[position]];
+            PieceState& state = states_[order[position]];
+            state.network = network_.read(piece.color, stop_);
+            state.unexplained = unexplainedInk(state.network, piece);
+            state.counts = countScripts(state.network);
+            const int width = piece.inkBox.empty() ? piece.color.cols : piece.inkBox.width;
+            state.glyphs = width / piece.glyphHeight();
+        });
+        for (const auto& state : states_) {
+            total_.traditional += state.counts.traditional;
+            total_.simplified += state.counts.simplified;
         }
     }
-    // Kanji alone are no evidence against a picture whose Chinese the network reads.
-    if (language == "jpn" && kana == 0 && total.simplified > 0) return false;
-    return own.size() >= 2;
-}
+
+    double shape(std::size_t index) const {
+        return static_cast<double>(pieces_[index].color.cols) / pieces_[index].color.rows;
+    }
+
+    // The pieces that tell the picture's language: those with the most ink that nobody explained.
+    std::vector<std::size_t> piecesToProbe() const {
+        std::vector<std::size_t> probed;
+        const bool traditional = total_.traditional >= 2 && total_.traditional > total_.simplified;
+        for (std::size_t i = 0; i < states_.size(); ++i) {
+            if (isUnreadable(states_[i])) probed.push_back(i);
+        }
+        if (probed.empty() && traditional) {
+            for (std::size_t i = 0; i < states_.size(); ++i) {
+                if (states_[i].counts.traditional > 0) probed.push_back(i);
+            }
+        }
+        const auto weight = [&](std::size_t i) { return (0.1 + states_[i].unexplained) * shape(i); };
+        std::sort(probed.begin(), probed.end(), [&](std::size_t a, std::size_t b) { return weight(a) > weight(b); });
+        probed.resize(std::min(probed.size(), probes));
+        return probed;
+    }
+
+    // Tries every language on the probed pieces; none when no language shows itself.
+    std::optional<std::string> languageOf(const std::vector<std::size_t>& probed) {
+        const std::size_t count = languages_.size();
+        std::vector<ScoredReading> results(probed.size() * count);
+        parallelFor(results.size(), recognitionThreads(), [&](std::size_t task) {
+            results[task] = readWithTesseract(probed[task / count], languages_[task % count]);
+        });
+        std::vector<double> scores(count, 0);
+        for (std::size_t task = 0; task < results.size(); ++task) {
+            scores[task % count] += results[task].second / static_cast<double>(probed.size());
+            keepBetter(probed[task / count], std::move(results[task]), languages_[task % count]);
+        }
+        const auto best = std::max_element(scores.begin(), scores.end());
+        const std::string& language = languages_[static_cast<std::size_t>(best - scores.begin())];
+        if (isEstablished(language, probed)) return *best >= possible ? std::optional(language) : std::nullopt;
+        for (const std::size_t index : probed) states_[index].otherScore = 0;
+        return std::nullopt;
+    }
+
+    // Do the probed pieces show enough of the language's own script, and not one stroke read over and over?
+    bool isEstablished(const std::string& language, const std::vector<std::size_t>& probed) const {
+        std::set<char32_t> own;
+        std::size_t kana = 0;
+        for (const std::size_t index : probed) {
+            if (states_[index].otherLanguage != language) continue;
+            for (const auto& character : states_[index].other) {
+                const Script script = scriptOf(character.code);
+                const bool isOwn =
+                    language == "kor" ? script == Script::hangul : script == Script::han || script == Script::kana;
+                if (isOwn && character.confidence > 0.9F) own.insert(character.code);
+                if (script == Script::kana && character.code != U'ー') ++kana;
+            }
+        }
+        // Kanji alone are no evidence against a picture whose Chinese the network reads.
+        if (language == "jpn" && kana == 0 && total_.simplified > 0) return false;
+        return own.size() >= 2;
+    }
+
+    void readDoubtful(const std::string& language) {
+        std::vector<std::size_t> doubtful;
+        for (std::size_t i = 0; i < states_.size(); ++i) {
+            if (states_[i].otherLanguage.empty() && isDoubtful(states_[i], language)) doubtful.push_back(i);
+        }
+        parallelFor(doubtful.size(), recognitionThreads(), [&](std::size_t position) {
+            const std::size_t index = doubtful[position];
+            keepBetter(index, readWithTesseract(index, language), language);
+            if (states_[index].otherScore >= convincing || !isUnreadable(states_[index])) return;
+            for (const auto& another : languages_) {
+                if (another != language) keepBetter(index, readWithTesseract(index, another), another);
+            }
+        });
+    }
+
+    ScoredReading readWithTesseract(std::size_t index, const std::string& language) {
+        if (stop_.stop_requested()) throw CancellationError();
+        Reading reading = tesseract_.read(pieces_[index], language);
+        const double score = credibility(reading, language);
+        return {std::move(reading), score};
+    }
+
+    void keepBetter(std::size_t index, ScoredReading result, const std::string& language) {
+        PieceState& state = states_[index];
+        if (result.second <= state.otherScore) return;
+        state.other = std::move(result.first);
+        state.otherScore = result.second;
+        state.otherLanguage = language;
+    }
+
+    std::vector<Reading> joined() {
+        std::vector<Reading> readings;
+        readings.reserve(states_.size());
+        for (std::size_t i = 0; i < states_.size(); ++i) {
+            PieceState& state = states_[i];
+            const bool credible =
+                state.otherScore >= convincing || (state.otherScore >= possible && state.unexplained > 0.3);
+            readings.push_back(credible ? joinReadings(state.network, state.other, pieces_[i].glyphHeight(),
+                                                       [&](char32_t character) { return network_.knows(character); })
+                                        : std::move(state.network));
+        }
+        return readings;
+    }
+
+    const LineRecognizer& network_;
+    TesseractReader& tesseract_;
+    std::vector<std::string> languages_;
+    const std::vector<LinePiece>& pieces_;
+    const std::stop_token& stop_;
+    std::vector<PieceState> states_;
+    ScriptCounts total_;
+};
 
 }  // namespace
 
@@ -103,103 +256,7 @@ PieceReader::PieceReader(const LineRecognizer& network, TesseractReader& tessera
     : network_(network), tesseract_(tesseract), languages_(std::move(languages)) {}
 
 std::vector<Reading> PieceReader::read(const std::vector<LinePiece>& pieces, const std::stop_token& stop) const {
-    std::vector<PieceState> states(pieces.size());
-    // The widest first, so that the cores end together.
-    std::vector<std::size_t> order(pieces.size());
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-        return pieces[a].color.cols * pieces[b].color.rows > pieces[b].color.cols * pieces[a].color.rows;
-    });
-    parallelFor(pieces.size(), recognitionThreads(), [&](std::size_t position) {
-        const std::size_t index = order[position];
-        auto& state = states[index];
-        state.network = network_.read(pieces[index].color, stop);
-        state.unexplained = unexplainedInk(state.network, pieces[index]);
-        state.counts = countScripts(state.network);
-        state.glyphs = pieces[index].runs.empty() ? 0 : (pieces[index].inkBox.empty() ? pieces[index].color.cols : pieces[index].inkBox.width) / pieces[index].glyphHeight();
-    });
-
-    ScriptCounts total;
-    std::vector<std::size_t> unreadable;
-    for (std::size_t i = 0; i < states.size(); ++i) {
-        total.traditional += states[i].counts.traditional;
-        total.simplified += states[i].counts.simplified;
-        total.kana += states[i].counts.kana;
-        if (isUnreadable(states[i])) unreadable.push_back(i);
-    }
-    const auto readWith = [&](std::size_t index, const std::string& language) {
-        if (stop.stop_requested()) throw CancellationError();
-        Reading reading = tesseract_.read(pieces[index], language);
-        const double score = credibility(reading, language);
-        return std::pair(std::move(reading), score);
-    };
-    const auto keepBetter = [&](PieceState& state, std::pair<Reading, double> result, const std::string& language) {
-        if (result.second <= state.otherScore) return;
-        state.other = std::move(result.first);
-        state.otherScore = result.second;
-        state.otherLanguage = language;
-    };
-
-    const bool traditional = total.traditional >= 2 && total.traditional > total.simplified;
-    std::vector<std::string> languages_ = this->languages_;
-    if (total.simplified > total.traditional) std::erase(languages_, "chi_tra");
-    if (!languages_.empty() && (!unreadable.empty() || traditional)) {
-        // The pieces with the most ink that nobody explained tell the picture's language.
-        std::vector<std::size_t> probed = unreadable;
-        if (probed.empty()) {
-            for (std::size_t i = 0; i < states.size(); ++i) if (states[i].counts.traditional > 0) probed.push_back(i);
-        }
-        std::sort(probed.begin(), probed.end(), [&](std::size_t a, std::size_t b) {
-            const auto weight = [&](std::size_t i) {
-                return (0.1 + states[i].unexplained) * pieces[i].color.cols / pieces[i].color.rows;
-            };
-            return weight(a) > weight(b);
-        });
-        probed.resize(std::min(probed.size(), probes));
-        const std::size_t tasks = probed.size() * languages_.size();
-        std::vector<std::pair<Reading, double>> results(tasks);
-        parallelFor(tasks, recognitionThreads(), [&](std::size_t task) {
-            results[task] = readWith(probed[task / languages_.size()], languages_[task % languages_.size()]);
-        });
-        std::vector<double> scores(languages_.size(), 0);
-        for (std::size_t task = 0; task < tasks; ++task) {
-            scores[task % languages_.size()] += results[task].second;
-        }
-        for (std::size_t task = 0; task < tasks; ++task) {
-            keepBetter(states[probed[task / languages_.size()]], std::move(results[task]), languages_[task % languages_.size()]);
-        }
-        const auto best = static_cast<std::size_t>(std::max_element(scores.begin(), scores.end()) - scores.begin());
-        const std::string& language = languages_[best];
-        if (!isEstablished(language, probed, states, total)) {
-            for (const std::size_t index : probed) states[index].otherScore = 0;
-        } else if (scores[best] / static_cast<double>(probed.size()) >= possible) {
-            std::vector<std::size_t> doubtful;
-            for (std::size_t i = 0; i < states.size(); ++i) {
-                if (states[i].otherLanguage.empty() && isDoubtful(states[i], language)) doubtful.push_back(i);
-            }
-            parallelFor(doubtful.size(), recognitionThreads(), [&](std::size_t position) {
-                auto& state = states[doubtful[position]];
-                keepBetter(state, readWith(doubtful[position], language), language);
-                if (state.otherScore >= convincing || !isUnreadable(state)) return;
-                for (const auto& another : languages_) {
-                    if (another != language) keepBetter(state, readWith(doubtful[position], another), another);
-                }
-            });
-        }
-    }
-
-    std::vector<Reading> readings(pieces.size());
-    for (std::size_t i = 0; i < states.size(); ++i) {
-        auto& state = states[i];
-        if (pieces[i].runs.empty()) continue;
-        if (state.otherScore >= convincing || (state.otherScore >= possible && state.unexplained > 0.3)) {
-            readings[i] = joinReadings(state.network, state.other, pieces[i].glyphHeight(),
-                                       [this](char32_t character) { return network_.knows(character); });
-        } else {
-            readings[i] = std::move(state.network);
-        }
-    }
-    return readings;
+    return Pass(network_, tesseract_, languages_, pieces, stop).run();
 }
 
 }  // namespace ovrin

@@ -17,7 +17,7 @@ class PieceReader {
 public:
     PieceReader(const LineRecognizer& network, TesseractReader& tesseract, std::vector<std::string> languages);
 
-    // One reading for each piece, in their order.
+    // One reading for each piece, in their order. The pieces must hold ink.
     std::vector<Reading> read(const std::vector<LinePiece>& pieces, const std::stop_token& stop) const;
 
 private:

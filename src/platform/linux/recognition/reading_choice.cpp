@@ -10,9 +10,13 @@
 namespace ovrin {
 namespace {
 
-double centerOf(const ReadCharacter& character) { return (character.left + character.right) / 2; }
+double centerOf(const ReadCharacter& character) {
+    return (character.left + character.right) / 2;
+}
 
-bool isAscii(const ReadCharacter& character) { return character.code < 0x80; }
+bool isAscii(const ReadCharacter& character) {
+    return character.code < 0x80;
+}
 
 bool isLatin(const ReadCharacter& character) {
     return isAscii(character) && scriptOf(character.code) != Script::mark;
@@ -31,7 +35,7 @@ using Iterator = Reading::const_iterator;
 
 double meanConfidence(Iterator from, Iterator to) {
     double sum = 0;
-    for (Iterator i = from; i != to; ++i) sum += i->confidence;
+    for (auto i = from; i != to; ++i) sum += i->confidence;
     return from == to ? 0 : sum / static_cast<double>(to - from);
 }
 
@@ -65,7 +69,8 @@ public:
         std::vector<double> cost(rows * columns, 0);
         const auto at = [&](std::size_t i, std::size_t j) -> double& { return cost[i * columns + j]; };
         const auto pair = [&](std::size_t i, std::size_t j) {
-            return pairCost(network[static_cast<std::ptrdiff_t>(i)], other[static_cast<std::ptrdiff_t>(j)], glyphHeight_);
+            return pairCost(network[static_cast<std::ptrdiff_t>(i)], other[static_cast<std::ptrdiff_t>(j)],
+                            glyphHeight_);
         };
         // From the end, so that the way back runs from the beginning.
         for (std::size_t i = rows; i-- > 0;) {
@@ -73,7 +78,8 @@ public:
                 if (i + 1 == rows || j + 1 == columns) {
                     at(i, j) = gapCost * static_cast<double>(rows - 1 - i + columns - 1 - j);
                 } else {
-                    at(i, j) = std::min({at(i + 1, j) + gapCost, at(i, j + 1) + gapCost, at(i + 1, j + 1) + pair(i, j)});
+                    at(i, j) =
+                        std::min({at(i + 1, j) + gapCost, at(i, j + 1) + gapCost, at(i + 1, j + 1) + pair(i, j)});
                 }
             }
         }
@@ -104,15 +110,16 @@ private:
 
     void takeNetworkOnly(const ReadCharacter& network, Iterator other, Iterator otherEnd) {
         const bool covered = std::any_of(other, otherEnd, [&](const ReadCharacter& character) {
-            return isWide(character.code) && covers(character, network, isPartOfMany(network.code) ? 0.25 * glyphHeight_ : 0);
+            return isWide(character.code) &&
+                   covers(character, network, isPartOfMany(network.code) ? 0.25 * glyphHeight_ : 0);
         });
         if (!covered && network.confidence >= (isAscii(network) ? 0.8F : 0.9F)) joined_.push_back(network);
     }
 
     void takeOtherOnly(const ReadCharacter& other, Iterator network, Iterator networkEnd) {
         const bool covered = isAscii(other) && std::any_of(network, networkEnd, [&](const ReadCharacter& character) {
-            return std::abs(centerOf(other) - centerOf(character)) < 0.35 * glyphHeight_;
-        });
+                                 return std::abs(centerOf(other) - centerOf(character)) < 0.35 * glyphHeight_;
+                             });
         if (!covered && other.confidence >= (knows_(other.code) ? 0.85F : 0.5F)) joined_.push_back(other);
     }
 
@@ -125,8 +132,8 @@ private:
 // couldn't read ends the run.
 std::pair<Iterator, Iterator> nextLatinRun(Iterator from, Iterator end, double glyphHeight) {
     while (from != end) {
-        const Iterator first = std::find_if(from, end, isLatin);
-        Iterator last = first;
+        const auto first = std::find_if(from, end, isLatin);
+        auto last = first;
         while (last != end && isAscii(*last) &&
                (last == first || centerOf(*last) - centerOf(*std::prev(last)) < 1.5 * glyphHeight)) {
             ++last;
@@ -135,7 +142,8 @@ std::pair<Iterator, Iterator> nextLatinRun(Iterator from, Iterator end, double g
         const auto letters = std::count_if(first, last, [](const ReadCharacter& character) {
             return isAscii(character) && scriptOf(character.code) == Script::latin;
         });
-        if (letters >= 2 && std::count_if(first, last, isLatin) >= 3 && meanConfidence(first, last) >= 0.85) return {first, last};
+        if (letters >= 2 && std::count_if(first, last, isLatin) >= 3 && meanConfidence(first, last) >= 0.85)
+            return {first, last};
         from = last;
     }
     return {end, end};
@@ -165,15 +173,16 @@ double unexplainedInk(const Reading& reading, const LinePiece& piece) {
 Reading joinReadings(const Reading& network, const Reading& other, double glyphHeight,
                      const std::function<bool(char32_t)>& knows) {
     Joiner joiner(glyphHeight, knows);
-    Iterator i = network.begin();
-    Iterator j = other.begin();
+    auto i = network.begin();
+    auto j = other.begin();
     while (i != network.end()) {
         auto [first, last] = nextLatinRun(i, network.end(), glyphHeight);
         // Where a letter at the edge lies on a character that the network can't name, the letter is a part of that.
         const auto covering = [&](const ReadCharacter& letter) {
             return std::any_of(j, other.end(), [&](const ReadCharacter& character) {
                 const bool part = isPartOfMany(letter.code);
-                return !knows(character.code) && character.confidence > (part ? 0.85F : std::max(0.9F, letter.confidence)) &&
+                return !knows(character.code) &&
+                       character.confidence > (part ? 0.85F : std::max(0.9F, letter.confidence)) &&
                        covers(character, letter, part ? 0.25 * glyphHeight : 0);
             });
         };
@@ -183,10 +192,13 @@ Reading joinReadings(const Reading& network, const Reading& other, double glyphH
             if (last == network.end()) break;
             first = last = network.end();
         }
-        const double left = first == network.end() ? std::numeric_limits<double>::infinity() : centerOf(*first) - 0.3 * glyphHeight;
+        const double left =
+            first == network.end() ? std::numeric_limits<double>::infinity() : centerOf(*first) - 0.3 * glyphHeight;
         const double right = first == network.end() ? left : centerOf(*std::prev(last)) + 0.3 * glyphHeight;
-        const Iterator before = std::find_if(j, other.end(), [&](const ReadCharacter& character) { return centerOf(character) > left; });
-        const Iterator after = std::find_if(before, other.end(), [&](const ReadCharacter& character) { return centerOf(character) > right; });
+        const Iterator before =
+            std::find_if(j, other.end(), [&](const ReadCharacter& character) { return centerOf(character) > left; });
+        const auto after = std::find_if(before, other.end(),
+                                        [&](const ReadCharacter& character) { return centerOf(character) > right; });
         joiner.joinStretch(i, first, j, before);
         joiner.take(first, last);
         i = last;

@@ -26,9 +26,11 @@ std::vector<TextRow> rowsOf(const std::vector<cv::Rect>& boxes, Indices indices)
     for (const std::size_t index : indices) {
         // A box joins a row only if it stands beside every box that is there already.
         const auto fits = [&](const TextRow& row) {
-            return std::any_of(row.begin(), row.end(), [&](std::size_t other) { return onSameRow(boxes[index], boxes[other]); }) &&
+            return std::any_of(row.begin(), row.end(),
+                               [&](std::size_t other) { return onSameRow(boxes[index], boxes[other]); }) &&
                    std::none_of(row.begin(), row.end(), [&](std::size_t other) {
-                       const int shared = std::min(boxes[index].br().x, boxes[other].br().x) - std::max(boxes[index].x, boxes[other].x);
+                       const int shared = std::min(boxes[index].br().x, boxes[other].br().x) -
+                                          std::max(boxes[index].x, boxes[other].x);
                        return shared > std::min(boxes[index].width, boxes[other].width) / 2;
                    });
         };
@@ -107,7 +109,7 @@ std::optional<int> columnGutter(const std::vector<cv::Rect>& boxes, const std::v
 std::vector<TextRow> readingOrder(const std::vector<cv::Rect>& boxes) {
     Indices all(boxes.size());
     std::iota(all.begin(), all.end(), std::size_t{0});
-    const auto rows = rowsOf(boxes, all);
+    auto rows = rowsOf(boxes, all);
     const auto gutter = columnGutter(boxes, rows);
     if (!gutter) return rows;
     Indices left, right;

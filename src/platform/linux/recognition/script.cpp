@@ -73,7 +73,9 @@ bool isWide(char32_t character) {
     return script == Script::han || script == Script::kana || script == Script::hangul || script == Script::wideMark;
 }
 
-bool isTraditionalOnly(char32_t character) { return hanVariants().simplified.contains(character); }
+bool isTraditionalOnly(char32_t character) {
+    return hanVariants().simplified.contains(character);
+}
 
 bool isSimplifiedOnly(char32_t character) {
     return hanVariants().traditional.contains(character) && !hanVariants().simplified.contains(character);

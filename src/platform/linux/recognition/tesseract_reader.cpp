@@ -1,13 +1,12 @@
 #include "platform/linux/recognition/tesseract_reader.h"
 
-#include <omp.h>
-#include <tesseract/baseapi.h>
-#include <tesseract/resultiterator.h>
-
 #include <algorithm>
 #include <cmath>
 
+#include <omp.h>
 #include <opencv2/imgproc.hpp>
+#include <tesseract/baseapi.h>
+#include <tesseract/resultiterator.h>
 #include <unicode/unistr.h>
 
 #include "platform/linux/recognition/letter_shapes.h"
@@ -94,8 +93,8 @@ Reading TesseractReader::read(const LinePiece& piece, const std::string& languag
                 const double space = language == "kor" && symbol->IsAtBeginningOf(tesseract::RIL_WORD) ? 1 : 0;
                 for (int i = 0; i < characters.length(); i = characters.moveIndex32(i, 1)) {
                     reading.push_back({static_cast<char32_t>(characters.char32At(i)),
-                                       symbol->Confidence(tesseract::RIL_SYMBOL) / 100.0F,
-                                       (left - whiteBorder) / scale, (right - whiteBorder) / scale, i == 0 ? space : 0});
+                                       symbol->Confidence(tesseract::RIL_SYMBOL) / 100.0F, (left - whiteBorder) / scale,
+                                       (right - whiteBorder) / scale, i == 0 ? space : 0});
                 }
             } while (symbol->Next(tesseract::RIL_SYMBOL));
         }

@@ -11,8 +11,8 @@
 namespace ovrin {
 namespace {
 
-constexpr int strideOfNetwork = 32;   // its input sides are multiples of this
-constexpr int tileWidth = 1088;       // bounds the memory of one run
+constexpr int strideOfNetwork = 32;  // its input sides are multiples of this
+constexpr int tileWidth = 1088;      // bounds the memory of one run
 constexpr int tileHeight = 512;
 constexpr int leastTileHeight = 96;  // below, splitting for another core costs more than it gains
 constexpr int overlap = 24;          // text that touches the border of a tile or crop is not seen otherwise
@@ -21,7 +21,9 @@ constexpr float textThreshold = 0.3F;
 constexpr float minimumScore = 0.5F;
 constexpr double growth = 1.6;  // the network marks a shrunken core of each line
 
-int roundedUp(int value, int multiple) { return (value + multiple - 1) / multiple * multiple; }
+int roundedUp(int value, int multiple) {
+    return (value + multiple - 1) / multiple * multiple;
+}
 
 // The part of the picture outside of which neighbouring pixels hardly differ: there is no text there.
 cv::Rect activeArea(const cv::Mat& picture) {
@@ -29,9 +31,10 @@ cv::Rect activeArea(const cv::Mat& picture) {
     int left = picture.cols, right = 0, top = picture.rows, bottom = 0;
     cv::Mat contrast;
     for (int y = 0; y < picture.rows; ++y) {
-        cv::absdiff(picture(cv::Rect(1, y, picture.cols - 1, 1)), picture(cv::Rect(0, y, picture.cols - 1, 1)), contrast);
+        cv::absdiff(picture(cv::Rect(1, y, picture.cols - 1, 1)), picture(cv::Rect(0, y, picture.cols - 1, 1)),
+                    contrast);
         const auto* first = contrast.ptr<std::uint8_t>();
-        const auto* last = first + contrast.cols * contrast.channels();
+        const auto* last = first + static_cast<std::ptrdiff_t>(contrast.cols) * contrast.channels();
         const auto strong = [](std::uint8_t level) { return level >= leastContrast; };
         const auto* from = std::find_if(first, last, strong);
         if (from == last) continue;
@@ -97,10 +100,11 @@ TextDetector::TextDetector(const std::filesystem::path& modelFile) : network_(mo
 cv::Mat TextDetector::textProbability(const cv::Mat& picture, const cv::Rect& area, const std::stop_token& stop) const {
     const int columns = (area.width + tileWidth - 1) / tileWidth;
     const int wantedRows = columns > 1 ? 1 : static_cast<int>(recognitionThreads());
-    const int rows = std::max((area.height + tileHeight - 1) / tileHeight,
-                              std::clamp(area.height / leastTileHeight, 1, wantedRows));
+    const int rows =
+        std::max((area.height + tileHeight - 1) / tileHeight, std::clamp(area.height / leastTileHeight, 1, wantedRows));
     cv::Mat probability(area.size(), CV_32F, cv::Scalar(0));
-    parallelFor(static_cast<std::size_t>(rows * columns), recognitionThreads(), [&](std::size_t index) {
+    const auto count = static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns);
+    parallelFor(count, recognitionThreads(), [&](std::size_t index) {
         const int row = static_cast<int>(index) / columns;
         const int column = static_cast<int>(index) % columns;
         const cv::Rect tile(cv::Point(area.width * column / columns, area.height * row / rows),
@@ -137,7 +141,8 @@ std::vector<TextRegion> TextDetector::detect(const cv::Mat& picture, const std::
         const auto score = static_cast<float>(cv::mean(probability(core), mask(core))[0]);
         if (score < minimumScore) continue;
         const double grow = core.area() * growth / (2.0 * (core.width + core.height));
-        const cv::Point corner(static_cast<int>(std::floor(core.x - grow)), static_cast<int>(std::floor(core.y - grow)));
+        const cv::Point corner(static_cast<int>(std::floor(core.x - grow)),
+                               static_cast<int>(std::floor(core.y - grow)));
         const cv::Point opposite(static_cast<int>(std::ceil(core.br().x + grow)),
                                  static_cast<int>(std::ceil(core.br().y + grow)));
         regions.push_back({(cv::Rect(corner, opposite) + area.tl()) & cv::Rect({}, picture.size()), score});

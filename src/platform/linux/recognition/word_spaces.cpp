@@ -10,10 +10,14 @@
 namespace ovrin {
 namespace {
 
-double centerOf(const ReadCharacter& character) { return (character.left + character.right) / 2; }
+double centerOf(const ReadCharacter& character) {
+    return (character.left + character.right) / 2;
+}
 
 // Written without spaces between words.
-bool isEastAsian(char32_t character) { return isWide(character) && scriptOf(character) != Script::hangul; }
+bool isEastAsian(char32_t character) {
+    return isWide(character) && scriptOf(character) != Script::hangul;
+}
 
 std::vector<double> narrowDistances(const Reading& reading) {
     std::vector<double> distances;
@@ -42,11 +46,12 @@ std::optional<double> cellWidth(const Reading& reading, double em) {
     if (distances.size() < enough) return std::nullopt;
     std::optional<double> best;
     double bestError = largestError;
-    for (double cell = 0.42; cell < 0.8; cell += 0.01) {
-        const double error = gridError(distances, cell * em);
+    for (int hundredths = 42; hundredths < 80; ++hundredths) {
+        const double cell = hundredths / 100.0 * em;
+        const double error = gridError(distances, cell);
         if (error < bestError) {
             bestError = error;
-            best = cell * em;
+            best = cell;
         }
     }
     return best;
@@ -56,8 +61,6 @@ std::optional<double> cellWidth(const Reading& reading, double em) {
 // set syllables: the cut is where the gaps fall best into two groups.
 double koreanSpace(const std::vector<Reading>& readings, const std::vector<LinePiece>& pieces) {
     constexpr double usual = 0.235;
-    constexpr double narrowest = 0.17;
-    constexpr double widest = 0.34;
     constexpr std::size_t enough = 8;
     std::vector<double> gaps;
     for (std::size_t k = 0; k < readings.size(); ++k) {
@@ -72,7 +75,8 @@ double koreanSpace(const std::vector<Reading>& readings, const std::vector<LineP
     if (gaps.size() < enough) return usual;
     double best = usual;
     double bestSeparation = 0;
-    for (double cut = narrowest; cut <= widest; cut += 0.005) {
+    for (int thousandths = 170; thousandths <= 340; thousandths += 5) {
+        const double cut = thousandths / 1000.0;
         double below = 0, above = 0;
         double belowCount = 0, aboveCount = 0;
         for (const double gap : gaps) {
@@ -106,8 +110,8 @@ bool isSpace(const ReadCharacter& before, const ReadCharacter& after, double em,
         if (cell) return distance > 0.48 + *cell / em && gap > 0.3;
         // Stops and the like stand off from the character before them without any space.
         constexpr std::u32string_view stops = U",.:;!?·…";
-        const bool stop = stops.find(before.code) != std::u32string_view::npos ||
-                          stops.find(after.code) != std::u32string_view::npos;
+        const bool stop =
+            stops.find(before.code) != std::u32string_view::npos || stops.find(after.code) != std::u32string_view::npos;
         const bool mark = left == Script::mark || right == Script::mark;
         return gap + 0.1 * said > (stop ? 0.4 : mark ? 0.26 : 0.2);
     }
@@ -115,8 +119,7 @@ bool isSpace(const ReadCharacter& before, const ReadCharacter& after, double em,
     return gap + 0.25 * said > 0.3;
 }
 
-void placeSpaces(Reading& reading, const LinePiece& piece, std::optional<double> cell,
-                 double koreanGap) {
+void placeSpaces(Reading& reading, const LinePiece& piece, std::optional<double> cell, double koreanGap) {
     if (reading.empty()) return;
     reading.front().spaceBefore = 0;
     if (!piece.flatBackground) {
