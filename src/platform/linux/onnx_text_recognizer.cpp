@@ -33,18 +33,27 @@ bool isText(const Reading& reading) {
     return !reading.empty() && confidence >= (reading.size() <= 2 ? 0.65 : 0.5);
 }
 
-// Tesseract's names for those requested languages that the network can't read.
-std::vector<std::string> otherLanguages(const std::vector<std::string>& tags) {
-    const auto requested = [&](std::initializer_list<const char*> prefixes) {
+// Tesseract's languages for what was requested and the network can't read; those whose data is not there are left out.
+PieceReader::Languages otherLanguages(const std::vector<std::string>& tags, const TesseractReader& tesseract) {
+    const auto isRequested = [&](std::initializer_list<const char*> prefixes) {
         return std::any_of(tags.begin(), tags.end(), [&](const std::string& tag) {
             return std::any_of(prefixes.begin(), prefixes.end(),
                                [&](const char* prefix) { return tag.starts_with(prefix); });
         });
     };
-    std::vector<std::string> languages;
-    if (requested({"zh-Hant", "zh-TW", "zh-HK", "zh-MO"})) languages.emplace_back("chi_tra");
-    if (requested({"ja"})) languages.emplace_back("jpn");
-    if (requested({"ko"})) languages.emplace_back("kor");
+    PieceReader::Languages languages;
+    const auto add = [&](const char* name, std::initializer_list<const char*> prefixes) {
+        if (isRequested(prefixes) && tesseract.hasLanguage(name)) languages.otherScripts.emplace_back(name);
+    };
+    add("chi_tra", {"zh-Hant", "zh-TW", "zh-HK", "zh-MO"});
+    add("jpn", {"ja"});
+    add("kor", {"ko"});
+    // English texts hold words and names of its neighbours: one of them brings all.
+    for (const char* name : {"fra", "deu", "spa"}) {
+        if (!isRequested({"en", "fr", "de", "es"}) || !tesseract.hasLanguage(name)) continue;
+        if (!languages.markedLetters.empty()) languages.markedLetters += '+';
+        languages.markedLetters += name;
+    }
     return languages;
 }
 
@@ -162,9 +171,8 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
                 [&](std::size_t index) { pieces[index] = cutLinePiece(picture, regions[index].box); });
     std::erase_if(pieces, [](const LinePiece& piece) { return piece.runs.empty(); });
 
-    auto languages = otherLanguages(request.recognitionLanguages);
-    std::erase_if(languages, [&](const std::string& language) { return !models.tesseract->hasLanguage(language); });
-    const PieceReader reader(*models.lineRecognizer, *models.tesseract, std::move(languages));
+    const PieceReader reader(*models.lineRecognizer, *models.tesseract,
+                             otherLanguages(request.recognitionLanguages, *models.tesseract));
     const auto readings = reader.read(pieces, stop);
 
     std::vector<LinePiece> textPieces;

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/error.h"
+#include "platform/linux/recognition/diacritics.h"
 #include "platform/linux/recognition/parallel.h"
 #include "platform/linux/recognition/reading_choice.h"
 #include "platform/linux/recognition/script.h"
@@ -96,10 +97,11 @@ using ScoredReading = std::pair<Reading, double>;
 class Pass {
 public:
     Pass(const LineRecognizer& network, TesseractReader& tesseract, std::vector<std::string> languages,
-         const std::vector<LinePiece>& pieces, const std::stop_token& stop)
+         const std::string& markedLetterLanguages, const std::vector<LinePiece>& pieces, const std::stop_token& stop)
         : network_(network),
           tesseract_(tesseract),
           languages_(std::move(languages)),
+          markedLetterLanguages_(markedLetterLanguages),
           pieces_(pieces),
           stop_(stop),
           states_(pieces.size()) {}
@@ -113,6 +115,7 @@ public:
             const auto language = languageOf(probed);
             if (language) readDoubtful(*language);
         }
+        readDiacritics();
         return joined();
     }
 
@@ -212,6 +215,21 @@ private:
         });
     }
 
+    // Where one letter carries a mark that the network knows, others may carry marks that it doesn't.
+    void readDiacritics() {
+        const auto isMarked = [](const PieceState& state) { return hasMarkedLetter(state.network); };
+        if (markedLetterLanguages_.empty() || std::none_of(states_.begin(), states_.end(), isMarked)) return;
+        std::vector<std::size_t> latin;
+        for (std::size_t i = 0; i < states_.size(); ++i) {
+            if (states_[i].counts.latin > 1 && states_[i].otherLanguage.empty()) latin.push_back(i);
+        }
+        parallelFor(latin.size(), recognitionThreads(), [&](std::size_t position) {
+            const std::size_t index = latin[position];
+            if (stop_.stop_requested()) throw CancellationError();
+            adoptDiacritics(states_[index].network, tesseract_.read(pieces_[index], markedLetterLanguages_));
+        });
+    }
+
     ScoredReading readWithTesseract(std::size_t index, const std::string& language) {
         if (stop_.stop_requested()) throw CancellationError();
         Reading reading = tesseract_.read(pieces_[index], language);
@@ -244,6 +262,7 @@ private:
     const LineRecognizer& network_;
     TesseractReader& tesseract_;
     std::vector<std::string> languages_;
+    const std::string& markedLetterLanguages_;
     const std::vector<LinePiece>& pieces_;
     const std::stop_token& stop_;
     std::vector<PieceState> states_;
@@ -252,11 +271,11 @@ private:
 
 }  // namespace
 
-PieceReader::PieceReader(const LineRecognizer& network, TesseractReader& tesseract, std::vector<std::string> languages)
+PieceReader::PieceReader(const LineRecognizer& network, TesseractReader& tesseract, Languages languages)
     : network_(network), tesseract_(tesseract), languages_(std::move(languages)) {}
 
 std::vector<Reading> PieceReader::read(const std::vector<LinePiece>& pieces, const std::stop_token& stop) const {
-    return Pass(network_, tesseract_, languages_, pieces, stop).run();
+    return Pass(network_, tesseract_, languages_.otherScripts, languages_.markedLetters, pieces, stop).run();
 }
 
 }  // namespace ovrin

@@ -15,7 +15,13 @@ namespace ovrin {
 
 class PieceReader {
 public:
-    PieceReader(const LineRecognizer& network, TesseractReader& tesseract, std::vector<std::string> languages);
+    // By Tesseract's names.
+    struct Languages {
+        std::vector<std::string> otherScripts;  // tried where the network can't read
+        std::string markedLetters;              // "fra+deu": read together for letters such as ö; may be empty
+    };
+
+    PieceReader(const LineRecognizer& network, TesseractReader& tesseract, Languages languages);
 
     // One reading for each piece, in their order. The pieces must hold ink.
     std::vector<Reading> read(const std::vector<LinePiece>& pieces, const std::stop_token& stop) const;
@@ -23,7 +29,7 @@ public:
 private:
     const LineRecognizer& network_;
     TesseractReader& tesseract_;
-    std::vector<std::string> languages_;  // Tesseract's names
+    Languages languages_;
 };
 
 }  // namespace ovrin
