@@ -181,6 +181,7 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
         if (!isText(readings[i])) continue;
         textReadings.push_back(readings[i]);
         placeOnInk(textReadings.back(), pieces[i]);
+        restoreRepeatedMarks(textReadings.back(), pieces[i]);
         if (pieces[i].flatBackground) widenMarksByGaps(textReadings.back(), pieces[i].em);
         textPieces.push_back(std::move(pieces[i]));
     }

@@ -48,6 +48,18 @@ TEST(WordSpacesTest, WidePunctuationBringsItsOwnBlank) {
     EXPECT_EQ(spaced(U"第7页", {{0, 15}, {21, 28}, {34, 49}}, 15), "第 7 页");
 }
 
+TEST(GlyphPlacesTest, DashesThatTheNetworkMergedComeBack) {
+    const std::vector<ColumnRun> runs = {{0, 6}, {8, 12}, {16, 20}, {24, 28}, {32, 38}};
+    LinePiece piece = pieceOf(runs, 14);
+    for (const auto& run : runs) {
+        const bool dash = run.width() == 4;
+        piece.ink(cv::Rect(run.left, dash ? 8 : 2, run.width(), dash ? 2 : 14)) = 255;
+    }
+    Reading reading = {{U'x', 0.99F, 0, 6, 0}, {U'-', 0.99F, 8, 12, 0}, {U'x', 0.99F, 32, 38, 0}};
+    restoreRepeatedMarks(reading, piece);
+    EXPECT_EQ(textOf(reading), "x---x");
+}
+
 TEST(LetterShapesTest, NeighboursTellLettersOfOneShapeApart) {
     const auto corrected = [](std::u32string_view text) {
         Reading reading = readingOf(text, 0, 10);

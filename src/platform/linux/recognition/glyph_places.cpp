@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "platform/linux/recognition/script.h"
 
@@ -40,6 +41,21 @@ double widestGlyph(char32_t character) {
         default:
             return scriptOf(character) == Script::mark ? 0.9 : 0.95;
     }
+}
+
+// The rows that the ink of some columns covers.
+std::pair<int, int> inkRows(const LinePiece& piece, const ColumnRun& columns) {
+    constexpr int strong = 128;
+    int top = piece.ink.rows;
+    int bottom = 0;
+    for (int y = 0; y < piece.ink.rows; ++y) {
+        const auto* row = piece.ink.ptr<std::uint8_t>(y);
+        if (std::any_of(row + columns.left, row + columns.right, [](std::uint8_t level) { return level >= strong; })) {
+            top = std::min(top, y);
+            bottom = y + 1;
+        }
+    }
+    return {top, bottom};
 }
 
 }  // namespace
@@ -106,6 +122,38 @@ void placeOnInk(Reading& reading, const LinePiece& piece) {
         for (std::size_t k = 0; k < step.characters; ++k) {
             reading[i + k].left = span.left + static_cast<double>(k) * width;
             reading[i + k].right = reading[i + k].left + width;
+        }
+    }
+}
+
+void restoreRepeatedMarks(Reading& reading, const LinePiece& piece) {
+    if (!piece.flatBackground) return;
+    for (const auto& run : piece.runs) {
+        const auto next = std::find_if(reading.begin(), reading.end(),
+                                       [&](const ReadCharacter& character) { return character.right > run.left; });
+        const bool taken = next != reading.end() && next->left < run.right;
+        if (taken || run.width() > 0.8 * piece.em) continue;
+        // Like the mark beside it: as wide, as flat, and within a cell of it.
+        const auto isLike = [&](const ReadCharacter& mark) {
+            if (mark.code != U'-' && mark.code != U'.') return false;
+            const double apart = std::abs(centerOf(mark) - (run.left + run.right) / 2.0);
+            const int columns = std::max(1, static_cast<int>(std::lround(mark.right - mark.left)));
+            const int left = std::clamp(static_cast<int>(std::lround(mark.left)), 0, piece.ink.cols - columns);
+            return std::abs(columns - run.width()) <= 1 && apart < 0.8 * piece.em &&
+                   inkRows(piece, run) == inkRows(piece, {left, left + columns});
+        };
+        if (next != reading.begin() && isLike(*std::prev(next))) {
+            ReadCharacter mark = *std::prev(next);
+            mark.left = run.left;
+            mark.right = run.right;
+            mark.spaceBefore = 0;
+            reading.insert(next, mark);
+        } else if (next != reading.end() && isLike(*next)) {
+            ReadCharacter mark = *next;
+            mark.left = run.left;
+            mark.right = run.right;
+            next->spaceBefore = 0;
+            reading.insert(next, mark);
         }
     }
 }

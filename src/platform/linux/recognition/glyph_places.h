@@ -10,4 +10,8 @@ namespace ovrin {
 // ink evenly. Nothing changes where the piece's ink can't be relied on.
 void placeOnInk(Reading& reading, const LinePiece& piece);
 
+// Puts back dashes and dots that the network left out of a row of them: it takes equal neighbours for one. Characters
+// must be on their ink.
+void restoreRepeatedMarks(Reading& reading, const LinePiece& piece);
+
 }  // namespace ovrin

@@ -146,7 +146,7 @@ std::vector<ColumnRun> columnsOfLine(const cv::Mat& strokes, const cv::Rect& box
     const cv::Mat line = strokes.rowRange(rows.left, rows.right);
     auto runs = runsWhere(line.cols, [&](int x) { return cv::countNonZero(line.col(x)) > 0; });
     std::erase_if(runs, [&](const ColumnRun& run) { return isRuler(strokes, run, rows); });
-    const double reach = 0.4 * rows.width();
+    const double reach = std::max(0.4 * rows.width(), 0.25 * box.height);
     auto first = std::find_if(runs.begin(), runs.end(), [&](const ColumnRun& run) { return run.right > box.x; });
     auto last =
         std::find_if(runs.rbegin(), runs.rend(), [&](const ColumnRun& run) { return run.left < box.br().x; }).base();

@@ -195,7 +195,7 @@ Reading joinReadings(const Reading& network, const Reading& other, double glyphH
         const double left =
             first == network.end() ? std::numeric_limits<double>::infinity() : centerOf(*first) - 0.3 * glyphHeight;
         const double right = first == network.end() ? left : centerOf(*std::prev(last)) + 0.3 * glyphHeight;
-        const Iterator before =
+        const auto before =
             std::find_if(j, other.end(), [&](const ReadCharacter& character) { return centerOf(character) > left; });
         const auto after = std::find_if(before, other.end(),
                                         [&](const ReadCharacter& character) { return centerOf(character) > right; });
