@@ -21,8 +21,8 @@ struct RecognitionFiles {
 
 class OnnxTextRecognizer : public TextRecognizer {
 public:
-    // Loads nothing yet. Changes the process environment, to keep the inference runtime from reporting on the user: made
-    // before other threads read that.
+    // Loads nothing yet. Changes the process environment, to keep the inference runtime from reporting on the user:
+    // made before other threads read that.
     explicit OnnxTextRecognizer(RecognitionFiles files);
     ~OnnxTextRecognizer() override;
 

@@ -1,9 +1,9 @@
 #include "platform/linux/recognition/diacritics.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <string_view>
+
+#include <gtest/gtest.h>
 
 namespace ovrin {
 namespace {
