@@ -32,9 +32,10 @@ std::chrono::duration<double> Spring::settlingDuration() const {
                             ? dampingFraction * omega
                             : omega * (dampingFraction - std::sqrt(dampingFraction * dampingFraction - 1));
     const double step = response / 64;
+    const int steps = static_cast<int>(std::ceil(16 / rate / step));
     double settled = 0;
-    for (double t = 0; t < 16 / rate; t += step) {
-        if (std::abs(1 - valueAt(std::chrono::duration<double>(t))) > settledWithin) settled = t + step;
+    for (int i = 0; i < steps; ++i) {
+        if (std::abs(1 - valueAt(std::chrono::duration<double>(i * step))) > settledWithin) settled = (i + 1) * step;
     }
     return std::chrono::duration<double>(settled);
 }

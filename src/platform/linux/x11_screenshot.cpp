@@ -171,11 +171,12 @@ Image X11Screenshot::take(const PixelRect& rectangle) {
     if (visible.width > 0 && visible.height > 0) {
         connection_->withPixels(visible, [&](std::span<const std::uint8_t> source) {
             const auto sourceRowBytes = static_cast<std::size_t>(visible.width) * 4;
-            for (int row = 0; row < visible.height; ++row) {
-                const auto targetRow = static_cast<std::size_t>(visible.y - rectangle.y + row);
-                const auto targetOffset = targetRow * rowBytes + static_cast<std::size_t>(visible.x - rectangle.x) * 4;
-                copyOpaque(source.subspan(static_cast<std::size_t>(row) * sourceRowBytes, sourceRowBytes),
-                           pixels.data() + targetOffset, static_cast<std::size_t>(visible.width));
+            const auto firstRow = static_cast<std::size_t>(visible.y - rectangle.y);
+            const auto firstByte = static_cast<std::size_t>(visible.x - rectangle.x) * 4;
+            for (std::size_t row = 0; row < static_cast<std::size_t>(visible.height); ++row) {
+                copyOpaque(source.subspan(row * sourceRowBytes, sourceRowBytes),
+                           pixels.data() + (firstRow + row) * rowBytes + firstByte,
+                           static_cast<std::size_t>(visible.width));
             }
         });
     }
