@@ -1,0 +1,143 @@
+// The result panel without its window: the source text, its streamed translation, and the conversation about it.
+//
+// Main thread. One running task serves translation, first answer and follow-ups; destroying the model ends it. Views
+// hear of every change through the published fields.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/event_loop.h"
+#include "base/image.h"
+#include "base/published.h"
+#include "base/running_task.h"
+#include "base/task.h"
+#include "base/uuid.h"
+#include "language/ai_action.h"
+#include "language/ai_service.h"
+#include "language/conversation_messages.h"
+#include "language/conversation_prompts.h"
+#include "language/translation_service.h"
+#include "platform/speech_synthesizer.h"
+#include "recognition/ocr_result.h"
+#include "windows/result_presenter.h"
+
+namespace ovrin {
+
+class ClipboardService;
+class HistoryStore;
+class ToastPresenter;
+
+// One further question of the conversation and its answer, which grows while it streams.
+struct FollowUpMessage {
+    Uuid id;
+    std::string question;
+    std::string answer;
+    bool isStreaming = false;
+
+    bool operator==(const FollowUpMessage&) const = default;
+};
+
+class ResultPanelViewModel final : public TranslatablePanel {
+public:
+    // What the model works with; the references outlive it.
+    struct Services {
+        EventLoop& loop;
+        TranslationService translation;
+        AIService ai;
+        const ConversationPrompts& prompts;
+        HistoryStore& history;
+        ClipboardService& clipboard;
+        ToastPresenter& toasts;
+        std::function<std::unique_ptr<SpeechSynthesizer>()> makeSpeech;  // called when something is first read aloud
+    };
+
+    struct Content {
+        std::string originalText;
+        std::string translation;             // may be empty
+        std::optional<OCRResult> ocrResult;  // when the panel comes from a capture
+        std::optional<Image> sourceImage;    // the captured picture
+        std::string targetLanguageSetting;   // the default target as it is stored
+    };
+
+    ResultPanelViewModel(Content content, Services services);
+    ResultPanelViewModel(const ResultPanelViewModel&) = delete;
+    ResultPanelViewModel& operator=(const ResultPanelViewModel&) = delete;
+    ~ResultPanelViewModel() override;
+
+    const Published<std::string>& originalText() const { return originalText_; }
+    const Published<std::string>& translation() const { return translation_; }
+    const Published<bool>& isTranslating() const { return isTranslating_; }
+    const Published<std::optional<std::string>>& errorMessage() const { return errorMessage_; }
+    const Published<std::optional<AIAction>>& selectedAIAction() const { return selectedAIAction_; }
+    const Published<std::string>& initialQuestion() const { return initialQuestion_; }
+    const Published<std::string>& aiOutput() const { return aiOutput_; }
+    const Published<bool>& isAIStreaming() const { return isAIStreaming_; }
+    const Published<std::string>& followUpPrompt() const { return followUpPrompt_; }
+    const Published<std::vector<FollowUpMessage>>& followUps() const { return followUps_; }
+    const Published<bool>& showsImageOverlay() const { return showsImageOverlay_; }
+
+    const std::optional<OCRResult>& ocrResult() const { return ocrResult_; }
+    const std::optional<Image>& sourceImage() const { return sourceImage_; }
+    const std::optional<std::string>& sourceLanguage() const { return sourceLanguage_; }
+    const std::string& targetLanguage() const { return targetLanguage_; }  // after the automatic switch
+    const std::string& replyLanguage() const { return replyLanguage_; }
+
+    bool hasConversation() const;
+    bool isFollowUpStreaming() const;
+    bool canSubmitPrompt() const;
+    bool canShowOverlay() const;
+    const std::string& primaryText() const;  // the translation when there is one, else the original
+    std::string conversationTranscript() const;
+
+    void setFollowUpPrompt(std::string prompt) { followUpPrompt_.set(std::move(prompt)); }
+    void setShowsImageOverlay(bool shows) { showsImageOverlay_.set(shows); }
+
+    void translate() override;
+    void cancel();  // ends what streams; the texts stay
+
+    // Asks the first question, or one more when the first has its answer. Nothing while an answer streams.
+    void submit(std::string question, AIAction action);
+    void askFollowUp(std::optional<std::string> question);  // none: the text of the composer
+    void closeAIConversation();
+
+    void copyPrimaryText();
+    void speakPrimaryText();
+
+private:
+    void startConversation(std::string question, AIAction action);
+    Task<void> consumeTranslation();
+    Task<void> consumeFirstAnswer(std::vector<DeepSeek::Message> messages);
+    Task<void> consumeFollowUp(Uuid id, std::vector<DeepSeek::Message> messages);
+    OCRConversation conversation() const;
+    void endStreaming();
+
+    Services services_;
+    Published<std::string> originalText_;
+    Published<std::string> translation_;
+    Published<bool> isTranslating_;
+    Published<std::optional<std::string>> errorMessage_;
+    Published<std::optional<AIAction>> selectedAIAction_;
+    Published<std::string> initialQuestion_;
+    Published<std::string> aiOutput_;
+    Published<bool> isAIStreaming_;
+    Published<std::string> followUpPrompt_;
+    Published<std::vector<FollowUpMessage>> followUps_;
+    Published<bool> showsImageOverlay_;
+    std::optional<OCRResult> ocrResult_;
+    std::optional<Image> sourceImage_;
+    std::optional<std::string> sourceLanguage_;
+    std::string targetLanguage_;
+    std::string replyLanguage_;
+    std::unique_ptr<SpeechSynthesizer> speech_;
+    std::string aiInput_;
+    TaskSlot activeTask_;  // the last member: it ends before what it uses
+};
+
+// What the source-language label says: the name from the offered languages, else the English one, else the tag.
+std::string displayLanguageName(std::string_view tag);
+
+}  // namespace ovrin
