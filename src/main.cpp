@@ -21,6 +21,7 @@
 #include "cli/answer_commands.h"
 #include "cli/arguments.h"
 #include "cli/config_command.h"
+#include "cli/do_command.h"
 #include "cli/history_command.h"
 #include "cli/interruption.h"
 #include "cli/recognize_command.h"
@@ -34,6 +35,7 @@
 #include "platform/linux/language_identifier.h"
 #include "platform/linux/onnx_text_recognizer.h"
 #include "platform/linux/secret_service.h"
+#include "platform/linux/session_bus_assistant.h"
 #include "platform/linux/url_session_http_client.h"
 #include "recognition/vision_ocr_engine.h"
 #include "storage/app_config.h"
@@ -62,7 +64,7 @@ std::unique_ptr<HistoryStore> openHistory() {
 
 LinuxKeychain openKeychain() {
     const Environment environment = Environment::ofProcess();
-    return {SecretService(SecretService::sessionBus(environment), {}), keychainFile(environment)};
+    return {SecretService(sessionBus(environment), {}), keychainFile(environment)};
 }
 
 // The preferences and the secrets.
@@ -156,6 +158,11 @@ public:
             return cli::ask(command, service, prompts, settings.config.targetLanguage(),
                             {.terminal = terminal_, .loop = loop, .stop = interruption.token()});
         });
+    }
+
+    int operator()(const cli::Do& command) {
+        SessionBusAssistant assistant;
+        return cli::performInAssistant(command, assistant);
     }
 
     int operator()(const cli::ConfigGet& command) {

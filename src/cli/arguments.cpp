@@ -5,6 +5,8 @@
 #include <map>
 #include <utility>
 
+#include "app/remote_command.h"
+
 namespace ovrin::cli {
 
 namespace {
@@ -80,9 +82,10 @@ private:
     Words words_;
 };
 
-std::string joined(const Words& words) {
+template <typename Word>
+std::string joined(const std::vector<Word>& words) {
     std::string text;
-    for (const std::string& word : words) {
+    for (const Word& word : words) {
         if (!text.empty()) text += ' ';
         text += word;
     }
@@ -137,6 +140,15 @@ Invocation parseAsk(CommandWords words) {
     command.delivery = takeDelivery(words);
     command.question = joinedIfAny(words.takeOperands());
     return command;
+}
+
+Invocation parseDo(CommandWords commandWords) {
+    const Words words = commandWords.takeOperands();
+    if (words.size() != 1) throw UsageError("do: ACTION expected, one of " + joined(remoteCommandNames()));
+    if (!remoteCommand(words[0])) {
+        throw UsageError("do: unknown action " + words[0] + "; there is " + joined(remoteCommandNames()));
+    }
+    return Do{.action = words[0]};
 }
 
 Invocation parseConfigGet(CommandWords commandWords) {
@@ -197,7 +209,11 @@ Invocation parseArguments(std::vector<std::string> words) {
     if (command == "--version") return ShowVersion{};
 
     static const Parsers parsers{
-        {"recognize", parseRecognize}, {"history", parseHistory}, {"translate", parseTranslate}, {"ask", parseAsk},
+        {"recognize", parseRecognize},
+        {"history", parseHistory},
+        {"translate", parseTranslate},
+        {"ask", parseAsk},
+        {"do", parseDo},
         {"config", parseConfig},
     };
     const auto parser = parsers.find(command);
@@ -212,10 +228,12 @@ std::string helpText() {
     return R"(Ovrin reads the text on the screen, and translates and explains it.
 
 Usage:
+  ovrin                                        start the assistant, or bring the running one forward
   ovrin recognize IMAGE... [--json] [--save]   print the text of pictures; "-" is standard input
   ovrin translate [--to TAG] [TEXT]            translate TEXT, or standard input, as the answer streams in
   ovrin ask [QUESTION]                         ask a question, or standard input
   ovrin history [QUERY] [--json]               past results, newest first
+  ovrin do ACTION                              have the running assistant do something (see below)
   ovrin config get [KEY]                       show preferences
   ovrin config set KEY VALUE                   change a preference
   ovrin config unset KEY                       go back to its default
@@ -227,6 +245,10 @@ Options:
   --save       keep the recognised text in the history
   --to TAG     target language, such as zh-Hans, en or ja
   --no-stream  print the answer of translate or ask when it is complete
+
+Actions of do: capture-ocr, capture-translate, what-is-this, direct-ai, input-translate, selection, silent-selection,
+replace-selection, silent-capture-ocr, clipboard-ocr, clipboard-translate, latest, command-palette, history, settings,
+quit.
 
 Pictures may be PNG, JPEG, WebP, BMP, GIF or TIFF.
 The model service comes from the preferences, or from OVRIN_BASE_URL, OVRIN_API_KEY and OVRIN_API_STANDARD.

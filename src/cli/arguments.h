@@ -45,6 +45,10 @@ struct Ask {
     AnswerDelivery delivery = AnswerDelivery::pieces;
 };
 
+struct Do {
+    std::string action;  // a name of app/remote_command.h
+};
+
 struct ConfigGet {
     std::optional<std::string> key;  // none: all that are set
 };
@@ -58,7 +62,7 @@ struct ConfigUnset {
 struct ConfigSetKey {};
 struct ConfigUnsetKey {};
 
-using Invocation = std::variant<ShowHelp, ShowVersion, StartAssistant, Recognize, ListHistory, Translate, Ask,
+using Invocation = std::variant<ShowHelp, ShowVersion, StartAssistant, Recognize, ListHistory, Translate, Ask, Do,
                                 ConfigGet, ConfigSet, ConfigUnset, ConfigSetKey, ConfigUnsetKey>;
 
 // words: the arguments without the program's name. "--" ends the options of a command. Throws UsageError.

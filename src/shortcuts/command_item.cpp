@@ -12,7 +12,6 @@ namespace ovrin {
 namespace {
 
 struct Definition {
-    std::string_view id;
     std::string_view title;
     std::string_view subtitle;
     std::string_view symbolName;
@@ -20,22 +19,18 @@ struct Definition {
 };
 
 constexpr auto definitions = std::to_array<Definition>({
-    {"capture-ocr", "截图 OCR", "框选屏幕区域并识别文字", "viewfinder", OvShortcut::captureOCR},
-    {"capture-translate", "截图翻译", "识别并立即流式翻译", "rectangle.and.text.magnifyingglass",
-     OvShortcut::captureTranslate},
-    {"what-is-this", "截图问 AI", "框选屏幕内容并与 AI 对话", "questionmark.bubble", OvShortcut::askWhatIsThis},
-    {"direct-ai", "TalkBox", "直接打开 AI 对话框", "sparkles", OvShortcut::directAskAI},
-    {"input-translate", "输入翻译", "打开双栏快速翻译窗口", "character.cursor.ibeam", OvShortcut::inputTranslate},
-    {"selection", "划词翻译", "翻译其他应用中选中的文字", "selection.pin.in.out", OvShortcut::selectionTranslate},
-    {"silent-selection", "静默划词翻译", "在鼠标旁显示轻量译文卡片", "rectangle.on.rectangle",
-     OvShortcut::silentSelectionTranslate},
-    {"replace-selection", "替换为译文", "在当前输入框中原地替换", "arrow.triangle.2.circlepath",
-     OvShortcut::silentInputTranslate},
-    {"silent-capture-ocr", "静默截图 OCR", "识别后直接复制并发送通知", "viewfinder", OvShortcut::silentCaptureOCR},
-    {"clipboard-ocr", "剪贴板 OCR", "识别剪贴板中的图片", "doc.on.clipboard", OvShortcut::clipboardOCR},
-    {"clipboard-translate", "剪贴板翻译", "翻译剪贴板文本或图片", "character.book.closed",
-     OvShortcut::clipboardTranslate},
-    {"latest", "显示上次结果", "重新打开最近的结果面板", "clock.arrow.circlepath", OvShortcut::showResultWindow},
+    {"截图 OCR", "框选屏幕区域并识别文字", "viewfinder", OvShortcut::captureOCR},
+    {"截图翻译", "识别并立即流式翻译", "rectangle.and.text.magnifyingglass", OvShortcut::captureTranslate},
+    {"截图问 AI", "框选屏幕内容并与 AI 对话", "questionmark.bubble", OvShortcut::askWhatIsThis},
+    {"TalkBox", "直接打开 AI 对话框", "sparkles", OvShortcut::directAskAI},
+    {"输入翻译", "打开双栏快速翻译窗口", "character.cursor.ibeam", OvShortcut::inputTranslate},
+    {"划词翻译", "翻译其他应用中选中的文字", "selection.pin.in.out", OvShortcut::selectionTranslate},
+    {"静默划词翻译", "在鼠标旁显示轻量译文卡片", "rectangle.on.rectangle", OvShortcut::silentSelectionTranslate},
+    {"替换为译文", "在当前输入框中原地替换", "arrow.triangle.2.circlepath", OvShortcut::silentInputTranslate},
+    {"静默截图 OCR", "识别后直接复制并发送通知", "viewfinder", OvShortcut::silentCaptureOCR},
+    {"剪贴板 OCR", "识别剪贴板中的图片", "doc.on.clipboard", OvShortcut::clipboardOCR},
+    {"剪贴板翻译", "翻译剪贴板文本或图片", "character.book.closed", OvShortcut::clipboardTranslate},
+    {"显示上次结果", "重新打开最近的结果面板", "clock.arrow.circlepath", OvShortcut::showResultWindow},
 });
 
 }  // namespace
@@ -46,7 +41,7 @@ std::vector<CommandItem> CommandItem::defaultItems(AssistantActions& actions,
     std::transform(definitions.begin(), definitions.end(), std::back_inserter(items),
                    [&](const Definition& definition) {
                        return CommandItem{
-                           .id = std::string(definition.id),
+                           .id = std::string(commandName(definition.shortcut)),
                            .title = std::string(definition.title),
                            .subtitle = std::string(definition.subtitle),
                            .symbolName = std::string(definition.symbolName),

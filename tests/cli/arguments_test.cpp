@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "app/remote_command.h"
+
 namespace ovrin::cli {
 namespace {
 
@@ -43,6 +45,7 @@ TEST(Arguments, EachCommandWithItsOptionsInAnyPlace) {
     EXPECT_EQ(parsed<Ask>({"ask", "--no-stream", "why", "so?"}).question, "why so?");
     EXPECT_EQ(parsed<Ask>({"ask", "--no-stream"}).delivery, AnswerDelivery::whole);
     EXPECT_EQ(parsed<ListHistory>({"history", "two", "words"}).query, "two words");
+    EXPECT_EQ(parsed<Do>({"do", "silent-capture-ocr"}).action, "silent-capture-ocr");
     EXPECT_EQ(parsed<ConfigGet>({"config", "get"}).key, std::nullopt);
     EXPECT_EQ(parsed<ConfigUnset>({"config", "unset", "a"}).key, "a");
 }
@@ -68,6 +71,14 @@ TEST(Arguments, MistakesAreNamed) {
     EXPECT_EQ(usageError({"config", "list"}), "config: unknown action list");
     EXPECT_EQ(usageError({"config", "set", "key"}), "config set: KEY and VALUE expected");
     EXPECT_EQ(usageError({"config", "get", "a", "b"}), "config get: unexpected argument b");
+}
+
+TEST(Arguments, EveryActionOfDoIsNamedInItsHelpAndInItsErrors) {
+    EXPECT_THAT(usageError({"do"}), HasSubstr("ACTION expected"));
+    for (const std::string_view name : remoteCommandNames()) {
+        EXPECT_THAT(helpText(), HasSubstr(std::string(name)));
+        EXPECT_THAT(usageError({"do", "nothing"}), HasSubstr(std::string(name)));
+    }
 }
 
 TEST(Arguments, KeyThatIsGivenAsAnArgumentIsNotRepeated) {

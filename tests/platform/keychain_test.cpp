@@ -206,9 +206,9 @@ TEST(SessionBusTest, IsFoundInTheEnvironment) {
     const TemporaryDirectory runtime;
     using Variables = Environment::Variables;
     const Environment withoutSocket(Variables{{"XDG_RUNTIME_DIR", runtime.path()}});
-    EXPECT_EQ(SecretService::sessionBus(Environment()), SessionBus::none);
-    EXPECT_EQ(SecretService::sessionBus(withoutSocket), SessionBus::none);
-    EXPECT_EQ(SecretService::sessionBus(Environment(Variables{{"DBUS_SESSION_BUS_ADDRESS", "unix:x"}})),
+    EXPECT_EQ(sessionBus(Environment()), SessionBus::none);
+    EXPECT_EQ(sessionBus(withoutSocket), SessionBus::none);
+    EXPECT_EQ(sessionBus(Environment(Variables{{"DBUS_SESSION_BUS_ADDRESS", "unix:x"}})),
               SessionBus::ofProcess);
 }
 

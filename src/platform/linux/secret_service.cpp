@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <condition_variable>
 #include <exception>
-#include <filesystem>
 #include <memory>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -336,15 +334,6 @@ private:
     Object<GDBusConnection> connection_;
     Object<::SecretService> service_;
 };
-
-SessionBus SecretService::sessionBus(const Environment& environment) {
-    if (environment.value("DBUS_SESSION_BUS_ADDRESS")) return SessionBus::ofProcess;
-    const auto directory = environment.value("XDG_RUNTIME_DIR");
-    if (!directory) return SessionBus::none;
-    std::error_code error;
-    const bool isThere = std::filesystem::is_socket(std::filesystem::path(*directory) / "bus", error);
-    return isThere ? SessionBus::ofProcess : SessionBus::none;
-}
 
 SecretService::SecretService(SessionBus bus, Patience patience) : bus_(bus), patience_(patience) {}
 

@@ -11,12 +11,10 @@
 #include <string>
 #include <string_view>
 
-#include "base/environment.h"
 #include "platform/keychain.h"
+#include "platform/linux/session_bus.h"
 
 namespace ovrin {
-
-enum class SessionBus { none, ofProcess };
 
 class SecretService {
 public:
@@ -24,9 +22,6 @@ public:
         std::chrono::milliseconds service{10'000};  // for the service to start and answer
         std::chrono::milliseconds user{60'000};     // for a password to be typed
     };
-
-    // Whether the process has a session bus. Where it has none the library would start one of its own.
-    static SessionBus sessionBus(const Environment& environment);
 
     SecretService(SessionBus bus, Patience patience);
 

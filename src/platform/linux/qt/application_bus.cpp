@@ -1,0 +1,94 @@
+#include "platform/linux/qt/application_bus.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QTimer>
+#include <chrono>
+#include <utility>
+
+#include "base/environment.h"
+#include "platform/linux/application_name.h"
+#include "platform/linux/session_bus.h"
+
+namespace ovrin {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::chrono::milliseconds patience = 2s;
+
+constexpr const char* introspection =
+    "<interface name=\"org.freedesktop.Application\">"
+    "<method name=\"Activate\"><arg type=\"a{sv}\" direction=\"in\"/></method>"
+    "<method name=\"Open\"><arg type=\"as\" direction=\"in\"/><arg type=\"a{sv}\" direction=\"in\"/></method>"
+    "<method name=\"ActivateAction\"><arg type=\"s\" direction=\"in\"/><arg type=\"av\" direction=\"in\"/>"
+    "<arg type=\"a{sv}\" direction=\"in\"/></method>"
+    "</interface>";
+
+QDBusMessage activation() {
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(applicationId, applicationObjectPath, applicationInterface, "Activate");
+    message << QVariantMap();
+    return message;
+}
+
+}  // namespace
+
+class ApplicationBus::Receiver final : public QDBusVirtualObject {
+public:
+    explicit Receiver(Events events) : events_(std::move(events)) {}
+
+    QString introspect(const QString& /*path*/) const override { return introspection; }
+
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        if (message.interface() != QLatin1String(applicationInterface)) return false;
+        if (message.member() == QLatin1String("Activate") || message.member() == QLatin1String("Open")) {
+            // The answer first: what the event does may end the program.
+            connection.send(message.createReply());
+            QTimer::singleShot(0, this, [this] { events_.reopen(); });
+            return true;
+        }
+        if (message.member() != QLatin1String("ActivateAction") || message.arguments().isEmpty()) return false;
+        const std::string name = message.arguments().first().toString().toStdString();
+        if (!events_.perform(name)) {
+            connection.send(message.createErrorReply(QDBusError::InvalidArgs, "no such action"));
+            return true;
+        }
+        connection.send(message.createReply());
+        return true;
+    }
+
+private:
+    Events events_;
+};
+
+ApplicationBus::ApplicationBus() = default;
+
+ApplicationBus::~ApplicationBus() {
+    if (!receiver_) return;
+    QDBusConnection::sessionBus().unregisterService(applicationId);
+    QDBusConnection::sessionBus().unregisterObject(applicationObjectPath);
+}
+
+ApplicationBus::Place ApplicationBus::claim(Events events) {
+    if (sessionBus(Environment::ofProcess()) == SessionBus::none) return Place::noBus;
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) return Place::noBus;
+    auto receiver = std::make_unique<Receiver>(std::move(events));
+    // The object before the name: who finds the name finds the object.
+    bus.registerVirtualObject(applicationObjectPath, receiver.get());
+    const auto request = bus.interface()->registerService(applicationId, QDBusConnectionInterface::DontQueueService);
+    if (!request.isValid()) return Place::noBus;
+    if (request.value() != QDBusConnectionInterface::ServiceRegistered) {
+        bus.unregisterObject(applicationObjectPath);
+        bus.call(activation(), QDBus::Block, static_cast<int>(patience.count()));
+        return Place::taken;
+    }
+    receiver_ = std::move(receiver);
+    return Place::ours;
+}
+
+}  // namespace ovrin

@@ -1,0 +1,15 @@
+// Whether the process has a session bus.
+#pragma once
+
+#include <cstdint>
+
+#include "base/environment.h"
+
+namespace ovrin {
+
+enum class SessionBus : std::uint8_t { none, ofProcess };
+
+// Asked before any library is: where there is none, those would start one of their own.
+SessionBus sessionBus(const Environment& environment);
+
+}  // namespace ovrin

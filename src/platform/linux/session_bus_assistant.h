@@ -1,0 +1,21 @@
+// Reaches the running assistant over the session bus. Starts none.
+#pragma once
+
+#include <chrono>
+
+#include "platform/running_assistant.h"
+
+namespace ovrin {
+
+class SessionBusAssistant final : public RunningAssistant {
+public:
+    // patience: how long the assistant may take to answer.
+    explicit SessionBusAssistant(std::chrono::milliseconds patience = std::chrono::seconds(5)) : patience_(patience) {}
+
+    Reply perform(const std::string& commandName) override;
+
+private:
+    std::chrono::milliseconds patience_;
+};
+
+}  // namespace ovrin
