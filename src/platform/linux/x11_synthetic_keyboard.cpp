@@ -1,0 +1,105 @@
+#include "platform/linux/x11_synthetic_keyboard.h"
+
+#include <algorithm>
+#include <optional>
+#include <span>
+
+#include <xcb/xtest.h>
+
+#include "platform/linux/x11_keyboard.h"
+#include "platform/linux/xcb_xkb.h"
+
+namespace ovrin {
+
+using KeyboardShortcuts::Key;
+
+namespace {
+
+// Programs go by the character that a key types, so on a layout that has moved the letter its key moves too. Where the
+// layout types no such letter (Cyrillic), programs take the key at the letter's usual place.
+std::optional<xcb_keycode_t> keyCodeOf(const X11Keyboard& keyboard, std::uint32_t group, const char* letter,
+                                       Key place) {
+    constexpr int keyCount = 128;  // of the storage format
+    std::vector<xcb_keycode_t> keyCodes;
+    for (int code = 0; code < keyCount && keyCodes.empty(); ++code) {
+        if (keyboard.character(Key{code}, group) == letter) keyCodes = keyboard.keyCodes(Key{code});
+    }
+    if (keyCodes.empty()) keyCodes = keyboard.keyCodes(place);
+    if (keyCodes.empty()) return std::nullopt;
+    return keyCodes.front();
+}
+
+}  // namespace
+
+X11SyntheticKeyboard::X11SyntheticKeyboard(const char* display) : connection_(connectToX11(display)) {
+    followX11Keyboard(connection_.get());
+}
+
+bool X11SyntheticKeyboard::isTrusted() {
+    const auto* const extension = xcb_get_extension_data(connection_.get(), &xcb_test_id);
+    if (extension == nullptr || extension->present == 0) return false;
+    const X11Reply<xcb_test_get_version_reply_t> version(xcb_test_get_version_reply(
+        connection_.get(), xcb_test_get_version(connection_.get(), XCB_TEST_MAJOR_VERSION, XCB_TEST_MINOR_VERSION),
+        nullptr));
+    return version != nullptr;
+}
+
+void X11SyntheticKeyboard::copy() {
+    pressWithControl("c", Key::c);
+}
+
+void X11SyntheticKeyboard::paste() {
+    pressWithControl("v", Key::v);
+}
+
+void X11SyntheticKeyboard::pressWithControl(const char* letter, Key place) {
+    xcb_connection_t* const connection = connection_.get();
+    // Changes of the keyboard are not followed but looked at now; what was told of them is dropped.
+    while (X11Event(xcb_poll_for_event(connection))) {
+    }
+    const std::optional<X11Keyboard> keyboard = X11Keyboard::read(connection);
+    const X11Reply<xcb_xkb_get_state_reply_t> state(
+        xcb_xkb_get_state_reply(connection, xcb_xkb_get_state(connection, XCB_XKB_ID_USE_CORE_KBD), nullptr));
+    const xcb_keycode_t control = controlKey();
+    if (!keyboard || !state || control == 0) return;
+    const std::optional<xcb_keycode_t> key = keyCodeOf(*keyboard, state->group, letter, place);
+    if (!key) return;
+
+    for (const xcb_keycode_t held : heldKeys()) fake(XCB_KEY_RELEASE, held);
+    fake(XCB_KEY_PRESS, control);
+    fake(XCB_KEY_PRESS, *key);
+    fake(XCB_KEY_RELEASE, *key);
+    fake(XCB_KEY_RELEASE, control);
+    // An answer comes after all of that.
+    X11Reply<xcb_get_input_focus_reply_t>(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+}
+
+std::vector<xcb_keycode_t> X11SyntheticKeyboard::heldKeys() {
+    std::vector<xcb_keycode_t> held;
+    const X11Reply<xcb_query_keymap_reply_t> reply(
+        xcb_query_keymap_reply(connection_.get(), xcb_query_keymap(connection_.get()), nullptr));
+    if (!reply) return held;
+    for (unsigned keyCode = 0; keyCode < 256; ++keyCode) {
+        const unsigned byte = std::span(reply->keys)[keyCode / 8];
+        if ((byte >> keyCode % 8 & 1U) != 0) held.push_back(static_cast<xcb_keycode_t>(keyCode));
+    }
+    return held;
+}
+
+// The first key that is a Control key.
+xcb_keycode_t X11SyntheticKeyboard::controlKey() {
+    const X11Reply<xcb_get_modifier_mapping_reply_t> mapping(
+        xcb_get_modifier_mapping_reply(connection_.get(), xcb_get_modifier_mapping(connection_.get()), nullptr));
+    if (!mapping) return 0;
+    const std::size_t count = mapping->keycodes_per_modifier;
+    const std::span keyCodes(xcb_get_modifier_mapping_keycodes(mapping.get()) + XCB_MAP_INDEX_CONTROL * count, count);
+    const auto key = std::ranges::find_if(keyCodes, [](xcb_keycode_t keyCode) { return keyCode != 0; });
+    return key != keyCodes.end() ? *key : xcb_keycode_t{0};
+}
+
+void X11SyntheticKeyboard::fake(std::uint8_t event, xcb_keycode_t keyCode) {
+    xcb_test_fake_input(connection_.get(), event, keyCode, XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
+}
+
+}  // namespace ovrin

@@ -1,0 +1,38 @@
+// Presses Control+C and Control+V in the program in front, through the server's XTEST extension.
+//
+// Keys that the user still holds from a shortcut would turn them into other combinations, and a key that holds a grab
+// would keep them for its owner: all of them are released first. They are not pressed again: a key whose release came
+// in between would be stuck.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "platform/linux/x11_connection.h"
+#include "platform/shortcut.h"
+
+namespace ovrin {
+
+class X11SyntheticKeyboard {
+public:
+    // display: such as ":0"; null for the one the environment names. Throws Error when no server answers there.
+    explicit X11SyntheticKeyboard(const char* display);
+
+    // Whether the server lets programs press keys. It can't be asked to.
+    bool isTrusted();
+    bool requestTrust() { return isTrusted(); }
+
+    // Return when the server has delivered the keys; do nothing when it can't.
+    void copy();
+    void paste();
+
+private:
+    void pressWithControl(const char* letter, KeyboardShortcuts::Key place);
+    std::vector<xcb_keycode_t> heldKeys();
+    xcb_keycode_t controlKey();
+    void fake(std::uint8_t event, xcb_keycode_t keyCode);
+
+    X11Connection connection_;
+};
+
+}  // namespace ovrin
