@@ -15,76 +15,32 @@ namespace {
 // A delta and a content block have the same fields.
 template <typename TypedText>
 bool readTypedText(JSONReader& reader, TypedText& value) {
-    bool typeFits = false;
-    bool textFits = true;
-    const bool isObject = reader.readObject([&](std::string_view key) {
-        if (key == "type") {
-            typeFits = reader.readString(value.type);
-        } else if (key == "text") {
-            textFits = readOptionalString(reader, value.text);
-        } else {
-            reader.skip();
-        }
-    });
-    return isObject && typeFits && textFits;
+    return readRecord(reader, required("type", value.type), optional("text", value.text));
 }
 
 bool readErrorPayload(JSONReader& reader, ErrorPayload& error) {
     error = {};
-    bool typeFits = true;
-    bool messageFits = false;
-    const bool isObject = reader.readObject([&](std::string_view key) {
-        if (key == "type") {
-            typeFits = readOptionalString(reader, error.type);
-        } else if (key == "message") {
-            messageFits = reader.readString(error.message);
-        } else {
-            reader.skip();
-        }
-    });
-    return isObject && typeFits && messageFits;
+    return readRecord(reader, optional("type", error.type), required("message", error.message));
 }
 
 bool readStreamEvent(JSONReader& reader, StreamEvent& event) {
-    bool typeFits = false;
-    bool deltaFits = true;
-    bool errorFits = true;
-    const bool isObject = reader.readObject([&](std::string_view key) {
-        if (key == "type") {
-            typeFits = reader.readString(event.type);
-        } else if (key == "delta") {
-            deltaFits = readOptional(reader, event.delta, readTypedText<StreamEvent::Delta>);
-        } else if (key == "error") {
-            errorFits = readOptional(reader, event.error, readErrorPayload);
-        } else {
-            reader.skip();
-        }
-    });
-    return isObject && typeFits && deltaFits && errorFits;
+    const auto readDelta = [&event](JSONReader& value) {
+        return readOptional(value, event.delta, readTypedText<StreamEvent::Delta>);
+    };
+    const auto readError = [&event](JSONReader& value) { return readOptional(value, event.error, readErrorPayload); };
+    return readRecord(reader, required("type", event.type), optional("delta", readDelta), optional("error", readError));
 }
 
 bool readAPIErrorBody(JSONReader& reader, APIErrorBody& body) {
-    bool errorFits = false;
-    const bool isObject = reader.readObject([&](std::string_view key) {
-        if (key == "error") {
-            errorFits = readErrorPayload(reader, body.error);
-        } else {
-            reader.skip();
-        }
-    });
-    return isObject && errorFits;
+    return readRecord(reader,
+                      required("error", [&body](JSONReader& value) { return readErrorPayload(value, body.error); }));
 }
 
 bool readResponse(JSONReader& reader, Response& response) {
-    bool contentFits = false;
-    const bool isObject = reader.readObject([&](std::string_view key) {
-        if (key == "content") {
-            contentFits = readList(reader, response.content, readTypedText<Response::ContentBlock>);
-        } else {
-            reader.skip();
-        }
-    });
-    return isObject && contentFits;
+    const auto readContent = [&response](JSONReader& value) {
+        return readList(value, response.content, readTypedText<Response::ContentBlock>);
+    };
+    return readRecord(reader, required("content", readContent));
 }
 
 }  // namespace

@@ -14,104 +14,42 @@ namespace {
 
 bool readDelta(JSONReader& reader, ChatStreamChunk::Delta& delta) {
     delta = {};
-    bool contentFits = true;
-    const bool isObject = reader.readObject([&](std::string_view key) {
-        if (key == "content") {
-            contentFits = readOptionalString(reader, delta.content);
-        } else {
-            reader.skip();
-        }
-    });
-    return isObject && contentFits;
+    return readRecord(reader, optional("content", delta.content));
 }
 
 bool readStreamChoice(JSONReader& reader, ChatStreamChunk::Choice& choice) {
-    bool deltaFits = false;
-    bool finishReasonFits = true;
-    const bool isObject = reader.readObject([&](std::string_view key) {
-        if (key == "delta") {
-            deltaFits = readDelta(reader, choice.delta);
-        } else if (key == "finish_reason") {
-            finishReasonFits = readOptionalString(reader, choice.finishReason);
-        } else {
-            reader.skip();
-        }
-    });
-    return isObject && deltaFits && finishReasonFits;
+    return readRecord(reader,
+                      required("delta", [&choice](JSONReader& value) { return readDelta(value, choice.delta); }),
+                      optional("finish_reason", choice.finishReason));
 }
 
 bool readMessage(JSONReader& reader, Message& message) {
-    bool roleFits = false;
-    bool contentFits = false;
-    const bool isObject = reader.readObject([&](std::string_view key) {
-        if (key == "role") {
-            roleFits = reader.readString(message.role);
-        } else if (key == "content") {
-            contentFits = reader.readString(message.content);
-        } else {
-            reader.skip();
-        }
-    });
-    return isObject && roleFits && contentFits;
+    return readRecord(reader, required("role", message.role), required("content", message.content));
 }
 
 bool readResponseChoice(JSONReader& reader, ChatResponse::Choice& choice) {
-    bool messageFits = false;
-    const bool isObject = reader.readObject([&](std::string_view key) {
-        if (key == "message") {
-            messageFits = readMessage(reader, choice.message);
-        } else {
-            reader.skip();
-        }
-    });
-    return isObject && messageFits;
+    return readRecord(reader,
+                      required("message", [&choice](JSONReader& value) { return readMessage(value, choice.message); }));
 }
 
 // Both bodies with choices, whose elements readChoice(reader, choice) reads.
 template <typename Body, typename ReadChoice>
 std::optional<Body> decodeChoices(std::string_view json, ReadChoice readChoice) {
     return decodeWhole<Body>(json, [&](JSONReader& reader, Body& body) {
-        bool choicesFit = false;
-        const bool isObject = reader.readObject([&](std::string_view key) {
-            if (key == "choices") {
-                choicesFit = readList(reader, body.choices, readChoice);
-            } else {
-                reader.skip();
-            }
-        });
-        return isObject && choicesFit;
+        const auto readChoices = [&](JSONReader& value) { return readList(value, body.choices, readChoice); };
+        return readRecord(reader, required("choices", readChoices));
     });
 }
 
 bool readErrorPayload(JSONReader& reader, APIErrorBody::ErrorPayload& error) {
     error = {};
-    bool messageFits = false;
-    bool typeFits = true;
-    bool codeFits = true;
-    const bool isObject = reader.readObject([&](std::string_view key) {
-        if (key == "message") {
-            messageFits = reader.readString(error.message);
-        } else if (key == "type") {
-            typeFits = readOptionalString(reader, error.type);
-        } else if (key == "code") {
-            codeFits = readOptionalString(reader, error.code);
-        } else {
-            reader.skip();
-        }
-    });
-    return isObject && messageFits && typeFits && codeFits;
+    return readRecord(reader, required("message", error.message), optional("type", error.type),
+                      optional("code", error.code));
 }
 
 bool readAPIErrorBody(JSONReader& reader, APIErrorBody& body) {
-    bool errorFits = false;
-    const bool isObject = reader.readObject([&](std::string_view key) {
-        if (key == "error") {
-            errorFits = readErrorPayload(reader, body.error);
-        } else {
-            reader.skip();
-        }
-    });
-    return isObject && errorFits;
+    return readRecord(reader,
+                      required("error", [&body](JSONReader& value) { return readErrorPayload(value, body.error); }));
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "model/json_reader.h"
@@ -38,6 +40,46 @@ bool readList(JSONReader& reader, std::vector<Record>& list, Read read) {
         }
     });
     return isArray && fits;
+}
+
+// One key of a record and how its value is read; fits says whether what was read (or that nothing was) is right.
+template <typename Read>
+struct RecordField {
+    std::string_view key;
+    Read read;
+    bool fits;
+};
+
+// A field that has to be there, and one that may be absent; read(reader) reads its value.
+template <typename Read>
+RecordField<Read> required(std::string_view key, Read read) {
+    return {key, std::move(read), false};
+}
+template <typename Read>
+RecordField<Read> optional(std::string_view key, Read read) {
+    return {key, std::move(read), true};
+}
+
+// The same for texts.
+inline auto required(std::string_view key, std::string& value) {
+    return required(key, [&value](JSONReader& reader) { return reader.readString(value); });
+}
+inline auto optional(std::string_view key, std::optional<std::string>& value) {
+    return optional(key, [&value](JSONReader& reader) { return readOptionalString(reader, value); });
+}
+
+// Reads an object of the given fields.
+template <typename... Reads>
+bool readRecord(JSONReader& reader, RecordField<Reads>... fields) {
+    const bool isObject = reader.readObject([&](std::string_view key) {
+        const auto readIfMeant = [&](auto& field) {
+            if (field.key != key) return false;
+            field.fits = field.read(reader);
+            return true;
+        };
+        if (!(readIfMeant(fields) || ...)) reader.skip();
+    });
+    return isObject && (fields.fits && ...);
 }
 
 // Decodes a whole JSON text as one record; none when it does not fit.
