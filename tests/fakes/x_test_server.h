@@ -45,13 +45,14 @@ public:
         return false;
     }
 
-    XTestServer() {
+    // screen: width, height and depth.
+    explicit XTestServer(const std::string& screen = "640x480x24") {
         // The server picks a free display and writes its number into the pipe once it is ready.
         std::array<int, 2> pipe{};
         if (::pipe(pipe.data()) != 0) throw std::runtime_error("no pipe");
         fcntl(pipe[0], F_SETFD, FD_CLOEXEC);
-        server_ = spawn({"Xvfb", "-displayfd", std::to_string(pipe[1]), "-screen", "0", "640x480x24", "-nolisten",
-                         "tcp", "-noreset"});
+        server_ = spawn(
+            {"Xvfb", "-displayfd", std::to_string(pipe[1]), "-screen", "0", screen, "-nolisten", "tcp", "-noreset"});
         close(pipe[1]);
         std::string number;
         for (char digit = 0; read(pipe[0], &digit, 1) == 1 && digit != '\n';) number += digit;
