@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <exception>
 #include <memory>
-#include <random>
 #include <string>
 #include <variant>
 #include <vector>
@@ -16,7 +15,6 @@
 #include "base/environment.h"
 #include "base/error.h"
 #include "base/run_loop.h"
-#include "base/text.h"
 #include "base/worker_executor.h"
 #include "cli/answer_commands.h"
 #include "cli/arguments.h"
@@ -28,62 +26,18 @@
 #include "cli/terminal.h"
 #include "language/ai_service.h"
 #include "language/conversation_prompts.h"
-#include "language/translation_service.h"
-#include "model/model_client.h"
 #include "platform/linux/image_decoder.h"
-#include "platform/linux/keychain.h"
 #include "platform/linux/language_identifier.h"
 #include "platform/linux/onnx_text_recognizer.h"
-#include "platform/linux/secret_service.h"
 #include "platform/linux/session_bus_assistant.h"
-#include "platform/linux/url_session_http_client.h"
 #include "recognition/vision_ocr_engine.h"
-#include "storage/app_config.h"
-#include "storage/defaults_store.h"
-#include "storage/history_store.h"
-#include "storage/keychain_store.h"
-#include "storage/preferences.h"
-#include "storage/user_directories.h"
+#include "services.h"
 
 namespace ovrin {
 
 namespace {
 
 constexpr int exitUsage = 2;
-
-std::size_t secureRandomIndex(std::size_t count) {
-    std::random_device source;
-    return std::uniform_int_distribution<std::size_t>(0, count - 1)(source);
-}
-
-std::unique_ptr<HistoryStore> openHistory() {
-    const Environment environment = Environment::ofProcess();
-    return std::make_unique<HistoryStore>(historyFile(environment), text::caseRules(environment),
-                                          std::chrono::system_clock::now);
-}
-
-LinuxKeychain openKeychain() {
-    const Environment environment = Environment::ofProcess();
-    return {SecretService(sessionBus(environment), {}), keychainFile(environment)};
-}
-
-// The preferences and the secrets.
-struct Settings {
-    DefaultsStore defaults{preferencesFile(Environment::ofProcess())};
-    LinuxKeychain secrets = openKeychain();
-    KeychainStore keychain{secrets};
-    AppConfig config{defaults, Environment::ofProcess, keychain};
-};
-
-// The way to the model service.
-struct ModelServices {
-    explicit ModelServices(const Settings& settings)
-        : http(Environment::ofProcess()),
-          client(http.loop(), http, [&settings] { return settings.config.modelAPIConfiguration(); }) {}
-
-    URLSessionHTTPClient http;
-    ModelClient client;
-};
 
 // One invocation from the command line.
 class CommandLine {
@@ -137,10 +91,7 @@ public:
         const Settings settings;
         const LinuxLanguageIdentifier identifier;
         const ModelServices model(settings);
-        const TranslationService service(
-            model.client, identifier,
-            [&settings] { return settings.defaults.string(preference::translationPrompt).value_or(""); },
-            std::chrono::system_clock::now);
+        const TranslationService service = model.translation(identifier);
         return interruptible(interruption, [&] {
             return cli::translate(command, service, settings.config.targetLanguage(),
                                   {.terminal = terminal_, .loop = loop, .stop = interruption.token()});

@@ -1,0 +1,46 @@
+#include "services.h"
+
+#include <chrono>
+#include <random>
+
+#include "base/text.h"
+#include "platform/linux/secret_service.h"
+#include "storage/preferences.h"
+#include "storage/user_directories.h"
+
+namespace ovrin {
+
+namespace {
+
+LinuxKeychain openKeychain() {
+    const Environment environment = Environment::ofProcess();
+    return {SecretService(sessionBus(environment), {}), keychainFile(environment)};
+}
+
+}  // namespace
+
+std::size_t secureRandomIndex(std::size_t count) {
+    std::random_device source;
+    return std::uniform_int_distribution<std::size_t>(0, count - 1)(source);
+}
+
+std::unique_ptr<HistoryStore> openHistory() {
+    const Environment environment = Environment::ofProcess();
+    return std::make_unique<HistoryStore>(historyFile(environment), text::caseRules(environment),
+                                          std::chrono::system_clock::now);
+}
+
+Settings::Settings() : defaults(preferencesFile(Environment::ofProcess())), secrets(openKeychain()) {}
+
+ModelServices::ModelServices(const Settings& chosen)
+    : settings(chosen),
+      http(Environment::ofProcess()),
+      client(http.loop(), http, [&chosen] { return chosen.config.modelAPIConfiguration(); }) {}
+
+TranslationService ModelServices::translation(const LanguageIdentifier& identifier) const {
+    return {client, identifier,
+            [&chosen = settings] { return chosen.defaults.string(preference::translationPrompt).value_or(""); },
+            std::chrono::system_clock::now};
+}
+
+}  // namespace ovrin

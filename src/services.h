@@ -1,0 +1,45 @@
+// What the command line and the desktop assistant are both composed of.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include "base/environment.h"
+#include "language/translation_service.h"
+#include "model/model_client.h"
+#include "platform/language_identifier.h"
+#include "platform/linux/keychain.h"
+#include "platform/linux/url_session_http_client.h"
+#include "storage/app_config.h"
+#include "storage/defaults_store.h"
+#include "storage/history_store.h"
+#include "storage/keychain_store.h"
+
+namespace ovrin {
+
+std::size_t secureRandomIndex(std::size_t count);
+
+std::unique_ptr<HistoryStore> openHistory();
+
+// The preferences and the secrets.
+struct Settings {
+    Settings();
+
+    DefaultsStore defaults;
+    LinuxKeychain secrets;
+    KeychainStore keychain{secrets};
+    AppConfig config{defaults, Environment::ofProcess, keychain};
+};
+
+// The way to the model service. The settings outlive it.
+struct ModelServices {
+    explicit ModelServices(const Settings& settings);
+
+    TranslationService translation(const LanguageIdentifier& identifier) const;
+
+    const Settings& settings;
+    URLSessionHTTPClient http;
+    ModelClient client;
+};
+
+}  // namespace ovrin
