@@ -20,6 +20,7 @@ public:
     struct Callbacks {
         std::function<void(Rect)> onSelection;  // in the overlay's view space: points, origin at its lower-left corner
         std::function<void()> onCancel;
+        std::function<void()> onScreensChanged;  // displays came, went or changed: the overlays no longer fit
     };
 
     virtual ~CaptureOverlays() = default;

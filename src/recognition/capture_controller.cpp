@@ -14,13 +14,21 @@ void CaptureController::begin(Completion completion) {
     hideSettingsWindow_();
     reset();
     completion_ = std::move(completion);
+    showOverlays();
+}
+
+void CaptureController::showOverlays() {
+    overlayWindows_.clear();
     const std::vector<Rect> frames = overlays_.screenFrames();
     for (const Rect& frame : frames) {
-        overlayWindows_.push_back(
-            overlays_.show(frame, {.onSelection = [this, frame, height = frames.front().height](
-                                                      const Rect& selection) { selected(selection, frame, height); },
-                                   .onCancel = [this] { cancelled(); }}));
+        CaptureOverlays::Callbacks callbacks{
+            .onSelection = [this, frame, height = frames.front().height](
+                               const Rect& selection) { selected(selection, frame, height); },
+            .onCancel = [this] { cancelled(); },
+            .onScreensChanged = [this] { showOverlays(); }};
+        if (auto window = overlays_.show(frame, std::move(callbacks))) overlayWindows_.push_back(std::move(window));
     }
+    if (overlayWindows_.empty()) return cancelled();  // there is no display to choose on
     overlays_.activateApplication();
 }
 

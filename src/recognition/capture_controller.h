@@ -1,4 +1,5 @@
 // Lets the user drag a rectangle over any display: one overlay a display, the first that reports ends them all.
+// When displays come or go meanwhile the user begins anew on those that are there.
 #pragma once
 
 #include <functional>
@@ -19,6 +20,7 @@ public:
     bool isSelecting() const { return !overlayWindows_.empty(); }
 
 private:
+    void showOverlays();
     void reset();
     void finish(const Result& result);
     void selected(const Rect& selection, const Rect& screenFrame, double primaryHeight);

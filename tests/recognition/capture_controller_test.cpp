@@ -112,5 +112,23 @@ TEST_F(CaptureControllerTest, ANewSelectionDropsTheOldCompletionUncalled) {
     EXPECT_EQ(results.size(), 1U);
 }
 
+TEST_F(CaptureControllerTest, WhenADisplayIsUnpluggedTheUserGoesOnWithTheOthers) {
+    controller.begin(completion());
+    overlays.frames = {{0, 0, 1280, 800}};
+    overlays.callbacks[0].onScreensChanged();
+    EXPECT_EQ(overlays.onScreen, 1);
+    overlays.callbacks.back().onSelection({0, 0, 10, 10});
+    ASSERT_EQ(results.size(), 1U);
+    EXPECT_EQ(std::get<Rect>(results[0]), (Rect{0, 790, 10, 10}));
+}
+
+TEST_F(CaptureControllerTest, WithoutAnyDisplayTheSelectionEnds) {
+    controller.begin(completion());
+    overlays.frames.clear();
+    overlays.callbacks[1].onScreensChanged();
+    ASSERT_EQ(results.size(), 1U);
+    EXPECT_TRUE(std::holds_alternative<std::exception_ptr>(results[0]));
+}
+
 }  // namespace
 }  // namespace ovrin

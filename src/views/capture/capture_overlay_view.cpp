@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QScreen>
 #include <QWindow>
 #include <cmath>
 #include <utility>
@@ -20,6 +21,7 @@ namespace {
 
 constexpr int fadeInMilliseconds = 160;
 constexpr int keyboardGrabInterval = 20;  // milliseconds
+constexpr int screensSettlingTime = 50;   // milliseconds
 constexpr float dimming = 0.32F;
 constexpr double selectionRadius = 5;
 
@@ -64,6 +66,20 @@ CaptureOverlayView::CaptureOverlayView(const QRect& frame, QImage backdrop, Capt
     raise();
     fadeIn_.start();
     grabKeyboardSoon();
+    followScreens();
+}
+
+// One change of the displays comes as several events; it is reported once they are through.
+void CaptureOverlayView::followScreens() {
+    screensSettle_.setSingleShot(true);
+    connect(&screensSettle_, &QTimer::timeout, this,
+            [this] { QTimer::singleShot(0, this, [report = callbacks_.onScreensChanged] { report(); }); });
+    const auto changed = [this] { screensSettle_.start(screensSettlingTime); };
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, changed);
+    connect(qGuiApp, &QGuiApplication::screenRemoved, this, changed);
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        connect(screen, &QScreen::geometryChanged, this, changed);
+    }
 }
 
 // The window manager gives no focus to this window, so Escape only arrives through a grab. While the keys of the

@@ -29,6 +29,7 @@ protected:
 
 private:
     void grabKeyboardSoon();
+    void followScreens();
     Rect bounds() const;
     Point toViewSpace(const QPointF& position) const;
     QRectF fromViewSpace(const Rect& rectangle) const;
@@ -42,6 +43,7 @@ private:
     std::optional<Point> currentPoint_;  // view space
     QVariantAnimation fadeIn_;           // 0..1
     QTimer keyboardGrab_;
+    QTimer screensSettle_;
 };
 
 }  // namespace ovrin
