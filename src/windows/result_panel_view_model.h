@@ -1,7 +1,8 @@
 // The result panel without its window: the source text, its streamed translation, and the conversation about it.
 //
-// Main thread. One running task serves translation, first answer and follow-ups; destroying the model ends it. Views
-// hear of every change through the published fields.
+// Main thread. A translation or a first question ends whatever runs; a further question leaves a running translation
+// alone. Destroying the model ends its work; it must not be destroyed from inside one of its notifications. Views hear
+// of every change through the published fields.
 #pragma once
 
 #include <functional>
@@ -112,8 +113,9 @@ private:
     Task<void> consumeTranslation();
     Task<void> consumeFirstAnswer(std::vector<DeepSeek::Message> messages);
     Task<void> consumeFollowUp(Uuid id, std::vector<DeepSeek::Message> messages);
+    void changeFollowUp(const Uuid& id, const std::function<void(FollowUpMessage&)>& change);
+    void cancelConversation();
     OCRConversation conversation() const;
-    void endStreaming();
 
     Services services_;
     Published<std::string> originalText_;
@@ -133,8 +135,10 @@ private:
     std::string targetLanguage_;
     std::string replyLanguage_;
     std::unique_ptr<SpeechSynthesizer> speech_;
-    std::string aiInput_;
-    TaskSlot activeTask_;  // the last member: it ends before what it uses
+    std::string aiInput_;  // the source text on which the conversation was opened
+    // The last members: they end before what they use.
+    TaskSlot translationTask_;
+    TaskSlot conversationTask_;  // the first answer or a further one
 };
 
 // What the source-language label says: the name from the offered languages, else the English one, else the tag.

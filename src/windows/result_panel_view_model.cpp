@@ -1,0 +1,269 @@
+#include "windows/result_panel_view_model.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "base/error.h"
+#include "base/text.h"
+#include "platform/clipboard_service.h"
+#include "platform/toast_presenter.h"
+#include "storage/app_config.h"
+#include "storage/history_store.h"
+
+namespace ovrin {
+
+namespace {
+
+constexpr double speechRate = 0.48;
+
+// The separator stands only between parts that are there.
+void appendJoined(std::string& text, std::string_view separator, std::string_view part) {
+    if (part.empty()) return;
+    if (!text.empty()) text += separator;
+    text += part;
+}
+
+Task<void> readAll(AsyncStream<std::string> pieces, std::function<void(const std::string&)> append) {
+    while (true) {
+        const std::optional<std::string> piece = co_await pieces.next();
+        if (!piece) break;
+        append(*piece);
+    }
+}
+
+// None when the service's own end was a cancellation: that shows no message.
+std::optional<std::string> messageOf(const std::exception_ptr& failure) {
+    try {
+        std::rethrow_exception(failure);
+    } catch (const CancellationError&) {
+        return std::nullopt;
+    } catch (...) {
+        return errorDescription(failure);
+    }
+}
+
+}  // namespace
+
+ResultPanelViewModel::ResultPanelViewModel(Content content, Services services)
+    : services_(std::move(services)),
+      originalText_(std::move(content.originalText)),
+      translation_(std::move(content.translation)),
+      ocrResult_(std::move(content.ocrResult)),
+      sourceImage_(std::move(content.sourceImage)),
+      sourceLanguage_(ocrResult_ ? ocrResult_->detectedLanguage : std::nullopt),
+      replyLanguage_(services_.prompts.replyLanguage(content.targetLanguageSetting)),
+      translationTask_(services_.loop),
+      conversationTask_(services_.loop) {
+    if (!sourceLanguage_) sourceLanguage_ = services_.translation.detectLanguage(originalText_.value());
+    targetLanguage_ = TranslationService::effectiveTargetLanguage(sourceLanguage_, replyLanguage_);
+}
+
+ResultPanelViewModel::~ResultPanelViewModel() = default;
+
+bool ResultPanelViewModel::hasConversation() const {
+    return selectedAIAction_.value().has_value() || !aiOutput_->empty() || !followUps_->empty();
+}
+
+bool ResultPanelViewModel::isFollowUpStreaming() const {
+    return std::ranges::any_of(followUps_.value(), &FollowUpMessage::isStreaming);
+}
+
+bool ResultPanelViewModel::canSubmitPrompt() const {
+    return !text::trimmed(followUpPrompt_.value()).empty() && !isAIStreaming_.value() && !isFollowUpStreaming();
+}
+
+bool ResultPanelViewModel::canShowOverlay() const {
+    return sourceImage_ && ocrResult_ && !translation_->empty();
+}
+
+const std::string& ResultPanelViewModel::primaryText() const {
+    return translation_->empty() ? originalText_.value() : translation_.value();
+}
+
+std::string ResultPanelViewModel::conversationTranscript() const {
+    std::string transcript;
+    const auto append = [&transcript](const std::string& question, const std::string& answer) {
+        std::string turn = question;
+        appendJoined(turn, "\n", answer);
+        appendJoined(transcript, "\n\n", turn);
+    };
+    append(initialQuestion_.value(), aiOutput_.value());
+    for (const FollowUpMessage& followUp : followUps_.value()) append(followUp.question, followUp.answer);
+    return transcript;
+}
+
+void ResultPanelViewModel::translate() {
+    cancelConversation();
+    translationTask_.cancel();
+    translation_.set("");
+    errorMessage_.set(std::nullopt);
+    isTranslating_.set(true);
+    translationTask_.replace(consumeTranslation());
+}
+
+Task<void> ResultPanelViewModel::consumeTranslation() {
+    std::exception_ptr failure;
+    try {
+        AsyncStream<std::string> pieces = services_.translation.stream(originalText_.value(), targetLanguage_);
+        std::function<void(const std::string&)> append = [this](const std::string& piece) {
+            translation_.set(translation_.value() + piece);
+        };
+        co_await readAll(std::move(pieces), std::move(append));
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    isTranslating_.set(false);
+    if (failure) {
+        errorMessage_.set(messageOf(failure));
+    } else {
+        services_.history.updateLatestResult(originalText_.value(), translation_.value());
+    }
+}
+
+void ResultPanelViewModel::cancel() {
+    translationTask_.cancel();
+    isTranslating_.set(false);
+    cancelConversation();
+}
+
+void ResultPanelViewModel::cancelConversation() {
+    conversationTask_.cancel();
+    isAIStreaming_.set(false);
+    std::vector<FollowUpMessage> followUps = followUps_.value();
+    for (FollowUpMessage& followUp : followUps) followUp.isStreaming = false;
+    followUps_.set(std::move(followUps));
+}
+
+void ResultPanelViewModel::submit(std::string question, AIAction action) {
+    std::string trimmed(text::trimmed(question));
+    if (trimmed.empty() || isAIStreaming_.value() || isFollowUpStreaming()) return;
+    if (hasConversation() && !aiOutput_->empty()) {
+        askFollowUp(std::move(trimmed));
+    } else {
+        startConversation(std::move(trimmed), action);
+    }
+}
+
+void ResultPanelViewModel::startConversation(std::string question, AIAction action) {
+    cancel();
+    selectedAIAction_.set(action);
+    initialQuestion_.set(std::move(question));
+    aiOutput_.set("");
+    followUpPrompt_.set("");
+    followUps_.set({});
+    errorMessage_.set(std::nullopt);
+    isAIStreaming_.set(true);
+    aiInput_ = originalText_.value();
+    conversationTask_.replace(consumeFirstAnswer(firstQuestionMessages(services_.prompts, conversation())));
+}
+
+Task<void> ResultPanelViewModel::consumeFirstAnswer(std::vector<DeepSeek::Message> messages) {
+    std::exception_ptr failure;
+    try {
+        AsyncStream<std::string> pieces = services_.ai.stream(std::move(messages));
+        std::function<void(const std::string&)> append = [this](const std::string& piece) {
+            aiOutput_.set(aiOutput_.value() + piece);
+        };
+        co_await readAll(std::move(pieces), std::move(append));
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    if (failure) {
+        errorMessage_.set(messageOf(failure));
+    } else if (!aiOutput_->empty()) {
+        services_.history.updateLatestResult(originalText_.value(), conversationTranscript());
+    }
+    isAIStreaming_.set(false);
+}
+
+void ResultPanelViewModel::askFollowUp(std::optional<std::string> question) {
+    std::string trimmed(text::trimmed(question ? *question : followUpPrompt_.value()));
+    if (!selectedAIAction_.value() || trimmed.empty() || isAIStreaming_.value() || isFollowUpStreaming() ||
+        aiOutput_->empty()) {
+        return;
+    }
+    std::vector<DeepSeek::Message> messages = followUpMessages(services_.prompts, conversation(), trimmed);
+    followUpPrompt_.set("");
+    const Uuid id = Uuid::random();
+    std::vector<FollowUpMessage> followUps = followUps_.value();
+    followUps.push_back({.id = id, .question = std::move(trimmed), .answer = "", .isStreaming = true});
+    followUps_.set(std::move(followUps));
+    conversationTask_.replace(consumeFollowUp(id, std::move(messages)));
+}
+
+Task<void> ResultPanelViewModel::consumeFollowUp(Uuid id, std::vector<DeepSeek::Message> messages) {
+    std::exception_ptr failure;
+    try {
+        AsyncStream<std::string> pieces = services_.ai.stream(std::move(messages));
+        std::function<void(const std::string&)> append = [this, id](const std::string& piece) {
+            changeFollowUp(id, [&piece](FollowUpMessage& followUp) { followUp.answer += piece; });
+        };
+        co_await readAll(std::move(pieces), std::move(append));
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    // Part of the conversation from now on: later requests send a failure's words along as this turn's answer.
+    if (!failure) services_.history.updateLatestResult(originalText_.value(), conversationTranscript());
+    changeFollowUp(id, [&failure](FollowUpMessage& followUp) {
+        if (failure) followUp.answer = messageOf(failure).value_or(followUp.answer);
+        followUp.isStreaming = false;
+    });
+}
+
+void ResultPanelViewModel::changeFollowUp(const Uuid& id, const std::function<void(FollowUpMessage&)>& change) {
+    std::vector<FollowUpMessage> followUps = followUps_.value();
+    const auto followUp = std::ranges::find(followUps, id, &FollowUpMessage::id);
+    if (followUp == followUps.end()) return;
+    change(*followUp);
+    followUps_.set(std::move(followUps));
+}
+
+OCRConversation ResultPanelViewModel::conversation() const {
+    OCRConversation conversation{.action = selectedAIAction_.value().value_or(AIAction::explain),
+                                 .replyLanguage = replyLanguage_,
+                                 .content = aiInput_.empty() ? originalText_.value() : aiInput_,
+                                 .firstQuestion = initialQuestion_.value(),
+                                 .firstAnswer = aiOutput_.value(),
+                                 .followUps = {}};
+    for (const FollowUpMessage& followUp : followUps_.value()) {
+        conversation.followUps.push_back({.question = followUp.question, .answer = followUp.answer});
+    }
+    return conversation;
+}
+
+void ResultPanelViewModel::closeAIConversation() {
+    cancelConversation();
+    selectedAIAction_.set(std::nullopt);
+    initialQuestion_.set("");
+    aiOutput_.set("");
+    followUpPrompt_.set("");
+    followUps_.set({});
+    errorMessage_.set(std::nullopt);
+}
+
+void ResultPanelViewModel::copyPrimaryText() {
+    services_.clipboard.writeString(primaryText());
+    services_.toasts.show("内容已复制", "checkmark");
+}
+
+void ResultPanelViewModel::speakPrimaryText() {
+    if (primaryText().empty()) return;
+    if (!speech_) speech_ = services_.makeSpeech();
+    speech_->stop();
+    const bool isTranslation = !translation_->empty();
+    const bool isSpoken = speech_->speak(
+        {.text = primaryText(), .rate = speechRate, .language = isTranslation ? targetLanguage_ : sourceLanguage_});
+    if (!isSpoken) services_.toasts.show("没有可用的朗读语音。", "exclamationmark.triangle");
+}
+
+std::string displayLanguageName(std::string_view tag) {
+    const std::string normalized = AppConfig::normalizeLanguageTag(tag);
+    const auto& options = AppConfig::languageOptions;
+    const auto option = std::ranges::find(options, normalized, &AppConfig::LanguageOption::tag);
+    if (option != options.end()) return std::string(option->name);
+    if (auto name = text::englishNameOfIdentifier(tag)) return *std::move(name);
+    return text::englishNameOfLanguageCode(normalized).value_or(normalized);
+}
+
+}  // namespace ovrin

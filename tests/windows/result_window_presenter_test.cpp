@@ -1,0 +1,140 @@
+#include "windows/result_window_presenter.h"
+
+#include "fakes/fake_keychain.h"
+#include "fakes/fake_result_panel_window.h"
+#include "panel_fixture.h"
+
+namespace ovrin {
+namespace {
+
+class ResultWindowPresenterTest : public PanelTest {
+protected:
+    ResultWindowPresenterTest() { defaults.setString("ovrin.targetLanguage", "fr"); }
+
+    void showText(const std::string& text, const std::string& translation = "") {
+        presenter->show(ResultPanelText{.text = text, .translation = translation});
+    }
+    Events events() {
+        loop.runPosted();
+        return journal.take();
+    }
+
+    DefaultsStore defaults{directory.path() / "preferences.json"};
+    FakeKeychain keychain;
+    KeychainStore keychainStore{keychain};
+    AppConfig config{defaults, [] { return Environment(); }, keychainStore};
+    FakeResultPanelWindow* window = nullptr;
+    std::unique_ptr<ResultWindowPresenter> presenter = std::make_unique<ResultWindowPresenter>(
+        services(), config, defaults, [this](std::function<void()> requestClose) {
+            auto made = std::make_unique<FakeResultPanelWindow>(journal, std::move(requestClose));
+            window = made.get();
+            return made;
+        });
+};
+
+TEST_F(ResultWindowPresenterTest, KeepsItsWindowAndFadesNewContentIntoAVisibleOne) {
+    EXPECT_EQ(presenter->latestViewModel(), nullptr);
+    presenter->showLatest();
+    presenter->close();
+    EXPECT_EQ(events(), Events{});
+    showText("one");
+    EXPECT_EQ(events(), (Events{"window", "content one", "normal", "present"}));
+    defaults.setBoolean("ovrin.resultWindowAlwaysOnTop", true);
+    showText("two");
+    EXPECT_EQ(events(), (Events{"content two fades in", "floating", "present"}));
+    window->hide();
+    showText("three");
+    EXPECT_EQ(events(), (Events{"content three", "floating", "present"}));
+    EXPECT_EQ(requests(), 0U);
+}
+
+TEST_F(ResultWindowPresenterTest, StartsWhatTheCaptureWasFor) {
+    const OCRResult result{
+        .paragraphs = {{.text = "a", .normalizedBoundingBox = {}}, {.text = "b", .normalizedBoundingBox = {}}}};
+    willAnswer("Bonjour");
+    presenter->show(result, Image(1, 1, std::vector<std::uint8_t>(4)), {.translateImmediately = true});
+    loop.runPosted();
+    EXPECT_EQ(lastRequest(), Events{"user: a\nb"});
+    EXPECT_EQ(presenter->latestViewModel()->translation().value(), "Bonjour");
+    EXPECT_TRUE(presenter->latestViewModel()->canShowOverlay());
+
+    willAnswer("A letter.");
+    presenter->show(result, std::nullopt, {.initialAIAction = AIAction::whatIsThis});
+    loop.runPosted();
+    EXPECT_EQ(presenter->latestViewModel()->selectedAIAction().value(), AIAction::whatIsThis);
+    EXPECT_EQ(presenter->latestViewModel()->initialQuestion().value(), "这是什么？");
+    EXPECT_EQ(requests(), 2U);
+}
+
+TEST_F(ResultWindowPresenterTest, NewContentEndsTheWorkOfTheOld) {
+    showText("one");
+    willStream("Un");
+    presenter->latestViewModel()->translate();
+    loop.runPosted();
+    showText("two", "deux");
+    loop.runPosted();
+    EXPECT_TRUE(http.isBodyDropped());
+    EXPECT_EQ(presenter->latestViewModel()->translation().value(), "deux");
+}
+
+TEST_F(ResultWindowPresenterTest, ClosingEndsTheWorkAndTheNextShowMakesANewWindow) {
+    showText("one");
+    willStream("Un");
+    presenter->latestViewModel()->translate();
+    loop.runPosted();
+    journal.take();
+    window->requestClose();
+    EXPECT_FALSE(presenter->latestViewModel()->isTranslating().value());
+    EXPECT_EQ(journal.take(), Events{});  // its view may still be handling the event
+    EXPECT_EQ(events(), Events{"window gone, showed one"});
+    EXPECT_TRUE(http.isBodyDropped());
+
+    EXPECT_EQ(presenter->latestViewModel()->translation().value(), "Un");
+    presenter->showLatest();
+    EXPECT_EQ(events(), (Events{"window", "content one", "normal", "present"}));
+    presenter->showLatest();
+    EXPECT_EQ(events(), (Events{"content one fades in", "normal", "present"}));
+}
+
+TEST_F(ResultWindowPresenterTest, AClosedWindowClosesNothingMore) {
+    showText("one");
+    const std::function<void()> requestClose = window->requestClose;
+    requestClose();
+    requestClose();
+    showText("two");
+    requestClose();
+    EXPECT_EQ(events(), (Events{"window", "content one", "normal", "present", "window", "content two", "normal",
+                                "present", "window gone, showed one"}));
+    const std::function<void()> requestCloseOfTheSecond = window->requestClose;
+    requestCloseOfTheSecond();
+    presenter.reset();
+    requestCloseOfTheSecond();
+    EXPECT_EQ(events(), Events{"window gone, showed two"});
+}
+
+TEST_F(ResultWindowPresenterTest, MayBeClosedOrGivenNewContentByANotificationOfItsContent) {
+    showText("one");
+    auto watch = presenter->latestViewModel()->isTranslating().onDidChange([this](bool isTranslating) {
+        if (isTranslating) return;
+        presenter->close();
+        showText("two");
+    });
+    willAnswer("Un");
+    presenter->latestViewModel()->translate();
+    loop.runPosted();
+    EXPECT_EQ(presenter->latestViewModel()->originalText().value(), "two");
+    EXPECT_EQ(journal.take().back(), "window gone, showed one");
+}
+
+TEST_F(ResultWindowPresenterTest, KnowsWhetherATranslationWasShown) {
+    EXPECT_FALSE(presenter->hasTranslationResult());
+    showText("one", " \n");
+    EXPECT_FALSE(presenter->hasTranslationResult());
+    showText("one", "un");
+    EXPECT_TRUE(presenter->hasTranslationResult());
+    presenter->close();
+    EXPECT_TRUE(presenter->hasTranslationResult());
+}
+
+}  // namespace
+}  // namespace ovrin
