@@ -68,7 +68,6 @@ struct Launch {
     int input;
     int output;
     int log;
-    int inherited;
     int failure;  // the write end of a pipe that exec closes
     pid_t parent;
 };
@@ -82,7 +81,6 @@ struct Launch {
     ::dup2(launch.input, STDIN_FILENO);
     ::dup2(launch.output, STDOUT_FILENO);
     ::dup2(launch.log, STDERR_FILENO);
-    if (launch.inherited >= 0) ::fcntl(launch.inherited, F_SETFD, 0);
     ::execvpe(launch.arguments[0], launch.arguments, launch.environment);
     const int reason = errno;
     (void)!::write(launch.failure, &reason, sizeof reason);
@@ -104,7 +102,6 @@ ChildProcess::ChildProcess(const Setup& setup) : name_(setup.arguments.front()) 
                         .input = input.reading,
                         .output = setup.output == Output::log ? log : output.writing,
                         .log = log,
-                        .inherited = setup.inheritedDescriptor.value_or(-1),
                         .failure = failure.writing,
                         .parent = ::getpid()};
     id_ = ::fork();

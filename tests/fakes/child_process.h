@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,8 +24,6 @@ public:
         Input afterInput = Input::ends;           // staysOpen: see write()
         std::filesystem::path log = "/dev/null";  // standard error is added to this file
         Output output = Output::lines;
-        // A descriptor of this process that the program gets under the same number.
-        std::optional<int> inheritedDescriptor{};
     };
 
     // Throws Error when the program cannot be started, for example because it is not installed.
