@@ -1,6 +1,7 @@
 #include "fakes/loopback_server.h"
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <stdexcept>
 #include <utility>
@@ -203,6 +204,12 @@ bool LoopbackServer::Connection::send(std::string_view bytes) {
 void LoopbackServer::Connection::waitForClose() {
     while (receive()) {
     }
+}
+
+bool LoopbackServer::Connection::isAbandoned() const {
+    char byte = 0;
+    const auto received = recv(descriptor_, &byte, 1, MSG_PEEK | MSG_DONTWAIT);
+    return received == 0 || (received < 0 && errno == ECONNRESET);
 }
 
 void LoopbackServer::Connection::reset() const {

@@ -89,6 +89,8 @@ public:
     bool send(std::string_view bytes);
     // Blocks until the client closes.
     void waitForClose();
+    // Whether the client has closed; what it has sent meanwhile is left for readRequest().
+    bool isAbandoned() const;
     // Ends the connection with an RST instead of a FIN.
     void reset() const;
 

@@ -1,0 +1,68 @@
+#include "desktop/sample_program.h"
+
+#include <nlohmann/json.hpp>
+
+#include "base/error.h"
+#include "desktop/wait.h"
+
+namespace ovrin {
+
+SampleProgram::SampleProgram(const PrivateDesktop& desktop, const TestUser& user, const std::string& program, Kind kind)
+    : process_(desktop.start({.arguments = {program, kind == Kind::page ? "page" : "editor"},
+                              .input = ChildProcess::Input::staysOpen,
+                              .output = ChildProcess::Output::lines})) {
+    const auto isOurs = [&](const DesktopWindow& window) {
+        const auto owner = user.view().numbers(window.id, "_NET_WM_PID");
+        return owner.size() == 1 && static_cast<pid_t>(owner.front()) == process_->id();
+    };
+    window_ = *waitFor("the sample program's window", [&]() -> std::optional<DesktopWindow> {
+        for (const DesktopWindow& window : user.view().windows()) {
+            if (isOurs(window)) return window;
+        }
+        return std::nullopt;
+    });
+    user.waitUntilActive(window_.id);
+    window_ = user.view().window(window_.id).value_or(window_);  // the window manager may have moved it meanwhile
+}
+
+json::Value SampleProgram::ask(const json::Value& command) {
+    process_->write(json::encoded(command) + "\n");
+    const auto answer = json::parse(process_->readLine());
+    if (!answer || json::member(*answer, "error") != nullptr) throw Error("the sample program did not understand");
+    return *answer;
+}
+
+std::vector<SampleProgram::Line> SampleProgram::lines() {
+    const json::Value answer = ask({{"do", "lines"}});
+    std::vector<Line> lines;
+    for (const json::Value& line : answer.at("lines")) {
+        lines.push_back({.text = line.at("text").get<std::string>(),
+                         .area = {.x = line.at("x").get<int>(),
+                                  .y = line.at("y").get<int>(),
+                                  .width = line.at("width").get<int>(),
+                                  .height = line.at("height").get<int>()}});
+    }
+    return lines;
+}
+
+void SampleProgram::selectText(const std::string& text) {
+    ask({{"do", "selectText"}, {"text", text}});
+}
+
+std::string SampleProgram::text() {
+    return ask({{"do", "text"}}).at("text").get<std::string>();
+}
+
+void SampleProgram::copyText(const std::string& text) {
+    ask({{"do", "copyText"}, {"text", text}});
+}
+
+void SampleProgram::copyPicture(std::size_t line) {
+    ask({{"do", "copyPicture"}, {"line", line}});
+}
+
+void SampleProgram::clearClipboard() {
+    ask({{"do", "clearClipboard"}});
+}
+
+}  // namespace ovrin
