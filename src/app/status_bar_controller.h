@@ -1,0 +1,62 @@
+// The icon in the status area: dimmed while a capture runs, a click brings the last translation back or opens the menu
+// through which everything is reached.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "app/application_actions.h"
+#include "base/published.h"
+#include "platform/status_item.h"
+#include "shortcuts/assistant_actions.h"
+#include "shortcuts/registry.h"
+
+namespace ovrin {
+
+// Main thread.
+class StatusBarController {
+public:
+    // All of it outlives the controller.
+    struct Surroundings {
+        StatusItem& statusItem;
+        AssistantActions& actions;
+        ApplicationActions& application;
+        KeyboardShortcuts::Registry& registry;
+        const Published<bool>& isCapturing;
+        const Published<std::optional<std::string>>& activityText;
+        std::function<bool()> isModelReady;          // asked whenever the menu opens
+        std::function<bool()> hasTranslationResult;  // the latest panel holds a translation
+    };
+
+    explicit StatusBarController(Surroundings surroundings);
+    StatusBarController(const StatusBarController&) = delete;
+    StatusBarController& operator=(const StatusBarController&) = delete;
+    // Hears nothing of the item any more. Shortcuts that an open menu has disabled work again.
+    ~StatusBarController();
+
+    // As it is at this moment; built anew for every opening. Its actions don't need the controller.
+    Menu makeMenu() const;
+
+    void showMenu();
+
+private:
+    void configureButton();
+    void observeActivity();
+    void handleLeftClick();
+    void menuWillOpen();
+    void menuDidClose();
+
+    MenuItem item(std::string title, OvShortcut shortcut, std::optional<OVIcon> icon = std::nullopt) const;
+    MenuItem item(std::string title, AppWindow window, OVIcon icon, std::function<void()> action) const;
+    Menu selectionMenu() const;
+    Menu clipboardMenu() const;
+    std::optional<MenuItem> statusRow() const;
+    bool isAvailable(OvShortcut shortcut) const;
+
+    Surroundings surroundings_;
+    bool isMenuOpen_ = false;
+    Subscription capturing_;
+};
+
+}  // namespace ovrin

@@ -1,0 +1,30 @@
+// The program's own actions, written down.
+#pragma once
+
+#include <set>
+
+#include "app/application_actions.h"
+#include "fakes/journal.h"
+
+namespace ovrin {
+
+class FakeApplicationActions final : public ApplicationActions {
+public:
+    explicit FakeApplicationActions(Journal& journal) : journal_(journal) {}
+
+    std::set<AppWindow> windows{AppWindow::directAI, AppWindow::inputTranslate, AppWindow::history,
+                                AppWindow::settings};
+    bool knowsUpdates = true;
+
+    bool has(AppWindow window) const override { return windows.contains(window); }
+    void showHistory() override { journal_.add("showHistory"); }
+    void showSettings() override { journal_.add("showSettings"); }
+    bool isUpdateConfigured() const override { return knowsUpdates; }
+    void checkForUpdates() override { journal_.add("checkForUpdates"); }
+    void quit() override { journal_.add("quit"); }
+
+private:
+    Journal& journal_;
+};
+
+}  // namespace ovrin
