@@ -10,21 +10,22 @@
 
 #include "platform/linux/x11_connection.h"
 #include "platform/shortcut.h"
+#include "platform/synthetic_keyboard.h"
 
 namespace ovrin {
 
-class X11SyntheticKeyboard {
+class X11SyntheticKeyboard final : public SimulateKeyboard {
 public:
     // display: such as ":0"; null for the one the environment names. Throws Error when no server answers there.
     explicit X11SyntheticKeyboard(const char* display);
 
     // Whether the server lets programs press keys. It can't be asked to.
-    bool isTrusted();
-    bool requestTrust() { return isTrusted(); }
+    bool isTrusted() override;
+    bool requestTrust() override { return isTrusted(); }
 
     // Return when the server has delivered the keys; do nothing when it can't.
-    void copy();
-    void paste();
+    void copy() override;
+    void paste() override;
 
 private:
     void pressWithControl(const char* letter, KeyboardShortcuts::Key place);

@@ -1,0 +1,34 @@
+// What was on the clipboard when it was borrowed from the user, and the promise to put it back.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "platform/clipboard_service.h"
+
+namespace ovrin {
+
+// Main thread. The clipboard is put back when the snapshot goes, also when the coroutine that holds it is destroyed
+// where it waits. A clipboard that nobody has changed meanwhile is left as it is: it would lose the forms that its
+// owner could not hand over in time.
+class PasteboardSnapshot {
+public:
+    // Throws CancellationError; nothing has been touched then.
+    static Task<PasteboardSnapshot> take(ClipboardService& pasteboard);
+
+    PasteboardSnapshot(PasteboardSnapshot&& other) noexcept;
+    PasteboardSnapshot& operator=(PasteboardSnapshot&&) = delete;
+    ~PasteboardSnapshot();
+
+    // Of the clipboard as it was taken.
+    std::int64_t changeCount() const { return changeCount_; }
+
+private:
+    PasteboardSnapshot(ClipboardService& pasteboard, std::vector<ClipboardItem> items);
+
+    ClipboardService* pasteboard_;  // none when moved from
+    std::vector<ClipboardItem> items_;
+    std::int64_t changeCount_;
+};
+
+}  // namespace ovrin

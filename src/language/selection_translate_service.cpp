@@ -1,0 +1,72 @@
+#include "language/selection_translate_service.h"
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <utility>
+
+#include "base/error.h"
+#include "base/suspension.h"
+#include "base/text.h"
+#include "language/pasteboard_snapshot.h"
+
+namespace ovrin {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// The program in front answers the copy keys when it gets round to it.
+constexpr auto pollInterval = 45ms;
+constexpr int maximumPolls = 8;
+
+// Clipboard managers look at every new content before the program can paste it; the program itself reads the clipboard
+// some time after it got the keys.
+constexpr auto timeBeforePaste = 60ms;
+constexpr auto timeAfterPaste = 180ms;
+
+// A wait that is interrupted is merely over: the clipboard is borrowed, and what was begun has to be brought to its
+// end.
+Task<void> waitUnlessInterrupted(EventLoop::Duration duration) {
+    try {
+        co_await sleepFor(duration);
+    } catch (const CancellationError&) {
+        // The caller goes on at once.
+    }
+}
+
+}  // namespace
+
+SelectionTranslateService::SelectionTranslateService(ClipboardService& clipboard, SimulateKeyboard& keyboard)
+    : clipboard_(clipboard), keyboard_(keyboard) {}
+
+Task<std::string> SelectionTranslateService::selectedText() {
+    requirePermission();
+    const PasteboardSnapshot snapshot = co_await PasteboardSnapshot::take(clipboard_);
+    std::int64_t seenChange = snapshot.changeCount();
+    keyboard_.copy();
+    for (int poll = 0; poll < maximumPolls; ++poll) {
+        co_await waitUnlessInterrupted(pollInterval);
+        const std::int64_t change = clipboard_.changeCount();
+        if (std::exchange(seenChange, change) == change) continue;
+        const std::optional<std::string> copied = co_await clipboard_.readString();
+        std::string text(text::trimmed(copied.value_or("")));
+        if (!text.empty()) co_return text;
+    }
+    throw SelectionError::noSelection();
+}
+
+Task<void> SelectionTranslateService::replaceSelection(std::string text) {
+    requirePermission();
+    const PasteboardSnapshot snapshot = co_await PasteboardSnapshot::take(clipboard_);
+    clipboard_.writeString(std::move(text));
+    co_await waitUnlessInterrupted(timeBeforePaste);
+    keyboard_.paste();
+    co_await waitUnlessInterrupted(timeAfterPaste);
+}
+
+void SelectionTranslateService::requirePermission() {
+    if (!keyboard_.isTrusted() && !keyboard_.requestTrust()) throw SelectionError::accessibilityPermissionRequired();
+}
+
+}  // namespace ovrin

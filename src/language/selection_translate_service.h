@@ -1,0 +1,35 @@
+// Reads and replaces the selection of whatever program is in front, without its cooperation: presses its keys for copy
+// and paste, and borrows the clipboard for as long as that takes.
+//
+// Main thread. The user's clipboard comes back at the end, whatever the end is. A stop ends every wait at once; a
+// replacement that has begun is still pasted.
+#pragma once
+
+#include <string>
+
+#include "language/selection_access.h"
+#include "language/selection_error.h"
+#include "platform/clipboard_service.h"
+#include "platform/synthetic_keyboard.h"
+
+namespace ovrin {
+
+class SelectionTranslateService final : public SelectionAccess {
+public:
+    // Both outlive the service and its operations.
+    SelectionTranslateService(ClipboardService& clipboard, SimulateKeyboard& keyboard);
+
+    // Throws SelectionError: noSelection after 360 ms without a text.
+    Task<std::string> selectedText() override;
+
+    // Takes 240 ms. Throws SelectionError: accessibilityPermissionRequired.
+    Task<void> replaceSelection(std::string text) override;
+
+private:
+    void requirePermission();
+
+    ClipboardService& clipboard_;
+    SimulateKeyboard& keyboard_;
+};
+
+}  // namespace ovrin

@@ -1,0 +1,62 @@
+#include "recognition/image_overlay_layout.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace ovrin::overlay {
+
+namespace {
+
+constexpr double fontSizePerHeight = 0.62;
+constexpr double smallestFontSize = 9;
+constexpr double largestFontSize = 16;
+
+}  // namespace
+
+Rect imageRectangle(Size view, Size image) {
+    if (image.width <= 0 || image.height <= 0) return {0, 0, view.width, view.height};
+    const double scale = std::min(view.width / image.width, view.height / image.height);
+    const double width = image.width * scale;
+    const double height = image.height * scale;
+    return {(view.width - width) * 0.5, (view.height - height) * 0.5, width, height};
+}
+
+Rect labelRectangle(const Rect& imageRectangle, const Rect& normalizedBoundingBox) {
+    const Rect& box = normalizedBoundingBox;
+    const double top = box.y + box.height;
+    return {imageRectangle.x + imageRectangle.width * box.x, imageRectangle.y + imageRectangle.height * (1 - top),
+            imageRectangle.width * box.width, imageRectangle.height * box.height};
+}
+
+double labelFontSize(double labelHeight) {
+    return std::clamp(labelHeight * fontSizePerHeight, smallestFontSize, largestFontSize);
+}
+
+std::vector<std::string> translatedLines(std::string_view translatedText) {
+    std::vector<std::string> lines;
+    std::string_view rest = translatedText;
+    while (!rest.empty()) {
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        if (!line.empty()) lines.emplace_back(line);
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    }
+    if (lines.empty()) lines.emplace_back(translatedText);
+    return lines;
+}
+
+std::vector<Label> labels(const Rect& imageRectangle, const std::vector<OCRParagraph>& paragraphs,
+                          std::string_view translatedText) {
+    std::vector<std::string> lines = translatedLines(translatedText);
+    std::vector<Label> labels;
+    for (const OCRParagraph& paragraph : paragraphs) {
+        const std::size_t index = labels.size();
+        const Rect frame = labelRectangle(imageRectangle, paragraph.normalizedBoundingBox);
+        labels.push_back({.text = index < lines.size() ? std::move(lines[index]) : paragraph.text,
+                          .frame = frame,
+                          .fontSize = labelFontSize(frame.height)});
+    }
+    return labels;
+}
+
+}  // namespace ovrin::overlay

@@ -1,0 +1,43 @@
+#include "windows/mini_popover_placement.h"
+
+#include <algorithm>
+
+namespace ovrin {
+
+namespace {
+
+constexpr Point distanceFromPointer{12, 37};  // of the card's upper-left corner
+
+// What is kept free between the card and the edges of the visible frame; above and on the right beyond its shadow.
+constexpr double nearMargin = 8;
+constexpr double rightMargin = 38;
+constexpr double topMargin = 33;
+
+bool contains(const Rect& rect, Point point) {
+    return point.x >= rect.x && point.x < rect.x + rect.width && point.y >= rect.y && point.y < rect.y + rect.height;
+}
+
+Rect visibleFrameAt(Point point, const std::vector<DesktopScreen>& screens) {
+    if (screens.empty()) return {};
+    const auto screen = std::ranges::find_if(
+        screens, [point](const DesktopScreen& candidate) { return contains(candidate.frame, point); });
+    return screen != screens.end() ? screen->visibleFrame : screens.front().visibleFrame;
+}
+
+// The upper limit wins where there is no room for both.
+double between(double lowest, double value, double highest) {
+    return std::min(std::max(lowest, value), highest);
+}
+
+}  // namespace
+
+Point miniPopoverOrigin(Point pointer, const std::vector<DesktopScreen>& screens) {
+    const Rect visible = visibleFrameAt(pointer, screens);
+    const auto [width, height] = miniPopoverSize;
+    return {between(visible.x + nearMargin, pointer.x + distanceFromPointer.x,
+                    visible.x + visible.width - width - rightMargin),
+            between(visible.y + nearMargin, pointer.y - distanceFromPointer.y - height,
+                    visible.y + visible.height - height - topMargin)};
+}
+
+}  // namespace ovrin

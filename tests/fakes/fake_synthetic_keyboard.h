@@ -1,0 +1,35 @@
+// A keyboard that writes down the keys it is told to press, and a program in front that answers them.
+#pragma once
+
+#include <functional>
+#include <utility>
+
+#include "fakes/journal.h"
+#include "platform/synthetic_keyboard.h"
+
+namespace ovrin {
+
+class FakeSyntheticKeyboard final : public SimulateKeyboard {
+public:
+    explicit FakeSyntheticKeyboard(Journal& journal) : journal_(journal) {}
+
+    bool isPermitted = true;
+    bool answerToRequest = false;
+    std::function<void()> onCopy = [] {};
+
+    bool isTrusted() override { return isPermitted; }
+    bool requestTrust() override {
+        journal_.add("trust requested");
+        return answerToRequest;
+    }
+    void copy() override {
+        journal_.add("copy");
+        onCopy();
+    }
+    void paste() override { journal_.add("paste"); }
+
+private:
+    Journal& journal_;
+};
+
+}  // namespace ovrin

@@ -1,0 +1,212 @@
+#include "language/selection_translate_service.h"
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "base/running_task.h"
+#include "base/virtual_loop.h"
+#include "fakes/fake_clipboard_service.h"
+#include "fakes/fake_synthetic_keyboard.h"
+#include "fakes/journal.h"
+
+using namespace std::chrono_literals;
+
+namespace ovrin {
+namespace {
+
+using Events = std::vector<std::string>;
+
+std::vector<std::byte> bytes(std::size_t count) {
+    return std::vector<std::byte>(count, std::byte{7});
+}
+
+class SelectionTranslateServiceTest : public testing::Test {
+protected:
+    SelectionTranslateServiceTest() {
+        clipboard.items = usersItems;
+        clipboard.string = "the user's own";
+    }
+
+    void readSelection() { run(keepText()); }
+    void replaceSelection(std::string text) { run(keepEnd(std::move(text))); }
+    void run(Task<void> task) {
+        running = std::make_unique<RunningTask>(loop, std::move(task), stop.get_token());
+        running->start();
+        loop.runPosted();
+    }
+
+    // The program in front puts this on the clipboard, some time after it got the keys.
+    void answerCopyAfter(EventLoop::Duration delay, std::optional<std::string> text) {
+        keyboard.onCopy = [this, delay, text] {
+            loop.postAfter(delay, [this, text] {
+                ++clipboard.changes;
+                clipboard.items = {{{.type = "text/plain", .data = bytes(1)}}};
+                clipboard.string = text;
+            });
+        };
+    }
+
+    Task<void> keepText() {
+        try {
+            std::string selected = co_await service.selectedText();
+            text = std::move(selected);
+        } catch (const SelectionError& error) {
+            failure = error.errorDescription();
+        }
+        // What the caller does next finds the clipboard as it was.
+        journal.add(clipboard.items == usersItems ? "end" : "end with a borrowed clipboard");
+    }
+    Task<void> keepEnd(std::string replacement) {
+        try {
+            co_await service.replaceSelection(std::move(replacement));
+        } catch (const SelectionError& error) {
+            failure = error.errorDescription();
+        }
+        journal.add("end");
+    }
+
+    const std::vector<ClipboardItem> usersItems{
+        {{.type = "text/html", .data = bytes(3)}, {.type = "text/plain", .data = bytes(2)}},
+        {{.type = "image/png", .data = bytes(100)}}};
+    VirtualLoop loop;
+    Journal journal;
+    FakeClipboardService clipboard{journal};
+    FakeSyntheticKeyboard keyboard{journal};
+    SelectionTranslateService service{clipboard, keyboard};
+    std::optional<std::string> text;
+    std::optional<std::string> failure;
+    std::stop_source stop;
+    std::unique_ptr<RunningTask> running;
+};
+
+TEST_F(SelectionTranslateServiceTest, ReadsTheSelectionAndPutsTheClipboardBack) {
+    answerCopyAfter(100ms, "  the selection\n");
+    readSelection();
+    EXPECT_EQ(journal.take(), Events{"copy"});
+    loop.advance(135ms - 1ns);
+    EXPECT_EQ(text, std::nullopt);
+    loop.advance(1ns);
+    EXPECT_EQ(text, "the selection");
+    EXPECT_EQ(journal.take(), (Events{"clipboard: 2 items", "end"}));
+}
+
+TEST_F(SelectionTranslateServiceTest, AnEmptyClipboardIsEmptyAgain) {
+    clipboard.items.clear();
+    clipboard.string.reset();
+    answerCopyAfter(1ms, "selection");
+    readSelection();
+    loop.advance(45ms);
+    EXPECT_EQ(text, "selection");
+    EXPECT_TRUE(clipboard.items.empty());
+    EXPECT_EQ(clipboard.string, std::nullopt);
+}
+
+TEST_F(SelectionTranslateServiceTest, GivesUpAfterEightChecks) {
+    readSelection();
+    loop.advance(360ms - 1ns);
+    EXPECT_EQ(journal.take(), Events{"copy"});
+    loop.advance(1ns);
+    EXPECT_EQ(failure, "没有读取到选中的文字，请先选中文字后再试。");
+    // Nobody touched the clipboard, so it still has its owner.
+    EXPECT_EQ(journal.take(), Events{"end"});
+    EXPECT_EQ(clipboard.string, "the user's own");
+}
+
+TEST_F(SelectionTranslateServiceTest, AnythingButATextIsNoSelectionUntilATextComes) {
+    answerCopyAfter(10ms, std::nullopt);
+    readSelection();
+    loop.advance(100ms);
+    ++clipboard.changes;
+    clipboard.string = " \n";
+    loop.advance(260ms);
+    EXPECT_TRUE(failure);
+    EXPECT_EQ(journal.take(), (Events{"copy", "clipboard: 2 items", "end"}));
+
+    failure.reset();
+    readSelection();
+    loop.advance(100ms);
+    ++clipboard.changes;
+    clipboard.string = "at last";
+    loop.advance(35ms);
+    EXPECT_EQ(text, "at last");
+    EXPECT_EQ(failure, std::nullopt);
+}
+
+TEST_F(SelectionTranslateServiceTest, PastesTheReplacementAndPutsTheClipboardBack) {
+    for (const std::string replacement : {"le texte", ""}) {
+        replaceSelection(replacement);
+        loop.advance(60ms - 1ns);
+        EXPECT_EQ(journal.take(), Events{"clipboard: " + replacement});
+        loop.advance(1ns);
+        EXPECT_EQ(journal.take(), Events{"paste"});
+        EXPECT_EQ(clipboard.string, replacement);
+        loop.advance(180ms - 1ns);
+        EXPECT_EQ(journal.take(), Events{});
+        loop.advance(1ns);
+        EXPECT_EQ(journal.take(), (Events{"clipboard: 2 items", "end"}));
+        EXPECT_EQ(clipboard.items, usersItems);
+    }
+}
+
+TEST_F(SelectionTranslateServiceTest, WithoutPermissionNothingIsTouched) {
+    keyboard.isPermitted = false;
+    readSelection();
+    EXPECT_EQ(failure, "需要辅助功能权限才能读取或替换其他应用中的选中文字。");
+    failure.reset();
+    replaceSelection("le texte");
+    EXPECT_EQ(failure, "需要辅助功能权限才能读取或替换其他应用中的选中文字。");
+    EXPECT_EQ(journal.take(), (Events{"trust requested", "end", "trust requested", "end"}));
+
+    keyboard.answerToRequest = true;
+    readSelection();
+    EXPECT_EQ(journal.take(), (Events{"trust requested", "copy"}));
+}
+
+TEST_F(SelectionTranslateServiceTest, AnInterruptedReplacementIsStillPastedAndPutBackAtOnce) {
+    replaceSelection("le texte");
+    loop.advance(20ms);
+    stop.request_stop();
+    loop.runPosted();
+    EXPECT_EQ(journal.take(), (Events{"clipboard: le texte", "paste", "clipboard: 2 items", "end"}));
+}
+
+TEST_F(SelectionTranslateServiceTest, AnInterruptedReadLooksOnceMore) {
+    answerCopyAfter(10ms, "selection");
+    readSelection();
+    loop.advance(20ms);
+    stop.request_stop();
+    loop.runPosted();
+    EXPECT_EQ(text, "selection");
+    EXPECT_EQ(journal.take(), (Events{"copy", "clipboard: 2 items", "end"}));
+
+    text.reset();
+    keyboard.onCopy = [] {};
+    readSelection();
+    EXPECT_TRUE(failure);
+    EXPECT_EQ(journal.take(), (Events{"copy", "end"}));
+}
+
+TEST_F(SelectionTranslateServiceTest, DestroyedWhereItWaitsItPutsTheClipboardBack) {
+    answerCopyAfter(10ms, " ");
+    readSelection();
+    loop.advance(50ms);
+    running.reset();
+    EXPECT_EQ(journal.take(), (Events{"copy", "clipboard: 2 items"}));
+
+    replaceSelection("le texte");
+    loop.advance(20ms);
+    running.reset();
+    EXPECT_EQ(journal.take(), (Events{"clipboard: le texte", "clipboard: 2 items"}));
+    EXPECT_EQ(clipboard.items, usersItems);
+    loop.advance(1s);
+    EXPECT_EQ(journal.take(), Events{});
+}
+
+}  // namespace
+}  // namespace ovrin
