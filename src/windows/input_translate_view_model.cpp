@@ -1,0 +1,60 @@
+#include "windows/input_translate_view_model.h"
+
+#include <functional>
+
+#include "base/text.h"
+#include "storage/history_store.h"
+#include "windows/answer_reading.h"
+
+namespace ovrin {
+
+InputTranslateViewModel::InputTranslateViewModel(std::string initialText, std::string targetLanguage, Services services)
+    : services_(std::move(services)),
+      inputText_(std::move(initialText)),
+      targetLanguage_(std::move(targetLanguage)),
+      task_(services_.loop) {}
+
+void InputTranslateViewModel::translate() {
+    std::string source(text::trimmed(inputText_.value()));
+    if (source.empty()) return;
+    task_.cancel();
+    outputText_.set("");
+    errorMessage_.set(std::nullopt);
+    detectedLanguage_.set(services_.translation.detectLanguage(source));
+    isStreaming_.set(true);
+    task_.replace(consumeTranslation(std::move(source), targetLanguage_.value()));
+}
+
+Task<void> InputTranslateViewModel::consumeTranslation(std::string source, std::string target) {
+    std::function<void(const std::string&)> append = [this](const std::string& piece) {
+        outputText_.set(outputText_.value() + piece);
+    };
+    AnswerEnd end = co_await readAnswer(services_.translation.stream(source, target), std::move(append));
+    isStreaming_.set(false);
+    if (end.kind == AnswerEnd::Kind::complete) {
+        services_.history.save({.sourceText = std::move(source),
+                                .resultText = outputText_.value(),
+                                .recordType = historyRecordType::inputTranslation});
+    } else {
+        errorMessage_.set(std::move(end.errorMessage));
+    }
+}
+
+void InputTranslateViewModel::swapLanguages() {
+    if (outputText_->empty()) return;
+    inputText_.set(outputText_.value());
+    outputText_.set("");
+    if (detectedLanguage_.value()) targetLanguage_.set(*detectedLanguage_.value());
+    translate();
+}
+
+void InputTranslateViewModel::clear() {
+    task_.cancel();
+    inputText_.set("");
+    outputText_.set("");
+    detectedLanguage_.set(std::nullopt);
+    errorMessage_.set(std::nullopt);
+    isStreaming_.set(false);
+}
+
+}  // namespace ovrin
