@@ -31,11 +31,11 @@ std::optional<xcb_keycode_t> keyCodeOf(const X11Keyboard& keyboard, std::uint32_
 
 }  // namespace
 
-X11SyntheticKeyboard::X11SyntheticKeyboard(const char* display) : connection_(connectToX11(display)) {
+X11SimulateKeyboard::X11SimulateKeyboard(const char* display) : connection_(connectToX11(display)) {
     followX11Keyboard(connection_.get());
 }
 
-bool X11SyntheticKeyboard::isTrusted() {
+bool X11SimulateKeyboard::isTrusted() {
     const auto* const extension = xcb_get_extension_data(connection_.get(), &xcb_test_id);
     if (extension == nullptr || extension->present == 0) return false;
     const X11Reply<xcb_test_get_version_reply_t> version(xcb_test_get_version_reply(
@@ -44,15 +44,15 @@ bool X11SyntheticKeyboard::isTrusted() {
     return version != nullptr;
 }
 
-void X11SyntheticKeyboard::copy() {
+void X11SimulateKeyboard::copy() {
     pressWithControl("c", Key::c);
 }
 
-void X11SyntheticKeyboard::paste() {
+void X11SimulateKeyboard::paste() {
     pressWithControl("v", Key::v);
 }
 
-void X11SyntheticKeyboard::pressWithControl(const char* letter, Key place) {
+void X11SimulateKeyboard::pressWithControl(const char* letter, Key place) {
     xcb_connection_t* const connection = connection_.get();
     // Changes of the keyboard are not followed but looked at now; what was told of them is dropped.
     while (X11Event(xcb_poll_for_event(connection))) {
@@ -75,7 +75,7 @@ void X11SyntheticKeyboard::pressWithControl(const char* letter, Key place) {
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
 }
 
-std::vector<xcb_keycode_t> X11SyntheticKeyboard::heldKeys() {
+std::vector<xcb_keycode_t> X11SimulateKeyboard::heldKeys() {
     std::vector<xcb_keycode_t> held;
     const X11Reply<xcb_query_keymap_reply_t> reply(
         xcb_query_keymap_reply(connection_.get(), xcb_query_keymap(connection_.get()), nullptr));
@@ -88,7 +88,7 @@ std::vector<xcb_keycode_t> X11SyntheticKeyboard::heldKeys() {
 }
 
 // The first key that is a Control key.
-xcb_keycode_t X11SyntheticKeyboard::controlKey() {
+xcb_keycode_t X11SimulateKeyboard::controlKey() {
     const X11Reply<xcb_get_modifier_mapping_reply_t> mapping(
         xcb_get_modifier_mapping_reply(connection_.get(), xcb_get_modifier_mapping(connection_.get()), nullptr));
     if (!mapping) return 0;
@@ -98,7 +98,7 @@ xcb_keycode_t X11SyntheticKeyboard::controlKey() {
     return key != keyCodes.end() ? *key : xcb_keycode_t{0};
 }
 
-void X11SyntheticKeyboard::fake(std::uint8_t event, xcb_keycode_t keyCode) {
+void X11SimulateKeyboard::fake(std::uint8_t event, xcb_keycode_t keyCode) {
     xcb_test_fake_input(connection_.get(), event, keyCode, XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
 }
 

@@ -14,10 +14,10 @@
 
 namespace ovrin {
 
-class X11SyntheticKeyboard final : public SimulateKeyboard {
+class X11SimulateKeyboard final : public SimulateKeyboard {
 public:
     // display: such as ":0"; null for the one the environment names. Throws Error when no server answers there.
-    explicit X11SyntheticKeyboard(const char* display);
+    explicit X11SimulateKeyboard(const char* display);
 
     // Whether the server lets programs press keys. It can't be asked to.
     bool isTrusted() override;

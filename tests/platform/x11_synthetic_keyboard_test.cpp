@@ -1,0 +1,79 @@
+#include "platform/linux/x11_synthetic_keyboard.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "fakes/x_test_server.h"
+#include "platform/linux/x11_connection.h"
+
+namespace ovrin {
+namespace {
+
+// A program that has the keyboard, and what arrives there.
+class X11SimulateKeyboardTest : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!XTestServer::isInstalled()) GTEST_SKIP() << "Xvfb is not installed (Debian package xvfb)";
+        server = std::make_unique<XTestServer>();
+        program = connectToX11(server->display());
+        const xcb_window_t window = xcb_generate_id(program.get());
+        constexpr std::uint32_t events =
+            XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_EXPOSURE;
+        xcb_create_window(program.get(), XCB_COPY_FROM_PARENT, window, server->root(), 0, 0, 100, 100, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
+        xcb_map_window(program.get(), window);
+        xcb_set_input_focus(program.get(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+        received();
+        keyboard = std::make_unique<X11SimulateKeyboard>(server->display());
+    }
+
+    // "54 with 4": the key codes pressed so far, each with the modifiers that counted.
+    std::vector<std::string> received() {
+        X11Reply<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus_reply(program.get(), xcb_get_input_focus(program.get()), nullptr));
+        std::vector<std::string> presses;
+        while (const X11Event event{xcb_poll_for_event(program.get())}) {
+            if (event->response_type != XCB_KEY_PRESS) continue;
+            const auto& press = reinterpret_cast<const xcb_key_press_event_t&>(*event);
+            presses.push_back(std::to_string(press.detail) + " with " + std::to_string(press.state));
+        }
+        return presses;
+    }
+
+    static constexpr const char* controlKey = "37 with 0";
+    static constexpr const char* controlC = "54 with 4";
+    static constexpr const char* controlV = "55 with 4";
+
+    std::unique_ptr<XTestServer> server;
+    X11Connection program{nullptr, &xcb_disconnect};
+    std::unique_ptr<X11SimulateKeyboard> keyboard;
+};
+
+TEST_F(X11SimulateKeyboardTest, KeysStillHeldFromAShortcutDoNotChangeTheCombination) {
+    ASSERT_TRUE(keyboard->isTrusted());
+    for (const xcb_keycode_t key : {keycode::leftSuper, keycode::leftShift, keycode::t}) server->press(key);
+    server->synchronize();
+    received();
+    keyboard->copy();
+    EXPECT_EQ(received(), (std::vector<std::string>{controlKey, controlC}));
+    // The user lets go of them later.
+    for (const xcb_keycode_t key : {keycode::t, keycode::leftShift, keycode::leftSuper}) server->release(key);
+    server->synchronize();
+    keyboard->paste();
+    EXPECT_EQ(received(), (std::vector<std::string>{controlKey, controlV}));
+}
+
+TEST_F(X11SimulateKeyboardTest, TheKeyIsTheOneThatTypesTheLetter) {
+    server->setLayouts("us(dvorak)");
+    keyboard->copy();
+    EXPECT_EQ(received(), (std::vector<std::string>{controlKey, "31 with 4"}));  // the place of I types c
+    server->setLayouts("ru");
+    keyboard->copy();
+    EXPECT_EQ(received(), (std::vector<std::string>{controlKey, controlC}));  // no key types c
+}
+
+}  // namespace
+}  // namespace ovrin
