@@ -1,0 +1,221 @@
+// The speed and the memory of the whole program on a private desktop of 1920x1080, beside their limits:
+//
+//   build/bench/bench/measure_assistant
+//
+// Run it on an idle machine. Every figure is the median of some runs; those on the screen are seen from outside, by
+// somebody who looks at it as fast as it can be read.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "base/error.h"
+#include "desktop/private_desktop.h"
+#include "desktop/sample_program.h"
+#include "desktop/test_user.h"
+#include "desktop/wait.h"
+#include "platform/linux/onnx_text_recognizer.h"
+#include "platform/linux/x11_connection.h"
+#include "practice/practice_service.h"
+
+namespace ovrin {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr const char* assistant = OVRIN_BINARY_DIR "/ovrin";
+constexpr const char* sampleProgram = OVRIN_BINARY_DIR "/ovrin_sample_program";
+
+double milliseconds(Clock::duration duration) {
+    return std::chrono::duration<double, std::milli>(duration).count();
+}
+
+double median(std::vector<double> values) {
+    std::ranges::sort(values);
+    return values.at(values.size() / 2);
+}
+
+double medianOf(int runs, const std::function<double()>& measure) {
+    std::vector<double> values;
+    for (int run = 0; run < runs; ++run) values.push_back(measure());
+    return median(values);
+}
+
+void report(const char* what, double value, const char* unit, double limit) {
+    std::printf("%-58s %8.1f %-3s  limit %6.0f %s\n", what, value, unit, limit, value <= limit ? "" : "  MISSED");
+    std::fflush(stdout);
+}
+
+// Without the pauses of waitFor(): the time counts here.
+void spinUntil(const char* what, const std::function<bool()>& condition) {
+    const auto deadline = Clock::now() + 30s;
+    while (!condition()) {
+        if (Clock::now() > deadline) throw Error(std::string("waited in vain for ") + what);
+    }
+}
+
+std::uint32_t pixelAt(const X11View& view, PixelSpot spot) {
+    const X11Reply<xcb_get_image_reply_t> reply(xcb_get_image_reply(
+        view.connection(),
+        xcb_get_image(view.connection(), XCB_IMAGE_FORMAT_Z_PIXMAP, view.root(), static_cast<std::int16_t>(spot.x),
+                      static_cast<std::int16_t>(spot.y), 1, 1, ~0U),
+        nullptr));
+    if (!reply) throw Error("the screen cannot be read");
+    return *reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(reply.get()));
+}
+
+class Bench {
+public:
+    Bench() : user_(desktop_.display()) {
+        std::filesystem::create_directories(desktop_.configurationFolder() / "Ovrin");
+        std::ofstream(desktop_.configurationFolder() / "Ovrin/preferences.json")
+            << R"({"ovrin.didDismissWelcome": true, "ovrin.targetLanguage": "zh-Hans"})";
+    }
+
+    void run() {
+        start();  // the files of the program get into the page cache
+        quit();
+        report("start to tray icon", medianOf(7, [this] { return startTime(); }), "ms", 200);
+        start();
+        std::this_thread::sleep_for(2s);
+        report("resting memory, before any recognition (PSS)", memory(), "MB", 60);
+        report("wake-ups of all threads in 10 idle seconds", wakeUps(10s), "", 0);
+        const SampleProgram page(desktop_, user_, sampleProgram, SampleProgram::Kind::page);
+        window_ = page.window().area;
+        report("shortcut to first dimmed frame", medianOf(9, [this] { return dimmingTime(); }), "ms", 60);
+        measureCapture();
+        std::puts("waiting for the models to be released");
+        std::this_thread::sleep_for(185s);
+        report("resting memory, models released (PSS)", memory(), "MB", 60);
+    }
+
+private:
+    void start() {
+        program_ = desktop_.start({.arguments = {assistant},
+                                   .environment = {"OVRIN_BASE_URL=" + service_.baseURL(), "OVRIN_API_KEY=practice"}});
+        spinUntil("the tray icon", [this] { return hasTrayIcon(); });
+    }
+
+    void quit() {
+        program_->terminate();
+        program_.reset();
+        waitFor("the end of the tray icon", [this] { return !hasTrayIcon(); });
+    }
+
+    bool hasTrayIcon() const {
+        return std::ranges::any_of(user_.view().embeddedWindows(),
+                                   [](const DesktopWindow& window) { return window.className == "ovrin"; });
+    }
+
+    double startTime() {
+        const auto begin = Clock::now();
+        start();
+        const double time = milliseconds(Clock::now() - begin);
+        quit();
+        return time;
+    }
+
+    double memory() const {
+        std::ifstream rollup("/proc/" + std::to_string(program_->id()) + "/smaps_rollup");
+        for (std::string word; rollup >> word;) {
+            double kilobytes = 0;
+            if (word == "Pss:" && rollup >> kilobytes) return kilobytes / 1024;
+        }
+        throw Error("the memory of the program cannot be read");
+    }
+
+    long contextSwitches() const {
+        long count = 0;
+        const std::string tasks = "/proc/" + std::to_string(program_->id()) + "/task";
+        for (const auto& task : std::filesystem::directory_iterator(tasks)) {
+            std::ifstream status(task.path() / "status");
+            for (std::string word; status >> word;) {
+                long switches = 0;
+                if (word == "voluntary_ctxt_switches:" && status >> switches) count += switches;
+            }
+        }
+        return count;
+    }
+
+    double wakeUps(std::chrono::seconds time) const {
+        const long before = contextSwitches();
+        std::this_thread::sleep_for(time);
+        return static_cast<double>(contextSwitches() - before);
+    }
+
+    double dimmingTime() {
+        constexpr PixelSpot corner{.x = 3, .y = 3};
+        const std::uint32_t bright = pixelAt(user_.view(), corner);
+        user_.holdKeys("Super_L+Shift_L");
+        const auto begin = Clock::now();
+        user_.pressKeys("t");
+        spinUntil("the overlay", [&] { return pixelAt(user_.view(), corner) != bright; });
+        const double time = milliseconds(Clock::now() - begin);
+        user_.releaseKeys("Super_L+Shift_L");
+        std::this_thread::sleep_for(300ms);  // until it has faded in and holds the keyboard
+        user_.pressKeys("Escape");
+        spinUntil("the end of the overlay", [&] { return pixelAt(user_.view(), corner) == bright; });
+        std::this_thread::sleep_for(200ms);
+        return time;
+    }
+
+    // Silent captures, so that no window covers the page. What the recognition takes of the way is measured apart, on
+    // the same picture.
+    void measureCapture() {
+        const double way = medianOf(7, [this] { return captureTime(); });
+        OnnxTextRecognizer recognizer(RecognitionFiles::ofThisProgram());
+        const QImage shot = user_.picture(window_).convertToFormat(QImage::Format_ARGB32);
+        const Image picture(shot.width(), shot.height(),
+                            {shot.constBits(), shot.constBits() + static_cast<std::ptrdiff_t>(shot.sizeInBytes())});
+        const auto recognize = [&] {
+            const auto begin = Clock::now();
+            recognizer.perform({.recognitionLanguages = {"zh-Hans", "zh-Hant", "en-US", "ja-JP", "ko-KR"}}, picture,
+                               {});
+            return milliseconds(Clock::now() - begin);
+        };
+        recognize();
+        const double recognition = medianOf(7, recognize);
+        std::printf("mouse-up to text on the clipboard %.1f ms, recognition of it %.1f ms\n", way, recognition);
+        report("of that beyond 140 ms and the recognition", way - 140 - recognition, "ms", 20);
+    }
+
+    double captureTime() {
+        const auto command = desktop_.start({.arguments = {assistant, "do", "silent-capture-ocr"}});
+        if (command->waitForEnd() != 0) throw Error("the assistant did not take the command");
+        std::this_thread::sleep_for(400ms);
+        user_.beginDrag(window_.topLeft(), window_.bottomRight());
+        const int changes = user_.clipboardChanges();
+        const auto begin = Clock::now();
+        user_.release();
+        spinUntil("the text", [&] { return user_.clipboardChanges() != changes; });
+        const double time = milliseconds(Clock::now() - begin);
+        std::this_thread::sleep_for(2500ms);  // until the toast has gone
+        return time;
+    }
+
+    PracticeService service_{0ms};
+    PrivateDesktop desktop_{{}};
+    TestUser user_;
+    std::unique_ptr<ChildProcess> program_;
+    PixelArea window_;
+};
+
+}  // namespace
+}  // namespace ovrin
+
+int main() {
+    try {
+        ovrin::Bench().run();
+        return 0;
+    } catch (const ovrin::Error& error) {
+        std::fprintf(stderr, "measure_assistant: %s\n", error.errorDescription().c_str());
+        return 1;
+    }
+}
