@@ -6,6 +6,15 @@
 
 namespace ovrin {
 
+namespace {
+
+Rect toRect(const QRect& rectangle) {
+    return {static_cast<double>(rectangle.x()), static_cast<double>(rectangle.y()),
+            static_cast<double>(rectangle.width()), static_cast<double>(rectangle.height())};
+}
+
+}  // namespace
+
 PixelRect ScreenInfo::pixelFrame() const {
     const auto pixels = [this](int points) { return static_cast<int>(std::lround(points * scaleFactor)); };
     return {frame.x(), frame.y(), pixels(frame.width()), pixels(frame.height())};
@@ -19,16 +28,26 @@ std::vector<ScreenInfo> screenInfos() {
     // The toolkit lists the primary screen first.
     for (const QScreen* screen : QGuiApplication::screens()) {
         const QRect frame = screen->geometry();
-        const Rect displaySpace{static_cast<double>(frame.x() - origin.x()),
-                                static_cast<double>(frame.y() - origin.y()), static_cast<double>(frame.width()),
-                                static_cast<double>(frame.height())};
         infos.push_back({.frame = frame,
                          .scaleFactor = screen->devicePixelRatio(),
-                         .windowSpaceFrame = {displaySpace.x, origin.height() - displaySpace.y - displaySpace.height,
-                                              displaySpace.width, displaySpace.height},
-                         .displaySpaceFrame = displaySpace});
+                         .windowSpaceFrame = toWindowSpace(frame),
+                         .visibleFrame = toWindowSpace(screen->availableGeometry()),
+                         .displaySpaceFrame = toRect(frame.translated(-origin.topLeft()))});
     }
     return infos;
+}
+
+Rect toWindowSpace(const QRect& rectangle) {
+    const QRect origin = QGuiApplication::primaryScreen()->geometry();
+    Rect result = toRect(rectangle.translated(-origin.topLeft()));
+    result.y = origin.height() - result.y - result.height;
+    return result;
+}
+
+QPoint fromWindowSpace(const Point& point) {
+    const QRect origin = QGuiApplication::primaryScreen()->geometry();
+    return {static_cast<int>(std::lround(point.x)) + origin.x(),
+            origin.y() + origin.height() - static_cast<int>(std::lround(point.y))};
 }
 
 }  // namespace ovrin

@@ -1,6 +1,7 @@
 // The displays as the window toolkit sees them, in the coordinate spaces of the program. Main thread.
 #pragma once
 
+#include <QPoint>
 #include <QRect>
 #include <vector>
 
@@ -15,6 +16,7 @@ struct ScreenInfo {
     QRect frame;             // points, as windows are placed
     double scaleFactor = 1;  // device pixels per point
     Rect windowSpaceFrame;   // points, origin at the primary display's lower-left corner, y upwards
+    Rect visibleFrame;       // the same, without panels and docks
     Rect displaySpaceFrame;  // points, origin at the primary display's upper-left corner, y downwards
 
     // Device pixels of the root window: a display's corner is given in them, its size in points.
@@ -23,5 +25,9 @@ struct ScreenInfo {
 
 // All displays, the primary one first.
 std::vector<ScreenInfo> screenInfos();
+
+// Between where windows are placed and window space; there has to be a display.
+Rect toWindowSpace(const QRect& rectangle);
+QPoint fromWindowSpace(const Point& point);
 
 }  // namespace ovrin

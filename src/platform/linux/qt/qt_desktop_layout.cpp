@@ -1,0 +1,24 @@
+#include "platform/linux/qt/qt_desktop_layout.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+
+#include "platform/linux/qt/qt_screens.h"
+
+namespace ovrin {
+
+std::vector<DesktopScreen> QtDesktopLayout::screens() {
+    std::vector<DesktopScreen> screens;
+    for (const ScreenInfo& info : screenInfos()) {
+        screens.push_back({.frame = info.windowSpaceFrame, .visibleFrame = info.visibleFrame});
+    }
+    return screens;
+}
+
+Point QtDesktopLayout::pointerLocation() {
+    if (QGuiApplication::primaryScreen() == nullptr) return {};
+    const Rect point = toWindowSpace(QRect(QCursor::pos(), QSize(1, 1)));
+    return {point.x, point.y};
+}
+
+}  // namespace ovrin

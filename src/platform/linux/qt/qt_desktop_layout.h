@@ -1,0 +1,14 @@
+// Where the displays and the pointer are, as the window toolkit sees them.
+#pragma once
+
+#include "platform/desktop_layout.h"
+
+namespace ovrin {
+
+class QtDesktopLayout final : public DesktopLayout {
+public:
+    std::vector<DesktopScreen> screens() override;
+    Point pointerLocation() override;
+};
+
+}  // namespace ovrin
