@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <utility>
 
 namespace ovrin::overlay {
 
@@ -47,16 +46,16 @@ std::vector<std::string> translatedLines(std::string_view translatedText) {
 
 std::vector<Label> labels(const Rect& imageRectangle, const std::vector<OCRParagraph>& paragraphs,
                           std::string_view translatedText) {
-    std::vector<std::string> lines = translatedLines(translatedText);
-    std::vector<Label> labels;
+    const std::vector<std::string> lines = translatedLines(translatedText);
+    std::vector<Label> result;
     for (const OCRParagraph& paragraph : paragraphs) {
-        const std::size_t index = labels.size();
+        const std::size_t index = result.size();
         const Rect frame = labelRectangle(imageRectangle, paragraph.normalizedBoundingBox);
-        labels.push_back({.text = index < lines.size() ? std::move(lines[index]) : paragraph.text,
+        result.push_back({.text = index < lines.size() ? lines[index] : paragraph.text,
                           .frame = frame,
                           .fontSize = labelFontSize(frame.height)});
     }
-    return labels;
+    return result;
 }
 
 }  // namespace ovrin::overlay

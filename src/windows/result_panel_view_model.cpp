@@ -135,7 +135,7 @@ void ResultPanelViewModel::cancelConversation() {
     followUps_.set(std::move(followUps));
 }
 
-void ResultPanelViewModel::submit(std::string question, AIAction action) {
+void ResultPanelViewModel::submit(const std::string& question, AIAction action) {
     std::string trimmed(text::trimmed(question));
     if (trimmed.empty() || isAIStreaming_.value() || isFollowUpStreaming()) return;
     if (hasConversation() && !aiOutput_->empty()) {

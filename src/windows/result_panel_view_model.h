@@ -101,7 +101,7 @@ public:
     void cancel();  // ends what streams; the texts stay
 
     // Asks the first question, or one more when the first has its answer. Nothing while an answer streams.
-    void submit(std::string question, AIAction action);
+    void submit(const std::string& question, AIAction action);
     void askFollowUp(std::optional<std::string> question);  // none: the text of the composer
     void closeAIConversation();
 

@@ -42,7 +42,7 @@ protected:
     }
 
     // The program in front puts this on the clipboard, some time after it got the keys.
-    void answerCopyAfter(EventLoop::Duration delay, std::optional<std::string> text) {
+    void answerCopyAfter(EventLoop::Duration delay, const std::optional<std::string>& text) {
         keyboard.onCopy = [this, delay, text] {
             loop.postAfter(delay, [this, text] {
                 ++clipboard.changes;

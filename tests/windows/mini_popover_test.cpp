@@ -106,6 +106,9 @@ TEST_F(MiniPopoverTest, ASecondCardTakesThePlaceOfTheFirst) {
     EXPECT_TRUE(first.stopToken().stop_requested());
     EXPECT_EQ(journal.take(), (Events{"card: one", "card: two", "card gone: one"}));
     EXPECT_EQ(card->viewModel.translation().value(), "二");
+    presenter.close();
+    loop.runPosted();
+    EXPECT_TRUE(http.isBodyDropped());
 }
 
 TEST_F(MiniPopoverTest, ClosingIsSilentAndEndsTheRequest) {

@@ -228,11 +228,12 @@ TEST_F(ResultPanelViewModelTest, AFurtherQuestionCarriesTheWholeConversation) {
     EXPECT_EQ(panel->selectedAIAction().value(), AIAction::summarize);
     loop.runPosted();
     EXPECT_EQ(lastSystemPrompt(), prompts.ocrConversationSystemPrompt(AIAction::summarize, "fr", "q2"));
-    EXPECT_EQ(lastRequest(),
-              (Events{"user: OCR content (the default subject of this conversation):\ntext\n\nInitial question about "
-                      "the OCR content:\nq0",
-                      "assistant: a0", "user: q1", "assistant: a1",
-                      "user: Follow-up question about the OCR content unless explicitly stated otherwise:\nq2"}));
+    const std::string opening =
+        "user: OCR content (the default subject of this conversation):\ntext\n\n"
+        "Initial question about the OCR content:\nq0";
+    const std::string question =
+        "user: Follow-up question about the OCR content unless explicitly stated otherwise:\nq2";
+    EXPECT_EQ(lastRequest(), (Events{opening, "assistant: a0", "user: q1", "assistant: a1", question}));
     push("2");
     EXPECT_EQ(panel->followUps()->back().answer, "a2");
     EXPECT_NE(panel->followUps()->front().id, panel->followUps()->back().id);
