@@ -1,12 +1,12 @@
 #include "windows/mini_popover_view_model.h"
 
-#include <exception>
+#include <functional>
 #include <utility>
 
-#include "base/error.h"
 #include "language/language_names.h"
 #include "platform/clipboard_service.h"
 #include "platform/toast_presenter.h"
+#include "windows/answer_reading.h"
 
 namespace ovrin {
 
@@ -26,21 +26,13 @@ void MiniPopoverViewModel::start() {
 }
 
 Task<void> MiniPopoverViewModel::consumeTranslation() {
-    std::optional<std::string> message;
-    try {
-        AsyncStream<std::string> pieces = services_.translation.stream(sourceText_.value(), targetLanguage_);
-        while (true) {
-            const std::optional<std::string> piece = co_await pieces.next();
-            if (!piece) break;
-            translation_.set(translation_.value() + *piece);
-        }
-    } catch (const CancellationError&) {
-        // Nobody waits for it any more: no message.
-    } catch (...) {
-        message = errorDescription(std::current_exception());
-    }
+    std::function<void(const std::string&)> append = [this](const std::string& piece) {
+        translation_.set(translation_.value() + piece);
+    };
+    AsyncStream<std::string> pieces = services_.translation.stream(sourceText_.value(), targetLanguage_);
+    AnswerEnd end = co_await readAnswer(std::move(pieces), std::move(append));
     isStreaming_.set(false);
-    errorMessage_.set(std::move(message));
+    errorMessage_.set(std::move(end.errorMessage));
 }
 
 void MiniPopoverViewModel::cancel() {

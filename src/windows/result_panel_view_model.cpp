@@ -4,12 +4,12 @@
 #include <string_view>
 #include <utility>
 
-#include "base/error.h"
 #include "base/text.h"
 #include "platform/clipboard_service.h"
 #include "platform/toast_presenter.h"
 #include "storage/app_config.h"
 #include "storage/history_store.h"
+#include "windows/answer_reading.h"
 
 namespace ovrin {
 
@@ -22,25 +22,6 @@ void appendJoined(std::string& text, std::string_view separator, std::string_vie
     if (part.empty()) return;
     if (!text.empty()) text += separator;
     text += part;
-}
-
-Task<void> readAll(AsyncStream<std::string> pieces, std::function<void(const std::string&)> append) {
-    while (true) {
-        const std::optional<std::string> piece = co_await pieces.next();
-        if (!piece) break;
-        append(*piece);
-    }
-}
-
-// None when the service's own end was a cancellation: that shows no message.
-std::optional<std::string> messageOf(const std::exception_ptr& failure) {
-    try {
-        std::rethrow_exception(failure);
-    } catch (const CancellationError&) {
-        return std::nullopt;
-    } catch (...) {
-        return errorDescription(failure);
-    }
 }
 
 }  // namespace
@@ -103,21 +84,16 @@ void ResultPanelViewModel::translate() {
 }
 
 Task<void> ResultPanelViewModel::consumeTranslation() {
-    std::exception_ptr failure;
-    try {
-        AsyncStream<std::string> pieces = services_.translation.stream(originalText_.value(), targetLanguage_);
-        std::function<void(const std::string&)> append = [this](const std::string& piece) {
-            translation_.set(translation_.value() + piece);
-        };
-        co_await readAll(std::move(pieces), std::move(append));
-    } catch (...) {
-        failure = std::current_exception();
-    }
+    std::function<void(const std::string&)> append = [this](const std::string& piece) {
+        translation_.set(translation_.value() + piece);
+    };
+    AsyncStream<std::string> pieces = services_.translation.stream(originalText_.value(), targetLanguage_);
+    AnswerEnd end = co_await readAnswer(std::move(pieces), std::move(append));
     isTranslating_.set(false);
-    if (failure) {
-        errorMessage_.set(messageOf(failure));
-    } else {
+    if (end.kind == AnswerEnd::Kind::complete) {
         services_.history.updateLatestResult(originalText_.value(), translation_.value());
+    } else {
+        errorMessage_.set(std::move(end.errorMessage));
     }
 }
 
@@ -159,18 +135,12 @@ void ResultPanelViewModel::startConversation(std::string question, AIAction acti
 }
 
 Task<void> ResultPanelViewModel::consumeFirstAnswer(std::vector<DeepSeek::Message> messages) {
-    std::exception_ptr failure;
-    try {
-        AsyncStream<std::string> pieces = services_.ai.stream(std::move(messages));
-        std::function<void(const std::string&)> append = [this](const std::string& piece) {
-            aiOutput_.set(aiOutput_.value() + piece);
-        };
-        co_await readAll(std::move(pieces), std::move(append));
-    } catch (...) {
-        failure = std::current_exception();
-    }
-    if (failure) {
-        errorMessage_.set(messageOf(failure));
+    std::function<void(const std::string&)> append = [this](const std::string& piece) {
+        aiOutput_.set(aiOutput_.value() + piece);
+    };
+    AnswerEnd end = co_await readAnswer(services_.ai.stream(std::move(messages)), std::move(append));
+    if (end.kind == AnswerEnd::Kind::failed) {
+        errorMessage_.set(std::move(end.errorMessage));
     } else if (!aiOutput_->empty()) {
         services_.history.updateLatestResult(originalText_.value(), conversationTranscript());
     }
@@ -193,20 +163,16 @@ void ResultPanelViewModel::askFollowUp(std::optional<std::string> question) {
 }
 
 Task<void> ResultPanelViewModel::consumeFollowUp(Uuid id, std::vector<DeepSeek::Message> messages) {
-    std::exception_ptr failure;
-    try {
-        AsyncStream<std::string> pieces = services_.ai.stream(std::move(messages));
-        std::function<void(const std::string&)> append = [this, id](const std::string& piece) {
-            changeFollowUp(id, [&piece](FollowUpMessage& followUp) { followUp.answer += piece; });
-        };
-        co_await readAll(std::move(pieces), std::move(append));
-    } catch (...) {
-        failure = std::current_exception();
+    std::function<void(const std::string&)> append = [this, id](const std::string& piece) {
+        changeFollowUp(id, [&piece](FollowUpMessage& followUp) { followUp.answer += piece; });
+    };
+    const AnswerEnd end = co_await readAnswer(services_.ai.stream(std::move(messages)), std::move(append));
+    if (end.kind == AnswerEnd::Kind::complete) {
+        services_.history.updateLatestResult(originalText_.value(), conversationTranscript());
     }
-    // Part of the conversation from now on: later requests send a failure's words along as this turn's answer.
-    if (!failure) services_.history.updateLatestResult(originalText_.value(), conversationTranscript());
-    changeFollowUp(id, [&failure](FollowUpMessage& followUp) {
-        if (failure) followUp.answer = messageOf(failure).value_or(followUp.answer);
+    changeFollowUp(id, [&end](FollowUpMessage& followUp) {
+        // From now on a part of the conversation: later requests send a failure's words along as this turn's answer.
+        if (end.errorMessage) followUp.answer = *end.errorMessage;
         followUp.isStreaming = false;
     });
 }
