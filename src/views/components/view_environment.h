@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QObject>
 
+#include "platform/desktop_settings.h"
 #include "theme/color_token.h"
 
 namespace ovrin {
@@ -13,13 +14,7 @@ class ViewEnvironment final : public QObject {
     Q_OBJECT
 
 public:
-    struct Settings {
-        theme::Appearance appearance = theme::Appearance::light;
-        bool reducesMotion = false;
-        bool reducesTransparency = true;  // blurred backgrounds are rare on this desktop
-        bool isComposited = true;         // whether windows can have translucent pixels at all
-        friend bool operator==(const Settings&, const Settings&) = default;
-    };
+    using Settings = DesktopSettings;
 
     const Settings& settings() const { return settings_; }
     bool isDark() const { return settings_.appearance == theme::Appearance::dark; }

@@ -1,0 +1,69 @@
+#include "platform/linux/qt/freedesktop_notification_center.h"
+
+#include <QStringList>
+#include <QVariant>
+#include <optional>
+#include <vector>
+
+#include "qt_session.h"
+
+namespace ovrin {
+namespace {
+
+class NotificationsTest : public testing::Test {
+protected:
+    QVariantList answer(const QDBusMessage& call) {
+        if (call.member() == "GetCapabilities") return {capabilities};
+        notified.push_back(call.arguments());
+        return {1U};
+    }
+
+    QtSession& session = QtSession::ofProcess();
+    QStringList capabilities;
+    std::vector<QVariantList> notified;  // the arguments of every call of Notify
+    std::optional<FakeService> service;
+    FreedesktopNotificationCenter notifications;
+
+    void startService() {
+        service.emplace("org.freedesktop.Notifications", "/org/freedesktop/Notifications",
+                        [this](const QDBusMessage& call) { return answer(call); });
+    }
+};
+
+TEST_F(NotificationsTest, TheDesktopIsToldWhoNotifiesAndWhat) {
+    startService();
+    notifications.add({.identifier = "1", .title = "截图 OCR 完成", .body = "已识别 2 段文字并复制到剪贴板。"});
+    ASSERT_TRUE(waitUntil([this] { return notified.size() == 1; }));
+    const QVariantList& arguments = notified.front();
+    EXPECT_EQ(arguments[0], "Ovrin");
+    EXPECT_EQ(arguments[1], 0U) << "replaces none";
+    EXPECT_EQ(arguments[2], "com.quel.ovrin");
+    EXPECT_EQ(arguments[3], "截图 OCR 完成");
+    EXPECT_EQ(arguments[4], "已识别 2 段文字并复制到剪贴板。");
+    const auto hints = qdbus_cast<QVariantMap>(arguments[6]);
+    EXPECT_EQ(hints["desktop-entry"], "com.quel.ovrin");
+    EXPECT_EQ(hints["suppress-sound"], true);
+}
+
+TEST_F(NotificationsTest, TextIsEscapedOnlyWhereItWouldBeTakenForMarkup) {
+    startService();
+    notifications.add({.identifier = "1", .title = "a < b & c", .body = "a < b & <b>c</b>"});
+    ASSERT_TRUE(waitUntil([this] { return notified.size() == 1; }));
+    EXPECT_EQ(notified[0][4], "a < b & <b>c</b>");
+    capabilities = {"body", "body-markup"};
+    notifications.add({.identifier = "2", .title = "a < b & c", .body = "a < b & <b>c</b>"});
+    ASSERT_TRUE(waitUntil([this] { return notified.size() == 2; }));
+    EXPECT_EQ(notified[1][4], "a &lt; b &amp; &lt;b&gt;c&lt;/b&gt;");
+    EXPECT_EQ(notified[1][3], "a < b & c") << "titles are never markup";
+}
+
+TEST_F(NotificationsTest, WithoutAServiceNothingShowsUntilThereIsOne) {
+    notifications.add({.identifier = "1", .title = "lost", .body = ""});
+    startService();
+    notifications.add({.identifier = "2", .title = "shown", .body = ""});
+    ASSERT_TRUE(waitUntil([this] { return !notified.empty(); }));
+    EXPECT_EQ(notified.back()[3], "shown");
+}
+
+}  // namespace
+}  // namespace ovrin
