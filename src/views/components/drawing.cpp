@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QHash>
 #include <QPainter>
 #include <QPainterPath>
@@ -40,7 +41,8 @@ QStringList fallbackFamilies(std::string_view language) {
 QStringList families(theme::FontDesign design, std::string_view language) {
     const bool isFixed = design == theme::FontDesign::monospaced;
     const QFont system = QFontDatabase::systemFont(isFixed ? QFontDatabase::FixedFont : QFontDatabase::GeneralFont);
-    return QStringList{system.family()} + fallbackFamilies(language);
+    // Under its real name: an alias such as "Sans Serif" would lose to every installed family that follows it.
+    return QStringList{QFontInfo(system).family()} + fallbackFamilies(language);
 }
 
 QByteArray tinted(OVIcon icon, const QColor& color) {

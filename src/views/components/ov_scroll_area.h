@@ -1,0 +1,44 @@
+// A vertical scroll area with a thin bar over the content's edge, which takes no width away when it appears.
+//
+// Content that grows can be followed: its bottom stays in sight until the user scrolls away from it, and again when
+// they come back to it. Text that is selected by dragging past the edge scrolls along.
+#pragma once
+
+#include <QScrollArea>
+#include <cstdint>
+
+#include "views/components/view_environment.h"
+
+namespace ovrin {
+
+class OVStreamingText;
+
+class OVScrollArea final : public QScrollArea {
+    Q_OBJECT
+
+public:
+    explicit OVScrollArea(ViewEnvironment& environment, QWidget* parent = nullptr);
+
+    // Goes to the bottom and stays there from now on.
+    void followBottom();
+    // Leaves what is in sight where it is, until the user goes to the bottom.
+    void stopFollowing() { isFollowing_ = false; }
+    bool isFollowing() const { return isFollowing_; }
+
+    // Keeps the place in sight that a selection in the text is moved to.
+    void keepInSight(OVStreamingText& text);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    class Bar;
+
+    void noteUserScroll();
+
+    Bar* bar_;
+    bool isFollowing_ = false;
+};
+
+}  // namespace ovrin
