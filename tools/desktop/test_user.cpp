@@ -75,10 +75,22 @@ void TestUser::moveTo(PixelSpot spot) const {
 
 void TestUser::press(Button button) const {
     fake(XCB_BUTTON_PRESS, static_cast<std::uint8_t>(button));
+    waitForButton(button, Press::down);
 }
 
 void TestUser::release(Button button) const {
     fake(XCB_BUTTON_RELEASE, static_cast<std::uint8_t>(button));
+    waitForButton(button, Press::up);
+}
+
+// A window manager that looks at a click first holds the pointer back meanwhile, and keys would overtake it.
+void TestUser::waitForButton(Button button, Press state) const {
+    const unsigned mask = XCB_BUTTON_MASK_1 << (static_cast<unsigned>(button) - 1);
+    waitFor("the pointer to be let go", [&] {
+        const auto pointer = owned(
+            xcb_query_pointer_reply(view_.connection(), xcb_query_pointer(view_.connection(), view_.root()), nullptr));
+        return pointer && ((pointer->mask & mask) != 0) == (state == Press::down);
+    });
 }
 
 void TestUser::click(PixelSpot spot, Button button) const {
@@ -201,7 +213,12 @@ std::string TestUser::clipboardText() {
 }
 
 void TestUser::waitForClipboard(const std::string& text) {
-    waitFor("the clipboard to hold " + text, [&] { return clipboardText() == text; });
+    std::string found;
+    try {
+        waitFor("the clipboard to hold " + text, [&] { return (found = clipboardText()) == text; });
+    } catch (const Error& error) {
+        throw Error(error.errorDescription() + "; it holds " + found);
+    }
 }
 
 int TestUser::clipboardChanges() {

@@ -82,6 +82,7 @@ private:
     enum class Press : std::uint8_t { down, up };
     void fake(std::uint8_t type, std::uint8_t detail, PixelSpot spot = {}) const;
     void key(xcb_keycode_t code, Press press) const;
+    void waitForButton(Button button, Press state) const;
 
     struct Stroke {
         xcb_keycode_t code = 0;
