@@ -97,16 +97,6 @@ TEST(PrivateDesktopTest, NotificationsAreRecordedUntilTheRecorderEnds) {
     EXPECT_THROW(notify(), Error);
 }
 
-TEST(PrivateDesktopTest, AnXTermIsAWindowOfItsOwn) {
-    const PrivateDesktop desktop({.compositor = PrivateDesktop::Compositor::none, .tray = PrivateDesktop::Tray::none});
-    const TestUser user(desktop.display());
-    const auto terminal = desktop.start({.arguments = {"xterm", "-T", "a terminal"}});
-    const DesktopWindow window = user.waitForWindow({.title = "a terminal", .className = "XTerm"});
-    user.waitUntilActive(window.id);
-    terminal->stop();
-    user.waitUntilGone(window.id);
-}
-
 TEST(PrivateDesktopTest, EveryPartOfItComesUp) {
     const PrivateDesktop desktop({.width = 1600,
                                   .height = 900,
