@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <utility>
 
 #include "base/error.h"
 #include "desktop/wait.h"
@@ -12,6 +13,7 @@ namespace ovrin {
 namespace {
 
 constexpr const char* busName = "com.quel.ovrin";
+constexpr const char* programName = "ovrin";
 constexpr const char* practiceKey = "practice-key";
 
 std::string contentOf(const std::filesystem::path& file) {
@@ -56,7 +58,7 @@ int Assistant::run(const std::vector<std::string>& arguments) const {
 std::optional<DesktopWindow> Assistant::trayIcon() const {
     const auto embedded = user_.view().embeddedWindows();
     const auto found = std::find_if(embedded.begin(), embedded.end(),
-                                    [](const DesktopWindow& window) { return window.className == "ovrin"; });
+                                    [](const DesktopWindow& window) { return window.instance == programName; });
     return found == embedded.end() ? std::nullopt : std::optional(*found);
 }
 
@@ -68,6 +70,36 @@ bool Assistant::isInTray() const {
                                                    .interface = "org.kde.StatusNotifierWatcher",
                                                    .name = "RegisteredStatusNotifierItems"});
     return g_variant_n_children(items.get()) > 0;
+}
+
+std::vector<DesktopWindow> Assistant::overlays() const {
+    // Nothing else of the program is out of the window manager's reach and as large as a display.
+    constexpr int smallestDisplay = 600;
+    auto found = user_.find({.program = programName});
+    std::erase_if(found, [](const DesktopWindow& window) {
+        return !window.isOverrideRedirect || window.area.width < smallestDisplay ||
+               window.area.height < smallestDisplay;
+    });
+    return found;
+}
+
+std::vector<DesktopWindow> Assistant::waitForOverlays(std::size_t count) const {
+    return *waitFor("an overlay on every display", [&]() -> std::optional<std::vector<DesktopWindow>> {
+        auto found = overlays();
+        return found.size() == count ? std::optional(std::move(found)) : std::nullopt;
+    });
+}
+
+DesktopWindow Assistant::waitForToast() const {
+    return user_.waitForWindow({.program = programName, .width = 260, .height = 40});
+}
+
+DesktopWindow Assistant::waitForPanel() const {
+    return user_.waitForWindow({.title = "Ovrin", .program = programName});
+}
+
+DesktopWindow Assistant::waitForPalette() const {
+    return user_.waitForWindow({.program = programName, .width = 520, .height = 460});
 }
 
 json::Value Assistant::history() const {

@@ -2,6 +2,7 @@
 // of one's own.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -41,6 +42,13 @@ public:
 
     // Where its icon is in an XEmbed tray.
     std::optional<DesktopWindow> trayIcon() const;
+
+    // Its windows, once they are there.
+    std::vector<DesktopWindow> overlays() const;  // empty when no region is being selected
+    std::vector<DesktopWindow> waitForOverlays(std::size_t count = 1) const;
+    DesktopWindow waitForToast() const;
+    DesktopWindow waitForPanel() const;
+    DesktopWindow waitForPalette() const;
 
     // The stored history, newest first.
     json::Value history() const;

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <ranges>
+#include <utility>
 
 #include <xcb/xfixes.h>
 #include <xcb/xtest.h>
 #include <xkbcommon/xkbcommon.h>
 
 #include "base/error.h"
+#include "base/text.h"
 
 namespace ovrin {
 namespace {
@@ -23,15 +25,16 @@ X11Reply<Reply> owned(Reply* reply) {
 }  // namespace
 
 bool WindowLook::fits(const DesktopWindow& window) const {
-    return (title.empty() || title == window.title) && (className.empty() || className == window.className) &&
-           (type.empty() || type == window.type) && (width == 0 || width == window.area.width) &&
-           (height == 0 || height == window.area.height);
+    const bool isOfProgram = program.empty() || text::equalsIgnoringAsciiCase(program, window.instance) ||
+                             text::equalsIgnoringAsciiCase(program, window.className);
+    return isOfProgram && (title.empty() || title == window.title) && (type.empty() || type == window.type) &&
+           (width == 0 || width == window.area.width) && (height == 0 || height == window.area.height);
 }
 
 std::string WindowLook::description() const {
     std::string text = "a window";
     if (!title.empty()) text += " titled " + title;
-    if (!className.empty()) text += " of " + className;
+    if (!program.empty()) text += " of " + program;
     if (!type.empty()) text += " of type " + type;
     if (width != 0 || height != 0) text += " of size " + std::to_string(width) + "x" + std::to_string(height);
     return text;
@@ -259,6 +262,18 @@ QImage TestUser::waitForPicture(const std::string& what, const PixelArea& area,
     return *waitFor(what, [&]() -> std::optional<QImage> {
         QImage image = picture(area);
         return fits(image) ? std::optional(std::move(image)) : std::nullopt;
+    });
+}
+
+void TestUser::waitForStillPicture(const PixelArea& area) const {
+    constexpr int enoughLooks = 25;
+    QImage last = picture(area);
+    int sameLooks = 0;
+    waitFor("the picture to stand still", [&] {
+        QImage image = picture(area);
+        sameLooks = image == last ? sameLooks + 1 : 0;
+        last = std::move(image);
+        return sameLooks == enoughLooks;
     });
 }
 
