@@ -2,11 +2,16 @@
 #include "desktop/private_desktop.h"
 
 #include <filesystem>
+#include <memory>
+#include <string>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/error.h"
+#include "desktop/notification_recorder.h"
 #include "desktop/sample_program.h"
+#include "desktop/screen_reader.h"
 #include "desktop/test_user.h"
 
 namespace ovrin {
@@ -58,14 +63,38 @@ TEST(PrivateDesktopTest, ThePageIsWhereItSaysAndIsSeen) {
     user.savePicture(page.window().area.grownBy(40), std::filesystem::path(OVRIN_BINARY_DIR) / "desktop/page.png");
 }
 
-TEST(PrivateDesktopTest, AnXTermIsAWindowOfItsOwn) {
-    const PrivateDesktop desktop({.compositor = PrivateDesktop::Compositor::none, .tray = PrivateDesktop::Tray::none});
+TEST(PrivateDesktopTest, WhatWindowsSayCanBeRead) {
+    const PrivateDesktop desktop(
+        {.tray = PrivateDesktop::Tray::none, .accessibility = PrivateDesktop::Accessibility::on});
     const TestUser user(desktop.display());
-    const auto terminal = desktop.start({.arguments = {"xterm", "-T", "a terminal"}});
-    const DesktopWindow window = user.waitForWindow({.title = "a terminal", .className = "XTerm"});
-    user.waitUntilActive(window.id);
-    terminal->stop();
-    user.waitUntilGone(window.id);
+    SampleProgram editor(desktop, user, sampleProgram, SampleProgram::Kind::editor);
+    editor.selectText("read me");
+    const ScreenReader reader(desktop);
+    const auto element = reader.waitForWords("ovrin_sample_program", "read me");
+    EXPECT_EQ(element.text, "read me");
+    EXPECT_TRUE(editor.window().area.contains(element.area.center()));
+    EXPECT_FALSE(reader.shows("ovrin_sample_program", "read you"));
+}
+
+TEST(PrivateDesktopTest, NotificationsAreRecordedUntilTheRecorderEnds) {
+    const PrivateDesktop desktop({.compositor = PrivateDesktop::Compositor::none, .tray = PrivateDesktop::Tray::none});
+    auto recorder = std::make_unique<NotificationRecorder>(desktop.busAddress());
+    const auto notify = [&] {
+        desktop.bus().call({.destination = "org.freedesktop.Notifications",
+                            .path = "/org/freedesktop/Notifications",
+                            .interface = "org.freedesktop.Notifications",
+                            .name = "Notify"},
+                           g_variant_new("(susss@as@a{sv}i)", "program", 0U, "", "title", "body",
+                                         g_variant_new_array(G_VARIANT_TYPE_STRING, nullptr, 0),
+                                         g_variant_new_array(G_VARIANT_TYPE("{sv}"), nullptr, 0), -1));
+    };
+    notify();
+    ASSERT_EQ(recorder->notifications().size(), 1U);
+    EXPECT_EQ(recorder->notifications()[0].title, "title");
+    EXPECT_EQ(recorder->notifications()[0].body, "body");
+    EXPECT_THROW(NotificationRecorder(desktop.busAddress()), Error);
+    recorder.reset();
+    EXPECT_THROW(notify(), Error);
 }
 
 TEST(PrivateDesktopTest, EveryPartOfItComesUp) {

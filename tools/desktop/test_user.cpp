@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <ranges>
+#include <utility>
 
 #include <xcb/xfixes.h>
 #include <xcb/xtest.h>
 #include <xkbcommon/xkbcommon.h>
 
 #include "base/error.h"
+#include "base/text.h"
 
 namespace ovrin {
 namespace {
@@ -23,15 +25,16 @@ X11Reply<Reply> owned(Reply* reply) {
 }  // namespace
 
 bool WindowLook::fits(const DesktopWindow& window) const {
-    return (title.empty() || title == window.title) && (className.empty() || className == window.className) &&
-           (type.empty() || type == window.type) && (width == 0 || width == window.area.width) &&
-           (height == 0 || height == window.area.height);
+    const bool isOfProgram = program.empty() || text::equalsIgnoringAsciiCase(program, window.instance) ||
+                             text::equalsIgnoringAsciiCase(program, window.className);
+    return isOfProgram && (title.empty() || title == window.title) && (type.empty() || type == window.type) &&
+           (width == 0 || width == window.area.width) && (height == 0 || height == window.area.height);
 }
 
 std::string WindowLook::description() const {
     std::string text = "a window";
     if (!title.empty()) text += " titled " + title;
-    if (!className.empty()) text += " of " + className;
+    if (!program.empty()) text += " of " + program;
     if (!type.empty()) text += " of type " + type;
     if (width != 0 || height != 0) text += " of size " + std::to_string(width) + "x" + std::to_string(height);
     return text;
@@ -75,10 +78,22 @@ void TestUser::moveTo(PixelSpot spot) const {
 
 void TestUser::press(Button button) const {
     fake(XCB_BUTTON_PRESS, static_cast<std::uint8_t>(button));
+    waitForButton(button, Press::down);
 }
 
 void TestUser::release(Button button) const {
     fake(XCB_BUTTON_RELEASE, static_cast<std::uint8_t>(button));
+    waitForButton(button, Press::up);
+}
+
+// A window manager that looks at a click first holds the pointer back meanwhile, and keys would overtake it.
+void TestUser::waitForButton(Button button, Press state) const {
+    const unsigned mask = XCB_BUTTON_MASK_1 << (static_cast<unsigned>(button) - 1);
+    waitFor("the pointer to be let go", [&] {
+        const auto pointer = owned(
+            xcb_query_pointer_reply(view_.connection(), xcb_query_pointer(view_.connection(), view_.root()), nullptr));
+        return pointer && ((pointer->mask & mask) != 0) == (state == Press::down);
+    });
 }
 
 void TestUser::click(PixelSpot spot, Button button) const {
@@ -201,7 +216,12 @@ std::string TestUser::clipboardText() {
 }
 
 void TestUser::waitForClipboard(const std::string& text) {
-    waitFor("the clipboard to hold " + text, [&] { return clipboardText() == text; });
+    std::string found;
+    try {
+        waitFor("the clipboard to hold " + text, [&] { return (found = clipboardText()) == text; });
+    } catch (const Error& error) {
+        throw Error(error.errorDescription() + "; it holds " + found);
+    }
 }
 
 int TestUser::clipboardChanges() {
@@ -242,6 +262,18 @@ QImage TestUser::waitForPicture(const std::string& what, const PixelArea& area,
     return *waitFor(what, [&]() -> std::optional<QImage> {
         QImage image = picture(area);
         return fits(image) ? std::optional(std::move(image)) : std::nullopt;
+    });
+}
+
+void TestUser::waitForStillPicture(const PixelArea& area) const {
+    constexpr int enoughLooks = 25;
+    QImage last = picture(area);
+    int sameLooks = 0;
+    waitFor("the picture to stand still", [&] {
+        QImage image = picture(area);
+        sameLooks = image == last ? sameLooks + 1 : 0;
+        last = std::move(image);
+        return sameLooks == enoughLooks;
     });
 }
 

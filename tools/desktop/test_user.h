@@ -21,7 +21,7 @@ namespace ovrin {
 // Which windows are meant: all that is given has to fit.
 struct WindowLook {
     std::string title{};
-    std::string className{};
+    std::string program{};  // either part of WM_CLASS, in whatever case
     std::string type{};
     int width = 0;
     int height = 0;
@@ -77,11 +77,14 @@ public:
     // Returns the first picture that fits, and throws Error as waitFor() does.
     QImage waitForPicture(const std::string& what, const PixelArea& area,
                           const std::function<bool(const QImage&)>& fits) const;
+    // Returns when nothing moves there any more.
+    void waitForStillPicture(const PixelArea& area) const;
 
 private:
     enum class Press : std::uint8_t { down, up };
     void fake(std::uint8_t type, std::uint8_t detail, PixelSpot spot = {}) const;
     void key(xcb_keycode_t code, Press press) const;
+    void waitForButton(Button button, Press state) const;
 
     struct Stroke {
         xcb_keycode_t code = 0;

@@ -1,0 +1,114 @@
+#include "desktop/assistant.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <utility>
+
+#include "base/error.h"
+#include "desktop/wait.h"
+
+namespace ovrin {
+namespace {
+
+constexpr const char* busName = "com.quel.ovrin";
+constexpr const char* programName = "ovrin";
+constexpr const char* practiceKey = "practice-key";
+
+std::string contentOf(const std::filesystem::path& file) {
+    std::ifstream input(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(input), {}};
+}
+
+}  // namespace
+
+Assistant::Assistant(const PrivateDesktop& desktop, const TestUser& user, const Setup& setup)
+    : desktop_(desktop), user_(user), setup_(setup) {
+    json::Value preferences = setup.preferences;
+    if (setup.launch == Setup::Launch::later) preferences["ovrin.didDismissWelcome"] = true;
+    const std::filesystem::path folder = desktop.configurationFolder() / "Ovrin";
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "preferences.json") << json::encoded(preferences);
+
+    process_ = desktop.start({.arguments = {setup.program}, .environment = environment()});
+    waitFor("the assistant's icon in the tray", [this] {
+        if (!process_->isRunning()) throw Error("the assistant ended at once: " + log());
+        return desktop_.bus().hasOwner(busName) && isInTray();
+    });
+}
+
+std::vector<std::string> Assistant::environment() const {
+    return {"OVRIN_BASE_URL=" + setup_.serviceURL, "OVRIN_API_STANDARD=" + setup_.standard,
+            std::string("OVRIN_API_KEY=") + practiceKey};
+}
+
+std::string Assistant::shortcut(int keyCode, const std::vector<Modifier>& modifiers) {
+    int mask = 0;
+    for (const Modifier modifier : modifiers) mask |= static_cast<int>(modifier);
+    return json::encoded({{"carbonKeyCode", keyCode}, {"carbonModifiers", mask}});
+}
+
+int Assistant::run(const std::vector<std::string>& arguments) const {
+    std::vector<std::string> command{setup_.program};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return desktop_.start({.arguments = command, .environment = environment()})->waitForEnd();
+}
+
+std::optional<DesktopWindow> Assistant::trayIcon() const {
+    const auto embedded = user_.view().embeddedWindows();
+    const auto found = std::find_if(embedded.begin(), embedded.end(),
+                                    [](const DesktopWindow& window) { return window.instance == programName; });
+    return found == embedded.end() ? std::nullopt : std::optional(*found);
+}
+
+bool Assistant::isInTray() const {
+    if (trayIcon()) return true;
+    if (!desktop_.bus().hasOwner("org.kde.StatusNotifierWatcher")) return false;
+    const Variant items = desktop_.bus().property({.destination = "org.kde.StatusNotifierWatcher",
+                                                   .path = "/StatusNotifierWatcher",
+                                                   .interface = "org.kde.StatusNotifierWatcher",
+                                                   .name = "RegisteredStatusNotifierItems"});
+    return g_variant_n_children(items.get()) > 0;
+}
+
+std::vector<DesktopWindow> Assistant::overlays() const {
+    // Nothing else of the program is out of the window manager's reach and as large as a display.
+    constexpr int smallestDisplay = 600;
+    auto found = user_.find({.program = programName});
+    std::erase_if(found, [](const DesktopWindow& window) {
+        return !window.isOverrideRedirect || window.area.width < smallestDisplay ||
+               window.area.height < smallestDisplay;
+    });
+    return found;
+}
+
+std::vector<DesktopWindow> Assistant::waitForOverlays(std::size_t count) const {
+    return *waitFor("an overlay on every display", [&]() -> std::optional<std::vector<DesktopWindow>> {
+        auto found = overlays();
+        return found.size() == count ? std::optional(std::move(found)) : std::nullopt;
+    });
+}
+
+DesktopWindow Assistant::waitForToast() const {
+    return user_.waitForWindow({.program = programName, .width = 260, .height = 40});
+}
+
+DesktopWindow Assistant::waitForPanel() const {
+    return user_.waitForWindow({.title = "Ovrin", .program = programName});
+}
+
+DesktopWindow Assistant::waitForPalette() const {
+    return user_.waitForWindow({.program = programName, .width = 520, .height = 460});
+}
+
+json::Value Assistant::history() const {
+    const auto history = json::parse(contentOf(desktop_.dataFolder() / "Ovrin/history.json"));
+    return history.value_or(json::Value::array());
+}
+
+std::string Assistant::log() const {
+    return contentOf(desktop_.logOf(setup_.program));
+}
+
+}  // namespace ovrin

@@ -1,0 +1,68 @@
+// The assistant on a private desktop: the built program, told of a model service by its environment, with preferences
+// of one's own.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "base/json.h"
+#include "desktop/private_desktop.h"
+#include "desktop/test_user.h"
+
+namespace ovrin {
+
+class Assistant {
+public:
+    struct Setup {
+        std::string program;  // path of ovrin
+        std::string serviceURL;
+        std::string standard = "openai-compatible";
+        // What the preferences file holds at the start, by stored keys, besides the one that says that the welcome was
+        // seen.
+        json::Value preferences = json::Value::object();
+        enum class Launch : std::uint8_t { first, later } launch = Launch::later;
+    };
+
+    // Returns when the program's icon is in the tray: from then on it listens to its shortcuts. Throws Error with what
+    // it said when it ends before.
+    Assistant(const PrivateDesktop& desktop, const TestUser& user, const Setup& setup);
+
+    // For the preference of a shortcut: its place on a US keyboard ('T') with Super, Shift and Alt.
+    enum class Modifier : int { super = 256, shift = 512, alt = 2048 };
+    static std::string shortcut(int keyCode, const std::vector<Modifier>& modifiers);
+
+    ChildProcess& process() { return *process_; }
+    // Runs the program with other arguments in the same place: "do", "palette". Returns its exit status.
+    int run(const std::vector<std::string>& arguments) const;
+
+    // Where its icon is in an XEmbed tray.
+    std::optional<DesktopWindow> trayIcon() const;
+
+    // Its windows, once they are there.
+    std::vector<DesktopWindow> overlays() const;  // empty when no region is being selected
+    std::vector<DesktopWindow> waitForOverlays(std::size_t count = 1) const;
+    DesktopWindow waitForToast() const;
+    DesktopWindow waitForPanel() const;
+    DesktopWindow waitForPalette() const;
+
+    // The stored history, newest first.
+    json::Value history() const;
+    // What it wrote to standard error.
+    std::string log() const;
+
+private:
+    std::vector<std::string> environment() const;
+    bool isInTray() const;
+
+    const PrivateDesktop& desktop_;
+    const TestUser& user_;
+    Setup setup_;
+    std::unique_ptr<ChildProcess> process_;
+};
+
+}  // namespace ovrin
