@@ -64,7 +64,7 @@ struct Window {
         text = new OVStreamingText(environment, mode);
         inner->addWidget(text);
         inner->addStretch();
-        area->setWidget(content);
+        area->setContent(content);
         background.show();
         QApplication::processEvents();
     }

@@ -12,7 +12,7 @@ class ScrollArea : public testing::Test {
 protected:
     ScrollArea() {
         area.resize(200, 100);
-        area.setWidget(content);
+        area.setContent(content);
         area.show();
         grow(500);
     }

@@ -19,6 +19,9 @@ class OVScrollArea final : public QScrollArea {
 public:
     explicit OVScrollArea(ViewEnvironment& environment, QWidget* parent = nullptr);
 
+    // Takes ownership. The ground of the scroll area's surroundings shines through.
+    void setContent(QWidget* content);
+
     // Goes to the bottom and stays there from now on.
     void followBottom();
     // Leaves what is in sight where it is, until the user goes to the bottom.
@@ -29,15 +32,11 @@ public:
     void keepInSight(OVStreamingText& text);
 
 protected:
-    void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    class Bar;
-
     void noteUserScroll();
 
-    Bar* bar_;
     bool isFollowing_ = false;
 };
 

@@ -7,7 +7,7 @@
 
 namespace ovrin {
 
-class OVSurface final : public OVWidget {
+class OVSurface : public OVWidget {
     Q_OBJECT
 
 public:

@@ -1,0 +1,26 @@
+// What the window toolkit does not ask of the X server and its window manager for a window of the program. Main thread;
+// nothing happens where the windows are not on X11.
+#pragma once
+
+class QWindow;
+
+namespace ovrin::x11 {
+
+// Whether the window manager knows windows that draw a shadow of their own around their frame.
+bool knowsOwnShadows();
+
+struct ShadowMargins {
+    int shadow = 0;  // points on every side that belong to the shadow
+    int grip = 0;    // points of them, beside the frame, that still take the pointer
+};
+
+// Tells the window manager, and lets clicks on the shadow go to what lies below. Call it again when the window's size
+// has changed. Margins of 0 take it back.
+void setShadowMargins(QWindow& window, const ShadowMargins& margins);
+
+// Brings a window that is shown to the front, with the keyboard. The program is told of its shortcuts on another
+// connection than the window's, so that to the window manager the user seems to be at work elsewhere, which is a reason
+// to refuse: the request is made in the user's name, at the server's present time.
+void activate(QWindow& window);
+
+}  // namespace ovrin::x11

@@ -1,0 +1,43 @@
+#include "views/components/ov_error_note.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+
+#include "views/components/drawing.h"
+#include "views/components/ov_animated_icon.h"
+
+namespace ovrin {
+
+using theme::ColorToken;
+
+namespace {
+constexpr double cornerRadius = 9;
+constexpr double iconSize = 14;
+const theme::FontStyle noteFont{12, theme::FontWeight::regular, theme::FontDesign::standard};
+}  // namespace
+
+OVErrorNote::OVErrorNote(ViewEnvironment& environment, QWidget* parent)
+    : OVWidget(environment, parent),
+      words_(new OVLabel(environment, {}, noteFont, ColorToken::red, OVLabel::Lines::wrapped)) {
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(10, 8, 10, 8);
+    row->setSpacing(8);
+    row->addWidget(new OVAnimatedIcon(environment, OVIcon::triangleAlert, iconSize, ColorToken::red), 0, Qt::AlignTop);
+    row->addWidget(words_, 1);
+    hide();
+}
+
+void OVErrorNote::setMessage(const std::optional<std::string>& message) {
+    words_->setText(toQString(message.value_or("")));
+    setVisible(message.has_value());
+}
+
+void OVErrorNote::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QColor ground = color(ColorToken::red);
+    ground.setAlphaF(environment().isDark() ? 0.14F : 0.08F);
+    fillRounded(painter, rect(), cornerRadius, ground);
+}
+
+}  // namespace ovrin

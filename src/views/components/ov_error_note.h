@@ -1,0 +1,28 @@
+// What went wrong, in words that wrap, on a ground that stands out.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "views/components/ov_label.h"
+#include "views/components/ov_widget.h"
+
+namespace ovrin {
+
+class OVErrorNote final : public OVWidget {
+    Q_OBJECT
+
+public:
+    explicit OVErrorNote(ViewEnvironment& environment, QWidget* parent = nullptr);
+
+    // UTF-8; hidden when there is nothing to say.
+    void setMessage(const std::optional<std::string>& message);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    OVLabel* words_;
+};
+
+}  // namespace ovrin

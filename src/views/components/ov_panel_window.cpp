@@ -1,0 +1,224 @@
+#include "views/components/ov_panel_window.h"
+
+#include <QBitmap>
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QStyleHints>
+#include <QTimer>
+#include <QWindow>
+#include <array>
+
+#include "platform/linux/qt/x11_window.h"
+#include "views/components/drawing.h"
+
+namespace ovrin {
+
+using theme::ColorToken;
+
+namespace {
+
+constexpr double radius = 14;
+constexpr int shadowMargin = 30;  // points around the frame
+constexpr double shadowBlur = 26;
+constexpr double shadowOffset = 7;
+constexpr int gripOutside = 6;  // points beside the frame where an edge can be taken hold of
+constexpr int gripInside = 3;
+constexpr int cornerGrip = 14;
+
+Qt::CursorShape cursorFor(Qt::Edges edges) {
+    if (edges == (Qt::LeftEdge | Qt::TopEdge) || edges == (Qt::RightEdge | Qt::BottomEdge)) return Qt::SizeFDiagCursor;
+    if (edges == (Qt::RightEdge | Qt::TopEdge) || edges == (Qt::LeftEdge | Qt::BottomEdge)) return Qt::SizeBDiagCursor;
+    return edges & (Qt::LeftEdge | Qt::RightEdge) ? Qt::SizeHorCursor : Qt::SizeVerCursor;
+}
+
+}  // namespace
+
+// An invisible strip along an edge, or square at a corner, that resizes the window.
+class OVPanelWindow::Edge final : public QWidget {
+public:
+    Edge(Qt::Edges edges, OVPanelWindow* window) : QWidget(window), edges_(edges) { setCursor(cursorFor(edges)); }
+
+    void placeAround(const QRect& frame) {
+        const QRect outer = frame.adjusted(-gripOutside, -gripOutside, gripOutside, gripOutside);
+        QRect area = outer;
+        const bool isCorner = (edges_ & (Qt::LeftEdge | Qt::RightEdge)) && (edges_ & (Qt::TopEdge | Qt::BottomEdge));
+        const int depth = isCorner ? cornerGrip : gripOutside + gripInside;
+        if (edges_ & Qt::LeftEdge) area.setRight(outer.left() + depth - 1);
+        if (edges_ & Qt::RightEdge) area.setLeft(outer.right() - depth + 1);
+        if (edges_ & Qt::TopEdge) area.setBottom(outer.top() + depth - 1);
+        if (edges_ & Qt::BottomEdge) area.setTop(outer.bottom() - depth + 1);
+        setGeometry(area);
+        raise();
+    }
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override {
+        if (event->button() == Qt::LeftButton) window()->windowHandle()->startSystemResize(edges_);
+    }
+
+private:
+    Qt::Edges edges_;
+};
+
+OVPanelWindow::OVPanelWindow(ViewEnvironment& environment, const QString& title, QSize size, QSize minimumSize)
+    : OVWidget(environment), minimumFrame_(minimumSize) {
+    setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint);
+    setAttribute(Qt::WA_TranslucentBackground);
+    setWindowTitle(title);
+    const std::array<Qt::Edges, 8> all{Qt::LeftEdge,
+                                       Qt::RightEdge,
+                                       Qt::TopEdge,
+                                       Qt::BottomEdge,
+                                       Qt::LeftEdge | Qt::TopEdge,
+                                       Qt::RightEdge | Qt::TopEdge,
+                                       Qt::LeftEdge | Qt::BottomEdge,
+                                       Qt::RightEdge | Qt::BottomEdge};
+    for (const Qt::Edges edges : all) edges_.push_back(new Edge(edges, this));
+    resize(size);
+    setMinimumSize(minimumSize);
+    adaptToDesktop();
+    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+        move(screen->availableGeometry().center() - rect().center());
+    }
+    connect(&environment, &ViewEnvironment::changed, this, &OVPanelWindow::adaptToDesktop);
+}
+
+OVPanelWindow::~OVPanelWindow() = default;
+
+void OVPanelWindow::setContent(QWidget* content) {
+    delete content_;
+    content_ = content;
+    content_->setParent(this);
+    layOut();
+    content_->show();
+}
+
+void OVPanelWindow::setLevel(Level level) {
+    const bool isFloating = level == Level::floating;
+    // On a window that exists the toolkit would hide and make it anew for another flag; its native side can change it.
+    overrideWindowFlags(windowFlags().setFlag(Qt::WindowStaysOnTopHint, isFloating));
+    if (QWindow* const window = windowHandle()) window->setFlag(Qt::WindowStaysOnTopHint, isFloating);
+}
+
+void OVPanelWindow::present() {
+    if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    x11::activate(*windowHandle());
+}
+
+double OVPanelWindow::cornerRadius() const {
+    return isFilling() ? 0 : radius;
+}
+
+void OVPanelWindow::adaptToDesktop() {
+    const bool hasShadow = environment().settings().isComposited && !isFilling() && x11::knowsOwnShadows();
+    setMargin(hasShadow ? shadowMargin : 0);
+    frameWithShadow_ = {};
+    layOut();
+    update();
+}
+
+// The frame stays where it is while the shadow around it comes or goes.
+void OVPanelWindow::setMargin(int margin) {
+    const int change = margin - margin_;
+    if (change == 0) return;
+    margin_ = margin;
+    const QSize both(2 * margin, 2 * margin);
+    setMinimumSize(minimumFrame_ + both);
+    if (!isFilling()) setGeometry(geometry().adjusted(-change, -change, change, change));
+}
+
+void OVPanelWindow::layOut() {
+    if (content_ != nullptr) content_->setGeometry(frame());
+    for (Edge* const edge : edges_) {
+        edge->setVisible(!isFilling());
+        edge->placeAround(frame());
+    }
+    if (environment().settings().isComposited || isFilling()) {
+        clearMask();
+    } else {
+        QBitmap shape(size());
+        shape.fill(Qt::color0);
+        QPainter painter(&shape);
+        fillRounded(painter, QRectF(rect()), cornerRadius(), Qt::color1);
+        painter.end();
+        setMask(shape);
+    }
+    if (windowHandle() != nullptr && isVisible()) {
+        x11::setShadowMargins(*windowHandle(), {.shadow = margin_, .grip = gripOutside});
+    }
+}
+
+void OVPanelWindow::drawFrame(QPainter& painter) const {
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF frame = this->frame();
+    if (margin_ > 0) {
+        drawShadow(painter, frame, cornerRadius(), shadowBlur, shadowOffset,
+                   QColor::fromRgbF(0, 0, 0, environment().isDark() ? 0.5F : 0.2F));
+    }
+    QColor page = color(ColorToken::page);
+    if (!environment().settings().reducesTransparency) {
+        page.setAlphaF(static_cast<float>(theme::windowBackgroundOpacity(environment().settings().appearance)));
+    }
+    fillRounded(painter, frame, cornerRadius(), page);
+    if (isFilling()) return;
+    QColor line = color(ColorToken::ink);
+    line.setAlphaF(environment().isDark() ? 0.16F : 0.12F);
+    painter.setPen(QPen(line, 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(frame.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5, radius - 0.5);
+}
+
+// The shadow is drawn once for each size; what changes inside of the frame only needs the page below it.
+void OVPanelWindow::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    const double ratio = devicePixelRatioF();
+    if (frameWithShadow_.deviceIndependentSize() != QSizeF(size())) {
+        frameWithShadow_ = QPixmap(size() * ratio);
+        frameWithShadow_.setDevicePixelRatio(ratio);
+        frameWithShadow_.fill(Qt::transparent);
+        QPainter once(&frameWithShadow_);
+        drawFrame(once);
+    }
+    const QRectF dirty = event->rect();
+    painter.drawPixmap(dirty, frameWithShadow_, QRectF(dirty.topLeft() * ratio, dirty.size() * ratio));
+}
+
+void OVPanelWindow::resizeEvent(QResizeEvent* /*event*/) {
+    layOut();
+}
+
+void OVPanelWindow::showEvent(QShowEvent* /*event*/) {
+    adaptToDesktop();
+}
+
+void OVPanelWindow::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    emit closeRequested();
+}
+
+void OVPanelWindow::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::WindowStateChange) adaptToDesktop();
+    OVWidget::changeEvent(event);
+}
+
+void OVPanelWindow::mousePressEvent(QMouseEvent* event) {
+    mayMove_ = event->button() == Qt::LeftButton;
+    pressed_ = event->globalPosition().toPoint();
+}
+
+void OVPanelWindow::mouseMoveEvent(QMouseEvent* event) {
+    const int distance = (event->globalPosition().toPoint() - pressed_).manhattanLength();
+    if (!mayMove_ || !(event->buttons() & Qt::LeftButton) ||
+        distance < QGuiApplication::styleHints()->startDragDistance()) {
+        return;
+    }
+    mayMove_ = false;  // the window manager takes over
+    windowHandle()->startSystemMove();
+}
+
+}  // namespace ovrin

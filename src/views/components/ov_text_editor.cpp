@@ -1,0 +1,89 @@
+#include "views/components/ov_text_editor.h"
+
+#include <QContextMenuEvent>
+#include <QPainter>
+#include <QTextBlock>
+#include <QTextBlockFormat>
+#include <QTextCursor>
+#include <QTextLayout>
+
+#include "views/components/drawing.h"
+#include "views/components/edit_menu.h"
+#include "views/components/ov_scroll_bar.h"
+
+namespace ovrin {
+
+using theme::ColorToken;
+
+namespace {
+constexpr double lineHeight = 21;
+constexpr double margin = 4;
+}  // namespace
+
+OVTextEditor::OVTextEditor(ViewEnvironment& environment, const QString& placeholder, QWidget* parent)
+    : QTextEdit(parent), environment_(environment), placeholder_(placeholder) {
+    setFrameShape(QFrame::NoFrame);
+    setAcceptRichText(false);
+    setTabChangesFocus(true);
+    setFont(toQFont(theme::font::body));
+    setAccessibleDescription(placeholder);
+    viewport()->setAutoFillBackground(false);
+    document()->setDocumentMargin(margin);
+    spaceLines();
+    new OVScrollBar(environment, this);
+    applyColors();
+    connect(&environment_, &ViewEnvironment::changed, this, &OVTextEditor::applyColors);
+}
+
+// One grid for all lines: those with Chinese characters would otherwise be higher than the others.
+void OVTextEditor::spaceLines() {
+    QTextBlockFormat format;
+    format.setLineHeight(lineHeight, QTextBlockFormat::FixedHeight);
+    QTextCursor all(document());
+    all.select(QTextCursor::Document);
+    all.mergeBlockFormat(format);
+    document()->clearUndoRedoStacks();
+}
+
+void OVTextEditor::setPlaceholder(const QString& placeholder) {
+    placeholder_ = placeholder;
+    setAccessibleDescription(placeholder);
+    viewport()->update();
+}
+
+void OVTextEditor::replaceText(const QString& text) {
+    if (text == toPlainText()) return;
+    QTextCursor all(document());
+    all.select(QTextCursor::Document);
+    all.insertText(text);
+    moveCursor(QTextCursor::Start);
+}
+
+void OVTextEditor::applyColors() {
+    QPalette colors = palette();
+    colors.setColor(QPalette::Base, Qt::transparent);
+    colors.setColor(QPalette::Text, environment_.color(ColorToken::ink));
+    QColor selection = environment_.color(ColorToken::accent);
+    selection.setAlphaF(0.35F);
+    colors.setColor(QPalette::Highlight, selection);
+    colors.setColor(QPalette::HighlightedText, environment_.color(ColorToken::ink));
+    setPalette(colors);
+}
+
+void OVTextEditor::paintEvent(QPaintEvent* event) {
+    QTextEdit::paintEvent(event);
+    // The toolkit's own placeholder knows nothing of the grid of lines.
+    const bool isComposing = !textCursor().block().layout()->preeditAreaText().isEmpty();
+    if (!document()->isEmpty() || isComposing) return;
+    QPainter painter(viewport());
+    painter.setFont(font());
+    painter.setPen(environment_.color(ColorToken::ink3));
+    painter.drawText(QRectF(viewport()->rect()).adjusted(margin, margin, -margin, 0),
+                     Qt::AlignTop | Qt::AlignLeft | Qt::TextWordWrap, placeholder_);
+}
+
+void OVTextEditor::contextMenuEvent(QContextMenuEvent* event) {
+    showEditMenu(environment_, *this, event->globalPos());
+}
+
+}  // namespace ovrin

@@ -1,0 +1,34 @@
+// An editor for plain text of many lines, without a background of its own.
+//
+// What is pasted or dropped loses its formats. Tab moves on to the next control. Replacing the text from outside can be
+// undone like typing.
+#pragma once
+
+#include <QTextEdit>
+
+#include "views/components/view_environment.h"
+
+namespace ovrin {
+
+class OVTextEditor final : public QTextEdit {
+    Q_OBJECT
+
+public:
+    OVTextEditor(ViewEnvironment& environment, const QString& placeholder, QWidget* parent = nullptr);
+
+    void setPlaceholder(const QString& placeholder);
+    void replaceText(const QString& text);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+private:
+    void applyColors();
+    void spaceLines();
+
+    ViewEnvironment& environment_;
+    QString placeholder_;
+};
+
+}  // namespace ovrin

@@ -1,0 +1,22 @@
+#include "views/result_panel/busy_note.h"
+
+#include <QHBoxLayout>
+
+#include "views/components/ov_label.h"
+#include "views/components/ov_pixel_loader.h"
+
+namespace ovrin {
+
+using theme::ColorToken;
+
+BusyNote::BusyNote(ViewEnvironment& environment, const QString& words, QWidget* parent)
+    : OVWidget(environment, parent) {
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(7);
+    row->addWidget(new OVPixelLoader(environment, ColorToken::accentInk));
+    row->addWidget(new OVLabel(environment, words, theme::font::body, ColorToken::ink2));
+    row->addStretch();
+}
+
+}  // namespace ovrin

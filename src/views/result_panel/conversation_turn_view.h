@@ -1,0 +1,34 @@
+// One turn of the panel's conversation: the question in a bubble, the answer below it as it arrives.
+#pragma once
+
+#include <string_view>
+
+#include "views/components/ov_streaming_text.h"
+#include "views/components/ov_widget.h"
+
+namespace ovrin {
+
+class BusyNote;
+class QuestionBubble;
+
+class ConversationTurnView final : public OVWidget {
+    Q_OBJECT
+
+public:
+    // question: UTF-8. answerLanguage: a BCP-47 tag.
+    ConversationTurnView(ViewEnvironment& environment, std::string_view question, std::string_view answerLanguage,
+                         QWidget* parent = nullptr);
+
+    // The answer so far, in UTF-8.
+    void setAnswer(std::string_view answer, OVStreamingText::Progress progress);
+
+    OVStreamingText& question() const;
+    OVStreamingText& answer() const { return *answer_; }
+
+private:
+    QuestionBubble* question_;
+    OVStreamingText* answer_;
+    BusyNote* waiting_;
+};
+
+}  // namespace ovrin

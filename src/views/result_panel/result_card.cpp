@@ -1,0 +1,103 @@
+#include "views/result_panel/result_card.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include "views/components/ov_animated_icon.h"
+#include "views/components/ov_label.h"
+#include "views/components/ov_streaming_text.h"
+#include "views/result_panel/busy_note.h"
+#include "views/result_panel/source_toggle.h"
+#include "windows/result_panel_view_model.h"
+
+namespace ovrin {
+
+using theme::ColorToken;
+
+namespace {
+
+constexpr double cornerRadius = 14;
+constexpr int padding = 16;
+constexpr double headerIcon = 14;
+const theme::FontStyle headerFont{12, theme::FontWeight::semibold, theme::FontDesign::standard};
+
+// A hairline between translation and source.
+class Divider final : public OVWidget {
+public:
+    explicit Divider(ViewEnvironment& environment) : OVWidget(environment) { setFixedHeight(1); }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QColor line = color(ColorToken::ink);
+        line.setAlphaF(environment().isDark() ? 0.1F : 0.08F);
+        QPainter(this).fillRect(rect(), line);
+    }
+};
+
+}  // namespace
+
+ResultCard::ResultCard(ViewEnvironment& environment, ResultPanelViewModel& viewModel, QWidget* parent)
+    : OVSurface(environment, cornerRadius, Elevation::flat, parent),
+      viewModel_(viewModel),
+      translation_(new OVStreamingText(environment, OVStreamingText::Mode::plain)),
+      original_(new OVStreamingText(environment, OVStreamingText::Mode::plain)),
+      nothing_(new OVLabel(environment, QStringLiteral("暂无内容"), theme::font::body, ColorToken::ink3)),
+      busy_(new BusyNote(environment, QStringLiteral("正在生成"))),
+      divider_(new Divider(environment)),
+      toggle_(new SourceToggle(environment)) {
+    translation_->setLanguage(viewModel.targetLanguage());
+    if (viewModel.sourceLanguage()) original_->setLanguage(*viewModel.sourceLanguage());
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(padding, padding - 3, padding, padding);
+    column->setSpacing(10);
+    addHeader(*column);
+    for (QWidget* const widget : {static_cast<QWidget*>(translation_), static_cast<QWidget*>(nothing_),
+                                  static_cast<QWidget*>(busy_), divider_}) {
+        column->addWidget(widget);
+    }
+    column->addWidget(toggle_);
+    column->addWidget(original_);
+    bind();
+    refresh();
+}
+
+void ResultCard::addHeader(QVBoxLayout& column) {
+    auto* header = new QHBoxLayout;
+    header->setSpacing(7);
+    header->addWidget(new OVAnimatedIcon(environment(), OVIcon::scanText, headerIcon, ColorToken::accentInk));
+    header->addWidget(new OVLabel(environment(), QStringLiteral("识别结果"), headerFont, ColorToken::ink2));
+    header->addStretch();
+    column.addLayout(header);
+}
+
+void ResultCard::bind() {
+    connect(toggle_, &QAbstractButton::toggled, this, [this](bool isChecked) {
+        showsOriginal_ = isChecked;
+        refresh();
+    });
+    subscriptions_.push_back(viewModel_.originalText().onDidChange([this](const std::string&) { refresh(); }));
+    subscriptions_.push_back(viewModel_.translation().onDidChange([this](const std::string&) { refresh(); }));
+    subscriptions_.push_back(viewModel_.isTranslating().onDidChange([this](bool) { refresh(); }));
+}
+
+void ResultCard::refresh() {
+    using Progress = OVStreamingText::Progress;
+    const std::string& translation = viewModel_.translation().value();
+    const std::string& original = viewModel_.originalText().value();
+    const bool isTranslating = viewModel_.isTranslating().value();
+    const bool isTranslated = isTranslating || !translation.empty();
+    const bool hasSource = isTranslated && !original.empty();
+
+    translation_->setTextSoFar(translation, isTranslating ? Progress::streaming : Progress::finished);
+    original_->setTextSoFar(original, Progress::finished);
+    original_->setColor(isTranslated ? ColorToken::ink2 : ColorToken::ink);
+    translation_->setVisible(!translation.empty());
+    busy_->setVisible(isTranslating);
+    nothing_->setVisible(!isTranslated && original.empty());
+    divider_->setVisible(hasSource);
+    toggle_->setVisible(hasSource);
+    original_->setVisible(!original.empty() && (!isTranslated || showsOriginal_));
+}
+
+}  // namespace ovrin

@@ -1,0 +1,58 @@
+// The lower edge of the result panel: suggested questions, and the field for the user's own with the button that sends
+// it. Return sends, Shift and Return begin a new line; the field grows with its lines.
+#pragma once
+
+#include <vector>
+
+#include "base/published.h"
+#include "language/ai_action.h"
+#include "views/components/ov_widget.h"
+
+class QHBoxLayout;
+
+namespace ovrin {
+
+class OVButton;
+class OVIconButton;
+class OVTextEditor;
+class ResultPanelViewModel;
+class SendButton;
+
+class ResultPanelComposer final : public OVWidget {
+    Q_OBJECT
+
+public:
+    // The view model outlives it.
+    ResultPanelComposer(ViewEnvironment& environment, ResultPanelViewModel& viewModel, QWidget* parent = nullptr);
+
+    void focusField();
+
+signals:
+    // The user has asked something.
+    void submitted();
+    // A key that moves through the text above was pressed in the field.
+    void scrollKeyPressed(QKeyEvent* event);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void addSuggestions(QHBoxLayout& row);
+    void bind();
+    void refresh();
+    void takeOverPrompt();
+    void fitField();
+    void submit(std::string question, AIAction action);
+    void submitPrompt();
+
+    ResultPanelViewModel& viewModel_;
+    QWidget* frame_;  // of the field: painted here
+    OVTextEditor* field_;
+    SendButton* send_;
+    OVIconButton* clear_;
+    std::vector<OVButton*> suggestions_;
+    std::vector<Subscription> subscriptions_;
+};
+
+}  // namespace ovrin
