@@ -2,22 +2,17 @@
 
 #include <QApplication>
 #include <QFile>
-#include <QString>
 
 namespace ovrin {
 
-namespace {
-
-QString fileOf(std::string_view asset) {
+QString QtApplicationIcon::file(std::string_view asset) {
     if (asset == "EntranceIconLight") return QStringLiteral(":/assets/entrance-icon-light.svg");
     if (asset == "EntranceIconDark") return QStringLiteral(":/assets/entrance-icon-dark.svg");
     return {};
 }
 
-}  // namespace
-
 bool QtApplicationIcon::hasImage(std::string_view asset) const {
-    return QFile::exists(fileOf(asset));
+    return QFile::exists(file(asset));
 }
 
 void QtApplicationIcon::setImage(std::string_view asset) {
@@ -25,8 +20,8 @@ void QtApplicationIcon::setImage(std::string_view asset) {
 }
 
 QIcon QtApplicationIcon::icon(std::string_view asset) {
-    const QString file = fileOf(asset);
-    return file.isEmpty() ? QIcon() : QIcon(file);
+    const QString name = file(asset);
+    return name.isEmpty() ? QIcon() : QIcon(name);
 }
 
 }  // namespace ovrin

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QIcon>
+#include <QString>
 #include <string_view>
 
 #include "platform/application_icon.h"
@@ -14,7 +15,9 @@ public:
     bool hasImage(std::string_view asset) const override;
     void setImage(std::string_view asset) override;
 
-    // Null for a name that the program has no picture of.
+    // The resource that holds the picture; empty for a name that the program has no picture of.
+    static QString file(std::string_view asset);
+    // Null for such a name.
     static QIcon icon(std::string_view asset);
 };
 

@@ -63,3 +63,49 @@ void ReadingFlow::bind() {
     subscriptions_.push_back(viewModel_.errorMessage().onDidChange(
         [this](const std::optional<std::string>& message) { error_->setMessage(message); }));
 }
+
+void ReadingFlow::showFirstTurn() {
+    const bool isAsked = viewModel_.selectedAIAction().value().has_value();
+    const std::string& question = viewModel_.initialQuestion().value();
+    if (firstTurn_ != nullptr && (!isAsked || question != firstQuestion_)) {
+        delete firstTurn_;
+        firstTurn_ = nullptr;
+    }
+    if (!isAsked || question.empty()) return;
+    if (firstTurn_ == nullptr) {
+        firstQuestion_ = question;
+        firstTurn_ = addTurn(question);
+    }
+    firstTurn_->setAnswer(viewModel_.aiOutput().value(), progress(viewModel_.isAIStreaming().value()));
+}
+
+void ReadingFlow::showFollowUps(const std::vector<FollowUpMessage>& followUps) {
+    const auto isShown = [](const FollowUp& shown, const FollowUpMessage& message) { return shown.id == message.id; };
+    const auto firstOther = std::ranges::mismatch(followUps_, followUps, isShown).in1;
+    std::for_each(firstOther, followUps_.end(), [](const FollowUp& gone) { delete gone.view; });
+    followUps_.erase(firstOther, followUps_.end());
+    for (std::size_t i = 0; i < followUps.size(); ++i) {
+        const FollowUpMessage& message = followUps[i];
+        if (i == followUps_.size()) followUps_.push_back({message.id, addTurn(message.question)});
+        followUps_[i].view->setAnswer(message.answer, progress(message.isStreaming));
+    }
+}
+
+ConversationTurnView* ReadingFlow::addTurn(std::string_view question) {
+    auto* turn = new ConversationTurnView(environment(), question, viewModel_.replyLanguage());
+    makeReadable(turn->question());
+    makeReadable(turn->answer());
+    turns_->addWidget(turn);
+    return turn;
+}
+
+void ReadingFlow::makeReadable(OVStreamingText& text) {
+    area_.keepInSight(text);
+    connect(&text, &OVStreamingText::linkActivated, this, [](const QUrl& target) {
+        // An answer may name anything; only what a browser or a mail program opens is safe to follow.
+        const QString scheme = target.scheme();
+        if (scheme == "https" || scheme == "http" || scheme == "mailto") QDesktopServices::openUrl(target);
+    });
+}
+
+}  // namespace ovrin

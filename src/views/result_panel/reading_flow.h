@@ -1,5 +1,5 @@
-// What is read in the result panel, one below the other in a column of limited width: the card with the recognised text,
-// then the conversation about it, and what went wrong.
+// What is read in the result panel, one below the other in a column of limited width: the card with the recognised
+// text, then the conversation about it, and what went wrong.
 #pragma once
 
 #include <vector>
@@ -16,6 +16,7 @@ namespace ovrin {
 class ConversationTurnView;
 class OVErrorNote;
 class OVScrollArea;
+class OVStreamingText;
 
 class ReadingFlow final : public OVWidget {
     Q_OBJECT
@@ -34,7 +35,7 @@ private:
     void showFirstTurn();
     void showFollowUps(const std::vector<FollowUpMessage>& followUps);
     ConversationTurnView* addTurn(std::string_view question);
-    void makeReadable(class OVStreamingText& text);
+    void makeReadable(OVStreamingText& text);
 
     ResultPanelViewModel& viewModel_;
     OVScrollArea& area_;
@@ -42,6 +43,7 @@ private:
     QVBoxLayout* turns_;
     OVErrorNote* error_;
     ConversationTurnView* firstTurn_ = nullptr;
+    std::string firstQuestion_;  // what it shows
     std::vector<FollowUp> followUps_;
     std::vector<Subscription> subscriptions_;
 };

@@ -41,7 +41,8 @@ struct Suggestion {
 constexpr std::array suggestions{
     Suggestion{"问问 AI", "这是什么？", AIAction::whatIsThis, OVIcon::sparkles},
     Suggestion{"提炼重点", "请提炼这里最重要的信息，并告诉我为什么值得关注。", AIAction::summarize, OVIcon::alignLeft},
-    Suggestion{"属于哪个行业", "这段内容或对象更可能属于哪个行业？请简要说明判断依据。", AIAction::explain, OVIcon::search},
+    Suggestion{"属于哪个行业", "这段内容或对象更可能属于哪个行业？请简要说明判断依据。", AIAction::explain,
+               OVIcon::search},
 };
 
 bool isReturn(const QKeyEvent& event) {
@@ -50,8 +51,7 @@ bool isReturn(const QKeyEvent& event) {
 
 }  // namespace
 
-ResultPanelComposer::ResultPanelComposer(ViewEnvironment& environment, ResultPanelViewModel& viewModel,
-                                         QWidget* parent)
+ResultPanelComposer::ResultPanelComposer(ViewEnvironment& environment, ResultPanelViewModel& viewModel, QWidget* parent)
     : OVWidget(environment, parent),
       viewModel_(viewModel),
       frame_(new QWidget),

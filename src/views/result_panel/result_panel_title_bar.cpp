@@ -51,7 +51,8 @@ void ResultPanelTitleBar::addBrand(QHBoxLayout& row, const Published<std::string
 }
 
 void ResultPanelTitleBar::addActions(QHBoxLayout& row) {
-    translate_ = new OVButton(environment(), QStringLiteral("翻译"), OVButton::Kind::primary, OVButton::Density::compact);
+    translate_ =
+        new OVButton(environment(), QStringLiteral("翻译"), OVButton::Kind::primary, OVButton::Density::compact);
     translate_->setOVIcon(OVIcon::languages);
     auto* copy = new OVIconButton(environment(), OVIcon::copy, QStringLiteral("复制"));
     auto* speak = new OVIconButton(environment(), OVIcon::volume, QStringLiteral("朗读"));

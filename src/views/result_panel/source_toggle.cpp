@@ -39,7 +39,8 @@ void SourceToggle::paintEvent(QPaintEvent* /*event*/) {
     // Points to the right while the text is hidden, down when it is there.
     painter.translate(arrowSize / 2, QWidget::height() / 2.0);
     painter.rotate(-90 * (1 - turn_.value()));
-    drawIcon(painter, OVIcon::chevronDown, QRectF(-arrowSize / 2, -arrowSize / 2, arrowSize, arrowSize), arrowSize, shade);
+    drawIcon(painter, OVIcon::chevronDown, QRectF(-arrowSize / 2, -arrowSize / 2, arrowSize, arrowSize), arrowSize,
+             shade);
     painter.restore();
     painter.setFont(font());
     painter.setPen(shade);

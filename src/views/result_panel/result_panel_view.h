@@ -1,0 +1,42 @@
+// Everything inside the result panel's window: title bar, what is read or the translated picture, composer.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/published.h"
+#include "views/components/ov_widget.h"
+#include "windows/result_panel_view_model.h"
+
+namespace ovrin {
+
+class ImageOverlayView;
+class OVScrollArea;
+class ResultPanelComposer;
+
+class ResultPanelView final : public OVWidget {
+    Q_OBJECT
+
+public:
+    // The view model and the name of the brand's picture outlive it.
+    ResultPanelView(ViewEnvironment& environment, ResultPanelViewModel& viewModel,
+                    const Published<std::string>& brandImage);
+
+    void focusComposer();
+
+signals:
+    void closeRequested();
+
+private:
+    void followConversation();
+    void showReadingOrOverlay();
+
+    ResultPanelViewModel& viewModel_;
+    OVScrollArea* reading_;
+    ImageOverlayView* overlay_ = nullptr;  // made when it is first asked for
+    ResultPanelComposer* composer_;
+    class QVBoxLayout* column_;
+    std::vector<Subscription> subscriptions_;
+};
+
+}  // namespace ovrin
