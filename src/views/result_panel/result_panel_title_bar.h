@@ -7,6 +7,8 @@
 #include "base/published.h"
 #include "views/components/ov_widget.h"
 
+class QHBoxLayout;
+
 namespace ovrin {
 
 class OVButton;
@@ -25,7 +27,7 @@ signals:
     void closeRequested();
 
 private:
-    void addBrand(class QHBoxLayout& row, const Published<std::string>& brandImage);
+    void addBrand(QHBoxLayout& row, const Published<std::string>& brandImage);
     void addActions(QHBoxLayout& row);
     void refresh();
 

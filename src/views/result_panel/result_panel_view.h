@@ -8,6 +8,8 @@
 #include "views/components/ov_widget.h"
 #include "windows/result_panel_view_model.h"
 
+class QVBoxLayout;
+
 namespace ovrin {
 
 class ImageOverlayView;
@@ -35,7 +37,7 @@ private:
     OVScrollArea* reading_;
     ImageOverlayView* overlay_ = nullptr;  // made when it is first asked for
     ResultPanelComposer* composer_;
-    class QVBoxLayout* column_;
+    QVBoxLayout* column_;
     std::vector<Subscription> subscriptions_;
 };
 

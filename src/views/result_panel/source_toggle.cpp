@@ -13,7 +13,7 @@ using theme::ColorToken;
 namespace {
 constexpr double arrowSize = 14;
 constexpr double gap = 4;
-constexpr int height = 24;
+constexpr int toggleHeight = 24;
 const theme::FontStyle wordsFont{12, theme::FontWeight::medium, theme::FontDesign::standard};
 }  // namespace
 
@@ -28,7 +28,8 @@ SourceToggle::SourceToggle(ViewEnvironment& environment, QWidget* parent)
 }
 
 QSize SourceToggle::sizeHint() const {
-    return {static_cast<int>(std::ceil(QFontMetricsF(font()).horizontalAdvance(text()) + arrowSize + gap)) + 6, height};
+    return {static_cast<int>(std::ceil(QFontMetricsF(font()).horizontalAdvance(text()) + arrowSize + gap)) + 6,
+            toggleHeight};
 }
 
 void SourceToggle::paintEvent(QPaintEvent* /*event*/) {
