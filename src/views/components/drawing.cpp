@@ -1,5 +1,6 @@
 #include "views/components/drawing.h"
 
+#include <QBitmap>
 #include <QFile>
 #include <QFontDatabase>
 #include <QFontInfo>
@@ -106,6 +107,14 @@ void fillRounded(QPainter& painter, const QRectF& rectangle, double radius, cons
     painter.setPen(Qt::NoPen);
     painter.setBrush(color);
     painter.drawRoundedRect(rectangle, radius, radius);
+}
+
+QBitmap roundedShape(const QSize& size, double radius) {
+    QBitmap shape(size);
+    shape.fill(Qt::color0);
+    QPainter painter(&shape);
+    fillRounded(painter, QRectF(QPointF(), size), radius, Qt::color1);
+    return shape;
 }
 
 void drawShadow(QPainter& painter, const QRectF& rectangle, double radius, double blur, double verticalOffset,

@@ -12,6 +12,7 @@
 #include "theme/ov_icon.h"
 #include "theme/type_scale.h"
 
+class QBitmap;
 class QPainter;
 
 namespace ovrin {
@@ -34,6 +35,9 @@ void drawIcon(QPainter& painter, OVIcon icon, const QRectF& rectangle, double si
 
 // Fills a rounded rectangle without outline.
 void fillRounded(QPainter& painter, const QRectF& rectangle, double radius, const QColor& color);
+
+// A rounded rectangle as the shape of a window, for screens that nothing composites.
+QBitmap roundedShape(const QSize& size, double radius);
 
 // A soft shadow around a rounded rectangle, drawn outside of it only. blur and offset are in points.
 void drawShadow(QPainter& painter, const QRectF& rectangle, double radius, double blur, double verticalOffset,

@@ -1,7 +1,6 @@
 #include "views/components/ov_floating_window.h"
 
 #include <QBitmap>
-#include <QPainter>
 
 #include "views/components/drawing.h"
 
@@ -31,12 +30,7 @@ void OVFloatingWindow::resizeEvent(QResizeEvent* /*event*/) {
 
 void OVFloatingWindow::applyShape() {
     if (environment().settings().isComposited) return clearMask();
-    QBitmap shape(size());
-    shape.fill(Qt::color0);
-    QPainter painter(&shape);
-    fillRounded(painter, QRectF(rect()), cornerRadius_, Qt::color1);
-    painter.end();
-    setMask(shape);
+    setMask(roundedShape(size(), cornerRadius_));
 }
 
 }  // namespace ovrin

@@ -11,22 +11,27 @@ OVWindowBackground::OVWindowBackground(ViewEnvironment& environment, double corn
 
 void OVWindowBackground::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    QColor page = color(theme::ColorToken::page);
-    if (!environment().settings().reducesTransparency) {
-        page.setAlphaF(static_cast<float>(theme::windowBackgroundOpacity(environment().settings().appearance)));
+    drawWindowBackground(painter, rect(), cornerRadius_, environment());
+}
+
+void drawWindowBackground(QPainter& painter, const QRectF& rectangle, double cornerRadius,
+                          const ViewEnvironment& environment) {
+    QColor page = environment.color(theme::ColorToken::page);
+    if (!environment.settings().reducesTransparency) {
+        page.setAlphaF(static_cast<float>(theme::windowBackgroundOpacity(environment.settings().appearance)));
     }
-    if (cornerRadius_ == 0) {
+    if (cornerRadius == 0) {
         painter.setCompositionMode(QPainter::CompositionMode_Source);
-        painter.fillRect(rect(), page);
+        painter.fillRect(rectangle, page);
         return;
     }
     painter.setRenderHint(QPainter::Antialiasing);
-    fillRounded(painter, rect(), cornerRadius_, page);
-    QColor line = color(theme::ColorToken::ink);
-    line.setAlphaF(environment().isDark() ? 0.14F : 0.1F);
+    fillRounded(painter, rectangle, cornerRadius, page);
+    QColor line = environment.color(theme::ColorToken::ink);
+    line.setAlphaF(environment.isDark() ? 0.14F : 0.1F);
     painter.setPen(QPen(line, 1));
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius_ - 0.5, cornerRadius_ - 0.5);
+    painter.drawRoundedRect(rectangle.adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius - 0.5, cornerRadius - 0.5);
 }
 
 }  // namespace ovrin

@@ -4,6 +4,8 @@
 
 #include "views/components/ov_widget.h"
 
+class QPainter;
+
 namespace ovrin {
 
 class OVWindowBackground : public OVWidget {
@@ -20,5 +22,9 @@ protected:
 private:
     double cornerRadius_;
 };
+
+// The same for windows of other kinds.
+void drawWindowBackground(QPainter& painter, const QRectF& rectangle, double cornerRadius,
+                          const ViewEnvironment& environment);
 
 }  // namespace ovrin

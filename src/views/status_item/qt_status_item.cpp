@@ -1,0 +1,143 @@
+#include "views/status_item/qt_status_item.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QSystemTrayIcon>
+#include <QTimer>
+#include <chrono>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/error.h"
+#include "platform/linux/x11_panels.h"
+#include "views/components/drawing.h"
+#include "views/status_item/status_bar_icon.h"
+
+namespace ovrin {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr const char* embeddingSelection = "_NET_SYSTEM_TRAY_S0";
+// Until a panel that has just appeared has drawn itself.
+constexpr auto timeToDraw = 1500ms;
+
+xcb_connection_t* toolkitConnection() {
+    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return x11 == nullptr ? nullptr : x11->connection();
+}
+
+// Panels that can't be looked at: these desktops have dark ones in either appearance.
+bool hasDarkPanelAlways() {
+    const QByteArray desktop = qgetenv("XDG_CURRENT_DESKTOP");
+    return desktop.contains("GNOME") || desktop.contains("Unity") || desktop.contains("Pantheon") ||
+           desktop.contains("X-Cinnamon");
+}
+
+}  // namespace
+
+QtStatusItem::QtStatusItem(ViewEnvironment& environment, const KeyboardLayout& layout, X11Screenshot& screenshot)
+    : environment_(environment), layout_(layout), screenshot_(screenshot) {
+    connect(&environment_, &ViewEnvironment::changed, this, &QtStatusItem::updateTint);
+    connect(&notifierItem_, &StatusNotifierItem::hostChanged, this, &QtStatusItem::chooseHost);
+    connect(&notifierItem_, &StatusNotifierItem::activated, this, &QtStatusItem::handleLeftClick);
+    connect(&notifierItem_, &StatusNotifierItem::menuRequested, this, &QtStatusItem::handleRightClick);
+    followEmbeddingPanels();
+    updateTint();
+    drawIcon();
+    notifierItem_.start();
+}
+
+QtStatusItem::~QtStatusItem() {
+    delete menu_;
+}
+
+void QtStatusItem::followEmbeddingPanels() {
+    try {
+        embeddingPanels_.emplace(nullptr, std::vector<std::string>{embeddingSelection});
+    } catch (const Error&) {
+        return;  // no X11 desktop: no such panels
+    }
+    embeddingPanelsChanged_.emplace(embeddingPanels_->descriptor(), QSocketNotifier::Read);
+    connect(&*embeddingPanelsChanged_, &QSocketNotifier::activated, this, [this] {
+        if (!embeddingPanels_->process()) embeddingPanelsChanged_->setEnabled(false);
+        chooseHost();
+    });
+}
+
+void QtStatusItem::chooseHost() {
+    using Host = StatusNotifierItem::Host;
+    if (notifierItem_.host() == Host::unknown) return;
+    const bool isOnBus = notifierItem_.host() == Host::there;
+    const bool canEmbed = !isOnBus && embeddingPanels_ && embeddingPanels_->hasOwner(embeddingSelection);
+    if (!canEmbed) embedded_.reset();
+    if (canEmbed && !embedded_) embed();
+    if (isOnBus || canEmbed) QTimer::singleShot(timeToDraw, this, &QtStatusItem::updateTint);
+    visibility_.set(isOnBus || canEmbed ? Visibility::shown : Visibility::nowhere);
+}
+
+// Only when there is nobody on the bus: the toolkit decides once, at its first icon, which way to go.
+void QtStatusItem::embed() {
+    embedded_ = std::make_unique<QSystemTrayIcon>();
+    connect(embedded_.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger) handleLeftClick();
+        if (reason == QSystemTrayIcon::Context) handleRightClick();
+    });
+    drawIcon();
+    embedded_->setToolTip(toolTip_);
+    embedded_->show();
+}
+
+void QtStatusItem::handleLeftClick() {
+    updateTint();
+    if (events_.leftClicked) events_.leftClicked();
+}
+
+void QtStatusItem::handleRightClick() {
+    updateTint();
+    if (events_.rightClicked) events_.rightClicked();
+}
+
+void QtStatusItem::setAlpha(double alpha) {
+    if (alpha == alpha_) return;
+    alpha_ = alpha;
+    drawIcon();
+}
+
+void QtStatusItem::setToolTip(std::string text) {
+    toolTip_ = toQString(text);
+    notifierItem_.setToolTip(toolTip_);
+    if (embedded_) embedded_->setToolTip(toolTip_);
+}
+
+void QtStatusItem::showMenu(Menu menu) {
+    QTimer::singleShot(0, this, [this, menu = std::move(menu)] { openMenu(menu); });
+}
+
+void QtStatusItem::openMenu(const Menu& menu) {
+    if (menu_) menu_->close();
+    if (events_.menuWillOpen) events_.menuWillOpen();
+    menu_ = new StatusMenu(environment_, layout_, menu);
+    connect(menu_, &StatusMenu::closed, this, [this](const std::function<void()>& action) {
+        if (events_.menuDidClose) events_.menuDidClose();
+        if (action) action();
+    });
+    menu_->popUp(QCursor::pos());
+}
+
+void QtStatusItem::updateTint() {
+    const auto fallback = hasDarkPanelAlways() ? theme::Appearance::dark : environment_.settings().appearance;
+    auto* const connection = toolkitConnection();
+    const auto seen = connection != nullptr ? panelAppearance(connection, screenshot_) : std::nullopt;
+    if (std::exchange(panel_, seen.value_or(fallback)) != panel_) drawIcon();
+}
+
+void QtStatusItem::drawIcon() {
+    const QList<QImage> sizes = statusBarImages(toQColor(theme::color(theme::ColorToken::ink, panel_)), alpha_);
+    notifierItem_.setIcon(sizes);
+    if (embedded_) embedded_->setIcon(toQIcon(sizes));
+}
+
+}  // namespace ovrin
