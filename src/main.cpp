@@ -12,6 +12,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include "assistant.h"
 #include "base/environment.h"
 #include "base/error.h"
 #include "base/run_loop.h"
@@ -54,10 +55,7 @@ public:
         return EXIT_SUCCESS;
     }
 
-    int operator()(const cli::StartAssistant&) {
-        terminal_.writeError("ovrin: this build has no desktop assistant yet; see 'ovrin --help' for what it can do");
-        return exitUsage;
-    }
+    int operator()(const cli::StartAssistant&) { return runAssistant(); }
 
     int operator()(const cli::Recognize& command) {
         const cli::Interruption interruption;

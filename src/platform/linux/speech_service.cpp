@@ -78,6 +78,8 @@ private:
     SpeechService& service_;
 };
 
+SpeechService::SpeechService() = default;
+
 SpeechService::~SpeechService() {
     ++latest_;
 }

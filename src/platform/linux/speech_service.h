@@ -15,7 +15,7 @@ namespace ovrin {
 
 class SpeechService {
 public:
-    SpeechService() = default;
+    SpeechService();
     SpeechService(const SpeechService&) = delete;
     SpeechService& operator=(const SpeechService&) = delete;
     ~SpeechService();

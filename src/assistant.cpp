@@ -1,0 +1,353 @@
+#include "assistant.h"
+
+#include <QApplication>
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <future>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+
+#include "app/app_icon_manager.h"
+#include "app/app_state.h"
+#include "app/appearance_manager.h"
+#include "app/application_actions.h"
+#include "app/remote_command.h"
+#include "app/status_bar_controller.h"
+#include "app/toast_window.h"
+#include "base/text.h"
+#include "base/uuid.h"
+#include "base/worker_executor.h"
+#include "language/ai_service.h"
+#include "language/conversation_prompts.h"
+#include "language/selection_translate_service.h"
+#include "platform/linux/application_name.h"
+#include "platform/linux/image_decoder.h"
+#include "platform/linux/language_identifier.h"
+#include "platform/linux/onnx_text_recognizer.h"
+#include "platform/linux/qt/application_bus.h"
+#include "platform/linux/qt/desktop_settings.h"
+#include "platform/linux/qt/freedesktop_notification_center.h"
+#include "platform/linux/qt/qt_desktop_layout.h"
+#include "platform/linux/qt/qt_main_loop.h"
+#include "platform/linux/qt/termination_signals.h"
+#include "platform/linux/qt/x11_screen_capture.h"
+#include "platform/linux/speech_service.h"
+#include "platform/linux/x11_clipboard.h"
+#include "platform/linux/x11_connection.h"
+#include "platform/linux/x11_hot_keys.h"
+#include "platform/linux/x11_keyboard_layout.h"
+#include "platform/linux/x11_screenshot.h"
+#include "platform/linux/x11_synthetic_keyboard.h"
+#include "recognition/capture_controller.h"
+#include "recognition/idle_releasing_recognizer.h"
+#include "recognition/vision_ocr_engine.h"
+#include "services.h"
+#include "shortcuts/assistant_actions.h"
+#include "shortcuts/command_palette_presenter.h"
+#include "shortcuts/hotkey_manager.h"
+#include "shortcuts/registry.h"
+#include "views/application/qt_application_icon.h"
+#include "views/capture/qt_capture_overlays.h"
+#include "views/command_palette/command_palette_view.h"
+#include "views/components/view_environment.h"
+#include "views/mini_popover/mini_popover_panel.h"
+#include "views/result_panel/qt_result_panel_window.h"
+#include "views/status_item/qt_status_item.h"
+#include "views/toast/toast_panel.h"
+#include "windows/mini_popover_presenter.h"
+#include "windows/result_window_presenter.h"
+
+namespace ovrin {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// Panels come up at about the time that programs are started with the session.
+constexpr auto patienceWithTheTray = 5s;
+
+// Whether the model service is configured. The answer comes from a worker, since the keychain may ask the user for a
+// password first; a question that is not answered at once gets the answer from before.
+class ModelReadiness {
+public:
+    ModelReadiness(const AppConfig& config, WorkerExecutor& worker) : config_(config), worker_(worker) {}
+
+    bool isReady() {
+        constexpr auto patience = 50ms;
+        if (!answer_.valid()) answer_ = ask();
+        if (answer_.wait_for(patience) == std::future_status::ready) lastAnswer_ = answer_.get();
+        return lastAnswer_;
+    }
+
+private:
+    std::future<bool> ask() {
+        const auto promise = std::make_shared<std::promise<bool>>();
+        worker_.post([promise, &config = config_](const std::stop_token&) {
+            promise->set_value(config.modelAPIConfiguration().isReady());
+        });
+        return promise->get_future();
+    }
+
+    const AppConfig& config_;
+    WorkerExecutor& worker_;
+    bool lastAnswer_ = true;
+    std::future<bool> answer_;
+};
+
+// The windows that the program's events go to, not toasts, cards and menus.
+QWidgetList visibleWindows() {
+    QWidgetList windows = QApplication::topLevelWidgets();
+    windows.removeIf([](const QWidget* window) { return !window->isVisible() || window->windowType() != Qt::Window; });
+    return windows;
+}
+
+// Owns everything that lives as long as the program, and lets it come up.
+class AppDelegate final : public AssistantActions, public ApplicationActions {
+public:
+    AppDelegate();
+    AppDelegate(const AppDelegate&) = delete;
+    AppDelegate& operator=(const AppDelegate&) = delete;
+
+    void applicationDidFinishLaunching();
+    // The program was started a second time.
+    void applicationShouldHandleReopen();
+    // False for a name that stands for nothing here.
+    bool perform(const std::string& commandName);
+
+    void captureOCR() override { appState_.startCapture(CaptureIntent::ocr); }
+    void captureTranslate() override { appState_.startCapture(CaptureIntent::translate); }
+    void captureWhatIsThis() override { appState_.startCapture(CaptureIntent::whatIsThis); }
+    void silentCaptureOCR() override { appState_.startCapture(CaptureIntent::silentOCR); }
+    void showDirectAI() override {}
+    void showInputTranslate() override {}
+    void showCommandPalette() override { commandPalette_.show(); }
+    void selectionTranslate() override { appState_.selectionTranslate({}); }
+    void silentSelectionTranslate() override { appState_.selectionTranslate({.silent = true}); }
+    void replaceSelection() override { appState_.selectionTranslate({.silent = true, .replace = true}); }
+    void clipboardOCR() override { appState_.clipboardOCR(); }
+    void clipboardTranslate() override { appState_.clipboardTranslate(); }
+    bool showLatestResult() override;
+    void showToast(std::string message, std::string symbol) override {
+        toasts_.show(std::move(message), std::move(symbol));
+    }
+
+    bool has(AppWindow /*window*/) const override { return false; }
+    void showHistory() override {}
+    void showSettings() override {}
+    bool isUpdateConfigured() const override { return false; }
+    void checkForUpdates() override { showToast("自动更新尚未配置", "exclamationmark.triangle"); }
+    void quit() override { QApplication::quit(); }
+
+private:
+    std::unique_ptr<ToastWindow::Panel> makeToast(const std::string& message, OVIcon icon);
+    ResultPanelViewModel::Services resultPanelServices();
+    AppState::Surroundings surroundings();
+    void sayIfThereIsNoTray();
+
+    QtMainLoop loop_;
+    Settings settings_;
+
+    // How things look.
+    LinuxDesktopSettings desktopSettings_;
+    AppearanceManager appearance_{desktopSettings_.current()};
+    ViewEnvironment environment_;
+    Subscription appearanceChanges_;
+    QtApplicationIcon applicationIcon_;
+    AppIconManager icons_{settings_.config, settings_.defaults, applicationIcon_};
+
+    // What reads text. The recogniser comes before the threads, which may read the environment that it changes.
+    OnnxTextRecognizer loadedRecognizer_{RecognitionFiles::ofThisProgram()};
+    LinuxLanguageIdentifier identifier_;
+    WorkerExecutor recognitionWorker_{1};
+    IdleReleasingRecognizer recognizer_{loadedRecognizer_, loop_, recognitionWorker_};
+
+    // What answers.
+    WorkerExecutor settingsWorker_{1};
+    ModelReadiness readiness_{settings_.config, settingsWorker_};
+    ModelServices model_{settings_};
+    ConversationPrompts prompts_{Environment::ofProcess, secureRandomIndex};
+    std::unique_ptr<HistoryStore> history_ = openHistory();
+
+    // The desktop.
+    WorkerExecutor desktopWorker_{1};  // pictures of the screen, pictures from the clipboard
+    LinuxImageDecoder decoder_;
+    X11Screenshot screenshot_;
+    X11ScreenCapture screen_{screenshot_, desktopWorker_};
+    QtCaptureOverlays captureOverlays_{environment_, screenshot_};
+    X11Clipboard clipboard_{nullptr, decoder_, desktopWorker_};
+    X11SimulateKeyboard keyboard_{nullptr};
+    QtDesktopLayout layout_;
+    SpeechService speech_;
+    FreedesktopNotificationCenter notifications_;
+
+    // Windows and flows.
+    ToastWindow toasts_{loop_, [this](const std::string& message, OVIcon icon) { return makeToast(message, icon); }};
+    ResultWindowPresenter resultPanel_{
+        resultPanelServices(), settings_.config, settings_.defaults, [this](std::function<void()> requestClose) {
+            return std::make_unique<QtResultPanelWindow>(environment_, icons_.image(), std::move(requestClose));
+        }};
+    MiniPopoverPresenter translationCard_{
+        {.loop = loop_, .translation = model_.translation(identifier_), .clipboard = clipboard_, .toasts = toasts_},
+        settings_.config,
+        layout_,
+        [this](MiniPopoverViewModel& viewModel, std::function<void()> requestClose) {
+            return std::make_unique<MiniPopoverPanel>(environment_, icons_.image(), viewModel, std::move(requestClose));
+        }};
+    AppState appState_;
+
+    // How they are reached.
+    X11HotKeys hotKeys_{loop_, nullptr};
+    X11KeyboardLayout keyboardLayout_{nullptr};
+    KeyboardShortcuts::Registry registry_{settings_.defaults, hotKeys_, keyboardLayout_, [](const std::string& line) {
+                                              std::puts(line.c_str());
+                                              std::fflush(stdout);
+                                          }};
+    HotkeyManager hotkeyManager_{registry_, settings_.defaults, loop_};
+    CommandPalettePresenter commandPalette_{
+        *this, registry_,
+        [this](CommandPaletteViewModel& viewModel, std::function<void()> requestClose) {
+            return std::make_unique<CommandPaletteView>(environment_, viewModel, std::move(requestClose));
+        },
+        loop_, text::caseRules(Environment::ofProcess())};
+    QtStatusItem statusItem_{environment_, keyboardLayout_, screenshot_};
+    std::optional<StatusBarController> statusBar_;  // from the launch on
+};
+
+AppDelegate::AppDelegate()
+    : appState_(std::make_unique<VisionOCREngine>(
+                    std::vector<std::string>{"zh-Hans", "zh-Hant", "en-US", "ja-JP", "ko-KR"}, recognizer_, identifier_,
+                    recognitionWorker_, std::chrono::system_clock::now),
+                model_.translation(identifier_), std::make_unique<CaptureController>(captureOverlays_, [] {}),
+                std::make_unique<SelectionTranslateService>(clipboard_, keyboard_), surroundings()) {
+    environment_.setSettings(appearance_.settings().value());
+    appearanceChanges_ = appearance_.settings().onDidChange(
+        [this](const DesktopSettings& settings) { environment_.setSettings(settings); });
+}
+
+std::unique_ptr<ToastWindow::Panel> AppDelegate::makeToast(const std::string& message, OVIcon icon) {
+    return std::make_unique<ToastPanel>(environment_, message, icon);
+}
+
+ResultPanelViewModel::Services AppDelegate::resultPanelServices() {
+    return {.loop = loop_,
+            .translation = model_.translation(identifier_),
+            .ai = AIService(model_.client),
+            .prompts = prompts_,
+            .history = *history_,
+            .clipboard = clipboard_,
+            .toasts = toasts_,
+            .makeSpeech = [this] { return speech_.makeSynthesizer(); }};
+}
+
+AppState::Surroundings AppDelegate::surroundings() {
+    return {.loop = loop_,
+            .screen = screen_,
+            .clipboard = clipboard_,
+            .config = settings_.config,
+            .history = *history_,
+            .toasts = toasts_,
+            .notifications = notifications_,
+            .resultPanel = resultPanel_,
+            .translationCard = translationCard_};
+}
+
+void AppDelegate::applicationDidFinishLaunching() {
+    settingsWorker_.post([this](const std::stop_token&) { settings_.config.migrateLegacyAPIKeyIfNeeded(); });
+    appearance_.apply(settings_.config.appearanceMode());
+    icons_.applySavedIcon();
+    statusBar_.emplace(StatusBarController::Surroundings{
+        .statusItem = statusItem_,
+        .actions = *this,
+        .application = *this,
+        .registry = registry_,
+        .isCapturing = appState_.isCapturing(),
+        .activityText = appState_.activityText(),
+        .isModelReady = [this] { return readiness_.isReady(); },
+        .hasTranslationResult = [this] { return resultPanel_.hasTranslationResult(); }});
+    hotkeyManager_.bindAll(*this);
+    notifications_.requestAuthorization({.alerts = true, .sounds = true});
+    loop_.postAfter(patienceWithTheTray, [this] { sayIfThereIsNoTray(); });
+}
+
+void AppDelegate::sayIfThereIsNoTray() {
+    if (statusItem_.visibility().value() == QtStatusItem::Visibility::shown) return;
+    notifications_.add({.identifier = Uuid::random().text(),
+                        .title = "Ovrin 已启动",
+                        .body = "当前桌面没有系统托盘，请使用快捷键或命令“ovrin do”。"});
+}
+
+void AppDelegate::applicationShouldHandleReopen() {
+    const QWidgetList windows = visibleWindows();
+    if (windows.isEmpty()) return has(AppWindow::settings) ? showSettings() : showCommandPalette();
+    for (QWidget* const window : windows) {
+        window->raise();
+        window->activateWindow();
+    }
+}
+
+bool AppDelegate::perform(const std::string& commandName) {
+    const std::optional<RemoteCommand> command = remoteCommand(commandName);
+    if (!command) return false;
+    if (const auto* shortcut = std::get_if<OvShortcut>(&*command)) {
+        ovrin::perform(*shortcut, *this);
+        return true;
+    }
+    switch (std::get<ApplicationCommand>(*command)) {
+        case ApplicationCommand::history:
+            showHistory();
+            break;
+        case ApplicationCommand::settings:
+            showSettings();
+            break;
+        case ApplicationCommand::quit:
+            quit();
+            break;
+    }
+    return true;
+}
+
+bool AppDelegate::showLatestResult() {
+    if (resultPanel_.latestViewModel() == nullptr) return false;
+    resultPanel_.showLatest();
+    return true;
+}
+
+}  // namespace
+
+int runAssistant() {
+    // Without a display the toolkit would end the program in its own way.
+    connectToX11(nullptr);
+    // Windows carry the program's name as their class.
+    std::string name = "ovrin";
+    std::array<char*, 2> arguments{name.data(), nullptr};
+    int argumentCount = 1;
+    const QApplication application(argumentCount, arguments.data());
+    QApplication::setApplicationName("ovrin");
+    QApplication::setApplicationDisplayName("Ovrin");
+    QApplication::setApplicationVersion(OVRIN_VERSION);
+    QApplication::setDesktopFileName(applicationId);
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    std::optional<AppDelegate> delegate;
+    ApplicationBus bus;
+    const auto place =
+        bus.claim({.reopen = [&delegate] { delegate->applicationShouldHandleReopen(); },
+                   .perform = [&delegate](const std::string& command) { return delegate->perform(command); }});
+    if (place == ApplicationBus::Place::taken) return EXIT_SUCCESS;
+    if (place == ApplicationBus::Place::noBus) {
+        std::fputs("ovrin: no session bus: 'ovrin do' cannot reach this assistant, and there are no notifications\n",
+                   stderr);
+    }
+    delegate.emplace();
+    const TerminationSignals termination([] { QApplication::quit(); });
+    delegate->applicationDidFinishLaunching();
+    return QApplication::exec();
+}
+
+}  // namespace ovrin

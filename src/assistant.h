@@ -1,0 +1,10 @@
+// The desktop assistant, composed and run: the program without arguments.
+#pragma once
+
+namespace ovrin {
+
+// Runs until the user quits it, or returns at once when another one runs in this session already. Gives the exit
+// status; throws Error when it cannot start.
+int runAssistant();
+
+}  // namespace ovrin

@@ -1,0 +1,133 @@
+#include "views/command_palette/command_palette_view.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QScreen>
+#include <QVBoxLayout>
+#include <QWindow>
+#include <utility>
+
+#include "platform/linux/qt/x11_window.h"
+#include "views/command_palette/command_list.h"
+#include "views/components/ov_button.h"
+#include "views/components/ov_scroll_area.h"
+#include "views/components/ov_text_field.h"
+
+namespace ovrin {
+
+namespace {
+constexpr QSize paletteSize{520, 460};
+constexpr double cornerRadius = 14;
+constexpr int headerHeight = 54;
+const theme::FontStyle queryFont{15, theme::FontWeight::medium, theme::FontDesign::standard};
+}  // namespace
+
+CommandPaletteView::CommandPaletteView(ViewEnvironment& environment, CommandPaletteViewModel& viewModel,
+                                       std::function<void()> requestClose)
+    : OVFloatingWindow(environment, cornerRadius, Focus::accepts),
+      viewModel_(viewModel),
+      requestClose_(std::move(requestClose)),
+      field_(new OVTextField(environment, QStringLiteral("搜索命令…"))),
+      area_(new OVScrollArea(environment)),
+      list_(new CommandList(environment, viewModel)) {
+    setWindowTitle(QStringLiteral("命令面板"));
+    setFixedSize(paletteSize);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(makeHeader());
+    auto* line = new QWidget;
+    line->setFixedHeight(1);
+    line->setAutoFillBackground(true);
+    const auto tint = [this, line] {
+        QColor shade = color(theme::ColorToken::ink);
+        shade.setAlphaF(0.09F);
+        QPalette colors;
+        colors.setColor(QPalette::Window, shade);
+        line->setPalette(colors);
+    };
+    connect(&environment, &ViewEnvironment::changed, line, tint);
+    tint();
+    column->addWidget(line);
+    area_->setContent(list_);
+    column->addWidget(area_, 1);
+    // The last row keeps its distance from the rounded corners.
+    column->addSpacing(2);
+    connect(list_, &CommandList::selected, this, [this](int index) {
+        const QRect row = list_->rowFrame(index);
+        area_->ensureVisible(0, row.center().y(), 0, row.height() / 2 + 7);
+    });
+}
+
+QWidget* CommandPaletteView::makeHeader() {
+    auto* header = new QWidget;
+    header->setFixedHeight(headerHeight);
+    field_->setLeadingIcon(OVIcon::search);
+    field_->setFontStyle(queryFont);
+    field_->setBackground(OVTextField::Background::none);
+    field_->installEventFilter(this);
+    connect(field_, &QLineEdit::textChanged, this,
+            [this](const QString& text) { viewModel_.setQuery(text.toStdString()); });
+    auto* close = new OVIconButton(environment(), OVIcon::close, QStringLiteral("关闭命令面板"));
+    connect(close, &QAbstractButton::clicked, this, [this] { requestClose_(); });
+    auto* row = new QHBoxLayout(header);
+    row->setContentsMargins(8, 0, 12, 0);
+    row->setSpacing(6);
+    row->addWidget(field_, 1);
+    row->addWidget(close);
+    return header;
+}
+
+void CommandPaletteView::present() {
+    const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
+    if (screen == nullptr) screen = QGuiApplication::primaryScreen();
+    if (screen != nullptr) move(screen->availableGeometry().center() - rect().center());
+    show();
+    x11::activate(*windowHandle());
+    field_->setFocus();
+}
+
+// The field keeps the keyboard; what moves through the list goes there.
+bool CommandPaletteView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == field_ && event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);  // NOLINT: its type says so
+        if (handleListKey(key->key())) return true;
+    }
+    return OVFloatingWindow::eventFilter(watched, event);
+}
+
+bool CommandPaletteView::handleListKey(int key) {
+    switch (key) {
+        case Qt::Key_Up:
+            viewModel_.moveSelection(-1);
+            return true;
+        case Qt::Key_Down:
+            viewModel_.moveSelection(1);
+            return true;
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            viewModel_.executeSelected();
+            return true;
+        default:
+            return false;
+    }
+}
+
+void CommandPaletteView::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Cancel)) return requestClose_();
+    OVFloatingWindow::keyPressEvent(event);
+}
+
+void CommandPaletteView::changeEvent(QEvent* event) {
+    OVFloatingWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isVisible() && !isActiveWindow()) requestClose_();
+}
+
+void CommandPaletteView::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    requestClose_();
+}
+
+}  // namespace ovrin

@@ -1,0 +1,51 @@
+// What the translation card shows.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/published.h"
+#include "views/components/ov_widget.h"
+
+namespace ovrin {
+
+class MiniPopoverViewModel;
+class OVButton;
+class OVErrorNote;
+class OVIconButton;
+class OVScrollArea;
+class OVStatusPill;
+class OVStreamingText;
+
+class MiniPopoverView final : public OVWidget {
+    Q_OBJECT
+
+public:
+    // The view model and the name of the brand's picture outlive the view.
+    MiniPopoverView(ViewEnvironment& environment, MiniPopoverViewModel& viewModel,
+                    const Published<std::string>& brandImage, QWidget* parent = nullptr);
+
+signals:
+    void closeRequested();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    QWidget* makeHeader(const Published<std::string>& brandImage);
+    QWidget* makeWaitingNote();
+    QWidget* makeBody();
+    QWidget* makeFooter();
+    void bind();
+    void refresh();
+
+    MiniPopoverViewModel& viewModel_;
+    OVStatusPill* pill_;
+    QWidget* waiting_;
+    OVStreamingText* text_;
+    OVErrorNote* error_;
+    OVButton* copy_;
+    std::vector<Subscription> subscriptions_;
+};
+
+}  // namespace ovrin
