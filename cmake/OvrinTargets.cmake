@@ -23,10 +23,11 @@ function(ovrin_sources variable)
   set(${variable} ${files} PARENT_SCOPE)
 endfunction()
 
-# ovrin_test(NAME folder LABEL unit|platform|desktop LIBRARIES ... [WHOLE]): one test program from tests/NAME/*.cpp.
-# WHOLE runs the program as a single CTest entry, for programs whose start-up is expensive.
+# ovrin_test(NAME folder LABEL unit|platform|desktop LIBRARIES ... [WHOLE] [ALONE]): one test program from tests/NAME/*.cpp.
+# WHOLE runs the program as a single CTest entry, for programs whose start-up is expensive; ALONE runs its tests one at a
+# time.
 function(ovrin_test)
-  cmake_parse_arguments(ARG "WHOLE" "NAME;LABEL" "LIBRARIES" ${ARGN})
+  cmake_parse_arguments(ARG "WHOLE;ALONE" "NAME;LABEL" "LIBRARIES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${ARG_NAME}/*.cpp")
   if(NOT sources)
     return()
@@ -36,10 +37,14 @@ function(ovrin_test)
   target_include_directories(${target} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   target_link_libraries(${target} PRIVATE ovrin_options GTest::gmock GTest::gtest GTest::gtest_main ${ARG_LIBRARIES})
   target_compile_definitions(${target} PRIVATE OVRIN_SOURCE_DIR="${CMAKE_SOURCE_DIR}" OVRIN_BINARY_DIR="${CMAKE_BINARY_DIR}")
+  set(properties LABELS ${ARG_LABEL})
+  if(ARG_ALONE)
+    list(APPEND properties RESOURCE_LOCK ${target} TIMEOUT 180)
+  endif()
   if(ARG_WHOLE)
     add_test(NAME ${ARG_NAME} COMMAND ${target})
-    set_tests_properties(${ARG_NAME} PROPERTIES LABELS ${ARG_LABEL})
+    set_tests_properties(${ARG_NAME} PROPERTIES ${properties})
   else()
-    gtest_discover_tests(${target} TEST_PREFIX "${ARG_NAME}/" DISCOVERY_MODE PRE_TEST PROPERTIES LABELS ${ARG_LABEL})
+    gtest_discover_tests(${target} TEST_PREFIX "${ARG_NAME}/" DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
   endif()
 endfunction()

@@ -21,6 +21,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* accessibilityLauncher = "/usr/libexec/at-spi-bus-launcher";
+constexpr const char* traySelection = "_NET_SYSTEM_TRAY_S0";
 constexpr std::uint32_t backgroundColor = 0x5b6b78;
 
 // Programs get the focus when they open a window or are clicked; no key and no menu belongs to the window manager.
@@ -144,11 +145,10 @@ PrivateDesktop::PrivateDesktop(const Setup& setup) {
 }
 
 PrivateDesktop::~PrivateDesktop() {
-    // The server last and politely: it has a socket and a lock to take away.
-    notificationDaemon_.reset();
-    while (!programs_.empty()) programs_.pop_back();
+    for (auto* const program : {&notificationDaemon_, &tray_, &accessibility_, &compositor_, &windowManager_})
+        program->reset();
     view_.reset();
-    if (server_) server_->terminate();
+    if (server_) server_->terminate();  // politely: it has a socket and a lock to take away
 }
 
 std::vector<std::string> PrivateDesktop::environment() const {
@@ -247,7 +247,7 @@ void PrivateDesktop::waitForSelection(const std::string& selection, const std::s
 void PrivateDesktop::startWindowManager() {
     const fs::path configuration = configurationFolder() / "openbox/rc.xml";
     write(configuration, openboxConfiguration);
-    programs_.push_back(start({.arguments = {"openbox", "--sm-disable", "--config-file", configuration.string()}}));
+    windowManager_ = start({.arguments = {"openbox", "--sm-disable", "--config-file", configuration.string()}});
     waitFor("openbox", [this] {
         const auto window = view_->numbers(view_->root(), "_NET_SUPPORTING_WM_CHECK");
         return !window.empty() && view_->numbers(window.front(), "_NET_SUPPORTING_WM_CHECK") == window;
@@ -255,21 +255,27 @@ void PrivateDesktop::startWindowManager() {
 }
 
 void PrivateDesktop::startCompositor() {
-    programs_.push_back(
-        start({.arguments = {"picom", "--config", "/dev/null", "--backend", "xrender", "--no-fading-openclose"}}));
+    compositor_ =
+        start({.arguments = {"picom", "--config", "/dev/null", "--backend", "xrender", "--no-fading-openclose"}});
     waitForSelection("_NET_WM_CM_S0", "picom");
 }
 
 void PrivateDesktop::startTint2() {
     const fs::path configuration = configurationFolder() / "tint2/tint2rc";
     write(configuration, tint2Configuration);
-    programs_.push_back(start({.arguments = {"tint2", "-c", configuration.string()}}));
-    waitForSelection("_NET_SYSTEM_TRAY_S0", "tint2");
+    tray_ = start({.arguments = {"tint2", "-c", configuration.string()}});
+    waitForSelection(traySelection, "tint2");
+}
+
+void PrivateDesktop::restartTray() {
+    tray_.reset();
+    waitFor("the end of the tray", [this] { return view_->selectionOwner(traySelection) == XCB_WINDOW_NONE; });
+    startTint2();
 }
 
 void PrivateDesktop::startLxqtPanel() {
     write(configurationFolder() / "lxqt/panel.conf", lxqtPanelConfiguration);
-    programs_.push_back(start({.arguments = {"lxqt-panel"}}));
+    tray_ = start({.arguments = {"lxqt-panel"}});
     waitFor("lxqt-panel", [this] { return busView_->hasOwner("org.kde.StatusNotifierWatcher"); });
 }
 
@@ -280,7 +286,7 @@ void PrivateDesktop::startNotificationDaemon() {
 
 void PrivateDesktop::startAccessibility() {
     isAccessible_ = true;
-    programs_.push_back(start({.arguments = {accessibilityLauncher, "--launch-immediately"}}));
+    accessibility_ = start({.arguments = {accessibilityLauncher, "--launch-immediately"}});
     waitFor("the accessibility bus", [this] { return busView_->hasOwner("org.a11y.Bus"); });
 }
 

@@ -76,8 +76,11 @@ public:
     // Plugs monitors in and out while programs run. The first is the primary one.
     void setMonitors(const std::vector<Monitor>& monitors);
 
-    // Kills the notification daemon as a crash would.
+    // Kill a part of it as a crash would.
     void killNotificationDaemon() { notificationDaemon_.reset(); }
+    void killCompositor() { compositor_.reset(); }
+    // Of tint2.
+    void restartTray();
 
 private:
     void startServer(const Setup& setup);
@@ -97,10 +100,13 @@ private:
     std::string display_;
     bool isAccessible_ = false;
     std::vector<std::string> monitorNames_;
-    // Ends in the reverse order: the server last.
+    // They end in the reverse order.
     std::unique_ptr<ChildProcess> server_;
     std::unique_ptr<X11View> view_;
-    std::vector<std::unique_ptr<ChildProcess>> programs_;
+    std::unique_ptr<ChildProcess> windowManager_;
+    std::unique_ptr<ChildProcess> compositor_;
+    std::unique_ptr<ChildProcess> accessibility_;
+    std::unique_ptr<ChildProcess> tray_;
     std::unique_ptr<ChildProcess> notificationDaemon_;
 };
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/error.h"
+#include "base/text.h"
 #include "desktop/wait.h"
 
 namespace ovrin {
@@ -98,7 +99,8 @@ std::vector<ScreenReader::Element> ScreenReader::elements(const std::string& pro
     std::vector<Element> found;
     for (const Reference& application : children(desktop)) {
         try {
-            if (textProperty(application, accessible, "Name") == program) collect(application, found, 0);
+            if (text::equalsIgnoringAsciiCase(textProperty(application, accessible, "Name"), program))
+                collect(application, found, 0);
         } catch (const Error&) {
             found.clear();  // windows and programs end while they are read; the next look sees what is left
         }

@@ -24,7 +24,8 @@ public:
 
     explicit ScreenReader(const PrivateDesktop& desktop);
 
-    // Everything that the program shows, windows before what is in them. Empty when it shows nothing.
+    // Everything that the program of that name (in whatever case) shows, windows before what is in them. Empty when it
+    // shows nothing.
     std::vector<Element> elements(const std::string& program) const;
 
     // The first element that is shown under the name.

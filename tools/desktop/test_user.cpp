@@ -191,6 +191,22 @@ void TestUser::waitUntilActive(xcb_window_t window) const {
     waitFor("a window to have the keyboard", [&] { return view_.activeWindow() == window; });
 }
 
+void TestUser::moveWindow(xcb_window_t window, PixelSpot corner) const {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = view_.atom("_NET_MOVERESIZE_WINDOW");
+    constexpr std::uint32_t hasPosition = 0x300;
+    message.data.data32[0] = XCB_GRAVITY_STATIC | hasPosition;
+    message.data.data32[1] = static_cast<std::uint32_t>(corner.x);
+    message.data.data32[2] = static_cast<std::uint32_t>(corner.y);
+    xcb_send_event(view_.connection(), 0, view_.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+    view_.synchronize();
+}
+
 void TestUser::handleEvents() {
     while (const X11Event event{xcb_poll_for_event(view_.connection())}) {
         const int type = event->response_type & 0x7F;

@@ -63,6 +63,8 @@ public:
     DesktopWindow waitForWindow(const WindowLook& look) const;
     void waitUntilGone(xcb_window_t window) const;
     void waitUntilActive(xcb_window_t window) const;
+    // Asks the window manager to put its upper-left corner there; its frame comes around it.
+    void moveWindow(xcb_window_t window, PixelSpot corner) const;
 
     // The text on the clipboard; empty when there is none.
     std::string clipboardText();
