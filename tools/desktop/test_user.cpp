@@ -1,7 +1,6 @@
 #include "desktop/test_user.h"
 
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 #include <xcb/xfixes.h>
@@ -155,7 +154,8 @@ void TestUser::holdKeys(std::string_view combination) const {
 }
 
 void TestUser::releaseKeys(std::string_view combination) const {
-    for (const xcb_keycode_t code : codesOf(combination) | std::views::reverse) key(code, Press::up);
+    const auto codes = codesOf(combination);
+    std::for_each(codes.rbegin(), codes.rend(), [this](xcb_keycode_t code) { key(code, Press::up); });
 }
 
 void TestUser::type(std::string_view text) const {

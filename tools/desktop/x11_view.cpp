@@ -14,7 +14,7 @@ X11Reply<Reply> owned(Reply* reply) {
     return X11Reply<Reply>(reply);
 }
 
-X11Reply<xcb_get_property_reply_t> property(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t name) {
+X11Reply<xcb_get_property_reply_t> valueOf(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t name) {
     constexpr std::uint32_t everything = std::numeric_limits<std::uint32_t>::max() / 4;
     return owned(xcb_get_property_reply(
         connection, xcb_get_property(connection, 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, everything), nullptr));
@@ -49,15 +49,15 @@ std::string X11View::atomName(xcb_atom_t atom) const {
     return {xcb_get_atom_name_name(reply.get()), static_cast<std::size_t>(xcb_get_atom_name_name_length(reply.get()))};
 }
 
-std::vector<std::uint32_t> X11View::numbers(xcb_window_t window, const std::string& name) const {
-    const auto reply = property(connection(), window, atom(name));
+std::vector<std::uint32_t> X11View::numbers(xcb_window_t window, const std::string& property) const {
+    const auto reply = valueOf(connection(), window, atom(property));
     if (!reply || reply->format != 32) return {};
     const auto* const first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
     return {first, first + reply->value_len};
 }
 
-std::string X11View::text(xcb_window_t window, const std::string& name) const {
-    const auto reply = property(connection(), window, atom(name));
+std::string X11View::text(xcb_window_t window, const std::string& property) const {
+    const auto reply = valueOf(connection(), window, atom(property));
     if (!reply || reply->format != 8) return {};
     const auto* const first = static_cast<const char*>(xcb_get_property_value(reply.get()));
     return {first, static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};

@@ -36,10 +36,9 @@ std::string answerLanguage(std::string_view prompt) {
 }
 
 std::string lastQuestion(std::span<const PracticeMessage> messages) {
-    for (auto message = messages.rbegin(); message != messages.rend(); ++message) {
-        if (message->role == "user") return message->content;
-    }
-    return {};
+    const auto found = std::find_if(messages.rbegin(), messages.rend(),
+                                    [](const PracticeMessage& message) { return message.role == "user"; });
+    return found == messages.rend() ? std::string() : found->content;
 }
 
 std::vector<std::string_view> linesOf(std::string_view text) {
