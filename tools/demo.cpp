@@ -85,7 +85,7 @@ private:
         user_.waitForPicture("the selection to be clear", inside,
                              [&](const QImage& picture) { return brightness(picture) > paper * 0.95; });
         take("overlay", display);
-        say(std::to_string(selection.width) + " x " + std::to_string(selection.height) + " pixels are selected.\n");
+        say("the sentences are selected.\n");
         user_.release();
     }
 

@@ -94,8 +94,16 @@ DesktopWindow Assistant::waitForToast() const {
     return user_.waitForWindow({.program = programName, .width = 260, .height = 40});
 }
 
+std::optional<DesktopWindow> Assistant::panel() const {
+    constexpr int smallestPanel = 400;
+    for (const DesktopWindow& window : user_.find({.title = "Ovrin", .program = programName})) {
+        if (!window.isOverrideRedirect && window.area.height >= smallestPanel) return window;
+    }
+    return std::nullopt;
+}
+
 DesktopWindow Assistant::waitForPanel() const {
-    return user_.waitForWindow({.title = "Ovrin", .program = programName});
+    return *waitFor("the result panel", [this] { return panel(); });
 }
 
 DesktopWindow Assistant::waitForPalette() const {

@@ -47,6 +47,7 @@ public:
     std::vector<DesktopWindow> overlays() const;  // empty when no region is being selected
     std::vector<DesktopWindow> waitForOverlays(std::size_t count = 1) const;
     DesktopWindow waitForToast() const;
+    std::optional<DesktopWindow> panel() const;  // the result panel, while it is shown
     DesktopWindow waitForPanel() const;
     DesktopWindow waitForPalette() const;
 

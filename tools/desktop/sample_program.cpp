@@ -3,26 +3,35 @@
 #include <nlohmann/json.hpp>
 
 #include "base/error.h"
+#include "desktop/picture.h"
 #include "desktop/wait.h"
 
 namespace ovrin {
 
 SampleProgram::SampleProgram(const PrivateDesktop& desktop, const TestUser& user, const std::string& program, Kind kind)
-    : process_(desktop.start({.arguments = {program, kind == Kind::page ? "page" : "editor"},
+    : user_(user),
+      process_(desktop.start({.arguments = {program, kind == Kind::page ? "page" : "editor"},
                               .input = ChildProcess::Input::staysOpen,
                               .output = ChildProcess::Output::lines})) {
-    const auto isOurs = [&](const DesktopWindow& window) {
-        const auto owner = user.view().numbers(window.id, "_NET_WM_PID");
-        return owner.size() == 1 && static_cast<pid_t>(owner.front()) == process_->id();
-    };
-    window_ = *waitFor("the sample program's window", [&]() -> std::optional<DesktopWindow> {
-        for (const DesktopWindow& window : user.view().windows()) {
-            if (isOurs(window)) return window;
+    waitFor("the sample program's window", [this] {
+        for (const DesktopWindow& window : user_.view().windows()) {
+            const auto owner = user_.view().numbers(window.id, "_NET_WM_PID");
+            if (owner.size() == 1 && static_cast<pid_t>(owner.front()) == process_->id()) window_ = window.id;
         }
-        return std::nullopt;
+        return window_ != XCB_WINDOW_NONE;
     });
-    user.waitUntilActive(window_.id);
-    window_ = user.view().window(window_.id).value_or(window_);  // the window manager may have moved it meanwhile
+    user_.waitUntilActive(window_);
+    if (kind == Kind::page) {
+        constexpr int inkOnPaper = 150;
+        user_.waitForPicture("the page", lines().back().area,
+                             [](const QImage& picture) { return contrast(picture) > inkOnPaper; });
+    }
+}
+
+DesktopWindow SampleProgram::window() const {
+    const auto window = user_.view().window(window_);
+    if (!window) throw Error("the sample program has no window");
+    return *window;
 }
 
 json::Value SampleProgram::ask(const json::Value& command) {
@@ -34,11 +43,12 @@ json::Value SampleProgram::ask(const json::Value& command) {
 
 std::vector<SampleProgram::Line> SampleProgram::lines() {
     const json::Value answer = ask({{"do", "lines"}});
+    const PixelArea corner = window().area;
     std::vector<Line> lines;
     for (const json::Value& line : answer.at("lines")) {
         lines.push_back({.text = line.at("text").get<std::string>(),
-                         .area = {.x = line.at("x").get<int>(),
-                                  .y = line.at("y").get<int>(),
+                         .area = {.x = corner.x + line.at("x").get<int>(),
+                                  .y = corner.y + line.at("y").get<int>(),
                                   .width = line.at("width").get<int>(),
                                   .height = line.at("height").get<int>()}});
     }

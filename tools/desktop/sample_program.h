@@ -18,10 +18,11 @@ class SampleProgram {
 public:
     enum class Kind : std::uint8_t { page, editor };
 
-    // program: the path of ovrin_sample_program. Returns when its window has the keyboard.
+    // program: the path of ovrin_sample_program. Returns when its window has the keyboard and shows what it has.
     SampleProgram(const PrivateDesktop& desktop, const TestUser& user, const std::string& program, Kind kind);
 
-    const DesktopWindow& window() const { return window_; }
+    // As it is now.
+    DesktopWindow window() const;
 
     struct Line {
         std::string text;
@@ -41,8 +42,9 @@ public:
 private:
     json::Value ask(const json::Value& command);
 
+    const TestUser& user_;
     std::unique_ptr<ChildProcess> process_;
-    DesktopWindow window_;
+    xcb_window_t window_ = XCB_WINDOW_NONE;
 };
 
 }  // namespace ovrin

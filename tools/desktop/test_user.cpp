@@ -158,6 +158,27 @@ void TestUser::releaseKeys(std::string_view combination) const {
     std::for_each(codes.rbegin(), codes.rend(), [this](xcb_keycode_t code) { key(code, Press::up); });
 }
 
+bool TestUser::isTaken(std::string_view combination) const {
+    xcb_connection_t* const x = view_.connection();
+    auto codes = codesOf(combination);
+    const xcb_keycode_t key = codes.back();
+    codes.pop_back();
+    const auto mapping = owned(xcb_get_modifier_mapping_reply(x, xcb_get_modifier_mapping(x), nullptr));
+    if (!mapping) throw Error("the X server has no modifiers");
+    const auto* const modifierCodes = xcb_get_modifier_mapping_keycodes(mapping.get());
+    std::uint16_t mask = 0;
+    for (int index = 0; index < xcb_get_modifier_mapping_keycodes_length(mapping.get()); ++index) {
+        const bool isHeld = std::find(codes.begin(), codes.end(), modifierCodes[index]) != codes.end();
+        if (isHeld) mask = static_cast<std::uint16_t>(mask | 1U << (index / mapping->keycodes_per_modifier));
+    }
+    // In one breath: whoever takes the combination at this moment must not find it taken by the question.
+    xcb_grab_server(x);
+    const auto attempt = xcb_grab_key_checked(x, 0, view_.root(), mask, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    xcb_ungrab_key(x, key, view_.root(), mask);
+    xcb_ungrab_server(x);
+    return owned(xcb_request_check(x, attempt)) != nullptr;
+}
+
 void TestUser::type(std::string_view text) const {
     const xcb_keycode_t shift = strokeOf(XKB_KEY_Shift_L).code;
     for (const char character : text) {

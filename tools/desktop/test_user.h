@@ -55,6 +55,8 @@ public:
     void pressKeys(std::string_view combination) const;
     void holdKeys(std::string_view combination) const;
     void releaseKeys(std::string_view combination) const;
+    // Whether some program has the combination for itself, wherever the keyboard is.
+    bool isTaken(std::string_view combination) const;
     // ASCII, with line breaks as Return. Throws Error for what the keyboard has no key for.
     void type(std::string_view text) const;
 

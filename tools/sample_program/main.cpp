@@ -5,7 +5,7 @@
 //
 //   {"do":"lines"}                     {"lines":[{"text":...,"x":...,"y":...,"width":...,"height":...}, ...]}, of the
 //   page,
-//                                      on the screen
+//                                      in its window
 //   {"do":"selectText","text":...}     types the text into the editor and selects it all
 //   {"do":"text"}                      {"text":...}, of the editor
 //   {"do":"copyText","text":...}       puts it on the clipboard
@@ -62,10 +62,9 @@ private:
     json::Value lines() const {
         json::Value lines = json::Value::array();
         for (const PageView::Line& line : page_->lines()) {
-            const QPoint corner = page_->mapToGlobal(line.area.topLeft());
             lines.push_back({{"text", line.text.toStdString()},
-                             {"x", corner.x()},
-                             {"y", corner.y()},
+                             {"x", line.area.x()},
+                             {"y", line.area.y()},
                              {"width", line.area.width()},
                              {"height", line.area.height()}});
         }

@@ -38,7 +38,7 @@ constexpr const char* introspection =
     "<property name=\"IconName\" type=\"s\" access=\"read\"/>"
     "<property name=\"IconPixmap\" type=\"a(iiay)\" access=\"read\"/>"
     "<property name=\"ToolTip\" type=\"(sa(iiay)ss)\" access=\"read\"/>"
-    "<property name=\"ItemIsMenu\" type=\"b\" access=\"read\"/><property name=\"Menu\" type=\"o\" access=\"read\"/>"
+    "<property name=\"ItemIsMenu\" type=\"b\" access=\"read\"/>"
     "<signal name=\"NewIcon\"/><signal name=\"NewToolTip\"/>"
     "</interface>";
 
@@ -79,7 +79,7 @@ public:
             {"AttentionMovieName", ""},
             {"ToolTip", QVariant::fromValue(StatusNotifierToolTip())},
             {"ItemIsMenu", false},
-            {"Menu", QVariant::fromValue(QDBusObjectPath("/NO_DBUSMENU"))},  // hosts know it to mean none
+            // No Menu, not even the path that is to mean none: panels that don't know it would open an empty one.
         };
     }
 

@@ -1,0 +1,108 @@
+// What is selected in another program: translated in the panel, in a card beside the pointer, or in its place.
+#include "desktop/desktop_test.h"
+#include "practice/page_text.h"
+
+namespace ovrin {
+namespace {
+
+const std::string sentence = "A ticket to the small island costs three coins.";
+
+struct SelectionTest : DesktopTest {
+    // An editor in which the text is selected, and something of the user's on the clipboard.
+    SampleProgram& editorWith(const std::string& text) {
+        auto& editor = openEditor();
+        user->click(editor.window().area.center());
+        editor.copyText("the user's own");
+        editor.selectText(text);
+        return editor;
+    }
+};
+
+TEST_F(SelectionTest, IsTranslatedInThePanelAndTheClipboardComesBack) {
+    begin();
+    editorWith(sentence + "\n");
+    press(Action::selectionTranslate);
+    EXPECT_EQ(lastMessage(waitForExchange(0)), sentence);
+    assistant->waitForPanel();
+    const json::Value history = waitForHistory(1, Result::some);
+    EXPECT_EQ(json::string(history[0], "recordType"), "selection-translation");
+    waitForWords(*pageTranslation(sentence, "zh-Hans"));
+    user->waitForClipboard("the user's own");
+}
+
+TEST_F(SelectionTest, IsTranslatedInACardThatLeavesTheKeyboardAlone) {
+    begin();
+    auto& editor = editorWith(sentence);
+    user->moveTo({.x = 1500, .y = 700});
+    press(Action::silentSelectionTranslate);
+    const DesktopWindow card = user->waitForWindow({.program = programName, .width = 350, .height = 225});
+    EXPECT_EQ(card.area.x, 1512);
+    EXPECT_NEAR(card.area.y, 737, 1);
+    waitForExchange(0);
+    waitForWords(*pageTranslation(sentence, "zh-Hans"));
+    EXPECT_EQ(user->view().activeWindow(), editor.window().id);
+    user->pressKeys("End");
+    user->type("!");
+    waitFor("the editor to have the keyboard", [&] { return editor.text() == sentence + "!"; });
+    EXPECT_TRUE(assistant->history().empty());
+
+    clickOn("关闭");
+    user->waitUntilGone(card.id);
+    EXPECT_EQ(user->view().activeWindow(), editor.window().id);
+    user->waitForClipboard("the user's own");
+}
+
+TEST_F(SelectionTest, IsReplacedByItsTranslation) {
+    begin();
+    auto& editor = editorWith(sentence);
+    press(Action::replaceSelection);
+    const auto exchange = waitForExchange(0);
+    waitFor("the translation in the editor", [&] { return editor.text() == exchange.answer; });
+    EXPECT_FALSE(exchange.request.isStreamed);
+    expectToast("已替换为译文");
+    const json::Value history = waitForHistory(1, Result::some);
+    EXPECT_EQ(json::string(history[0], "recordType"), "selection-replace");
+    EXPECT_EQ(json::string(history[0], "resultText"), exchange.answer);
+    user->waitForClipboard("the user's own");
+    EXPECT_EQ(user->view().activeWindow(), editor.window().id);
+}
+
+TEST_F(SelectionTest, IsReadWhileTheUserStillHoldsTheShortcut) {
+    begin();
+    auto& editor = editorWith(sentence);
+    user->holdKeys("Super_L+Shift_L+d");
+    EXPECT_EQ(lastMessage(waitForExchange(0)), sentence);
+    user->releaseKeys("Super_L+Shift_L+d");
+    waitForHistory(1, Result::some);
+    // No key is stuck afterwards.
+    user->click({.x = editor.window().area.x + 20, .y = editor.window().area.y + 20});  // beside the panel
+    user->type("abc");
+    waitFor("plain letters", [&] { return editor.text().find("abc") != std::string::npos; });
+}
+
+TEST_F(SelectionTest, NothingSelectedIsSaidAndTheClipboardStays) {
+    begin();
+    auto& editor = editorWith("");
+    for (const Action action :
+         {Action::selectionTranslate, Action::silentSelectionTranslate, Action::replaceSelection}) {
+        press(action);
+        expectToast("没有读取到选中的文字，请先选中文字后再试。");
+    }
+    user->waitForClipboard("the user's own");
+    EXPECT_EQ(editor.text(), "");
+    EXPECT_TRUE(service.exchanges().empty());
+}
+
+TEST_F(SelectionTest, ARefusedTranslationLeavesTheTextAsItWas) {
+    begin();
+    auto& editor = editorWith(sentence);
+    service.planNext({.trouble = PracticeService::Plan::Trouble::refuse});
+    press(Action::replaceSelection);
+    expectToast("练习服务按计划拒绝了这次请求。");
+    EXPECT_EQ(editor.text(), sentence);
+    user->waitForClipboard("the user's own");
+    EXPECT_TRUE(assistant->history().empty());
+}
+
+}  // namespace
+}  // namespace ovrin

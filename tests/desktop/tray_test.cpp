@@ -1,0 +1,156 @@
+// The icon in the tray with its menu, the command palette, and the program's life.
+#include <csignal>
+
+#include "desktop/desktop_test.h"
+
+namespace ovrin {
+namespace {
+
+struct TrayTest : DesktopTest {
+    DesktopWindow waitForMenu() const {
+        return *waitFor("the menu", [this]() -> std::optional<DesktopWindow> {
+            for (const DesktopWindow& window : user->find({.program = programName})) {
+                if (window.isOverrideRedirect && window.area.height > 200 && window.area.width < 600) return window;
+            }
+            return std::nullopt;
+        });
+    }
+    DesktopWindow openMenu(TestUser::Button button) const {
+        user->click(assistant->trayIcon()->area.center(), button);
+        return waitForMenu();
+    }
+};
+
+TEST_F(TrayTest, TheMenuOpensByEitherButtonAndStartsACapture) {
+    begin();
+    const auto line = openPage().lines()[0];
+    DesktopWindow menu = openMenu(TestUser::Button::right);
+    user->pressKeys("Escape");
+    user->waitUntilGone(menu.id);
+
+    menu = openMenu(TestUser::Button::left);  // there is no result to show yet
+    user->pressKeys("Down");
+    user->pressKeys("Return");
+    assistant->waitForOverlays();
+    user->drag(line.area.topLeft(), line.area.bottomRight());
+    user->waitForClipboard(line.text);
+}
+
+TEST_F(TrayTest, AClickBringsTheLastTranslationBack) {
+    begin();
+    auto& page = openPage();
+    page.copyText(page.lines()[3].text);
+    press(Action::clipboardTranslate);
+    DesktopWindow panel = assistant->waitForPanel();
+    waitForHistory(1, Result::some);
+    clickOn("关闭");
+    user->waitUntilGone(panel.id);
+    user->click(assistant->trayIcon()->area.center());
+    panel = assistant->waitForPanel();
+    user->waitUntilActive(panel.id);
+    openMenu(TestUser::Button::right);
+}
+
+TEST_F(TrayTest, IsAStatusNotifierItemWhereThePanelWantsOne) {
+    begin({.desktop = {.tray = PrivateDesktop::Tray::lxqtPanel, .accessibility = PrivateDesktop::Accessibility::on}});
+    EXPECT_FALSE(assistant->trayIcon());
+    const PixelArea icon{.x = 1888, .y = 1048, .width = 32, .height = 32};
+    user->waitForPicture("the icon", icon, [](const QImage& picture) { return contrast(picture) > 100; });
+    for (const auto button : {TestUser::Button::right, TestUser::Button::left}) {
+        user->click(icon.center(), button);
+        const DesktopWindow menu = waitForMenu();
+        EXPECT_LT(menu.area.y + menu.area.height, icon.y + icon.height);
+        user->pressKeys("Escape");
+        user->waitUntilGone(menu.id);
+    }
+}
+
+TEST_F(TrayTest, QuitsByItsMenuAndEndsWhenTold) {
+    begin();
+    openMenu(TestUser::Button::right);
+    user->pressKeys("Up");  // from nowhere to the last item
+    user->pressKeys("Return");
+    EXPECT_EQ(assistant->process().waitForEnd(), 0);
+
+    begin();
+    assistant->process().signal(SIGTERM);
+    EXPECT_EQ(assistant->process().waitForEnd(), 0);
+    begin();
+    EXPECT_EQ(assistant->run({"do", "quit"}), 0);
+    EXPECT_EQ(assistant->process().waitForEnd(), 0);
+}
+
+TEST_F(TrayTest, ASecondStartAndOtherProcessesReachTheRunningOne) {
+    begin();
+    EXPECT_EQ(assistant->run({"do", "capture-ocr"}), 0);
+    assistant->waitForOverlays();
+    user->pressKeys("Escape");
+    waitFor("the end of the overlay", [&] { return assistant->overlays().empty(); });
+    EXPECT_EQ(assistant->run({}), 0);
+    EXPECT_TRUE(assistant->process().isRunning());
+}
+
+TEST_F(TrayTest, TheFirstLaunchShowsTheSettingsOnce) {
+    begin({.launch = Assistant::Setup::Launch::first});
+    waitFor("the settings window", [&] { return !user->find({.program = programName}).empty(); });
+    EXPECT_EQ(assistant->run({"config", "get", "ovrin.didDismissWelcome"}), 0);
+}
+
+TEST_F(TrayTest, OutlivesItsTrayAndItsCompositor) {
+    begin();
+    desktop->restartTray();
+    waitFor("the icon in the new tray", [&] { return assistant->trayIcon().has_value(); });
+    openMenu(TestUser::Button::right);
+    user->pressKeys("Escape");
+
+    desktop->killCompositor();
+    const auto line = openPage().lines()[0];
+    capture(Action::captureOCR, line.area);
+    user->waitForClipboard(line.text);
+}
+
+struct PaletteTest : DesktopTest {};
+
+TEST_F(PaletteTest, FindsACommandAndRunsIt) {
+    begin();
+    press(Action::commandPalette);
+    DesktopWindow palette = assistant->waitForPalette();
+    user->waitUntilActive(palette.id);
+    EXPECT_NEAR(palette.area.center().x, 960, 2);
+    user->type("ocr");
+    user->pressKeys("Down");
+    user->pressKeys("Down");
+    user->pressKeys("Return");  // the third with these letters reads the clipboard
+    user->waitUntilGone(palette.id);
+    expectToast("剪贴板中没有可识别的图片。");
+
+    press(Action::commandPalette);
+    palette = assistant->waitForPalette();
+    user->waitUntilActive(palette.id);
+    user->pressKeys("Return");
+    assistant->waitForOverlays();
+}
+
+TEST_F(PaletteTest, ClosesByEscapeByItsShortcutAndWhenTheUserTurnsAway) {
+    begin();
+    auto& page = openPage();
+    const auto open = [&] {
+        press(Action::commandPalette);
+        const DesktopWindow palette = assistant->waitForPalette();
+        user->waitUntilActive(palette.id);
+        return palette.id;
+    };
+    xcb_window_t palette = open();
+    user->pressKeys("Escape");
+    user->waitUntilGone(palette);
+    palette = open();
+    press(Action::commandPalette);
+    user->waitUntilGone(palette);
+    palette = open();
+    user->click({.x = page.window().area.x + 10, .y = page.window().area.y + 10});
+    user->waitUntilGone(palette);
+    EXPECT_EQ(user->view().activeWindow(), page.window().id);
+}
+
+}  // namespace
+}  // namespace ovrin
