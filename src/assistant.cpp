@@ -37,6 +37,7 @@
 #include "platform/linux/qt/qt_main_loop.h"
 #include "platform/linux/qt/termination_signals.h"
 #include "platform/linux/qt/x11_screen_capture.h"
+#include "platform/linux/qt/x11_window.h"
 #include "platform/linux/speech_service.h"
 #include "platform/linux/x11_clipboard.h"
 #include "platform/linux/x11_connection.h"
@@ -124,8 +125,8 @@ public:
     void captureTranslate() override { appState_.startCapture(CaptureIntent::translate); }
     void captureWhatIsThis() override { appState_.startCapture(CaptureIntent::whatIsThis); }
     void silentCaptureOCR() override { appState_.startCapture(CaptureIntent::silentOCR); }
-    void showDirectAI() override {}
-    void showInputTranslate() override {}
+    void showDirectAI() override { sayThatItIsMissing(); }
+    void showInputTranslate() override { sayThatItIsMissing(); }
     void showCommandPalette() override { commandPalette_.show(); }
     void selectionTranslate() override { appState_.selectionTranslate({}); }
     void silentSelectionTranslate() override { appState_.selectionTranslate({.silent = true}); }
@@ -138,8 +139,8 @@ public:
     }
 
     bool has(AppWindow /*window*/) const override { return false; }
-    void showHistory() override {}
-    void showSettings() override {}
+    void showHistory() override { sayThatItIsMissing(); }
+    void showSettings() override { sayThatItIsMissing(); }
     bool isUpdateConfigured() const override { return false; }
     void checkForUpdates() override { showToast("自动更新尚未配置", "exclamationmark.triangle"); }
     void quit() override { QApplication::quit(); }
@@ -149,6 +150,8 @@ private:
     ResultPanelViewModel::Services resultPanelServices();
     AppState::Surroundings surroundings();
     void sayIfThereIsNoTray();
+    // Shortcuts and the palette name windows that this build has not; the menu does not offer them.
+    void sayThatItIsMissing() { showToast("此版本还没有这个窗口。", "exclamationmark.triangle"); }
 
     QtMainLoop loop_;
     Settings settings_;
@@ -285,10 +288,7 @@ void AppDelegate::sayIfThereIsNoTray() {
 void AppDelegate::applicationShouldHandleReopen() {
     const QWidgetList windows = visibleWindows();
     if (windows.isEmpty()) return has(AppWindow::settings) ? showSettings() : showCommandPalette();
-    for (QWidget* const window : windows) {
-        window->raise();
-        window->activateWindow();
-    }
+    for (const QWidget* const window : windows) x11::activate(*window->windowHandle());
 }
 
 bool AppDelegate::perform(const std::string& commandName) {

@@ -1,35 +1,25 @@
 // An event loop in real time for a thread without a window system: the command line and tests.
 #pragma once
 
-#include <condition_variable>
-#include <deque>
 #include <exception>
-#include <mutex>
 #include <optional>
 #include <stop_token>
-#include <thread>
 #include <type_traits>
 
-#include "base/event_loop.h"
+#include "base/queue_loop.h"
 #include "base/running_task.h"
 #include "base/task.h"
-#include "base/timer_queue.h"
 
 namespace ovrin {
 
-class RunLoop final : public EventLoop {
+class RunLoop final : public QueueLoop {
 public:
-    // The loop belongs to the thread that makes it.
-    RunLoop();
+    RunLoop() = default;
     RunLoop(const RunLoop&) = delete;
     RunLoop& operator=(const RunLoop&) = delete;
-    ~RunLoop() override;
+    ~RunLoop() override { dropWork(); }
 
-    void post(Work work) override;
-    TimerId postAfter(Duration delay, Work work) override;
-    void cancelTimer(TimerId timer) override;
     TimePoint now() const override;
-    bool isCurrent() const override;
 
     // Runs posted work until quit(). Work that is posted meanwhile is run too.
     void run();
@@ -72,14 +62,9 @@ private:
         quit();
     }
 
-    void runTimer(TimerId timer);
+    TimePoint time() const override { return now(); }
 
-    const std::thread::id thread_;
-    mutable std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<Work> queue_;
-    TimerQueue timers_;
-    bool quitting_ = false;
+    bool quitting_ = false;  // guarded by the mutex
 };
 
 }  // namespace ovrin

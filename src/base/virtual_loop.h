@@ -1,30 +1,21 @@
 // An event loop whose time is moved by hand, so that "after 1.8 seconds" is exact and takes no time.
 #pragma once
 
-#include <condition_variable>
-#include <deque>
 #include <functional>
-#include <mutex>
-#include <thread>
 
-#include "base/event_loop.h"
-#include "base/timer_queue.h"
+#include "base/queue_loop.h"
 
 namespace ovrin {
 
-class VirtualLoop final : public EventLoop {
+class VirtualLoop final : public QueueLoop {
 public:
-    // The loop belongs to the thread that makes it; its clock starts at zero.
-    VirtualLoop();
+    VirtualLoop() = default;
     VirtualLoop(const VirtualLoop&) = delete;
     VirtualLoop& operator=(const VirtualLoop&) = delete;
-    ~VirtualLoop() override;
+    ~VirtualLoop() override { dropWork(); }
 
-    void post(Work work) override;
-    TimerId postAfter(Duration delay, Work work) override;
-    void cancelTimer(TimerId timer) override;
+    // Starts at zero.
     TimePoint now() const override;
-    bool isCurrent() const override;
 
     // Runs what is posted, and what that posts, without moving the time on.
     void runPosted();
@@ -36,15 +27,10 @@ public:
     void runUntil(const std::function<bool()>& condition);
 
 private:
+    TimePoint time() const override { return now_; }
     bool runOne();
-    void runTimer(TimerId timer);
 
-    const std::thread::id thread_;
-    mutable std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<Work> queue_;
-    TimerQueue timers_;
-    TimePoint now_{};
+    TimePoint now_{};  // guarded by the mutex
 };
 
 }  // namespace ovrin

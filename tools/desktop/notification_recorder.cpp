@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "base/error.h"
-#include "desktop/session_bus.h"
+#include "desktop/bus_view.h"
 
 namespace ovrin {
 namespace {
@@ -32,7 +32,7 @@ NotificationRecorder::NotificationRecorder(const std::string& busAddress)
     thread_ = std::thread([this, busAddress, &isServing] {
         g_main_context_push_thread_default(context_.get());
         try {
-            const SessionBus bus(busAddress);
+            const BusView bus(busAddress);
             std::unique_ptr<GDBusNodeInfo, decltype(&g_dbus_node_info_unref)> node(
                 g_dbus_node_info_new_for_xml(description, nullptr), g_dbus_node_info_unref);
             const GDBusInterfaceVTable table{

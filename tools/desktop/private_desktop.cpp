@@ -131,7 +131,7 @@ PrivateDesktop::PrivateDesktop(const Setup& setup) {
         throw Error(message);
     }
     bus_ = std::make_unique<PrivateBus>();
-    busView_ = std::make_unique<SessionBus>(bus_->address());
+    busView_ = std::make_unique<BusView>(bus_->address());
     fs::create_directories(home() / "run");
     fs::permissions(home() / "run", fs::perms::owner_all);
     startServer(setup);

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "desktop/bus_view.h"
 #include "desktop/pixel_area.h"
-#include "desktop/session_bus.h"
 #include "desktop/x11_view.h"
 #include "fakes/child_process.h"
 #include "fakes/private_bus.h"
@@ -53,7 +53,7 @@ public:
     ~PrivateDesktop();
 
     const std::string& display() const { return display_; }  // such as ":5"
-    const SessionBus& bus() const { return *busView_; }
+    const BusView& bus() const { return *busView_; }
     const std::string& busAddress() const { return bus_->address(); }
 
     const std::filesystem::path& home() const { return home_.path(); }
@@ -96,7 +96,7 @@ private:
 
     TemporaryDirectory home_;
     std::unique_ptr<PrivateBus> bus_;
-    std::unique_ptr<SessionBus> busView_;
+    std::unique_ptr<BusView> busView_;
     std::string display_;
     bool isAccessible_ = false;
     std::vector<std::string> monitorNames_;

@@ -21,7 +21,7 @@ constexpr int deepest = 40;
 constexpr std::uint32_t enabledState = 8;
 constexpr std::uint32_t showingState = 25;
 
-std::string busAddress(const SessionBus& sessionBus) {
+std::string busAddress(const BusView& sessionBus) {
     const Variant reply = sessionBus.call(
         {.destination = "org.a11y.Bus", .path = "/org/a11y/bus", .interface = "org.a11y.Bus", .name = "GetAddress"});
     const char* address = nullptr;
@@ -32,10 +32,10 @@ std::string busAddress(const SessionBus& sessionBus) {
 }  // namespace
 
 ScreenReader::ScreenReader(const PrivateDesktop& desktop)
-    : bus_(std::make_unique<SessionBus>(busAddress(desktop.bus()))) {}
+    : bus_(std::make_unique<BusView>(busAddress(desktop.bus()))) {}
 
-SessionBus::Method ScreenReader::method(const Reference& object, const std::string& interface,
-                                        const std::string& name) const {
+BusView::Method ScreenReader::method(const Reference& object, const std::string& interface,
+                                     const std::string& name) const {
     return {.destination = object.destination, .path = object.path, .interface = interface, .name = name};
 }
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "desktop/bus_view.h"
 #include "desktop/pixel_area.h"
 #include "desktop/private_desktop.h"
-#include "desktop/session_bus.h"
 
 namespace ovrin {
 
@@ -42,9 +42,9 @@ private:
     std::vector<Reference> children(const Reference& parent) const;
     std::string textProperty(const Reference& object, const std::string& interface, const std::string& name) const;
     void collect(const Reference& object, std::vector<Element>& found, int depth) const;
-    SessionBus::Method method(const Reference& object, const std::string& interface, const std::string& name) const;
+    BusView::Method method(const Reference& object, const std::string& interface, const std::string& name) const;
 
-    std::unique_ptr<SessionBus> bus_;
+    std::unique_ptr<BusView> bus_;
 };
 
 }  // namespace ovrin

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <span>
 #include <utility>
@@ -14,17 +13,11 @@
 #include <xcb/xcb.h>
 
 #include "base/error.h"
+#include "platform/linux/x11_connection.h"
 
 namespace ovrin {
 
 namespace {
-
-// For replies, which the caller frees.
-struct Free {
-    void operator()(void* memory) const { std::free(memory); }  // NOLINT(cppcoreguidelines-no-malloc)
-};
-template <typename Reply>
-using ReplyPointer = std::unique_ptr<Reply, Free>;
 
 [[noreturn]] void fail(const char* reason) {
     throw Error(std::string("无法截取屏幕：") + reason);
@@ -96,7 +89,7 @@ public:
 
     // The size changes when monitors come and go.
     PixelRect rootFrame() {
-        const ReplyPointer<xcb_get_geometry_reply_t> geometry(
+        const X11Reply<xcb_get_geometry_reply_t> geometry(
             xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, screen_->root), nullptr));
         if (!geometry) fail("与显示服务器的连接已断开。");
         return {0, 0, geometry->width, geometry->height};
@@ -126,7 +119,7 @@ private:
             xcb_shm_get_image(connection_, screen_->root, static_cast<std::int16_t>(part.x),
                               static_cast<std::int16_t>(part.y), static_cast<std::uint16_t>(part.width),
                               static_cast<std::uint16_t>(part.height), ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP, segment, 0);
-        const ReplyPointer<xcb_shm_get_image_reply_t> reply(xcb_shm_get_image_reply(connection_, cookie, nullptr));
+        const X11Reply<xcb_shm_get_image_reply_t> reply(xcb_shm_get_image_reply(connection_, cookie, nullptr));
         xcb_shm_detach(connection_, segment);
         xcb_flush(connection_);
         if (!reply) return false;
@@ -141,7 +134,7 @@ private:
             xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, screen_->root, static_cast<std::int16_t>(part.x),
                           static_cast<std::int16_t>(part.y), static_cast<std::uint16_t>(part.width),
                           static_cast<std::uint16_t>(part.height), ~0U);
-        const ReplyPointer<xcb_get_image_reply_t> reply(xcb_get_image_reply(connection_, cookie, nullptr));
+        const X11Reply<xcb_get_image_reply_t> reply(xcb_get_image_reply(connection_, cookie, nullptr));
         if (!reply || static_cast<std::size_t>(xcb_get_image_data_length(reply.get())) < size) {
             fail("显示服务器没有返回图像。");
         }

@@ -8,6 +8,7 @@
 #include "platform/linux/qt/qt_screens.h"
 #include "platform/linux/x11_screenshot.h"
 #include "views/capture/capture_overlay_view.h"
+#include "views/components/drawing.h"
 #include "views/components/view_environment.h"
 
 namespace ovrin {
@@ -17,10 +18,8 @@ namespace {
 // A copy of the screen to draw on, for displays that nothing composites. Without one the overlay is merely dark.
 QImage backdropOf(const ScreenInfo& screen, X11Screenshot& screenshot) {
     try {
-        const Image image = screenshot.take(screen.pixelFrame());
-        QImage picture = QImage(image.data(), image.width(), image.height(),
-                                static_cast<qsizetype>(image.bytesPerRow()), QImage::Format_RGB32)
-                             .copy();
+        QImage picture = toQImage(screenshot.take(screen.pixelFrame()));
+        picture.reinterpretAsFormat(QImage::Format_RGB32);  // it is opaque, and quicker to draw as such
         picture.setDevicePixelRatio(screen.scaleFactor);
         return picture;
     } catch (const Error&) {

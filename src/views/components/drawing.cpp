@@ -63,6 +63,13 @@ QString toQString(std::string_view utf8) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
+QImage toQImage(const Image& image) {
+    if (image.isEmpty()) return {};
+    return QImage(image.data(), image.width(), image.height(), static_cast<qsizetype>(image.bytesPerRow()),
+                  QImage::Format_ARGB32)
+        .copy();
+}
+
 QFont toQFont(const theme::FontStyle& style, std::string_view language) {
     QFont font;
     font.setFamilies(families(style.design, language));

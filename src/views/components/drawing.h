@@ -3,11 +3,13 @@
 
 #include <QColor>
 #include <QFont>
+#include <QImage>
 #include <QPixmap>
 #include <QRectF>
 #include <QString>
 #include <string_view>
 
+#include "base/image.h"
 #include "theme/color_token.h"
 #include "theme/ov_icon.h"
 #include "theme/type_scale.h"
@@ -20,6 +22,9 @@ namespace ovrin {
 QColor toQColor(const theme::Color& color);
 
 QString toQString(std::string_view utf8);
+
+// A copy of the pixels.
+QImage toQImage(const Image& image);
 
 // The system's font in the given style. Glyphs that it lacks come from a face of the text's language (a BCP-47 tag;
 // Simplified Chinese, the language of the program, when none is given), so that Chinese never falls back to a Japanese

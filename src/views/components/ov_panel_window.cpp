@@ -140,12 +140,7 @@ void OVPanelWindow::layOut() {
     if (environment().settings().isComposited || isFilling()) {
         clearMask();
     } else {
-        QBitmap shape(size());
-        shape.fill(Qt::color0);
-        QPainter painter(&shape);
-        fillRounded(painter, QRectF(rect()), cornerRadius(), Qt::color1);
-        painter.end();
-        setMask(shape);
+        setMask(roundedShape(size(), cornerRadius()));
     }
     if (windowHandle() != nullptr && isVisible()) {
         x11::setShadowMargins(*windowHandle(), {.shadow = margin_, .grip = gripOutside});

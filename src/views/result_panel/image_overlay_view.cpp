@@ -21,14 +21,6 @@ QRectF toQRectF(const Rect& rectangle) {
     return {rectangle.x, rectangle.y, rectangle.width, rectangle.height};
 }
 
-// A copy: the pixels of the image belong to somebody else.
-QImage toQImage(const Image& image) {
-    if (image.isEmpty()) return {};
-    return QImage(image.data(), image.width(), image.height(), static_cast<qsizetype>(image.bytesPerRow()),
-                  QImage::Format_ARGB32)
-        .copy();
-}
-
 // The text in a width, at most so many lines; height is what they take.
 struct WrappedLabel {
     std::unique_ptr<QTextLayout> layout;

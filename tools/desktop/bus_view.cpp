@@ -1,4 +1,4 @@
-#include "desktop/session_bus.h"
+#include "desktop/bus_view.h"
 
 #include <chrono>
 
@@ -15,14 +15,14 @@ constexpr int callPatience = 10'000;  // milliseconds
     throw Error(description);
 }
 
-const SessionBus::Method hasOwnerMethod{.destination = "org.freedesktop.DBus",
+const BusView::Method hasOwnerMethod{.destination = "org.freedesktop.DBus",
                                         .path = "/org/freedesktop/DBus",
                                         .interface = "org.freedesktop.DBus",
                                         .name = "NameHasOwner"};
 
 }  // namespace
 
-SessionBus::SessionBus(const std::string& address) {
+BusView::BusView(const std::string& address) {
     GError* error = nullptr;
     const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
@@ -30,14 +30,14 @@ SessionBus::SessionBus(const std::string& address) {
     if (error != nullptr) fail("no session bus", error);
 }
 
-bool SessionBus::hasOwner(const std::string& name) const {
+bool BusView::hasOwner(const std::string& name) const {
     const Variant reply = call(hasOwnerMethod, g_variant_new("(s)", name.c_str()));
     gboolean owned = FALSE;
     g_variant_get(reply.get(), "(b)", &owned);
     return owned != FALSE;
 }
 
-std::vector<std::string> SessionBus::names() const {
+std::vector<std::string> BusView::names() const {
     Method method = hasOwnerMethod;
     method.name = "ListNames";
     const Variant reply = call(method);
@@ -50,7 +50,7 @@ std::vector<std::string> SessionBus::names() const {
     return names;
 }
 
-Variant SessionBus::call(const Method& method, GVariant* arguments) const {
+Variant BusView::call(const Method& method, GVariant* arguments) const {
     GError* error = nullptr;
     Variant reply(g_dbus_connection_call_sync(connection_.get(), method.destination.c_str(), method.path.c_str(),
                                               method.interface.c_str(), method.name.c_str(), arguments, nullptr,
@@ -59,7 +59,7 @@ Variant SessionBus::call(const Method& method, GVariant* arguments) const {
     return reply;
 }
 
-Variant SessionBus::property(const Method& property) const {
+Variant BusView::property(const Method& property) const {
     Method get = property;
     get.interface = "org.freedesktop.DBus.Properties";
     get.name = "Get";

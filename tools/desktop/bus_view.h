@@ -14,10 +14,10 @@ struct FreeVariant {
 };
 using Variant = std::unique_ptr<GVariant, FreeVariant>;
 
-class SessionBus {
+class BusView {
 public:
     // Throws Error when there is no bus at the address.
-    explicit SessionBus(const std::string& address);
+    explicit BusView(const std::string& address);
 
     bool hasOwner(const std::string& name) const;
     std::vector<std::string> names() const;
