@@ -1,5 +1,6 @@
 #include "desktop/desktop_test.h"
 
+#include <algorithm>
 #include <iostream>
 
 #include "base/error.h"
@@ -25,6 +26,7 @@ void DesktopTest::begin(const Scene& scene) {
     user.reset();
     desktop.reset();  // what an earlier scene has left
     desktop = std::make_unique<PrivateDesktop>(scene.desktop);
+    monitorCount_ = std::max<std::size_t>(scene.desktop.monitors.size(), 1);
     user = std::make_unique<TestUser>(desktop->display());
     if (scene.desktop.accessibility == PrivateDesktop::Accessibility::on)
         reader = std::make_unique<ScreenReader>(*desktop);
@@ -66,7 +68,7 @@ void DesktopTest::press(Action action) const {
 
 void DesktopTest::capture(Action action, const PixelArea& area) const {
     press(action);
-    waitFor("the overlays", [this] { return !assistant->overlays().empty(); });
+    assistant->waitForOverlays(monitorCount_);
     user->drag(area.topLeft(), area.bottomRight());
 }
 

@@ -58,7 +58,7 @@ protected:
         commandPalette = 'p',
     };
     void press(Action action) const;
-    // Presses, and drags over the area once the overlays are there.
+    // Presses, and drags over the area once there is an overlay on every monitor.
     void capture(Action action, const PixelArea& area) const;
 
     // The history once it has so many records and the newest of them a result, if it gets one.
@@ -86,6 +86,8 @@ protected:
 
 private:
     SampleProgram& open(SampleProgram::Kind kind);
+
+    std::size_t monitorCount_ = 1;
 };
 
 }  // namespace ovrin

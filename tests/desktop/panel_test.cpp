@@ -1,4 +1,6 @@
 // The result panel while an answer streams into it.
+#include <cstdlib>
+
 #include "desktop/desktop_test.h"
 #include "practice/page_text.h"
 
@@ -70,11 +72,12 @@ TEST_F(PanelTest, IsWhereTheUserPutItAndStaysOnTopWhenToldTo) {
     waitForExchange(0);
 
     const PixelSpot bare{.x = panel.area.x + panel.area.width / 2, .y = panel.area.y + 20};
-    user->beginDrag(bare, {.x = bare.x + 300, .y = bare.y + 120});
-    waitFor("the panel to be moved", [&] {  // the window manager takes the drag over at some moment
-        user->moveTo({.x = bare.x + 301, .y = bare.y + 121});
-        user->moveTo({.x = bare.x + 300, .y = bare.y + 120});
-        return user->view().window(panel.id)->area.x > panel.area.x + 200;
+    user->moveTo(bare);
+    user->press();
+    waitFor("the panel to be moved", [&, x = bare.x]() mutable {  // the window manager takes over when it gets to it
+        x = x < bare.x + 400 ? x + 25 : bare.x;
+        user->moveTo({.x = x, .y = bare.y});
+        return std::abs(user->view().window(panel.id)->area.x - panel.area.x) > 100;
     });
     user->release();
     const PixelArea moved = user->view().window(panel.id)->area;

@@ -16,7 +16,7 @@ struct TrayTest : DesktopTest {
         });
     }
     DesktopWindow openMenu(TestUser::Button button) const {
-        user->click(assistant->trayIcon()->area.center(), button);
+        user->click(assistant->waitForTrayIcon().area.center(), button);
         return waitForMenu();
     }
 };
@@ -45,10 +45,24 @@ TEST_F(TrayTest, AClickBringsTheLastTranslationBack) {
     waitForHistory(1, Result::some);
     clickOn("关闭");
     user->waitUntilGone(panel.id);
-    user->click(assistant->trayIcon()->area.center());
+    user->click(assistant->waitForTrayIcon().area.center());
     panel = assistant->waitForPanel();
     user->waitUntilActive(panel.id);
     openMenu(TestUser::Button::right);
+}
+
+TEST_F(TrayTest, WhileTheMenuIsOpenShortcutsBelongToIt) {
+    begin();
+    const std::string combination = "Super_L+Shift_L+o";
+    EXPECT_TRUE(user->isTaken(combination));
+    const DesktopWindow menu = openMenu(TestUser::Button::right);
+    waitFor("the shortcuts to rest", [&] { return !user->isTaken(combination); });
+    waitFor("the menu to have the keyboard and run it", [&] {
+        press(Action::captureOCR);
+        return !assistant->overlays().empty();
+    });
+    user->waitUntilGone(menu.id);
+    waitFor("the shortcuts to come back", [&] { return user->isTaken(combination); });
 }
 
 TEST_F(TrayTest, IsAStatusNotifierItemWhereThePanelWantsOne) {
@@ -90,16 +104,9 @@ TEST_F(TrayTest, ASecondStartAndOtherProcessesReachTheRunningOne) {
     EXPECT_TRUE(assistant->process().isRunning());
 }
 
-TEST_F(TrayTest, TheFirstLaunchShowsTheSettingsOnce) {
-    begin({.launch = Assistant::Setup::Launch::first});
-    waitFor("the settings window", [&] { return !user->find({.program = programName}).empty(); });
-    EXPECT_EQ(assistant->run({"config", "get", "ovrin.didDismissWelcome"}), 0);
-}
-
 TEST_F(TrayTest, OutlivesItsTrayAndItsCompositor) {
     begin();
     desktop->restartTray();
-    waitFor("the icon in the new tray", [&] { return assistant->trayIcon().has_value(); });
     openMenu(TestUser::Button::right);
     user->pressKeys("Escape");
 

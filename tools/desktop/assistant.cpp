@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/error.h"
+#include "desktop/picture.h"
 #include "desktop/wait.h"
 
 namespace ovrin {
@@ -60,6 +61,21 @@ std::optional<DesktopWindow> Assistant::trayIcon() const {
     const auto found = std::find_if(embedded.begin(), embedded.end(),
                                     [](const DesktopWindow& window) { return window.instance == programName; });
     return found == embedded.end() ? std::nullopt : std::optional(*found);
+}
+
+DesktopWindow Assistant::waitForTrayIcon() const {
+    constexpr int iconOnPanel = 100;
+    constexpr int enoughLooks = 10;
+    int sameLooks = 0;
+    DesktopWindow icon;
+    waitFor("the tray icon", [&] {
+        const auto found = trayIcon();
+        const bool isSame = found && found->area == icon.area && contrast(user_.picture(icon.area)) > iconOnPanel;
+        sameLooks = isSame ? sameLooks + 1 : 0;
+        if (found) icon = *found;
+        return sameLooks == enoughLooks;
+    });
+    return icon;
 }
 
 bool Assistant::isInTray() const {

@@ -42,6 +42,7 @@ public:
 
     // Where its icon is in an XEmbed tray.
     std::optional<DesktopWindow> trayIcon() const;
+    DesktopWindow waitForTrayIcon() const;  // drawn, in its final place
 
     // Its windows, once they are there.
     std::vector<DesktopWindow> overlays() const;  // empty when no region is being selected

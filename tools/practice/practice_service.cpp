@@ -45,13 +45,13 @@ void PracticeService::serve(Connection& connection) {
             continue;
         }
         std::size_t exchange = 0;
-        std::optional<Plan> plan;
+        std::optional<TakenPlan> plan;
         {
             const std::lock_guard lock(mutex_);
             exchange = exchanges_.size();
             exchanges_.push_back({.request = *request, .answer = {}});
             if (!plans_.empty()) {
-                plan = plans_.front();
+                plan = TakenPlan{plans_.front(), releases_};
                 plans_.pop_front();
             }
         }
@@ -63,7 +63,7 @@ void PracticeService::serve(Connection& connection) {
 }
 
 PracticeService::Exchange::State PracticeService::answer(Connection& connection, const PracticeRequest& request,
-                                                         std::size_t exchange, const std::optional<Plan>& plan) {
+                                                         std::size_t exchange, const std::optional<TakenPlan>& plan) {
     if (plan && plan->trouble == Plan::Trouble::refuse) {
         connection.send(practice::refusal(request.standard, refusalText));
         return Exchange::State::failed;
@@ -73,7 +73,7 @@ PracticeService::Exchange::State PracticeService::answer(Connection& connection,
         connection.reset();
         return Exchange::State::failed;
     }
-    if (plan && hold(connection) == Held::abandoned) return Exchange::State::abandoned;
+    if (plan && hold(connection, *plan) == Held::abandoned) return Exchange::State::abandoned;
     const std::string text = practiceAnswer(request.messages);
     didSend(exchange, text);
     return connection.send(practice::wholeResponse(request.standard, text)) ? Exchange::State::complete
@@ -82,7 +82,7 @@ PracticeService::Exchange::State PracticeService::answer(Connection& connection,
 
 PracticeService::Exchange::State PracticeService::answerStreamed(Connection& connection, const PracticeRequest& request,
                                                                  std::size_t exchange,
-                                                                 const std::optional<Plan>& plan) {
+                                                                 const std::optional<TakenPlan>& plan) {
     const std::vector<std::string> pieces = practicePieces(practiceAnswer(request.messages));
     if (!connection.send(practice::streamHead(request.standard))) return Exchange::State::abandoned;
     for (std::size_t index = 0; index < pieces.size(); ++index) {
@@ -91,7 +91,7 @@ PracticeService::Exchange::State PracticeService::answerStreamed(Connection& con
                 connection.reset();
                 return Exchange::State::failed;
             }
-            if (hold(connection) == Held::abandoned) return Exchange::State::abandoned;
+            if (hold(connection, *plan) == Held::abandoned) return Exchange::State::abandoned;
         }
         if (!connection.send(practice::streamPiece(request.standard, pieces[index]))) return Exchange::State::abandoned;
         didSend(exchange, pieces[index]);
@@ -101,11 +101,10 @@ PracticeService::Exchange::State PracticeService::answerStreamed(Connection& con
                                                                   : Exchange::State::abandoned;
 }
 
-PracticeService::Held PracticeService::hold(Connection& connection) {
+PracticeService::Held PracticeService::hold(Connection& connection, const TakenPlan& plan) {
     Lock lock(mutex_);
-    const int releasesBefore = releases_;
     while (!connection.isAbandoned()) {
-        if (isClosing_ || releases_ != releasesBefore) return Held::released;
+        if (isClosing_ || releases_ != plan.releasesBefore) return Held::released;
         changed_.wait_for(lock, lookInterval);
     }
     return Held::abandoned;

@@ -58,13 +58,18 @@ private:
     using Connection = LoopbackServer::Connection;
     using Lock = std::unique_lock<std::mutex>;
 
+    // A plan on its way. What is released from then on does not wait, even if it had not come to waiting.
+    struct TakenPlan : Plan {
+        int releasesBefore = 0;
+    };
+
     void serve(Connection& connection);
     Exchange::State answer(Connection& connection, const PracticeRequest& request, std::size_t exchange,
-                           const std::optional<Plan>& plan);
+                           const std::optional<TakenPlan>& plan);
     Exchange::State answerStreamed(Connection& connection, const PracticeRequest& request, std::size_t exchange,
-                                   const std::optional<Plan>& plan);
+                                   const std::optional<TakenPlan>& plan);
     enum class Held : std::uint8_t { released, abandoned };
-    Held hold(Connection& connection);
+    Held hold(Connection& connection, const TakenPlan& plan);
     void pauseBetweenPieces();
     void didSend(std::size_t exchange, std::string_view piece);
 

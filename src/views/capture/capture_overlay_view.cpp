@@ -20,8 +20,8 @@ namespace ovrin {
 namespace {
 
 constexpr int fadeInMilliseconds = 160;
-constexpr int keyboardGrabInterval = 20;  // milliseconds
-constexpr int screensSettlingTime = 50;   // milliseconds
+constexpr int keyboardGrabInterval = 5;  // milliseconds
+constexpr int screensSettlingTime = 50;  // milliseconds
 constexpr float dimming = 0.32F;
 constexpr double selectionRadius = 5;
 

@@ -20,6 +20,21 @@ constexpr int padding = 16;
 constexpr int spacing = 9;
 constexpr double cornerRadius = 12;
 constexpr double iconSize = 15;
+
+// What is too long for a line in the ordinary size stands in two small ones; what is too long for those too is cut.
+void showSmall(QLabel& label, const QString& line, int room) {
+    label.setFont(toQFont(theme::font::caption));
+    label.setWordWrap(true);
+    label.setFixedWidth(room);
+    const QFontMetrics metrics = label.fontMetrics();
+    const auto fits = [&](const QString& text) {
+        const QRect area(0, 0, room, panelHeight);
+        return metrics.boundingRect(area, Qt::TextWordWrap, text).height() <= panelHeight;
+    };
+    QString shown = line;
+    while (!fits(shown) && shown.size() > 1) shown = shown.chopped(2) + QStringLiteral("…");
+    label.setText(shown);
+}
 }  // namespace
 
 ToastPanel::ToastPanel(ViewEnvironment& environment, const std::string& message, OVIcon icon)
@@ -36,7 +51,8 @@ ToastPanel::ToastPanel(ViewEnvironment& environment, const std::string& message,
     label->setPalette(colors);
     const QString line = toQString(message).simplified();
     const int room = panelWidth - 2 * padding - spacing - symbol->width();
-    label->setText(label->fontMetrics().elidedText(line, Qt::ElideRight, room));
+    label->setText(line);
+    if (label->fontMetrics().horizontalAdvance(line) > room) showSmall(*label, line, room);
     label->setAccessibleName(line);
 
     auto* row = new QHBoxLayout(this);
