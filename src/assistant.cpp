@@ -318,6 +318,19 @@ bool AppDelegate::showLatestResult() {
     return true;
 }
 
+// Quitting ends the event loop, from wherever it was asked for. The toolkit would ask every window to close first and
+// stay when one refuses; ours leave closing to their presenters.
+class Application final : public QApplication {
+public:
+    using QApplication::QApplication;
+
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::Quit) return QApplication::event(event);
+        QCoreApplication::exit();
+        return true;
+    }
+};
+
 }  // namespace
 
 int runAssistant() {
@@ -327,7 +340,7 @@ int runAssistant() {
     std::string name = "ovrin";
     std::array<char*, 2> arguments{name.data(), nullptr};
     int argumentCount = 1;
-    const QApplication application(argumentCount, arguments.data());
+    const Application application(argumentCount, arguments.data());
     QApplication::setApplicationName("ovrin");
     QApplication::setApplicationDisplayName("Ovrin");
     QApplication::setApplicationVersion(OVRIN_VERSION);
