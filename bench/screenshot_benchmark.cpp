@@ -42,4 +42,3 @@ BENCHMARK(overTheSocket)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace ovrin
-

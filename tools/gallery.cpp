@@ -3,8 +3,17 @@
 #include <QApplication>
 #include <QGridLayout>
 #include <QLabel>
+#include <QTemporaryDir>
 #include <QVBoxLayout>
+#include <memory>
+#include <vector>
 
+#include "platform/linux/desktop_system_shortcuts.h"
+#include "platform/linux/qt/qt_main_loop.h"
+#include "platform/linux/x11_hot_keys.h"
+#include "platform/linux/x11_keyboard_layout.h"
+#include "shortcuts/ov_shortcut.h"
+#include "storage/defaults_store.h"
 #include "views/components/drawing.h"
 #include "views/components/ov_animated_icon.h"
 #include "views/components/ov_button.h"
@@ -13,6 +22,7 @@
 #include "views/components/ov_surface.h"
 #include "views/components/ov_text_field.h"
 #include "views/components/ov_window_background.h"
+#include "views/shortcut_recorder/recorder.h"
 
 using namespace ovrin;
 using theme::ColorToken;
@@ -37,7 +47,36 @@ QHBoxLayout* row(Widgets*... widgets) {
     return layout;
 }
 
-void fill(ViewEnvironment& environment, QVBoxLayout& page) {
+// Recorders that work, with preferences that are gone with the page.
+class Recorders {
+public:
+    explicit Recorders(ViewEnvironment& environment) : environment_(environment) {}
+
+    KeyboardShortcuts::Recorder* recorder(OvShortcut shortcut) {
+        registry_.add(name(shortcut));
+        viewModels_.push_back(std::make_unique<KeyboardShortcuts::RecorderViewModel>(
+            registry_, name(shortcut),
+            KeyboardShortcuts::RecorderRules{
+                .systemShortcuts = *systemShortcuts_,
+                .hotKeys = hotKeys_,
+                .menuItemUsing = [](const KeyboardShortcuts::Shortcut&) { return std::nullopt; }}));
+        return new KeyboardShortcuts::Recorder(environment_, layout_, *viewModels_.back());
+    }
+
+private:
+    ViewEnvironment& environment_;
+    QtMainLoop loop_;
+    QTemporaryDir folder_;
+    DefaultsStore defaults_{folder_.filePath("preferences.json").toStdString()};
+    X11HotKeys hotKeys_{loop_, nullptr};
+    X11KeyboardLayout layout_{nullptr};
+    std::unique_ptr<SystemShortcuts> systemShortcuts_ = makeDesktopSystemShortcuts(Environment::ofProcess(), layout_);
+    KeyboardShortcuts::Registry registry_{defaults_, hotKeys_, layout_,
+                                          [](const std::string& line) { qInfo("%s", line.c_str()); }};
+    std::vector<std::unique_ptr<KeyboardShortcuts::RecorderViewModel>> viewModels_;
+};
+
+void fill(ViewEnvironment& environment, Recorders& recorders, QVBoxLayout& page) {
     using enum OVButton::Kind;
     const auto button = [&](const QString& words, OVButton::Kind kind, OVButton::Density density) {
         return new OVButton(environment, words, kind, density);
@@ -66,6 +105,7 @@ void fill(ViewEnvironment& environment, QVBoxLayout& page) {
     auto* field = new OVTextField(environment, "搜索命令…");
     field->setLeadingIcon(OVIcon::search);
     page.addWidget(field);
+    page.addLayout(row(recorders.recorder(OvShortcut::captureTranslate), recorders.recorder(OvShortcut::captureOCR)));
 
     auto* card = new OVSurface(environment, 14, OVSurface::Elevation::elevated);
     auto* grid = new QGridLayout(card);
@@ -85,12 +125,13 @@ int main(int argc, char** argv) {
     ViewEnvironment environment;
     environment.setSettings(
         {.appearance = arguments.value(1) == "dark" ? theme::Appearance::dark : theme::Appearance::light});
+    Recorders recorders(environment);
     OVWindowBackground window(environment, 0);
-    window.resize(520, 620);
+    window.resize(520, 660);
     QVBoxLayout page(&window);
     page.setContentsMargins(28, 24, 28, 24);
     page.setSpacing(14);
-    fill(environment, page);
+    fill(environment, recorders, page);
     window.show();
     if (arguments.size() < 3) return QApplication::exec();
     QApplication::processEvents();

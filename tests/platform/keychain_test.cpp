@@ -208,8 +208,7 @@ TEST(SessionBusTest, IsFoundInTheEnvironment) {
     const Environment withoutSocket(Variables{{"XDG_RUNTIME_DIR", runtime.path()}});
     EXPECT_EQ(sessionBus(Environment()), SessionBus::none);
     EXPECT_EQ(sessionBus(withoutSocket), SessionBus::none);
-    EXPECT_EQ(sessionBus(Environment(Variables{{"DBUS_SESSION_BUS_ADDRESS", "unix:x"}})),
-              SessionBus::ofProcess);
+    EXPECT_EQ(sessionBus(Environment(Variables{{"DBUS_SESSION_BUS_ADDRESS", "unix:x"}})), SessionBus::ofProcess);
 }
 
 }  // namespace

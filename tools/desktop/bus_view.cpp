@@ -16,9 +16,9 @@ constexpr int callPatience = 10'000;  // milliseconds
 }
 
 const BusView::Method hasOwnerMethod{.destination = "org.freedesktop.DBus",
-                                        .path = "/org/freedesktop/DBus",
-                                        .interface = "org.freedesktop.DBus",
-                                        .name = "NameHasOwner"};
+                                     .path = "/org/freedesktop/DBus",
+                                     .interface = "org.freedesktop.DBus",
+                                     .name = "NameHasOwner"};
 
 }  // namespace
 

@@ -36,10 +36,11 @@ xcb_atom_t atomNamed(xcb_connection_t* connection, std::string_view name) {
 
 bool isSupported(xcb_connection_t* connection, std::string_view feature) {
     constexpr std::uint32_t most = 1024;
-    const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
-        connection,
-        xcb_get_property(connection, 0, rootOf(connection), atomNamed(connection, "_NET_SUPPORTED"), XCB_ATOM_ATOM, 0, most),
-        nullptr));
+    const X11Reply<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(connection,
+                               xcb_get_property(connection, 0, rootOf(connection),
+                                                atomNamed(connection, "_NET_SUPPORTED"), XCB_ATOM_ATOM, 0, most),
+                               nullptr));
     if (!reply || reply->format != 32) return false;
     const auto* atoms = static_cast<const xcb_atom_t*>(xcb_get_property_value(reply.get()));
     const auto* end = atoms + static_cast<std::size_t>(xcb_get_property_value_length(reply.get())) / sizeof(xcb_atom_t);
@@ -58,7 +59,8 @@ xcb_timestamp_t serverTime() {
     const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_create_window(connection.get(), XCB_COPY_FROM_PARENT, window, rootOf(connection.get()), 0, 0, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
-    xcb_change_property(connection.get(), XCB_PROP_MODE_APPEND, window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, 0, nullptr);
+    xcb_change_property(connection.get(), XCB_PROP_MODE_APPEND, window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, 0,
+                        nullptr);
     xcb_flush(connection.get());
     while (const X11Event event{xcb_wait_for_event(connection.get())}) {
         if ((event->response_type & 0x7F) != XCB_PROPERTY_NOTIFY) continue;
