@@ -22,6 +22,7 @@ namespace {
 
 constexpr double radius = 14;
 constexpr int shadowMargin = 30;  // points around the frame
+constexpr int lineWidth = 1;
 constexpr double shadowBlur = 26;
 constexpr double shadowOffset = 7;
 constexpr int gripOutside = 6;  // points beside the frame where an edge can be taken hold of
@@ -132,7 +133,8 @@ void OVPanelWindow::setMargin(int margin) {
 }
 
 void OVPanelWindow::layOut() {
-    if (content_ != nullptr) content_->setGeometry(frame());
+    const int line = isFilling() ? 0 : lineWidth;  // which the content leaves visible
+    if (content_ != nullptr) content_->setGeometry(frame().adjusted(line, line, -line, -line));
     for (Edge* const edge : edges_) {
         edge->setVisible(!isFilling());
         edge->placeAround(frame());
@@ -162,7 +164,7 @@ void OVPanelWindow::drawFrame(QPainter& painter) const {
     if (isFilling()) return;
     QColor line = color(ColorToken::ink);
     line.setAlphaF(environment().isDark() ? 0.16F : 0.12F);
-    painter.setPen(QPen(line, 1));
+    painter.setPen(QPen(line, lineWidth));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(frame.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5, radius - 0.5);
 }

@@ -26,7 +26,7 @@ OVScrollArea::OVScrollArea(ViewEnvironment& environment, QWidget* parent) : QScr
 }
 
 void OVScrollArea::setContent(QWidget* content) {
-    setWidget(content);
+    QScrollArea::setWidget(content);
     content->setAutoFillBackground(false);  // which the toolkit has just turned on
 }
 

@@ -21,6 +21,7 @@ public:
 
     // Takes ownership. The ground of the scroll area's surroundings shines through.
     void setContent(QWidget* content);
+    void setWidget(QWidget* widget) = delete;  // which gives the content a ground of its own
 
     // Goes to the bottom and stays there from now on.
     void followBottom();

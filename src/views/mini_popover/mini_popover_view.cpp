@@ -81,7 +81,7 @@ QWidget* MiniPopoverView::makeBody() {
     column->addWidget(text_);
     column->addWidget(error_);
     column->addStretch();
-    area->setWidget(content);
+    area->setContent(content);
     area->keepInSight(*text_);
     area->followBottom();
     return area;

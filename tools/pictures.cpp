@@ -1,0 +1,177 @@
+// Takes the pictures of every window, in both appearances, that the documents show: ovrin_pictures FOLDER
+//
+// They come from the built program at work on a private desktop, with the practice service in place of a model.
+#include <algorithm>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <string>
+#include <string_view>
+
+#include "base/error.h"
+#include "desktop/assistant.h"
+#include "desktop/picture.h"
+#include "desktop/private_desktop.h"
+#include "desktop/sample_program.h"
+#include "desktop/screen_reader.h"
+#include "desktop/test_user.h"
+#include "desktop/wait.h"
+#include "practice/practice_service.h"
+
+namespace ovrin {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* program = "ovrin";
+constexpr int shadow = 32;  // pixels around a window
+
+class PictureSet {
+public:
+    PictureSet(fs::path folder, std::string appearance)
+        : folder_(std::move(folder)), appearance_(std::move(appearance)) {}
+
+    void take() {
+        takeSelectionAndToast();
+        takePanel();
+        takeConversation();
+        takePalette();
+        takeMenu();
+        takeCard();
+    }
+
+private:
+    void save(const std::string& name, const PixelArea& area) const {
+        user_.savePicture(area, folder_ / (name + "-" + appearance_ + ".png"));
+        std::cout << name << '-' << appearance_ << ".png\n" << std::flush;
+    }
+    void saveStill(const std::string& name, const PixelArea& area) const {
+        user_.waitForStillPicture(area);
+        save(name, area);
+    }
+    void saveWindow(const std::string& name, const DesktopWindow& window) const {
+        saveStill(name, user_.view().window(window.id).value_or(window).area.grownBy(shadow));
+    }
+    void choose(const std::string& name) const { user_.click(reader_.waitForName(program, name).area.center()); }
+    void waitForAnswer(std::size_t number) const {
+        waitFor("the answer", [&] {
+            const auto exchanges = service_.exchanges();
+            return exchanges.size() > number && exchanges[number].state == PracticeService::Exchange::State::complete;
+        });
+    }
+
+    PixelArea sentences() {
+        const auto lines = page_.lines();
+        const PixelArea first = lines.at(3).area;
+        const PixelArea last = lines.at(5).area;
+        return PixelArea{.x = first.x, .y = first.y, .width = first.width, .height = last.y + last.height - first.y}
+            .grownBy(10);
+    }
+
+    void takeSelectionAndToast() {
+        const PixelArea selection = sentences();
+        user_.pressKeys("Super_L+Shift_L+t");
+        assistant_.waitForOverlays();
+        user_.beginDrag(selection.topLeft(), selection.bottomRight());
+        if (appearance_ == "light") {  // it has one appearance
+            const PixelArea page = page_.window().area;
+            user_.waitForStillPicture(page);
+            user_.savePicture(page, folder_ / "overlay.png");
+        }
+        user_.release();
+        const PixelArea toast = assistant_.waitForToast().area;
+        user_.waitForPicture("the words of the toast", toast,
+                             [](const QImage& picture) { return contrast(picture) > 100; });
+        save("toast", toast.grownBy(shadow));
+    }
+
+    void takePanel() {
+        const DesktopWindow panel = assistant_.waitForPanel();
+        waitForAnswer(0);
+        user_.moveTo({.x = 4, .y = 4});
+        saveWindow("panel", panel);
+        choose("原图翻译");
+        user_.moveTo({.x = 4, .y = 4});
+        saveWindow("translated-lines", panel);
+        choose("返回文本");
+    }
+
+    void takeConversation() {
+        const DesktopWindow panel = assistant_.waitForPanel();
+        choose("提炼重点");
+        waitForAnswer(1);
+        user_.moveTo({.x = 4, .y = 4});
+        saveWindow("conversation", panel);
+        choose("关闭");
+        user_.waitUntilGone(panel.id);
+    }
+
+    void takePalette() {
+        assistant_.run({"do", "command-palette"});
+        const DesktopWindow palette = assistant_.waitForPalette();
+        user_.waitUntilActive(palette.id);
+        saveWindow("palette", palette);
+        user_.pressKeys("Escape");
+        user_.waitUntilGone(palette.id);
+    }
+
+    void takeMenu() {
+        user_.click(assistant_.waitForTrayIcon().area.center(), TestUser::Button::right);
+        const DesktopWindow menu = *waitFor("the menu", [this]() -> std::optional<DesktopWindow> {
+            for (const DesktopWindow& window : user_.find({.program = program})) {
+                if (window.isOverrideRedirect && window.area.height > 200 && window.area.width < 600) return window;
+            }
+            return std::nullopt;
+        });
+        saveWindow("menu", menu);
+        user_.pressKeys("Escape");
+        user_.waitUntilGone(menu.id);
+    }
+
+    void takeCard() {
+        SampleProgram editor(desktop_, user_, samplePath, SampleProgram::Kind::editor);
+        user_.click(editor.window().area.center());
+        editor.selectText("A ticket to the small island costs three coins.");
+        user_.moveTo({.x = 900, .y = 500});
+        assistant_.run({"do", "silent-selection"});
+        const DesktopWindow card = user_.waitForWindow({.program = program, .width = 350, .height = 225});
+        waitForAnswer(2);
+        saveWindow("card", card);
+    }
+
+    static constexpr const char* samplePath = OVRIN_BINARY_DIR "/ovrin_sample_program";
+
+    const fs::path folder_;
+    const std::string appearance_;
+    PracticeService service_;
+    PrivateDesktop desktop_{{.accessibility = PrivateDesktop::Accessibility::on}};
+    TestUser user_{desktop_.display()};
+    ScreenReader reader_{desktop_};
+    SampleProgram page_{desktop_, user_, samplePath, SampleProgram::Kind::page};
+    Assistant assistant_{desktop_,
+                         user_,
+                         {.program = OVRIN_BINARY_DIR "/ovrin",
+                          .serviceURL = service_.baseURL(),
+                          .preferences = {{"ovrin.appearanceMode", appearance_}}}};
+};
+
+}  // namespace
+}  // namespace ovrin
+
+int main(int count, char** arguments) {
+    if (count != 2) {
+        std::cerr << "usage: ovrin_pictures FOLDER\n";
+        return 2;
+    }
+    try {
+        std::filesystem::create_directories(arguments[1]);
+        for (const char* const appearance : {"light", "dark"}) {
+            ovrin::PictureSet(arguments[1], appearance).take();
+        }
+        return EXIT_SUCCESS;
+    } catch (const std::exception& error) {
+        std::cerr << "ovrin_pictures: " << error.what() << '\n';
+        return EXIT_FAILURE;
+    }
+}
