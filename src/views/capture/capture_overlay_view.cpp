@@ -11,6 +11,7 @@
 #include <cmath>
 #include <utility>
 
+#include "platform/linux/qt/x11_window.h"
 #include "recognition/capture_geometry.h"
 #include "theme/type_scale.h"
 #include "views/components/drawing.h"
@@ -20,6 +21,7 @@ namespace ovrin {
 namespace {
 
 constexpr int fadeInMilliseconds = 160;
+constexpr int frameMilliseconds = 16;
 constexpr int keyboardGrabInterval = 5;  // milliseconds
 constexpr int screensSettlingTime = 50;  // milliseconds
 constexpr float dimming = 0.32F;
@@ -62,11 +64,28 @@ CaptureOverlayView::CaptureOverlayView(const QRect& frame, QImage backdrop, Capt
     fadeIn_.setDuration(fadeInMilliseconds);
     fadeIn_.setEasingCurve(QEasingCurve::OutCubic);
     connect(&fadeIn_, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
+    fadeIn_.setCurrentTime(frameMilliseconds);  // a first frame without any dimming would be one that comes late
+    if (backdrop_.isNull()) {
+        create();
+        x11::setFirstColor(*windowHandle(), dimmingColor());  // the program's own first picture takes longer
+    }
     show();
     raise();
-    fadeIn_.start();
     grabKeyboardSoon();
     followScreens();
+}
+
+// What the pointer has changed since it was at the place.
+void CaptureOverlayView::updateSelection(const std::optional<Point>& previousPoint) {
+    if (previousPoint) update(drawnArea(capture::selectionBetween(*startPoint_, *previousPoint)));
+    update(drawnArea(capture::selectionBetween(*startPoint_, *currentPoint_)));
+}
+
+QRegion CaptureOverlayView::drawnArea(const Rect& selection) const {
+    constexpr int lineMargin = 3;
+    const QRect area = fromViewSpace(selection).toAlignedRect();
+    return QRegion(area.adjusted(-lineMargin, -lineMargin, lineMargin, lineMargin)) +
+           sizeLabelFrame(selection).toAlignedRect();
 }
 
 // One change of the displays comes as several events; it is reported once they are through.
@@ -93,6 +112,10 @@ void CaptureOverlayView::grabKeyboardSoon() {
     attempt();
 }
 
+QColor CaptureOverlayView::dimmingColor() const {
+    return black(dimming * fadeIn_.currentValue().toFloat());
+}
+
 Rect CaptureOverlayView::bounds() const {
     return {0, 0, static_cast<double>(width()), static_cast<double>(height())};
 }
@@ -105,18 +128,21 @@ QRectF CaptureOverlayView::fromViewSpace(const Rect& rectangle) const {
     return {rectangle.x, height() - rectangle.y - rectangle.height, rectangle.width, rectangle.height};
 }
 
-void CaptureOverlayView::paintEvent(QPaintEvent* /*event*/) {
+void CaptureOverlayView::paintEvent(QPaintEvent* event) {
+    // From the first frame on, so that what it takes to come up is not taken off.
+    if (fadeIn_.state() == QAbstractAnimation::Stopped && fadeIn_.currentTime() == frameMilliseconds) fadeIn_.start();
+
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
     if (backdrop_.isNull()) {
-        painter.setCompositionMode(QPainter::CompositionMode_Clear);
-        painter.fillRect(rect(), Qt::black);
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        painter.fillRect(event->rect(), dimmingColor());
         painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     } else {
         painter.drawImage(rect(), backdrop_);
+        painter.fillRect(event->rect(), dimmingColor());
     }
     painter.setOpacity(fadeIn_.currentValue().toDouble());
-    painter.fillRect(rect(), black(dimming));
+    painter.setRenderHint(QPainter::Antialiasing);
     if (startPoint_ && currentPoint_) {
         drawSelection(painter, capture::selectionBetween(*startPoint_, *currentPoint_));
     } else {
@@ -145,14 +171,17 @@ void CaptureOverlayView::drawSelection(QPainter& painter, const Rect& selection)
     drawSize(painter, selection);
 }
 
-void CaptureOverlayView::drawSize(QPainter& painter, const Rect& selection) const {
+QRectF CaptureOverlayView::sizeLabelFrame(const Rect& selection) const {
     const QString text = toQString(capture::sizeLabelText(selection));
-    const QFont font = labelFont(sizeFont);
-    const QRectF label = fromViewSpace(capture::sizeLabelFrame(selection, bounds(), measured(font, text)));
+    return fromViewSpace(capture::sizeLabelFrame(selection, bounds(), measured(labelFont(sizeFont), text)));
+}
+
+void CaptureOverlayView::drawSize(QPainter& painter, const Rect& selection) const {
+    const QRectF label = sizeLabelFrame(selection);
     fillRounded(painter, label, 8, black(0.62F));
-    painter.setFont(font);
+    painter.setFont(labelFont(sizeFont));
     painter.setPen(white(0.88F));
-    painter.drawText(label, Qt::AlignCenter, text);
+    painter.drawText(label, Qt::AlignCenter, toQString(capture::sizeLabelText(selection)));
 }
 
 void CaptureOverlayView::drawHint(QPainter& painter) const {
@@ -184,13 +213,13 @@ void CaptureOverlayView::drawHint(QPainter& painter) const {
 void CaptureOverlayView::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
     startPoint_ = currentPoint_ = toViewSpace(event->position());
-    update();
+    update();  // the hint goes
 }
 
 void CaptureOverlayView::mouseMoveEvent(QMouseEvent* event) {
     if (!startPoint_) return;
-    currentPoint_ = toViewSpace(event->position());
-    update();
+    const std::optional<Point> previousPoint = std::exchange(currentPoint_, toViewSpace(event->position()));
+    updateSelection(previousPoint);
 }
 
 void CaptureOverlayView::mouseReleaseEvent(QMouseEvent* event) {

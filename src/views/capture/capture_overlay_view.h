@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QImage>
+#include <QRegion>
 #include <QTimer>
 #include <QVariantAnimation>
 #include <QWidget>
@@ -30,9 +31,13 @@ protected:
 private:
     void grabKeyboardSoon();
     void followScreens();
+    void updateSelection(const std::optional<Point>& previousPoint);
+    QColor dimmingColor() const;
     Rect bounds() const;
     Point toViewSpace(const QPointF& position) const;
     QRectF fromViewSpace(const Rect& rectangle) const;
+    QRegion drawnArea(const Rect& selection) const;
+    QRectF sizeLabelFrame(const Rect& selection) const;
     void drawSelection(QPainter& painter, const Rect& selection) const;
     void drawSize(QPainter& painter, const Rect& selection) const;
     void drawHint(QPainter& painter) const;

@@ -1,5 +1,6 @@
 #include "platform/linux/qt/x11_window.h"
 
+#include <QColor>
 #include <QGuiApplication>
 #include <QWindow>
 #include <algorithm>
@@ -101,6 +102,13 @@ void setShadowMargins(QWindow& window, const ShadowMargins& margins) {
         xcb_xfixes_destroy_region(connection, region);
     }
     xcb_flush(connection);
+}
+
+void setFirstColor(QWindow& window, const QColor& color) {
+    xcb_connection_t* const connection = toolkitConnection();
+    if (connection == nullptr) return;
+    const std::uint32_t pixel = qPremultiply(color.rgba());
+    xcb_change_window_attributes(connection, static_cast<xcb_window_t>(window.winId()), XCB_CW_BACK_PIXEL, &pixel);
 }
 
 void activate(QWindow& window) {

@@ -2,6 +2,7 @@
 // nothing happens where the windows are not on X11.
 #pragma once
 
+class QColor;
 class QWindow;
 
 namespace ovrin::x11 {
@@ -17,6 +18,10 @@ struct ShadowMargins {
 // Tells the window manager, and lets clicks on the shadow go to what lies below. Call it again when the window's size
 // has changed. Margins of 0 take it back.
 void setShadowMargins(QWindow& window, const ShadowMargins& margins);
+
+// What the server fills the window with when it comes up, before the program has drawn anything. The window exists
+// already and is not shown yet; where it is translucent, so is the colour.
+void setFirstColor(QWindow& window, const QColor& color);
 
 // Brings a window that is shown to the front, with the keyboard. The program is told of its shortcuts on another
 // connection than the window's, so that to the window manager the user seems to be at work elsewhere, which is a reason
