@@ -101,10 +101,14 @@ private:
     std::future<bool> answer_;
 };
 
-// The windows that the program's events go to, not toasts, cards and menus.
+// The windows that the user can go to: not toasts, cards, menus and overlays, nor the icon in the tray.
 QWidgetList visibleWindows() {
     QWidgetList windows = QApplication::topLevelWidgets();
-    windows.removeIf([](const QWidget* window) { return !window->isVisible() || window->windowType() != Qt::Window; });
+    windows.removeIf([](const QWidget* window) {
+        const bool isOrdinary = window->windowType() == Qt::Window || window->windowType() == Qt::Tool;
+        const bool isManaged = !window->windowFlags().testFlag(Qt::BypassWindowManagerHint);
+        return !window->isVisible() || !isOrdinary || !isManaged;
+    });
     return windows;
 }
 

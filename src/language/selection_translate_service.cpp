@@ -20,6 +20,10 @@ using namespace std::chrono_literals;
 constexpr auto pollInterval = 45ms;
 constexpr int maximumPolls = 8;
 
+// A window of this program that has just closed gives the keyboard back when the window manager gets round to it.
+constexpr auto focusInterval = 10ms;
+constexpr int maximumFocusChecks = 30;
+
 // Clipboard managers look at every new content before the program can paste it; the program itself reads the clipboard
 // some time after it got the keys.
 constexpr auto timeBeforePaste = 60ms;
@@ -44,6 +48,7 @@ Task<std::string> SelectionTranslateService::selectedText() {
     requirePermission();
     const PasteboardSnapshot snapshot = co_await PasteboardSnapshot::take(clipboard_);
     std::int64_t seenChange = snapshot.changeCount();
+    co_await waitForOtherProgram();
     keyboard_.copy();
     for (int poll = 0; poll < maximumPolls; ++poll) {
         co_await waitUnlessInterrupted(pollInterval);
@@ -61,8 +66,16 @@ Task<void> SelectionTranslateService::replaceSelection(std::string text) {
     const PasteboardSnapshot snapshot = co_await PasteboardSnapshot::take(clipboard_);
     clipboard_.writeString(std::move(text));
     co_await waitUnlessInterrupted(timeBeforePaste);
+    co_await waitForOtherProgram();
     keyboard_.paste();
     co_await waitUnlessInterrupted(timeAfterPaste);
+}
+
+// Goes on without one in the end: the selection may be in a window of this program.
+Task<void> SelectionTranslateService::waitForOtherProgram() {
+    for (int check = 0; check < maximumFocusChecks && !keyboard_.reachesOtherProgram(); ++check) {
+        co_await waitUnlessInterrupted(focusInterval);
+    }
 }
 
 void SelectionTranslateService::requirePermission() {

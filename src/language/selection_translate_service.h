@@ -19,6 +19,8 @@ public:
     // Both outlive the service and its operations.
     SelectionTranslateService(ClipboardService& clipboard, SimulateKeyboard& keyboard);
 
+    // Both first give a window of this program that has just closed up to 300 ms to hand the keyboard back.
+
     // Throws SelectionError: noSelection after 360 ms without a text.
     Task<std::string> selectedText() override;
 
@@ -27,6 +29,7 @@ public:
 
 private:
     void requirePermission();
+    Task<void> waitForOtherProgram();
 
     ClipboardService& clipboard_;
     SimulateKeyboard& keyboard_;

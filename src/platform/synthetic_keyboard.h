@@ -14,6 +14,10 @@ public:
     // Asks the user for it, where the desktop has a way to; the trust as it is now.
     virtual bool requestTrust() = 0;
 
+    // Whether the keys would reach another program now. They would not while one of this program's windows has the
+    // keyboard, or is giving it back.
+    virtual bool reachesOtherProgram() = 0;
+
     // Press and release the platform's combination. Do nothing when the keys cannot be pressed; what the program makes
     // of them shows on the clipboard, later.
     virtual void copy() = 0;

@@ -124,6 +124,13 @@ TEST_F(CaptureTest, EscapeEndsTheSelectionSilentlyEvenInTheMiddleOfADrag) {
     waitForHistory(1);
 }
 
+TEST_F(CaptureTest, TheRightButtonEndsTheSelectionToo) {
+    begin();
+    press(Action::captureOCR);
+    user->click(assistant->waitForOverlays().front().area.center(), TestUser::Button::right);
+    waitFor("the end of the overlay", [&] { return assistant->overlays().empty(); });
+}
+
 TEST_F(CaptureTest, EscapeWorksOnceTheKeysOfTheShortcutAreUp) {
     begin();
     user->holdKeys("Super_L+Shift_L+o");

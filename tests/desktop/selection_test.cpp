@@ -67,6 +67,17 @@ TEST_F(SelectionTest, IsReplacedByItsTranslation) {
     EXPECT_EQ(user->view().activeWindow(), editor.window().id);
 }
 
+TEST_F(SelectionTest, IsStillThereForACommandOfThePalette) {
+    begin();
+    auto& editor = editorWith(sentence);
+    press(Action::commandPalette);
+    user->waitUntilActive(assistant->waitForPalette().id);
+    for (int row = 0; row < 7; ++row) user->pressKeys("Down");  // "替换为译文"
+    user->pressKeys("Return");
+    const auto exchange = waitForExchange(0);
+    waitFor("the translation in the editor", [&] { return editor.text() == exchange.answer; });
+}
+
 TEST_F(SelectionTest, IsReadWhileTheUserStillHoldsTheShortcut) {
     begin();
     auto& editor = editorWith(sentence);

@@ -108,7 +108,10 @@ TEST_F(TrayTest, ASecondStartAndOtherProcessesReachTheRunningOne) {
     assistant->waitForOverlays();
     user->pressKeys("Escape");
     waitFor("the end of the overlay", [&] { return assistant->overlays().empty(); });
-    EXPECT_EQ(assistant->run({}), 0);
+    for (int start = 0; start < 2; ++start) {  // the second finds the palette open, and leaves it so
+        EXPECT_EQ(assistant->run({}), 0);
+        user->waitUntilActive(assistant->waitForPalette().id);
+    }
     EXPECT_TRUE(assistant->process().isRunning());
 }
 

@@ -16,12 +16,14 @@ public:
     bool isPermitted = true;
     bool answerToRequest = false;
     std::function<void()> onCopy = [] {};
+    int checksUntilFocus = 0;  // as often it is asked in vain whether another program has the keyboard
 
     bool isTrusted() override { return isPermitted; }
     bool requestTrust() override {
         journal_.add("trust requested");
         return answerToRequest;
     }
+    bool reachesOtherProgram() override { return checksUntilFocus == 0 || --checksUntilFocus == 0; }
     void copy() override {
         journal_.add("copy");
         onCopy();

@@ -96,6 +96,24 @@ TEST_F(SelectionTranslateServiceTest, ReadsTheSelectionAndPutsTheClipboardBack) 
     EXPECT_EQ(journal.take(), (Events{"clipboard: 2 items", "end"}));
 }
 
+TEST_F(SelectionTranslateServiceTest, WaitsForTheKeyboardToGoBackToTheOtherProgramButNotForEver) {
+    answerCopyAfter(1ms, "selection");
+    keyboard.checksUntilFocus = 5;
+    readSelection();
+    loop.advance(30ms);
+    EXPECT_EQ(journal.take(), Events{});
+    loop.advance(60ms);
+    EXPECT_EQ(text, "selection");
+    journal.take();
+
+    keyboard.checksUntilFocus = 1000;
+    replaceSelection("replacement");
+    loop.advance(240ms);
+    EXPECT_EQ(journal.take(), Events{"clipboard: replacement"});
+    loop.advance(300ms);
+    EXPECT_EQ(journal.take(), (Events{"paste", "clipboard: 2 items", "end"}));
+}
+
 TEST_F(SelectionTranslateServiceTest, AnEmptyClipboardIsEmptyAgain) {
     clipboard.items.clear();
     clipboard.string.reset();

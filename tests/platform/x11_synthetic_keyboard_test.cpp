@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "fakes/x_test_server.h"
 #include "platform/linux/x11_connection.h"
@@ -19,7 +20,7 @@ protected:
         if (!XTestServer::isInstalled()) GTEST_SKIP() << "Xvfb is not installed (Debian package xvfb)";
         server = std::make_unique<XTestServer>();
         program = connectToX11(server->display());
-        const xcb_window_t window = xcb_generate_id(program.get());
+        window = xcb_generate_id(program.get());
         constexpr std::uint32_t events =
             XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_EXPOSURE;
         xcb_create_window(program.get(), XCB_COPY_FROM_PARENT, window, server->root(), 0, 0, 100, 100, 0,
@@ -48,6 +49,7 @@ protected:
     static constexpr const char* controlV = "55 with 4";
 
     std::unique_ptr<XTestServer> server;
+    xcb_window_t window = XCB_WINDOW_NONE;
     X11Connection program{nullptr, &xcb_disconnect};
     std::unique_ptr<X11SimulateKeyboard> keyboard;
 };
@@ -73,6 +75,21 @@ TEST_F(X11SimulateKeyboardTest, TheKeyIsTheOneThatTypesTheLetter) {
     server->setLayouts("ru");
     keyboard->copy();
     EXPECT_EQ(received(), (std::vector<std::string>{controlKey, controlC}));  // no key types c
+}
+
+TEST_F(X11SimulateKeyboardTest, KnowsWhetherAnotherProgramHasTheKeyboard) {
+    EXPECT_TRUE(keyboard->reachesOtherProgram());
+    const X11Reply<xcb_intern_atom_reply_t> process(
+        xcb_intern_atom_reply(program.get(), xcb_intern_atom(program.get(), 0, 11, "_NET_WM_PID"), nullptr));
+    const auto own = static_cast<std::uint32_t>(getpid());
+    xcb_change_property(program.get(), XCB_PROP_MODE_REPLACE, window, process->atom, XCB_ATOM_CARDINAL, 32, 1, &own);
+    received();
+    EXPECT_FALSE(keyboard->reachesOtherProgram());
+    for (const xcb_window_t nobody : {xcb_window_t{XCB_INPUT_FOCUS_NONE}, server->root()}) {
+        xcb_set_input_focus(program.get(), XCB_INPUT_FOCUS_NONE, nobody, XCB_CURRENT_TIME);
+        received();
+        EXPECT_FALSE(keyboard->reachesOtherProgram());
+    }
 }
 
 }  // namespace

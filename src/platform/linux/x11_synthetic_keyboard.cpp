@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <optional>
 #include <span>
+#include <string_view>
 
+#include <unistd.h>
 #include <xcb/xtest.h>
 
 #include "platform/linux/x11_keyboard.h"
@@ -29,6 +31,18 @@ std::optional<xcb_keycode_t> keyCodeOf(const X11Keyboard& keyboard, std::uint32_
     return keyCodes.front();
 }
 
+// What the window says about its program; none when it says nothing.
+std::optional<pid_t> processOf(xcb_connection_t* connection, xcb_window_t window) {
+    constexpr std::string_view name = "_NET_WM_PID";
+    const X11Reply<xcb_intern_atom_reply_t> atom(
+        xcb_intern_atom_reply(connection, xcb_intern_atom(connection, 0, name.size(), name.data()), nullptr));
+    if (!atom) return std::nullopt;
+    const X11Reply<xcb_get_property_reply_t> property(xcb_get_property_reply(
+        connection, xcb_get_property(connection, 0, window, atom->atom, XCB_ATOM_CARDINAL, 0, 1), nullptr));
+    if (!property || xcb_get_property_value_length(property.get()) != sizeof(std::uint32_t)) return std::nullopt;
+    return static_cast<pid_t>(*static_cast<const std::uint32_t*>(xcb_get_property_value(property.get())));
+}
+
 }  // namespace
 
 X11SimulateKeyboard::X11SimulateKeyboard(const char* display) : connection_(connectToX11(display)) {
@@ -42,6 +56,16 @@ bool X11SimulateKeyboard::isTrusted() {
         connection_.get(), xcb_test_get_version(connection_.get(), XCB_TEST_MAJOR_VERSION, XCB_TEST_MINOR_VERSION),
         nullptr));
     return version != nullptr;
+}
+
+bool X11SimulateKeyboard::reachesOtherProgram() {
+    xcb_connection_t* const connection = connection_.get();
+    const X11Reply<xcb_get_input_focus_reply_t> focus(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    if (!focus) return false;
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    const xcb_window_t window = focus->focus;
+    return window > XCB_INPUT_FOCUS_POINTER_ROOT && window != root && processOf(connection, window) != getpid();
 }
 
 void X11SimulateKeyboard::copy() {

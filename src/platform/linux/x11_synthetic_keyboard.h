@@ -23,6 +23,9 @@ public:
     bool isTrusted() override;
     bool requestTrust() override { return isTrusted(); }
 
+    // The window with the keyboard is one of a program's, and not of this process.
+    bool reachesOtherProgram() override;
+
     // Return when the server has delivered the keys; do nothing when it can't.
     void copy() override;
     void paste() override;

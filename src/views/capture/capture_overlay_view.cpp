@@ -23,6 +23,8 @@ namespace {
 constexpr int fadeInMilliseconds = 160;
 constexpr int frameMilliseconds = 16;
 constexpr int keyboardGrabInterval = 5;  // milliseconds
+constexpr int latestQuickGrab = 1000;    // milliseconds after which another program is known to hold the keyboard
+constexpr int slowKeyboardGrabInterval = 100;
 constexpr int screensSettlingTime = 50;  // milliseconds
 constexpr float dimming = 0.32F;
 constexpr double selectionRadius = 5;
@@ -108,6 +110,7 @@ void CaptureOverlayView::grabKeyboardSoon() {
         if (windowHandle()->setKeyboardGrabEnabled(true)) keyboardGrab_.stop();
     };
     connect(&keyboardGrab_, &QTimer::timeout, this, attempt);
+    QTimer::singleShot(latestQuickGrab, this, [this] { keyboardGrab_.setInterval(slowKeyboardGrabInterval); });
     keyboardGrab_.start(keyboardGrabInterval);
     attempt();
 }
@@ -211,6 +214,7 @@ void CaptureOverlayView::drawHint(QPainter& painter) const {
 }
 
 void CaptureOverlayView::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::RightButton) return cancel();
     if (event->button() != Qt::LeftButton) return;
     startPoint_ = currentPoint_ = toViewSpace(event->position());
     update();  // the hint goes
@@ -232,12 +236,17 @@ void CaptureOverlayView::mouseReleaseEvent(QMouseEvent* event) {
         update();
         return;
     }
-    // The overlays are destroyed by what follows: not from inside the event of one of them.
+    // As in cancel().
     QTimer::singleShot(0, this, [report = callbacks_.onSelection, selection] { report(selection); });
 }
 
 void CaptureOverlayView::keyPressEvent(QKeyEvent* event) {
     if (event->key() != Qt::Key_Escape) return QWidget::keyPressEvent(event);
+    cancel();
+}
+
+// The overlays are destroyed by what follows: not from inside the event of one of them.
+void CaptureOverlayView::cancel() {
     QTimer::singleShot(0, this, [report = callbacks_.onCancel] { report(); });
 }
 

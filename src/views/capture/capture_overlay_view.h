@@ -31,6 +31,7 @@ protected:
 private:
     void grabKeyboardSoon();
     void followScreens();
+    void cancel();
     void updateSelection(const std::optional<Point>& previousPoint);
     QColor dimmingColor() const;
     Rect bounds() const;

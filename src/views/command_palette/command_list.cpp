@@ -70,9 +70,15 @@ void CommandList::mouseMoveEvent(QMouseEvent* event) {
     if (row >= 0) viewModel_.select(row);
 }
 
+void CommandList::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) pressedRow_ = rowAt(event->position().toPoint());
+}
+
+// Moving off the row before the button is up takes the click back.
 void CommandList::mouseReleaseEvent(QMouseEvent* event) {
-    const int row = rowAt(event->position().toPoint());
-    if (event->button() == Qt::LeftButton && row >= 0) viewModel_.execute(row);
+    if (event->button() != Qt::LeftButton) return;
+    const int pressed = std::exchange(pressedRow_, -1);
+    if (pressed >= 0 && rowAt(event->position().toPoint()) == pressed) viewModel_.execute(pressed);
 }
 
 void CommandList::paintEvent(QPaintEvent* event) {

@@ -26,6 +26,7 @@ signals:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 
@@ -38,6 +39,7 @@ private:
 
     CommandPaletteViewModel& viewModel_;
     std::vector<CommandItem> items_;
+    int pressedRow_ = -1;
     SpringAnimation highlight_;  // the upper edge of the highlight
     std::vector<Subscription> subscriptions_;
 };

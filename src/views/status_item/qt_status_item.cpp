@@ -120,8 +120,9 @@ void QtStatusItem::openMenu(const Menu& menu) {
     if (menu_) menu_->close();
     if (events_.menuWillOpen) events_.menuWillOpen();
     menu_ = new StatusMenu(environment_, layout_, menu);
-    connect(menu_, &StatusMenu::closed, this, [this](const std::function<void()>& action) {
-        if (events_.menuDidClose) events_.menuDidClose();
+    connect(menu_, &StatusMenu::closed, this, [this, menu = menu_.data()](const std::function<void()>& action) {
+        // One that another has taken the place of is told of late.
+        if (menu == menu_ && events_.menuDidClose) events_.menuDidClose();
         if (action) action();
     });
     menu_->popUp(QCursor::pos());
