@@ -57,10 +57,12 @@
 #include "views/capture/qt_capture_overlays.h"
 #include "views/command_palette/command_palette_view.h"
 #include "views/components/view_environment.h"
+#include "views/input_translate/qt_input_translate_window.h"
 #include "views/mini_popover/mini_popover_panel.h"
 #include "views/result_panel/qt_result_panel_window.h"
 #include "views/status_item/qt_status_item.h"
 #include "views/toast/toast_panel.h"
+#include "windows/input_translate_presenter.h"
 #include "windows/mini_popover_presenter.h"
 #include "windows/result_window_presenter.h"
 
@@ -130,7 +132,7 @@ public:
     void captureWhatIsThis() override { appState_.startCapture(CaptureIntent::whatIsThis); }
     void silentCaptureOCR() override { appState_.startCapture(CaptureIntent::silentOCR); }
     void showDirectAI() override { sayThatItIsMissing(); }
-    void showInputTranslate() override { sayThatItIsMissing(); }
+    void showInputTranslate() override { inputTranslate_.show(""); }
     void showCommandPalette() override { commandPalette_.show(); }
     void selectionTranslate() override { appState_.selectionTranslate({}); }
     void silentSelectionTranslate() override { appState_.selectionTranslate({.silent = true}); }
@@ -142,7 +144,7 @@ public:
         toasts_.show(std::move(message), std::move(symbol));
     }
 
-    bool has(AppWindow /*window*/) const override { return false; }
+    bool has(AppWindow window) const override { return window == AppWindow::inputTranslate; }
     void showHistory() override { sayThatItIsMissing(); }
     void showSettings() override { sayThatItIsMissing(); }
     bool isUpdateConfigured() const override { return false; }
@@ -152,6 +154,7 @@ public:
 private:
     std::unique_ptr<ToastWindow::Panel> makeToast(const std::string& message, OVIcon icon);
     ResultPanelViewModel::Services resultPanelServices();
+    InputTranslateViewModel::Services inputTranslateServices();
     AppState::Surroundings surroundings();
     void sayIfThereIsNoTray();
     // Shortcuts and the palette name windows that this build has not; the menu does not offer them.
@@ -206,6 +209,12 @@ private:
         [this](MiniPopoverViewModel& viewModel, std::function<void()> requestClose) {
             return std::make_unique<MiniPopoverPanel>(environment_, icons_.image(), viewModel, std::move(requestClose));
         }};
+    InputTranslatePresenter inputTranslate_{
+        inputTranslateServices(), settings_.config,
+        [this](InputTranslateViewModel& viewModel, std::function<void()> requestClose) {
+            return std::make_unique<QtInputTranslateWindow>(environment_, icons_.image(), viewModel,
+                                                            std::move(requestClose));
+        }};
     AppState appState_;
 
     // How they are reached.
@@ -246,6 +255,15 @@ ResultPanelViewModel::Services AppDelegate::resultPanelServices() {
             .translation = model_.translation(identifier_),
             .ai = AIService(model_.client),
             .prompts = prompts_,
+            .history = *history_,
+            .clipboard = clipboard_,
+            .toasts = toasts_,
+            .makeSpeech = [this] { return speech_.makeSynthesizer(); }};
+}
+
+InputTranslateViewModel::Services AppDelegate::inputTranslateServices() {
+    return {.loop = loop_,
+            .translation = model_.translation(identifier_),
             .history = *history_,
             .clipboard = clipboard_,
             .toasts = toasts_,

@@ -3,6 +3,8 @@
 #include <functional>
 
 #include "base/text.h"
+#include "platform/clipboard_service.h"
+#include "platform/toast_presenter.h"
 #include "storage/history_store.h"
 #include "windows/answer_reading.h"
 
@@ -12,15 +14,22 @@ InputTranslateViewModel::InputTranslateViewModel(std::string initialText, std::s
     : services_(std::move(services)),
       inputText_(std::move(initialText)),
       targetLanguage_(std::move(targetLanguage)),
+      readingAloud_(services_.makeSpeech, services_.toasts),
       task_(services_.loop) {}
+
+bool InputTranslateViewModel::canTranslate() const {
+    return !isStreaming_.value() && !text::trimmed(inputText_.value()).empty();
+}
 
 void InputTranslateViewModel::translate() {
     std::string source(text::trimmed(inputText_.value()));
     if (source.empty()) return;
     task_.cancel();
+    std::optional<std::string> detected = services_.translation.detectLanguage(source);
+    outputLanguage_ = TranslationService::effectiveTargetLanguage(detected, targetLanguage_.value());
     outputText_.set("");
     errorMessage_.set(std::nullopt);
-    detectedLanguage_.set(services_.translation.detectLanguage(source));
+    detectedLanguage_.set(std::move(detected));
     isStreaming_.set(true);
     task_.replace(consumeTranslation(std::move(source), targetLanguage_.value()));
 }
@@ -55,6 +64,16 @@ void InputTranslateViewModel::clear() {
     detectedLanguage_.set(std::nullopt);
     errorMessage_.set(std::nullopt);
     isStreaming_.set(false);
+}
+
+void InputTranslateViewModel::copyTranslation() {
+    if (outputText_->empty()) return;
+    services_.clipboard.writeString(outputText_.value());
+    services_.toasts.show("译文已复制", "checkmark");
+}
+
+void InputTranslateViewModel::speakTranslation() {
+    readingAloud_.read(outputText_.value(), outputLanguage_);
 }
 
 }  // namespace ovrin

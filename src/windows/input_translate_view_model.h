@@ -13,10 +13,13 @@
 #include "base/running_task.h"
 #include "base/task.h"
 #include "language/translation_service.h"
+#include "windows/reading_aloud.h"
 
 namespace ovrin {
 
+class ClipboardService;
 class HistoryStore;
+class ToastPresenter;
 
 class InputTranslateViewModel {
 public:
@@ -25,6 +28,9 @@ public:
         EventLoop& loop;
         TranslationService translation;
         HistoryStore& history;
+        ClipboardService& clipboard;
+        ToastPresenter& toasts;
+        ReadingAloud::MakeSpeech makeSpeech;
     };
 
     // targetLanguage: the BCP-47 tag that the picker starts with.
@@ -40,6 +46,10 @@ public:
     const Published<bool>& isStreaming() const { return isStreaming_; }
     const Published<std::optional<std::string>>& errorMessage() const { return errorMessage_; }
 
+    // The language that the translation is in; meaningless before the first one.
+    const std::string& outputLanguage() const { return outputLanguage_; }
+    bool canTranslate() const;  // there is something to translate, and nothing is being translated
+
     void setInputText(std::string text) { inputText_.set(std::move(text)); }
     void setTargetLanguage(std::string tag) { targetLanguage_.set(std::move(tag)); }
 
@@ -51,6 +61,10 @@ public:
 
     void clear();
 
+    // Nothing without a translation.
+    void copyTranslation();
+    void speakTranslation();
+
 private:
     Task<void> consumeTranslation(std::string source, std::string target);
 
@@ -61,6 +75,8 @@ private:
     Published<std::optional<std::string>> detectedLanguage_;
     Published<bool> isStreaming_;
     Published<std::optional<std::string>> errorMessage_;
+    std::string outputLanguage_;
+    ReadingAloud readingAloud_;
     TaskSlot task_;  // the last member: it ends before what it uses
 };
 

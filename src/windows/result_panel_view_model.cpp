@@ -15,8 +15,6 @@ namespace ovrin {
 
 namespace {
 
-constexpr double speechRate = 0.48;
-
 // The separator stands only between parts that are there.
 void appendJoined(std::string& text, std::string_view separator, std::string_view part) {
     if (part.empty()) return;
@@ -34,6 +32,7 @@ ResultPanelViewModel::ResultPanelViewModel(Content content, Services services)
       sourceImage_(std::move(content.sourceImage)),
       sourceLanguage_(ocrResult_ ? ocrResult_->detectedLanguage : std::nullopt),
       replyLanguage_(services_.prompts.replyLanguage(content.targetLanguageSetting)),
+      readingAloud_(services_.makeSpeech, services_.toasts),
       translationTask_(services_.loop),
       conversationTask_(services_.loop) {
     if (!sourceLanguage_) sourceLanguage_ = services_.translation.detectLanguage(originalText_.value());
@@ -214,22 +213,7 @@ void ResultPanelViewModel::copyPrimaryText() {
 }
 
 void ResultPanelViewModel::speakPrimaryText() {
-    if (primaryText().empty()) return;
-    if (!speech_) speech_ = services_.makeSpeech();
-    speech_->stop();
-    const bool isTranslation = !translation_->empty();
-    const bool isSpoken = speech_->speak(
-        {.text = primaryText(), .rate = speechRate, .language = isTranslation ? targetLanguage_ : sourceLanguage_});
-    if (!isSpoken) services_.toasts.show("没有可用的朗读语音。", "exclamationmark.triangle");
-}
-
-std::string displayLanguageName(std::string_view tag) {
-    const std::string normalized = AppConfig::normalizeLanguageTag(tag);
-    const auto& options = AppConfig::languageOptions;
-    const auto option = std::ranges::find(options, normalized, &AppConfig::LanguageOption::tag);
-    if (option != options.end()) return std::string(option->name);
-    if (auto name = text::englishNameOfIdentifier(tag)) return *std::move(name);
-    return text::englishNameOfLanguageCode(normalized).value_or(normalized);
+    readingAloud_.read(primaryText(), translation_->empty() ? sourceLanguage_ : targetLanguage_);
 }
 
 }  // namespace ovrin

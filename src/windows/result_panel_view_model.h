@@ -22,8 +22,8 @@
 #include "language/conversation_messages.h"
 #include "language/conversation_prompts.h"
 #include "language/translation_service.h"
-#include "platform/speech_synthesizer.h"
 #include "recognition/ocr_result.h"
+#include "windows/reading_aloud.h"
 #include "windows/result_presenter.h"
 
 namespace ovrin {
@@ -53,7 +53,7 @@ public:
         HistoryStore& history;
         ClipboardService& clipboard;
         ToastPresenter& toasts;
-        std::function<std::unique_ptr<SpeechSynthesizer>()> makeSpeech;  // called when something is first read aloud
+        ReadingAloud::MakeSpeech makeSpeech;
     };
 
     struct Content {
@@ -134,14 +134,11 @@ private:
     std::optional<std::string> sourceLanguage_;
     std::string targetLanguage_;
     std::string replyLanguage_;
-    std::unique_ptr<SpeechSynthesizer> speech_;
+    ReadingAloud readingAloud_;
     std::string aiInput_;  // the source text on which the conversation was opened
     // The last members: they end before what they use.
     TaskSlot translationTask_;
     TaskSlot conversationTask_;  // the first answer or a further one
 };
-
-// What the source-language label says: the name from the offered languages, else the English one, else the tag.
-std::string displayLanguageName(std::string_view tag);
 
 }  // namespace ovrin

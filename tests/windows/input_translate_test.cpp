@@ -8,10 +8,13 @@ namespace {
 class InputTranslateTest : public PanelTest {
 protected:
     InputTranslateViewModel::Services windowServices() {
+        ResultPanelViewModel::Services all = services();
         return {.loop = loop,
-                .translation = TranslationService(
-                    client, identifier, [] { return std::string(); }, [] { return Timestamp(); }),
-                .history = history};
+                .translation = std::move(all.translation),
+                .history = history,
+                .clipboard = clipboard,
+                .toasts = toasts,
+                .makeSpeech = std::move(all.makeSpeech)};
     }
 };
 
@@ -138,6 +141,34 @@ TEST_F(InputTranslateViewModelTest, ClearingEndsTheTranslationAndEmptiesBothPane
     EXPECT_EQ(window.outputText().value(), "");
     EXPECT_EQ(window.errorMessage().value(), std::nullopt);
     EXPECT_TRUE(history.records()->empty());
+}
+
+TEST_F(InputTranslateViewModelTest, TellsWhetherThereIsSomethingToTranslate) {
+    EXPECT_FALSE(window.canTranslate());
+    window.setInputText(" \n");
+    EXPECT_FALSE(window.canTranslate());
+    window.setInputText("hello");
+    EXPECT_TRUE(window.canTranslate());
+    willStream("你");
+    window.translate();
+    EXPECT_FALSE(window.canTranslate());
+    loop.runPosted();
+    finish();
+    EXPECT_TRUE(window.canTranslate());
+}
+
+TEST_F(InputTranslateViewModelTest, CopiesTheTranslationAndReadsItInTheLanguageItIsIn) {
+    window.copyTranslation();
+    window.speakTranslation();
+    EXPECT_EQ(journal.take(), Events{});
+    identifier.answer = "zh-Hans";
+    willAnswer("hello");
+    translate("你好");
+    window.setTargetLanguage("ja");  // for the next one
+    window.copyTranslation();
+    window.speakTranslation();
+    EXPECT_EQ(journal.take(),
+              (Events{"clipboard: hello", "toast checkmark: 译文已复制", "silence", "speech en: hello"}));
 }
 
 class FakeWindow final : public InputTranslateWindow {

@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 
+#include "language/language_names.h"
 #include "views/components/drawing.h"
 #include "views/components/ov_brand_mark.h"
 #include "views/components/ov_button.h"

@@ -1,0 +1,81 @@
+#include "views/input_translate/output_pane.h"
+
+#include <QVBoxLayout>
+
+#include "views/components/ov_button.h"
+#include "views/components/ov_error_note.h"
+#include "views/components/ov_label.h"
+#include "views/components/ov_pixel_loader.h"
+#include "views/components/ov_scroll_area.h"
+#include "views/components/ov_streaming_text.h"
+#include "windows/input_translate_view_model.h"
+
+namespace ovrin {
+
+using theme::ColorToken;
+
+OutputPane::OutputPane(ViewEnvironment& environment, InputTranslateViewModel& viewModel, QWidget* parent)
+    : TextPane(environment, QStringLiteral("译文"), parent),
+      viewModel_(viewModel),
+      loader_(new OVPixelLoader(environment, ColorToken::accentInk)),
+      speak_(new OVIconButton(environment, OVIcon::volume, QStringLiteral("朗读"))),
+      copy_(new OVIconButton(environment, OVIcon::copy, QStringLiteral("复制"))),
+      area_(new OVScrollArea(environment)),
+      placeholder_(new OVLabel(environment, QStringLiteral("翻译结果会流式显示在这里"), theme::font::body,
+                               ColorToken::ink3, OVLabel::Lines::wrapped)),
+      text_(new OVStreamingText(environment, OVStreamingText::Mode::plain)),
+      error_(new OVErrorNote(environment)) {
+    addBesideTitle(loader_);
+    addAction(copy_);
+    addAction(speak_);
+    area_->setContent(makeContent());
+    area_->keepInSight(*text_);
+    setContent(area_, 0);
+    bind();
+    refresh();
+}
+
+QWidget* OutputPane::makeContent() {
+    auto* content = new QWidget;
+    auto* column = new QVBoxLayout(content);
+    column->setContentsMargins(padding, 4, padding - 2, 4);
+    column->setSpacing(12);
+    column->addWidget(placeholder_);
+    column->addWidget(text_);
+    column->addWidget(error_);
+    column->addStretch();
+    return content;
+}
+
+void OutputPane::bind() {
+    connect(copy_, &QAbstractButton::clicked, this, [this] { viewModel_.copyTranslation(); });
+    connect(speak_, &QAbstractButton::clicked, this, [this] { viewModel_.speakTranslation(); });
+    subscriptions_.push_back(viewModel_.outputText().onDidChange([this](const auto&) { refresh(); }));
+    subscriptions_.push_back(viewModel_.isStreaming().onDidChange([this](const auto&) { refresh(); }));
+    subscriptions_.push_back(viewModel_.errorMessage().onDidChange([this](const auto& message) {
+        refresh();
+        // The translation is read from its beginning while it comes; what ended it stands below.
+        if (message) {
+            area_->followBottom();
+        } else {
+            area_->stopFollowing();
+        }
+    }));
+}
+
+void OutputPane::refresh() {
+    using enum OVStreamingText::Progress;
+    const std::string& output = viewModel_.outputText().value();
+    const std::optional<std::string>& message = viewModel_.errorMessage().value();
+    const bool isStreaming = viewModel_.isStreaming().value();
+    loader_->setVisible(isStreaming);
+    placeholder_->setVisible(output.empty() && !message);
+    text_->setVisible(!output.empty());
+    text_->setLanguage(viewModel_.outputLanguage());
+    text_->setTextSoFar(output, isStreaming ? streaming : finished);
+    error_->setMessage(message);
+    copy_->setEnabled(!output.empty());
+    speak_->setEnabled(!output.empty());
+}
+
+}  // namespace ovrin

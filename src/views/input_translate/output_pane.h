@@ -1,0 +1,42 @@
+// The half of the window into which the translation streams.
+#pragma once
+
+#include <vector>
+
+#include "base/published.h"
+#include "views/input_translate/text_pane.h"
+
+namespace ovrin {
+
+class InputTranslateViewModel;
+class OVErrorNote;
+class OVIconButton;
+class OVLabel;
+class OVPixelLoader;
+class OVScrollArea;
+class OVStreamingText;
+
+class OutputPane final : public TextPane {
+    Q_OBJECT
+
+public:
+    // The view model outlives it.
+    OutputPane(ViewEnvironment& environment, InputTranslateViewModel& viewModel, QWidget* parent = nullptr);
+
+private:
+    QWidget* makeContent();
+    void bind();
+    void refresh();
+
+    InputTranslateViewModel& viewModel_;
+    OVPixelLoader* loader_;
+    OVIconButton* speak_;
+    OVIconButton* copy_;
+    OVScrollArea* area_;
+    OVLabel* placeholder_;
+    OVStreamingText* text_;
+    OVErrorNote* error_;
+    std::vector<Subscription> subscriptions_;
+};
+
+}  // namespace ovrin
