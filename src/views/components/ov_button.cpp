@@ -41,9 +41,9 @@ OVButtonBase::OVButtonBase(ViewEnvironment& environment, QWidget* parent)
     connect(&environment_, &ViewEnvironment::changed, this, qOverload<>(&QWidget::update));
 }
 
-void OVButtonBase::drawFocusRing(QPainter& painter, double radius) const {
+void OVButtonBase::drawFocusRing(QPainter& painter, double radius, ColorToken color) const {
     if (!hasFocus()) return;
-    painter.setPen(QPen(environment_.color(ColorToken::accent), 1.5));
+    painter.setPen(QPen(environment_.color(color), 1.5));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75), radius, radius);
 }
@@ -120,7 +120,8 @@ void OVButton::paintEvent(QPaintEvent* /*event*/) {
     painter.setPen(look.text);
     painter.setFont(font());
     painter.drawText(QRectF(x, 0, textWidth + 1, QWidget::height()), Qt::AlignVCenter | Qt::AlignLeft, text());
-    drawFocusRing(painter, cornerRadius);
+    // On the accent fill a ring of the accent colour would not be seen.
+    drawFocusRing(painter, cornerRadius, kind_ == Kind::primary ? ColorToken::accentForeground : ColorToken::accent);
 }
 
 OVIconButton::OVIconButton(ViewEnvironment& environment, OVIcon icon, const QString& label, QWidget* parent)

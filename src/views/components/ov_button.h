@@ -23,7 +23,7 @@ protected:
     // 0 at rest, 1 fully pressed.
     double pressProgress() const { return press_.value(); }
     bool isHovered() const { return underMouse() && isEnabled(); }
-    void drawFocusRing(QPainter& painter, double radius) const;
+    void drawFocusRing(QPainter& painter, double radius, theme::ColorToken color = theme::ColorToken::accent) const;
 
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;

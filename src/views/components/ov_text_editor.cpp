@@ -18,6 +18,7 @@ using theme::ColorToken;
 namespace {
 constexpr double lineHeight = 21;
 constexpr double margin = 4;
+constexpr double drop = 2;  // of a text in a line of the grid, against one that is drawn by itself
 }  // namespace
 
 OVTextEditor::OVTextEditor(ViewEnvironment& environment, const QString& placeholder, QWidget* parent)
@@ -78,7 +79,7 @@ void OVTextEditor::paintEvent(QPaintEvent* event) {
     QPainter painter(viewport());
     painter.setFont(font());
     painter.setPen(environment_.color(ColorToken::ink3));
-    painter.drawText(QRectF(viewport()->rect()).adjusted(margin, margin, -margin, 0),
+    painter.drawText(QRectF(viewport()->rect()).adjusted(margin, margin + drop, -margin, 0),
                      Qt::AlignTop | Qt::AlignLeft | Qt::TextWordWrap, placeholder_);
 }
 

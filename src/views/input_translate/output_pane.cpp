@@ -30,7 +30,7 @@ OutputPane::OutputPane(ViewEnvironment& environment, InputTranslateViewModel& vi
     addAction(speak_);
     area_->setContent(makeContent());
     area_->keepInSight(*text_);
-    setContent(area_, 0);
+    setContent(area_, 0, 2);
     bind();
     refresh();
 }
@@ -38,7 +38,9 @@ OutputPane::OutputPane(ViewEnvironment& environment, InputTranslateViewModel& vi
 QWidget* OutputPane::makeContent() {
     auto* content = new QWidget;
     auto* column = new QVBoxLayout(content);
-    column->setContentsMargins(padding, 4, padding - 2, 4);
+    // Both texts begin on one line with those of the other half.
+    column->setContentsMargins(padding, 5, padding - 2, 4);
+    placeholder_->setContentsMargins(0, 1, 0, 0);
     column->setSpacing(12);
     column->addWidget(placeholder_);
     column->addWidget(text_);

@@ -42,9 +42,9 @@ void TextPane::addAction(QWidget* control) {
     actions_->addWidget(control);
 }
 
-void TextPane::setContent(QWidget* content, int leftMargin) {
+void TextPane::setContent(QWidget* content, int leftMargin, int rightMargin) {
     auto* inset = new QHBoxLayout;
-    inset->setContentsMargins(leftMargin, 0, 2, 8);
+    inset->setContentsMargins(leftMargin, 0, rightMargin, 8);
     inset->addWidget(content);
     column_->addLayout(inset, 1);
 }

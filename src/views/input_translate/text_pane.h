@@ -20,7 +20,7 @@ public:
 protected:
     void addBesideTitle(QWidget* widget);
     void addAction(QWidget* control);  // at the right end of the title's row
-    void setContent(QWidget* content, int leftMargin);
+    void setContent(QWidget* content, int leftMargin, int rightMargin);
 
 private:
     QHBoxLayout* besideTitle_;
