@@ -7,14 +7,6 @@ namespace ovrin {
 namespace {
 
 struct TrayTest : DesktopTest {
-    DesktopWindow waitForMenu() const {
-        return *waitFor("the menu", [this]() -> std::optional<DesktopWindow> {
-            for (const DesktopWindow& window : user->find({.program = programName})) {
-                if (window.isOverrideRedirect && window.area.height > 200 && window.area.width < 600) return window;
-            }
-            return std::nullopt;
-        });
-    }
     DesktopWindow openMenu(TestUser::Button button) const {
         user->click(assistant->waitForTrayIcon().area.center(), button);
         return waitForMenu();

@@ -82,6 +82,8 @@ OVButton::Look OVButton::look() const {
     const double press = pressProgress();
     switch (kind_) {
         case Kind::primary: {
+            // A faded accent would leave too little contrast to what it says, such as that work is under way.
+            if (!isEnabled()) return {token(ColorToken::inset), token(ColorToken::ink3)};
             const QColor fill = token(ColorToken::accent);
             const QColor shade = environment().isDark() ? QColor(Qt::white) : QColor(Qt::black);
             return {mixed(fill, shade, 0.10 * press + (isHovered() ? 0.05 : 0)), token(ColorToken::accentForeground)};
@@ -104,7 +106,7 @@ OVButton::Look OVButton::look() const {
 void OVButton::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    if (!isEnabled()) painter.setOpacity(0.45);
+    if (!isEnabled() && kind_ != Kind::primary) painter.setOpacity(0.45);
     const Look look = this->look();
     const double shrink = 0.6 * pressProgress();
     fillRounded(painter, QRectF(rect()).adjusted(shrink, shrink, -shrink, -shrink), cornerRadius, look.background);

@@ -1,6 +1,7 @@
 #include "views/components/ov_text_editor.h"
 
 #include <QContextMenuEvent>
+#include <QMimeData>
 #include <QPainter>
 #include <QTextBlock>
 #include <QTextBlockFormat>
@@ -44,6 +45,12 @@ void OVTextEditor::spaceLines() {
     all.select(QTextCursor::Document);
     all.mergeBlockFormat(format);
     document()->clearUndoRedoStacks();
+}
+
+// As if it were typed: the toolkit would bring in paragraphs that know nothing of the grid.
+void OVTextEditor::insertFromMimeData(const QMimeData* source) {
+    textCursor().insertText(source->text());
+    ensureCursorVisible();
 }
 
 void OVTextEditor::setPlaceholder(const QString& placeholder) {

@@ -18,10 +18,13 @@ public:
 
     void setPlaceholder(const QString& placeholder);
     void replaceText(const QString& text);
+    // Keeps the text off the right edge, where the scroll bar stays.
+    void setRightInset(int points) { setViewportMargins(0, 0, points, 0); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void insertFromMimeData(const QMimeData* source) override;
 
 private:
     void applyColors();

@@ -14,7 +14,8 @@ InputPane::InputPane(ViewEnvironment& environment, InputTranslateViewModel& view
       editor_(new OVTextEditor(environment, QStringLiteral("粘贴或输入需要翻译的内容…"))) {
     editor_->setAccessibleName(QStringLiteral("输入"));
     const int textMargin = static_cast<int>(editor_->document()->documentMargin());
-    setContent(editor_, padding - textMargin, padding - textMargin);
+    editor_->setRightInset(padding - scrollBarMargin - textMargin);
+    setContent(editor_, padding - textMargin);
     editor_->replaceText(toQString(viewModel.inputText().value()));
     editor_->installEventFilter(this);
     connect(editor_, &QTextEdit::textChanged, this,

@@ -30,7 +30,7 @@ OutputPane::OutputPane(ViewEnvironment& environment, InputTranslateViewModel& vi
     addAction(speak_);
     area_->setContent(makeContent());
     area_->keepInSight(*text_);
-    setContent(area_, 0, 2);
+    setContent(area_, 0);
     bind();
     refresh();
 }
@@ -39,7 +39,7 @@ QWidget* OutputPane::makeContent() {
     auto* content = new QWidget;
     auto* column = new QVBoxLayout(content);
     // Both texts begin on one line with those of the other half.
-    column->setContentsMargins(padding, 5, padding - 2, 4);
+    column->setContentsMargins(padding, 5, padding - scrollBarMargin, 4);
     placeholder_->setContentsMargins(0, 1, 0, 0);
     column->setSpacing(12);
     column->addWidget(placeholder_);

@@ -42,9 +42,9 @@ void TextPane::addAction(QWidget* control) {
     actions_->addWidget(control);
 }
 
-void TextPane::setContent(QWidget* content, int leftMargin, int rightMargin) {
+void TextPane::setContent(QWidget* content, int leftMargin) {
     auto* inset = new QHBoxLayout;
-    inset->setContentsMargins(leftMargin, 0, rightMargin, 8);
+    inset->setContentsMargins(leftMargin, 0, scrollBarMargin, 8);
     inset->addWidget(content);
     column_->addLayout(inset, 1);
 }

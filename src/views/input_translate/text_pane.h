@@ -13,6 +13,7 @@ class TextPane : public OVSurface {
 
 public:
     static constexpr int padding = 14;  // between the card's edge and its texts
+    static constexpr int scrollBarMargin = 2;
     static constexpr double cornerRadius = 12;
 
     TextPane(ViewEnvironment& environment, const QString& title, QWidget* parent = nullptr);
@@ -20,7 +21,8 @@ public:
 protected:
     void addBesideTitle(QWidget* widget);
     void addAction(QWidget* control);  // at the right end of the title's row
-    void setContent(QWidget* content, int leftMargin, int rightMargin);
+    // Its scroll bar stays at the right edge of the card.
+    void setContent(QWidget* content, int leftMargin);
 
 private:
     QHBoxLayout* besideTitle_;

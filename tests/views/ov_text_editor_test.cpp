@@ -1,0 +1,45 @@
+#include "views/components/ov_text_editor.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QTextBlock>
+#include <QTextDocument>
+
+#include <gtest/gtest.h>
+
+namespace ovrin {
+namespace {
+
+// How many of its lines are on the grid.
+int linesOnGrid(const OVTextEditor& editor) {
+    int count = 0;
+    for (QTextBlock block = editor.document()->begin(); block.isValid(); block = block.next()) {
+        const QTextBlockFormat format = block.blockFormat();
+        if (format.lineHeightType() == QTextBlockFormat::FixedHeight && format.lineHeight() == 21) ++count;
+    }
+    return count;
+}
+
+TEST(TextEditor, KeepsItsGridOfLinesWhereverTheTextComesFrom) {
+    ViewEnvironment environment;
+    OVTextEditor editor(environment, {});
+    QGuiApplication::clipboard()->setText("一\ntwo\n三\n");
+    editor.paste();
+    EXPECT_EQ(editor.toPlainText(), "一\ntwo\n三\n");
+    EXPECT_EQ(linesOnGrid(editor), 4);
+    editor.replaceText("four\n五");
+    EXPECT_EQ(linesOnGrid(editor), 2);
+    editor.selectAll();
+    editor.paste();
+    EXPECT_EQ(linesOnGrid(editor), 4);
+
+    // What was replaced or pasted over comes back.
+    editor.undo();
+    EXPECT_EQ(editor.toPlainText(), "four\n五");
+    editor.undo();
+    EXPECT_EQ(editor.toPlainText(), "一\ntwo\n三\n");
+    EXPECT_EQ(linesOnGrid(editor), 4);
+}
+
+}  // namespace
+}  // namespace ovrin
