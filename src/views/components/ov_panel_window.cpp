@@ -160,6 +160,8 @@ void OVPanelWindow::drawFrame(QPainter& painter) const {
     if (!environment().settings().reducesTransparency) {
         page.setAlphaF(static_cast<float>(theme::windowBackgroundOpacity(environment().settings().appearance)));
     }
+    // Where the corners are cut instead of blended, no pixel at their edge may be half black.
+    if (!environment().settings().isComposited) painter.fillRect(frame, page);
     fillRounded(painter, frame, cornerRadius(), page);
     if (isFilling()) return;
     QColor line = color(ColorToken::ink);

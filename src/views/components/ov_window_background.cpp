@@ -26,6 +26,8 @@ void drawWindowBackground(QPainter& painter, const QRectF& rectangle, double cor
         return;
     }
     painter.setRenderHint(QPainter::Antialiasing);
+    // Where the corners are cut instead of blended, no pixel at their edge may be half black.
+    if (!environment.settings().isComposited) painter.fillRect(rectangle, page);
     fillRounded(painter, rectangle, cornerRadius, page);
     QColor line = environment.color(theme::ColorToken::ink);
     line.setAlphaF(environment.isDark() ? 0.14F : 0.1F);
