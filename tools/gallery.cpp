@@ -17,6 +17,7 @@
 #include "views/components/drawing.h"
 #include "views/components/ov_animated_icon.h"
 #include "views/components/ov_button.h"
+#include "views/components/ov_picker.h"
 #include "views/components/ov_pixel_loader.h"
 #include "views/components/ov_status_pill.h"
 #include "views/components/ov_surface.h"
@@ -105,6 +106,9 @@ void fill(ViewEnvironment& environment, Recorders& recorders, QVBoxLayout& page)
     auto* field = new OVTextField(environment, "搜索命令…");
     field->setLeadingIcon(OVIcon::search);
     page.addWidget(field);
+    auto* picker = new OVPicker(environment, "目标语言", {{"zh-Hans", "简体中文"}, {"en", "English"}});
+    picker->setCurrent({.value = "en", .title = "English"});
+    page.addLayout(row(picker));
     page.addLayout(row(recorders.recorder(OvShortcut::captureTranslate), recorders.recorder(OvShortcut::captureOCR)));
 
     auto* card = new OVSurface(environment, 14, OVSurface::Elevation::elevated);

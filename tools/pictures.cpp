@@ -39,6 +39,7 @@ public:
         takePalette();
         takeMenu();
         takeCard();
+        takeInputTranslation();
     }
 
 private:
@@ -118,12 +119,7 @@ private:
 
     void takeMenu() {
         user_.click(assistant_.waitForTrayIcon().area.center(), TestUser::Button::right);
-        const DesktopWindow menu = *waitFor("the menu", [this]() -> std::optional<DesktopWindow> {
-            for (const DesktopWindow& window : user_.find({.program = program})) {
-                if (window.isOverrideRedirect && window.area.height > 200 && window.area.width < 600) return window;
-            }
-            return std::nullopt;
-        });
+        const DesktopWindow menu = assistant_.waitForMenu();
         saveWindow("menu", menu);
         user_.pressKeys("Escape");
         user_.waitUntilGone(menu.id);
@@ -138,6 +134,20 @@ private:
         const DesktopWindow card = user_.waitForWindow({.program = program, .width = 350, .height = 225});
         waitForAnswer(2);
         saveWindow("card", card);
+        choose("关闭");
+        user_.waitUntilGone(card.id);
+    }
+
+    void takeInputTranslation() {
+        assistant_.run({"do", "input-translate"});
+        const DesktopWindow window = user_.waitForWindow({.program = program, .width = 760, .height = 490});
+        user_.waitUntilActive(window.id);
+        user_.type("A ticket to the small island costs three coins.");
+        user_.pressKeys("Control_L+Return");
+        waitForAnswer(3);
+        reader_.waitForName(program, "开始翻译");
+        user_.moveTo({.x = 4, .y = 4});
+        saveWindow("input-translation", window);
     }
 
     static constexpr const char* samplePath = OVRIN_BINARY_DIR "/ovrin_sample_program";

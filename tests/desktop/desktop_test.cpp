@@ -105,15 +105,6 @@ void DesktopTest::clickOn(const std::string& name) const {
     user->click(reader->waitForName(programName, name).area.center());
 }
 
-DesktopWindow DesktopTest::waitForMenu() const {
-    return *waitFor("the menu", [this]() -> std::optional<DesktopWindow> {
-        for (const DesktopWindow& window : user->find({.program = programName})) {
-            if (window.isOverrideRedirect && window.area.height > 200 && window.area.width < 600) return window;
-        }
-        return std::nullopt;
-    });
-}
-
 void DesktopTest::expectToast(const std::string& text) const {
     const DesktopWindow toast = assistant->waitForToast();
     waitForWords(text);

@@ -71,7 +71,6 @@ protected:
 
     void waitForWords(const std::string& words) const { reader->waitForWords(programName, words); }
     void clickOn(const std::string& name) const;
-    DesktopWindow waitForMenu() const;
     // The toast with this text; it is waited for, and then for its end.
     void expectToast(const std::string& text) const;
     bool isToastShown() const { return !user->find({.program = programName, .width = 260, .height = 40}).empty(); }

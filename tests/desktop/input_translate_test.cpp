@@ -66,7 +66,7 @@ TEST_F(InputTranslateTest, TranslatesIntoThePickedLanguage) {
     open();
     user->type(sentence);
     clickOn("目标语言：简体中文");
-    const DesktopWindow menu = waitForMenu();
+    const DesktopWindow menu = assistant->waitForMenu();
     for (const char* const key : {"Down", "Down", "Down", "Return"}) user->pressKeys(key);  // 繁體中文, English, 日本語
     user->waitUntilGone(menu.id);
     reader->waitForName(programName, "目标语言：日本語");

@@ -9,7 +9,7 @@ namespace {
 struct TrayTest : DesktopTest {
     DesktopWindow openMenu(TestUser::Button button) const {
         user->click(assistant->waitForTrayIcon().area.center(), button);
-        return waitForMenu();
+        return assistant->waitForMenu();
     }
 };
 
@@ -64,7 +64,7 @@ TEST_F(TrayTest, IsAStatusNotifierItemWhereThePanelWantsOne) {
     user->waitForPicture("the icon", icon, [](const QImage& picture) { return contrast(picture) > 100; });
     for (const auto button : {TestUser::Button::right, TestUser::Button::left}) {
         user->click(icon.center(), button);
-        const DesktopWindow menu = waitForMenu();
+        const DesktopWindow menu = assistant->waitForMenu();
         EXPECT_LT(menu.area.y + menu.area.height, icon.y + icon.height);
         user->pressKeys("Escape");
         user->waitUntilGone(menu.id);

@@ -126,6 +126,15 @@ DesktopWindow Assistant::waitForPalette() const {
     return user_.waitForWindow({.program = programName, .width = 520, .height = 460});
 }
 
+DesktopWindow Assistant::waitForMenu() const {
+    return *waitFor("the menu", [this]() -> std::optional<DesktopWindow> {
+        for (const DesktopWindow& window : user_.find({.program = programName})) {
+            if (window.isOverrideRedirect && window.area.height > 200 && window.area.width < 600) return window;
+        }
+        return std::nullopt;
+    });
+}
+
 json::Value Assistant::history() const {
     const auto history = json::parse(contentOf(desktop_.dataFolder() / "Ovrin/history.json"));
     return history.value_or(json::Value::array());

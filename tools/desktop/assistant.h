@@ -51,6 +51,7 @@ public:
     std::optional<DesktopWindow> panel() const;  // the result panel, while it is shown
     DesktopWindow waitForPanel() const;
     DesktopWindow waitForPalette() const;
+    DesktopWindow waitForMenu() const;  // any that it pops up
 
     // The stored history, newest first.
     json::Value history() const;
