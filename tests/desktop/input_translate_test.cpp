@@ -12,7 +12,7 @@ const std::string sentence = "A ticket to the small island costs three coins.";
 
 struct InputTranslateTest : DesktopTest {
     DesktopWindow waitForWindow() const {
-        const DesktopWindow window = user->waitForWindow({.title = "输入翻译 — Ovrin", .program = programName});
+        DesktopWindow window = user->waitForWindow({.title = "输入翻译 — Ovrin", .program = programName});
         user->waitUntilActive(window.id);
         return window;
     }
@@ -26,7 +26,7 @@ struct InputTranslateTest : DesktopTest {
     }
     // What the translation comes out as.
     std::string waitForTranslation(std::size_t exchange) const {
-        const std::string answer = waitForExchange(exchange).answer;
+        std::string answer = waitForExchange(exchange).answer;
         waitForHistory(exchange + 1, Result::some);
         waitForWords("开始翻译");
         return answer;
