@@ -24,7 +24,7 @@ using theme::ColorToken;
 namespace {
 
 constexpr int frameInterval = 16;  // milliseconds
-constexpr int narrowest = 140;     // points of width
+constexpr int narrowest = 140;     // points of width that a window leaves a text
 constexpr int dragInterval = 40;   // milliseconds between steps of scrolling under a held mouse
 
 // Tells assistive technology the text, when it asks.
@@ -127,8 +127,17 @@ void OVStreamingText::copy() const {
 // up to much less than any window's, the answer does not matter.
 int OVStreamingText::heightForWidth(int width) const {
     if (width < narrowest) return 0;
-    const_cast<OVStreamingText*>(this)->document_.setWidth(width);
+    return const_cast<OVStreamingText*>(this)->layOut(width);
+}
+
+int OVStreamingText::layOut(int width) {
+    document_.setWidth(width);
     return static_cast<int>(document_.height());
+}
+
+int OVStreamingText::naturalWidth() {
+    layOut(QWIDGETSIZE_MAX);
+    return static_cast<int>(std::ceil(document_.usedWidth()));
 }
 
 QSize OVStreamingText::sizeHint() const {
@@ -140,7 +149,7 @@ QSize OVStreamingText::minimumSizeHint() const {
 }
 
 void OVStreamingText::resizeEvent(QResizeEvent* /*event*/) {
-    document_.setWidth(std::max(width(), narrowest));
+    document_.setWidth(std::max(width(), 1));
 }
 
 void OVStreamingText::paintEvent(QPaintEvent* event) {

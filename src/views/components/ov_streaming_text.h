@@ -43,6 +43,10 @@ public:
     void selectAll();
     void copy() const;  // to the clipboard; nothing without a selection
 
+    // Lays out for a width, in whole points, and gives the height; the width of its longest line, unwrapped.
+    int layOut(int width);
+    int naturalWidth();
+
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
     QSize sizeHint() const override;

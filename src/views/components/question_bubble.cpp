@@ -2,7 +2,6 @@
 
 #include <QPainter>
 #include <algorithm>
-#include <cmath>
 
 #include "views/components/drawing.h"
 
@@ -17,14 +16,9 @@ constexpr int shortestText = 10;
 }  // namespace
 
 QuestionBubble::QuestionBubble(ViewEnvironment& environment, std::string_view text, QWidget* parent)
-    : OVWidget(environment, parent),
-      text_(new OVStreamingText(environment, OVStreamingText::Mode::plain, this)),
-      naturalWidth_(shortestText) {
+    : OVWidget(environment, parent), text_(new OVStreamingText(environment, OVStreamingText::Mode::plain, this)) {
     text_->setTextSoFar(text, OVStreamingText::Progress::finished);
-    const QFontMetricsF metrics(toQFont(theme::font::body));
-    for (const QString& line : toQString(text).split(u'\n')) {
-        naturalWidth_ = std::max(naturalWidth_, static_cast<int>(std::ceil(metrics.horizontalAdvance(line))) + 2);
-    }
+    naturalWidth_ = std::max(text_->naturalWidth(), shortestText);
     QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Minimum);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
@@ -32,16 +26,18 @@ QuestionBubble::QuestionBubble(ViewEnvironment& environment, std::string_view te
 
 int QuestionBubble::textWidthFor(int width) const {
     const int widest = static_cast<int>(width * widestShare) - 2 * horizontalPadding;
-    return std::clamp(widest, shortestText, std::max(naturalWidth_, shortestText));
+    return std::clamp(widest, shortestText, naturalWidth_);
 }
 
 int QuestionBubble::heightForWidth(int width) const {
-    return text_->heightForWidth(textWidthFor(width)) + 2 * verticalPadding;
+    const int textWidth = textWidthFor(width);
+    // A text that needs no wrapping may be narrower than any that a layout is asked about.
+    const int textHeight = textWidth == naturalWidth_ ? text_->layOut(textWidth) : text_->heightForWidth(textWidth);
+    return textHeight + 2 * verticalPadding;
 }
 
 QSize QuestionBubble::sizeHint() const {
-    const int width = naturalWidth_ + 2 * horizontalPadding;
-    return {width, heightForWidth(width)};
+    return {naturalWidth_ + 2 * horizontalPadding, text_->sizeHint().height() + 2 * verticalPadding};
 }
 
 void QuestionBubble::resizeEvent(QResizeEvent* /*event*/) {

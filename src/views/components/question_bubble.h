@@ -29,7 +29,7 @@ private:
     int textWidthFor(int width) const;
 
     OVStreamingText* text_;
-    int naturalWidth_ = 0;
+    int naturalWidth_ = 0;  // of the text, in points
 };
 
 }  // namespace ovrin

@@ -30,6 +30,7 @@ constexpr double bulletGap = 9;
 constexpr double codePadding = 12;
 constexpr double codeRadius = 9;
 constexpr double ruleHeight = 1;
+constexpr double narrowestIndented = 40;  // points of a text's width
 
 theme::FontStyle headingFont(int level) {
     constexpr std::array sizes{17.0, 15.0, 14.0};
@@ -135,6 +136,12 @@ void StreamedDocument::setWidth(double width) {
     place(0);
 }
 
+double StreamedDocument::usedWidth() const {
+    double widest = 0;
+    for (const Block& block : blocks_) widest = std::max(widest, indent(block.line) + block.wrapped.usedWidth());
+    return widest;
+}
+
 void StreamedDocument::place(std::size_t firstBlock) {
     changedFrom_ = firstBlock == 0 ? 0 : blocks_[firstBlock - 1].bottom();
     double y = changedFrom_;
@@ -173,7 +180,8 @@ double StreamedDocument::indent(const MarkdownLine& line) {
 
 double StreamedDocument::textWidth(const MarkdownLine& line) const {
     const double right = line.kind == Kind::code ? codePadding : 0;
-    return std::max(width_ - indent(line) - right, 40.0);
+    // What is deeply indented reaches beyond a narrow document rather than breaking at every character.
+    return std::max(width_ - indent(line) - right, std::min(width_, narrowestIndented));
 }
 
 QFont StreamedDocument::font(const MarkdownLine& line, const MarkdownSpan& span) const {

@@ -56,6 +56,8 @@ public:
     void setWidth(double width);
     double width() const { return width_; }
     double height() const { return height_; }
+    // What of the width its lines take up.
+    double usedWidth() const;
     // Where the newest text made the document look different; everything above is as before.
     double changedFrom() const { return changedFrom_; }
 

@@ -142,6 +142,16 @@ void WrappedText::wrap(QTextLine& line, const QString& text) const {
     line.setNumColumns(line.textLength() - 1, width_);
 }
 
+double WrappedText::usedWidth() const {
+    double widest = 0;
+    for (const Piece& piece : pieces_) {
+        for (int i = 0; i < piece.layout->lineCount(); ++i) {
+            widest = std::max(widest, piece.layout->lineAt(i).naturalTextWidth());
+        }
+    }
+    return widest;
+}
+
 int WrappedText::lineIndexAt(const Piece& piece, double y) {
     const auto next = std::upper_bound(piece.tops.begin(), piece.tops.end(), y - piece.top);
     const auto last = static_cast<std::ptrdiff_t>(piece.tops.size()) - 2;

@@ -40,6 +40,8 @@ public:
 
     const QString& text() const { return text_; }
     double height() const { return height_; }
+    // That of its widest line as it is wrapped now.
+    double usedWidth() const;
 
     // All geometry is relative to the paragraph's upper-left corner. clip limits what is drawn.
     void draw(QPainter& painter, const QPointF& origin, const QRectF& clip) const;
