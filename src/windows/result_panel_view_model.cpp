@@ -92,8 +92,15 @@ Task<void> ResultPanelViewModel::consumeTranslation() {
     if (end.kind == AnswerEnd::Kind::complete) {
         services_.history.updateLatestResult(originalText_.value(), translation_.value());
     } else {
-        errorMessage_.set(std::move(end.errorMessage));
+        tellFailure(Failed::translation, std::move(end.errorMessage));
     }
+}
+
+void ResultPanelViewModel::tellFailure(Failed failed, std::optional<std::string> message) {
+    if (!message) return;  // cancelled
+    failed_ = failed;
+    showsImageOverlay_.set(false);  // the message stands with the text
+    errorMessage_.set(std::move(message));
 }
 
 void ResultPanelViewModel::cancel() {
@@ -139,7 +146,7 @@ Task<void> ResultPanelViewModel::consumeFirstAnswer(std::vector<DeepSeek::Messag
     };
     AnswerEnd end = co_await readAnswer(services_.ai.stream(std::move(messages)), std::move(append));
     if (end.kind == AnswerEnd::Kind::failed) {
-        errorMessage_.set(std::move(end.errorMessage));
+        tellFailure(Failed::firstAnswer, std::move(end.errorMessage));
     } else if (!aiOutput_->empty()) {
         services_.history.updateLatestResult(originalText_.value(), conversationTranscript());
     }

@@ -5,6 +5,7 @@
 // of every change through the published fields.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -87,6 +88,10 @@ public:
     const std::string& targetLanguage() const { return targetLanguage_; }  // after the automatic switch
     const std::string& replyLanguage() const { return replyLanguage_; }
 
+    // What the error message is about.
+    enum class Failed : std::uint8_t { translation, firstAnswer };
+    Failed failed() const { return failed_; }
+
     bool hasConversation() const;
     bool isFollowUpStreaming() const;
     bool canSubmitPrompt() const;
@@ -115,6 +120,7 @@ private:
     Task<void> consumeFollowUp(Uuid id, std::vector<DeepSeek::Message> messages);
     void changeFollowUp(const Uuid& id, const std::function<void(FollowUpMessage&)>& change);
     void cancelConversation();
+    void tellFailure(Failed failed, std::optional<std::string> message);
     OCRConversation conversation() const;
 
     Services services_;
@@ -122,6 +128,7 @@ private:
     Published<std::string> translation_;
     Published<bool> isTranslating_;
     Published<std::optional<std::string>> errorMessage_;
+    Failed failed_ = Failed::translation;
     Published<std::optional<AIAction>> selectedAIAction_;
     Published<std::string> initialQuestion_;
     Published<std::string> aiOutput_;

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QScrollBar>
+#include <QVBoxLayout>
 
 #include <gtest/gtest.h>
 
@@ -48,6 +49,34 @@ TEST_F(ScrollArea, FollowsGrowingContentOnlyWhileTheUserIsAtTheBottom) {
     userScrollsTo(700);
     grow(900);
     EXPECT_EQ(bar->value(), 800);
+}
+
+TEST_F(ScrollArea, BringsIntoSightWhatHasJustAppeared) {
+    auto* column = new QVBoxLayout(content);
+    column->setContentsMargins(0, 0, 0, 0);
+    QWidget* part = nullptr;
+    for (const int height : {300, 40, 400}) {
+        auto* inner = new QWidget;  // the room is asked for from layout to layout
+        auto* around = new QVBoxLayout(inner);
+        around->setContentsMargins(0, 0, 0, 0);
+        auto* box = new QWidget;
+        box->setFixedHeight(height);
+        around->addWidget(box);
+        column->addWidget(inner);
+        if (height == 40) part = box;
+    }
+    part->hide();
+    content->setMinimumHeight(0);
+    QApplication::processEvents();
+    area.followBottom();
+
+    part->show();
+    area.reveal(*part);
+    QApplication::processEvents();
+    const QRect seen(part->mapTo(area.viewport(), QPoint(0, 0)), part->size());
+    EXPECT_EQ(seen.height(), 40);
+    EXPECT_TRUE(area.viewport()->rect().contains(seen)) << seen.top();
+    EXPECT_FALSE(area.isFollowing());
 }
 
 // A text that is replaced shrinks first: that is no wish to read the new one from its end.

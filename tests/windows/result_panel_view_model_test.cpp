@@ -95,6 +95,7 @@ TEST_F(ResultPanelViewModelTest, AFailedTranslationKeepsWhatCameAndANewOneStarts
     const auto panel = make();
     willStream("Bon");
     panel->translate();
+    panel->setShowsImageOverlay(true);
     loop.runPosted();
     http.openBody().fail(std::make_exception_ptr(Error("the line broke")));
     loop.runPosted();
@@ -103,6 +104,8 @@ TEST_F(ResultPanelViewModelTest, AFailedTranslationKeepsWhatCameAndANewOneStarts
     const std::optional<std::string> message = panel->errorMessage().value();
     ASSERT_TRUE(message);
     EXPECT_NE(message->find("the line broke"), std::string::npos);
+    EXPECT_EQ(panel->failed(), ResultPanelViewModel::Failed::translation);
+    EXPECT_FALSE(panel->showsImageOverlay().value()) << "the message would be hidden";
     EXPECT_EQ(latestResult(), std::nullopt);
 
     willStream("Salut");
@@ -267,6 +270,7 @@ TEST_F(ResultPanelViewModelTest, AFailedFirstAnswerAllowsANewFirstQuestionOnly) 
     loop.runPosted();
     EXPECT_FALSE(panel->isAIStreaming().value());
     EXPECT_EQ(panel->errorMessage().value(), "请求失败（HTTP 500）");
+    EXPECT_EQ(panel->failed(), ResultPanelViewModel::Failed::firstAnswer);
     EXPECT_EQ(panel->aiOutput().value(), "");
     EXPECT_EQ(latestResult(), std::nullopt);
     panel->askFollowUp("q1");

@@ -1,5 +1,6 @@
 #include "views/components/ov_scroll_area.h"
 
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QScrollBar>
 
@@ -10,7 +11,8 @@ namespace ovrin {
 
 namespace {
 constexpr int lineStep = 21;
-}
+constexpr int revealMargin = 16;  // points left around what is brought into sight
+}  // namespace
 
 OVScrollArea::OVScrollArea(ViewEnvironment& environment, QWidget* parent) : QScrollArea(parent) {
     setFrameShape(QFrame::NoFrame);
@@ -37,6 +39,16 @@ void OVScrollArea::followBottom() {
 
 void OVScrollArea::noteUserScroll() {
     isFollowing_ = verticalScrollBar()->sliderPosition() >= verticalScrollBar()->maximum();
+}
+
+void OVScrollArea::reveal(QWidget& part) {
+    const auto scroll = [this, &part] {
+        // Layouts ask one another for room through posted events; all have to be done.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+        ensureWidgetVisible(&part, 0, revealMargin);
+        noteUserScroll();
+    };
+    QMetaObject::invokeMethod(&part, scroll, Qt::QueuedConnection);
 }
 
 void OVScrollArea::keepInSight(OVStreamingText& text) {

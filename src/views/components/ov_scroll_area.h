@@ -29,6 +29,9 @@ public:
     void stopFollowing() { isFollowing_ = false; }
     bool isFollowing() const { return isFollowing_; }
 
+    // Brings a part of the content into sight, once the changes of the present event are laid out.
+    void reveal(QWidget& part);
+
     // Keeps the place in sight that a selection in the text is moved to.
     void keepInSight(OVStreamingText& text);
 

@@ -26,7 +26,11 @@ Progress progress(bool isStreaming) {
 }  // namespace
 
 ReadingFlow::ReadingFlow(ViewEnvironment& environment, ResultPanelViewModel& viewModel, OVScrollArea& area)
-    : OVWidget(environment), viewModel_(viewModel), area_(area), error_(new OVErrorNote(environment)) {
+    : OVWidget(environment),
+      viewModel_(viewModel),
+      area_(area),
+      translationError_(new OVErrorNote(environment)),
+      conversationError_(new OVErrorNote(environment)) {
     auto* card = new ResultCard(environment, viewModel);
     makeReadable(card->translation());
     makeReadable(card->original());
@@ -41,15 +45,16 @@ ReadingFlow::ReadingFlow(ViewEnvironment& environment, ResultPanelViewModel& vie
     column_->setContentsMargins(0, 0, 0, 0);
     column_->setSpacing(spacing);
     column_->addWidget(card);
+    column_->addWidget(translationError_);
     turns_ = new QVBoxLayout;
     turns_->setSpacing(spacing + 4);
     column_->addLayout(turns_);
-    column_->addWidget(error_);
+    column_->addWidget(conversationError_);
     column_->addStretch();
     bind();
     showFirstTurn();
     showFollowUps(viewModel.followUps().value());
-    error_->setMessage(viewModel.errorMessage().value());
+    showError();
 }
 
 void ReadingFlow::bind() {
@@ -60,8 +65,17 @@ void ReadingFlow::bind() {
     subscriptions_.push_back(viewModel_.isAIStreaming().onDidChange(showingFirst));
     subscriptions_.push_back(viewModel_.followUps().onDidChange(
         [this](const std::vector<FollowUpMessage>& followUps) { showFollowUps(followUps); }));
-    subscriptions_.push_back(viewModel_.errorMessage().onDidChange(
-        [this](const std::optional<std::string>& message) { error_->setMessage(message); }));
+    subscriptions_.push_back(viewModel_.errorMessage().onDidChange([this](const std::optional<std::string>& message) {
+        showError();
+        if (message) area_.reveal(translationError_->isHidden() ? *conversationError_ : *translationError_);
+    }));
+}
+
+void ReadingFlow::showError() {
+    const bool isOfTranslation = viewModel_.failed() == ResultPanelViewModel::Failed::translation;
+    const std::optional<std::string>& message = viewModel_.errorMessage().value();
+    translationError_->setMessage(isOfTranslation ? message : std::nullopt);
+    conversationError_->setMessage(isOfTranslation ? std::nullopt : message);
 }
 
 void ReadingFlow::showFirstTurn() {

@@ -1,5 +1,5 @@
 // What is read in the result panel, one below the other in a column of limited width: the card with the recognised
-// text, then the conversation about it, and what went wrong.
+// text, then the conversation about it; what went wrong stands below either.
 #pragma once
 
 #include <vector>
@@ -34,6 +34,7 @@ private:
     void bind();
     void showFirstTurn();
     void showFollowUps(const std::vector<FollowUpMessage>& followUps);
+    void showError();
     ConversationTurnView* addTurn(std::string_view question);
     void makeReadable(OVStreamingText& text);
 
@@ -41,7 +42,8 @@ private:
     OVScrollArea& area_;
     QVBoxLayout* column_;
     QVBoxLayout* turns_;
-    OVErrorNote* error_;
+    OVErrorNote* translationError_;
+    OVErrorNote* conversationError_;
     ConversationTurnView* firstTurn_ = nullptr;
     std::string firstQuestion_;  // what it shows
     std::vector<FollowUp> followUps_;
