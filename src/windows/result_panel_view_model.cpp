@@ -129,6 +129,7 @@ void ResultPanelViewModel::submit(const std::string& question, AIAction action) 
 
 void ResultPanelViewModel::startConversation(std::string question, AIAction action) {
     cancel();
+    showsImageOverlay_.set(false);  // over which no answer is seen
     selectedAIAction_.set(action);
     initialQuestion_.set(std::move(question));
     aiOutput_.set("");
@@ -160,6 +161,7 @@ void ResultPanelViewModel::askFollowUp(std::optional<std::string> question) {
         return;
     }
     std::vector<DeepSeek::Message> messages = followUpMessages(services_.prompts, conversation(), trimmed);
+    showsImageOverlay_.set(false);
     followUpPrompt_.set("");
     const Uuid id = Uuid::random();
     std::vector<FollowUpMessage> followUps = followUps_.value();

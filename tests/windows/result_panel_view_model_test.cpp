@@ -359,6 +359,20 @@ TEST_F(ResultPanelViewModelTest, ShowsTheOverlayOfATranslatedPictureOnly) {
     EXPECT_FALSE(canShow(true, true, ""));
 }
 
+TEST_F(ResultPanelViewModelTest, AQuestionReturnsFromTheOverlayToTheTextThatWillHoldItsAnswer) {
+    const auto panel = make();
+    const auto showsOverlayAfter = [&](const std::string& question) {
+        panel->setShowsImageOverlay(true);
+        willAnswer("a");
+        panel->submit(question, AIAction::explain);
+        loop.runPosted();
+        return panel->showsImageOverlay().value();
+    };
+    EXPECT_FALSE(showsOverlayAfter("q0"));
+    EXPECT_FALSE(showsOverlayAfter("q1"));
+    EXPECT_TRUE(showsOverlayAfter(" "));
+}
+
 TEST_F(ResultPanelViewModelTest, CopiesAndReadsWhatIsMostWanted) {
     identifier.answer = "de";
     const auto panel = make();
