@@ -1,52 +1,17 @@
 #include "views/result_panel/image_overlay_view.h"
 
 #include <QPainter>
-#include <QTextLayout>
-#include <algorithm>
-#include <memory>
 #include <utility>
 
 #include "views/components/drawing.h"
+#include "views/result_panel/label_text.h"
 
 namespace ovrin {
 
 namespace {
 
-constexpr double scaleStep = 0.05;
-// Of a label's font size. The boxes lie tightly around their lines, where the leading of a text would find no room.
-constexpr double lineHeight = 1.2;
-constexpr double middle = 0.36;  // of its characters above the baseline
-
 QRectF toQRectF(const Rect& rectangle) {
     return {rectangle.x, rectangle.y, rectangle.width, rectangle.height};
-}
-
-// The text in a width, at most so many lines; height is what they take.
-struct WrappedLabel {
-    std::unique_ptr<QTextLayout> layout;
-    double height = 0;
-    bool isWhole = false;
-};
-
-WrappedLabel wrapped(const QString& text, QFont font, double size, double width) {
-    font.setPointSizeF(size * 72 / 96);  // between whole pixels too: labels are small
-    WrappedLabel label{.layout = std::make_unique<QTextLayout>(text, font)};
-    QTextOption option;
-    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    label.layout->setTextOption(option);
-    label.layout->beginLayout();
-    int reached = 0;
-    for (int i = 0; i < overlay::labelMaximumLines; ++i) {
-        QTextLine line = label.layout->createLine();
-        if (!line.isValid()) break;
-        line.setLineWidth(std::max(width, 1.0));
-        line.setPosition({0, label.height + (lineHeight / 2 + middle) * size - line.ascent()});
-        label.height += lineHeight * size;
-        reached = line.textStart() + line.textLength();
-    }
-    label.layout->endLayout();
-    label.isWhole = reached >= text.size();
-    return label;
 }
 
 }  // namespace
@@ -96,15 +61,11 @@ void ImageOverlayView::drawLabel(QPainter& painter, const overlay::Label& label)
     const QRectF room = frame.adjusted(overlay::labelPadding, 0, -overlay::labelPadding, 0);
     const QString text = toQString(label.text);
     const QFont font = toQFont({label.fontSize, theme::FontWeight::medium, theme::FontDesign::standard}, language_);
-    WrappedLabel best;
-    for (double scale = 1; scale >= overlay::labelMinimumScale - scaleStep / 2; scale -= scaleStep) {
-        best = wrapped(text, font, label.fontSize * scale, room.width());
-        if (best.isWhole && best.height <= room.height()) break;
-    }
+    const LabelText words(text, font, label.fontSize, room.size());
     painter.save();
     painter.setClipRect(frame);
     painter.setPen(Qt::white);
-    best.layout->draw(&painter, {room.left(), room.top() + (room.height() - best.height) / 2});
+    words.draw(painter, {room.left(), room.top() + (room.height() - words.height()) / 2});
     painter.restore();
 }
 
