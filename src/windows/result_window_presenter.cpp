@@ -61,10 +61,12 @@ void ResultWindowPresenter::show(std::shared_ptr<ResultPanelViewModel> viewModel
     if (!window_) window_ = makeWindow();
 
     ResultPanelWindow& window = *window_->window;
-    const bool isVisible = window.isVisible();
-    window.setContent(*latestViewModel_,
-                      isVisible ? ResultPanelWindow::Entrance::fadesIn : ResultPanelWindow::Entrance::atOnce);
-    window_->viewModel = latestViewModel_;
+    if (window_->viewModel != latestViewModel_) {
+        const bool isVisible = window.isVisible();
+        window.setContent(*latestViewModel_,
+                          isVisible ? ResultPanelWindow::Entrance::fadesIn : ResultPanelWindow::Entrance::atOnce);
+        window_->viewModel = latestViewModel_;
+    }
     const bool isAlwaysOnTop = defaults_.boolean(preference::resultWindowAlwaysOnTop);
     window.setLevel(isAlwaysOnTop ? ResultPanelWindow::Level::floating : ResultPanelWindow::Level::normal);
     window.present();

@@ -41,5 +41,16 @@ TEST(TextEditor, KeepsItsGridOfLinesWhereverTheTextComesFrom) {
     EXPECT_EQ(linesOnGrid(editor), 4);
 }
 
+TEST(TextEditorEditor, LeavesTheCaretBehindAReplacedText) {
+    ViewEnvironment environment;
+    OVTextEditor editor(environment, {});
+    editor.replaceText(QStringLiteral("a draft"));
+    editor.insertPlainText(QStringLiteral(" goes on"));
+    EXPECT_EQ(editor.toPlainText(), "a draft goes on");
+    editor.undo();
+    editor.undo();
+    EXPECT_EQ(editor.toPlainText(), "");
+}
+
 }  // namespace
 }  // namespace ovrin

@@ -93,7 +93,7 @@ TEST_F(ResultWindowPresenterTest, ClosingEndsTheWorkAndTheNextShowMakesANewWindo
     presenter->showLatest();
     EXPECT_EQ(events(), (Events{"window", "content one", "normal", "present"}));
     presenter->showLatest();
-    EXPECT_EQ(events(), (Events{"content one fades in", "normal", "present"}));
+    EXPECT_EQ(events(), (Events{"normal", "present"})) << "what the user has opened and scrolled stays";
 }
 
 TEST_F(ResultWindowPresenterTest, AClosedWindowClosesNothingMore) {

@@ -64,7 +64,7 @@ void OVTextEditor::replaceText(const QString& text) {
     QTextCursor all(document());
     all.select(QTextCursor::Document);
     all.insertText(text);
-    moveCursor(QTextCursor::Start);
+    moveCursor(QTextCursor::End);
 }
 
 void OVTextEditor::applyColors() {

@@ -1,7 +1,8 @@
 // An editor for plain text of many lines, without a background of its own.
 //
 // What is pasted or dropped loses its formats. Tab moves on to the next control. Replacing the text from outside can be
-// undone like typing.
+// undone like typing, and leaves the caret
+// at its end.
 #pragma once
 
 #include <QTextEdit>
