@@ -16,8 +16,9 @@ public:
 
     virtual ~ResultPanelWindow() = default;  // takes it off the screen
 
-    // Replaces the content by one for the view model, which outlives it there. Position and size stay.
-    virtual void setContent(ResultPanelViewModel& viewModel, Entrance entrance) = 0;
+    // Replaces the content by one for the view model, which the window keeps for as long as there is a view of it: a
+    // replaced view goes after the present event, which may be its own. Position and size stay.
+    virtual void setContent(std::shared_ptr<ResultPanelViewModel> viewModel, Entrance entrance) = 0;
     virtual void setLevel(Level level) = 0;
     virtual bool isVisible() const = 0;
     // In front, with the keyboard.

@@ -8,10 +8,9 @@
 
 namespace ovrin {
 
-// The window goes before the view model that it shows.
 struct ResultWindowPresenter::OpenWindow {
-    ResultWindowPresenter* owner = nullptr;  // none once it is closed
-    std::shared_ptr<ResultPanelViewModel> viewModel;
+    ResultWindowPresenter* owner = nullptr;           // none once it is closed
+    std::shared_ptr<ResultPanelViewModel> viewModel;  // that it shows
     std::unique_ptr<ResultPanelWindow> window;
 };
 
@@ -63,7 +62,7 @@ void ResultWindowPresenter::show(std::shared_ptr<ResultPanelViewModel> viewModel
     ResultPanelWindow& window = *window_->window;
     if (window_->viewModel != latestViewModel_) {
         const bool isVisible = window.isVisible();
-        window.setContent(*latestViewModel_,
+        window.setContent(latestViewModel_,
                           isVisible ? ResultPanelWindow::Entrance::fadesIn : ResultPanelWindow::Entrance::atOnce);
         window_->viewModel = latestViewModel_;
     }

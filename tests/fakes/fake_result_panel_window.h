@@ -20,15 +20,14 @@ public:
     FakeResultPanelWindow(const FakeResultPanelWindow&) = delete;
     FakeResultPanelWindow& operator=(const FakeResultPanelWindow&) = delete;
     ~FakeResultPanelWindow() override {
-        // What it shows has to be there until now.
         journal_.add("window gone, showed " + (content_ ? content_->originalText().value() : "nothing"));
     }
 
     const std::function<void()> requestClose;
 
-    void setContent(ResultPanelViewModel& viewModel, Entrance entrance) override {
-        content_ = &viewModel;
-        journal_.add("content " + viewModel.originalText().value() +
+    void setContent(std::shared_ptr<ResultPanelViewModel> viewModel, Entrance entrance) override {
+        content_ = std::move(viewModel);
+        journal_.add("content " + content_->originalText().value() +
                      (entrance == Entrance::fadesIn ? " fades in" : ""));
     }
     void setLevel(Level level) override { journal_.add(level == Level::floating ? "floating" : "normal"); }
@@ -41,7 +40,7 @@ public:
 
 private:
     Journal& journal_;
-    const ResultPanelViewModel* content_ = nullptr;
+    std::shared_ptr<ResultPanelViewModel> content_;
     bool isVisible_ = false;
 };
 

@@ -1,7 +1,8 @@
 #include "views/components/ov_text_editor.h"
 
+#include <QApplication>
 #include <QClipboard>
-#include <QGuiApplication>
+#include <QMouseEvent>
 #include <QTextBlock>
 #include <QTextDocument>
 
@@ -50,6 +51,26 @@ TEST(TextEditorEditor, LeavesTheCaretBehindAReplacedText) {
     editor.undo();
     editor.undo();
     EXPECT_EQ(editor.toPlainText(), "");
+}
+
+// The event loop of a drag would let the editor be destroyed inside of its own event.
+TEST(TextEditor, StartsASelectionWhereOthersDragTheOldOne) {
+    ViewEnvironment environment;
+    OVTextEditor editor(environment, {});
+    editor.resize(200, 60);
+    editor.show();
+    editor.replaceText(QStringLiteral("some words to drag"));
+    editor.selectAll();
+    const auto mouse = [&editor](QEvent::Type type, const QPoint& place) {
+        QMouseEvent event(type, place, editor.viewport()->mapToGlobal(place), Qt::LeftButton, Qt::LeftButton,
+                          Qt::NoModifier);
+        QApplication::sendEvent(editor.viewport(), &event);
+    };
+    mouse(QEvent::MouseButtonPress, {30, 12});
+    ASSERT_FALSE(editor.textCursor().hasSelection());
+    mouse(QEvent::MouseMove, {199, 12});
+    EXPECT_TRUE(editor.toPlainText().endsWith(editor.textCursor().selectedText()));
+    EXPECT_TRUE(editor.textCursor().hasSelection());
 }
 
 }  // namespace

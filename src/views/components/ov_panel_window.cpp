@@ -10,6 +10,7 @@
 #include <QTimer>
 #include <QWindow>
 #include <array>
+#include <utility>
 
 #include "platform/linux/qt/x11_window.h"
 #include "views/components/drawing.h"
@@ -90,8 +91,10 @@ OVPanelWindow::OVPanelWindow(ViewEnvironment& environment, const QString& title,
 OVPanelWindow::~OVPanelWindow() = default;
 
 void OVPanelWindow::setContent(QWidget* content) {
-    delete content_;
-    content_ = content;
+    if (QWidget* const before = std::exchange(content_, content)) {
+        before->hide();
+        before->deleteLater();
+    }
     content_->setParent(this);
     layOut();
     content_->show();

@@ -22,7 +22,8 @@ public:
     OVPanelWindow(ViewEnvironment& environment, const QString& title, QSize size, QSize minimumSize);
     ~OVPanelWindow() override;
 
-    // Destroys the content before. The frame keeps its place and size.
+    // The content before leaves the screen at once and is destroyed after the present event, which may be its own. The
+    // frame keeps its place and size.
     void setContent(QWidget* content);
     QWidget* content() const { return content_; }
 

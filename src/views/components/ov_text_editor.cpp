@@ -90,6 +90,17 @@ void OVTextEditor::paintEvent(QPaintEvent* event) {
                      Qt::AlignTop | Qt::AlignLeft | Qt::TextWordWrap, placeholder_);
 }
 
+// A drag runs an event loop of its own inside this event, in which the window might be given other content. None starts
+// from where nothing is selected: the press begins a new selection.
+void OVTextEditor::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton && !(event->modifiers() & Qt::ShiftModifier)) {
+        QTextCursor cursor = textCursor();
+        cursor.clearSelection();
+        setTextCursor(cursor);
+    }
+    QTextEdit::mousePressEvent(event);
+}
+
 void OVTextEditor::contextMenuEvent(QContextMenuEvent* event) {
     showEditMenu(environment_, *this, event->globalPos());
 }

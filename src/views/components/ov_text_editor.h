@@ -1,8 +1,7 @@
 // An editor for plain text of many lines, without a background of its own.
 //
-// What is pasted or dropped loses its formats. Tab moves on to the next control. Replacing the text from outside can be
-// undone like typing, and leaves the caret
-// at its end.
+// What is pasted or dropped loses its formats; no text is dragged out of it. Tab moves on to the next control.
+// Replacing the text from outside can be undone like typing, and leaves the caret at its end.
 #pragma once
 
 #include <QTextEdit>
@@ -24,6 +23,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void insertFromMimeData(const QMimeData* source) override;
 

@@ -42,8 +42,9 @@ QtResultPanelWindow::QtResultPanelWindow(ViewEnvironment& environment, const Pub
     connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &OVPanelWindow::closeRequested);
 }
 
-void QtResultPanelWindow::setContent(ResultPanelViewModel& viewModel, Entrance entrance) {
-    view_ = new ResultPanelView(environment_, viewModel, brandImage_);
+void QtResultPanelWindow::setContent(std::shared_ptr<ResultPanelViewModel> viewModel, Entrance entrance) {
+    view_ = new ResultPanelView(environment_, *viewModel, brandImage_);
+    connect(view_, &QObject::destroyed, [kept = std::move(viewModel)] {});  // until then
     connect(view_, &ResultPanelView::closeRequested, this, &OVPanelWindow::closeRequested);
     OVPanelWindow::setContent(view_);
     if (entrance == Entrance::fadesIn) fadeIn(*view_);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "base/published.h"
@@ -20,7 +21,7 @@ public:
     QtResultPanelWindow(ViewEnvironment& environment, const Published<std::string>& brandImage,
                         std::function<void()> requestClose);
 
-    void setContent(ResultPanelViewModel& viewModel, Entrance entrance) override;
+    void setContent(std::shared_ptr<ResultPanelViewModel> viewModel, Entrance entrance) override;
     void setLevel(ResultPanelWindow::Level level) override;
     bool isVisible() const override { return QWidget::isVisible(); }
     void present() override;
