@@ -25,6 +25,19 @@ double Spring::valueAt(std::chrono::duration<double> elapsed) const {
     return 1 - (fast * std::exp(-slow * t) - slow * std::exp(-fast * t)) / (fast - slow);
 }
 
+double Spring::carryAt(std::chrono::duration<double> elapsed) const {
+    const double t = std::max(0.0, elapsed.count());
+    const double omega = 2 * std::numbers::pi / response;
+    const double zeta = dampingFraction;
+    if (zeta < 1) {
+        const double damped = omega * std::sqrt(1 - zeta * zeta);
+        return std::exp(-zeta * omega * t) * std::sin(damped * t) / damped;
+    }
+    if (zeta == 1) return t * std::exp(-omega * t);
+    const double root = omega * std::sqrt(zeta * zeta - 1);
+    return std::exp(-zeta * omega * t) * std::sinh(root * t) / root;
+}
+
 std::chrono::duration<double> Spring::settlingDuration() const {
     const double omega = 2 * std::numbers::pi / response;
     // The slowest decaying term bounds the rest; near critical damping its factor grows, hence the search on the curve.

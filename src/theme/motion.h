@@ -5,16 +5,19 @@
 
 namespace ovrin::theme {
 
-// A damped harmonic oscillator that goes from 0 to 1, starting at rest.
+// A damped harmonic oscillator.
 struct Spring {
     double response = 0;         // seconds: the period of the undamped oscillation
     double dampingFraction = 1;  // 1 is critical; less overshoots, more creeps
     double blendDuration = 0;    // seconds over which a running motion turns into this one
 
-    // Where the motion is after the given time; may overshoot 1.
+    // Where a motion from 0 to 1 that started at rest is after the given time; may overshoot 1.
     double valueAt(std::chrono::duration<double> elapsed) const;
 
-    // When the motion stays within a thousandth of its goal.
+    // How far beyond that a motion is for every unit a second that it had at its start.
+    double carryAt(std::chrono::duration<double> elapsed) const;
+
+    // When a motion from rest stays within a thousandth of its goal.
     std::chrono::duration<double> settlingDuration() const;
 };
 

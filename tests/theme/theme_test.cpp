@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <numbers>
 #include <set>
 #include <string>
 
@@ -38,6 +39,26 @@ TEST(Spring, OvershootsOnlyBelowCriticalDamping) {
     EXPECT_NEAR(peak({.response = 0.3, .dampingFraction = 0.5}), 1.163, 0.001);
     EXPECT_LE(peak({.response = 0.3, .dampingFraction = 1}), 1.0);
     EXPECT_LE(peak({.response = 0.3, .dampingFraction = 2}), 1.0);
+}
+
+// A motion from rest and what a starting speed adds to it both obey the oscillator's own law, here taken step by step.
+TEST(Spring, FollowsTheDampedOscillatorFromAnyStart) {
+    for (const double damping : {0.67, 1.0, 1.8}) {
+        const theme::Spring spring{.response = 0.3, .dampingFraction = damping};
+        constexpr double startSpeed = -7;
+        constexpr double step = 1e-6;
+        const double omega = 2 * std::numbers::pi / spring.response;
+        double value = 0;
+        double speed = startSpeed;
+        for (int i = 0; i < 300'000; ++i) {
+            if (i % 10'000 == 0) {
+                const Seconds elapsed(i * step);
+                ASSERT_NEAR(spring.valueAt(elapsed) + startSpeed * spring.carryAt(elapsed), value, 1e-3) << i;
+            }
+            speed += step * (omega * omega * (1 - value) - 2 * damping * omega * speed);
+            value += step * speed;
+        }
+    }
 }
 
 TEST(OVIcon, KnowsEveryAssetOnceAndFallsBackToSparkles) {

@@ -18,10 +18,14 @@ SpringAnimation::SpringAnimation(const ViewEnvironment& environment, theme::Spri
       environment_(environment),
       spring_(spring),
       update_(std::move(update)),
-      springDuration_(static_cast<int>(std::ceil(spring.settlingDuration().count() * 1000))) {}
+      settlingDuration_(static_cast<int>(std::ceil(spring.settlingDuration().count() * 1000))),
+      blendDuration_(spring.blendDuration * 1000) {}
 
 void SpringAnimation::animateTo(double goal) {
     if (goal == goal_ && (state() == Running || value_ == goal)) return;
+    const bool isTurned = state() == Running;
+    startSpeed_ = isTurned ? speed() : 0;
+    goalBefore_ = isTurned ? goal_ : goal;
     stop();
     from_ = value_;
     goal_ = goal;
@@ -35,15 +39,27 @@ void SpringAnimation::jumpTo(double value) {
 }
 
 int SpringAnimation::duration() const {
-    return environment_.settings().reducesMotion ? reducedDuration : springDuration_;
+    if (environment_.settings().reducesMotion) return reducedDuration;
+    return settlingDuration_ + static_cast<int>(goalBefore_ == goal_ ? 0 : blendDuration_);
+}
+
+double SpringAnimation::valueAt(double milliseconds) const {
+    if (environment_.settings().reducesMotion) {
+        return from_ + (goal_ - from_) * theme::easeOut(milliseconds / reducedDuration);
+    }
+    const std::chrono::duration<double, std::milli> elapsed(milliseconds);
+    const double blended = milliseconds < blendDuration_ ? milliseconds / blendDuration_ : 1;
+    const double goal = std::lerp(goalBefore_, goal_, blended * blended * (3 - 2 * blended));
+    return from_ + (goal - from_) * spring_.valueAt(elapsed) + startSpeed_ * 1000 * spring_.carryAt(elapsed);
+}
+
+double SpringAnimation::speed() const {
+    const int now = currentTime();
+    return environment_.settings().reducesMotion ? 0 : valueAt(now + 1) - valueAt(now);
 }
 
 void SpringAnimation::updateCurrentTime(int milliseconds) {
-    const double progress = milliseconds >= duration() ? 1
-                            : environment_.settings().reducesMotion
-                                ? theme::easeOut(static_cast<double>(milliseconds) / reducedDuration)
-                                : spring_.valueAt(std::chrono::duration<double, std::milli>(milliseconds));
-    value_ = from_ + (goal_ - from_) * progress;
+    value_ = milliseconds >= duration() ? goal_ : valueAt(milliseconds);
     update_(value_);
 }
 

@@ -1,4 +1,5 @@
-// A value that moves from where it is to a goal along one of the theme's springs.
+// A value that moves from where it is to a goal along one of the theme's springs. Turned round on its way it keeps its
+// speed, and the old goal turns into the new one over the spring's blend duration.
 #pragma once
 
 #include <QAbstractAnimation>
@@ -16,7 +17,8 @@ public:
     SpringAnimation(const ViewEnvironment& environment, theme::Spring spring, std::function<void(double)> update,
                     QObject* parent = nullptr);
 
-    // Starts towards the goal from the present value. Under reduced motion it is a short ease-out of 0.12 s instead.
+    // Starts towards the goal from the present value and speed. Under reduced motion it is a short ease-out of 0.12 s
+    // instead.
     void animateTo(double goal);
 
     // Goes there without motion.
@@ -29,11 +31,17 @@ protected:
     void updateCurrentTime(int milliseconds) override;
 
 private:
+    double valueAt(double milliseconds) const;
+    double speed() const;
+
     const ViewEnvironment& environment_;
     theme::Spring spring_;
     std::function<void(double)> update_;
-    int springDuration_;  // milliseconds
+    int settlingDuration_;  // milliseconds, as the others
+    double blendDuration_;
     double from_ = 0;
+    double startSpeed_ = 0;  // units a millisecond
+    double goalBefore_ = 0;  // from which the goal is blended over
     double goal_ = 0;
     double value_ = 0;
 };
