@@ -26,6 +26,19 @@ constexpr std::string_view rawValue(AppAppearanceMode mode) {
     return "system";
 }
 
+// What the settings call it.
+constexpr std::string_view title(AppAppearanceMode mode) {
+    switch (mode) {
+        case AppAppearanceMode::light:
+            return "浅色";
+        case AppAppearanceMode::dark:
+            return "深色";
+        case AppAppearanceMode::system:
+            break;
+    }
+    return "跟随系统";
+}
+
 // The mode of a raw value; exact and case-sensitive, none for any other text.
 constexpr std::optional<AppAppearanceMode> appAppearanceMode(std::string_view text) {
     for (const AppAppearanceMode mode : allAppAppearanceModes) {

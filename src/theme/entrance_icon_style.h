@@ -1,4 +1,4 @@
-// Which icon stands in the status area: one drawn for dark surroundings (light) or for light ones (dark).
+// Which icon the program has in the task bar and in its own windows: the bright one or the dark one.
 #pragma once
 
 #include <array>
@@ -15,6 +15,11 @@ inline constexpr std::array allEntranceIconStyles{EntranceIconStyle::light, Entr
 // The text that preferences use.
 constexpr std::string_view rawValue(EntranceIconStyle style) {
     return style == EntranceIconStyle::dark ? "dark" : "light";
+}
+
+// What the settings call it.
+constexpr std::string_view title(EntranceIconStyle style) {
+    return style == EntranceIconStyle::dark ? "深色图标" : "明亮图标";
 }
 
 // The style of a raw value; exact and case-sensitive, none for any other text.
