@@ -66,9 +66,14 @@ void ResultWindowPresenter::show(std::shared_ptr<ResultPanelViewModel> viewModel
                           isVisible ? ResultPanelWindow::Entrance::fadesIn : ResultPanelWindow::Entrance::atOnce);
         window_->viewModel = latestViewModel_;
     }
-    const bool isAlwaysOnTop = defaults_.boolean(preference::resultWindowAlwaysOnTop);
-    window.setLevel(isAlwaysOnTop ? ResultPanelWindow::Level::floating : ResultPanelWindow::Level::normal);
+    applyLevel();
     window.present();
+}
+
+void ResultWindowPresenter::applyLevel() {
+    if (!window_) return;
+    const bool isAlwaysOnTop = defaults_.boolean(preference::resultWindowAlwaysOnTop);
+    window_->window->setLevel(isAlwaysOnTop ? ResultPanelWindow::Level::floating : ResultPanelWindow::Level::normal);
 }
 
 std::shared_ptr<ResultWindowPresenter::OpenWindow> ResultWindowPresenter::makeWindow() {

@@ -33,6 +33,9 @@ public:
     // Ends what streams and closes the window; what it showed stays the latest.
     void close();
 
+    // Puts an open window above those of other programs or among them, as the preference says by now.
+    void applyLevel();
+
     // Whether what was shown last holds a translation.
     bool hasTranslationResult() const;
 

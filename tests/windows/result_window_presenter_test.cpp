@@ -48,6 +48,16 @@ TEST_F(ResultWindowPresenterTest, KeepsItsWindowAndFadesNewContentIntoAVisibleOn
     EXPECT_EQ(requests(), 0U);
 }
 
+TEST_F(ResultWindowPresenterTest, LiftsAnOpenWindowWhenThePreferenceChanges) {
+    defaults.setBoolean("ovrin.resultWindowAlwaysOnTop", true);
+    presenter->applyLevel();
+    EXPECT_EQ(events(), Events{});
+    showText("one");
+    defaults.setBoolean("ovrin.resultWindowAlwaysOnTop", false);
+    presenter->applyLevel();
+    EXPECT_EQ(events(), (Events{"window", "content one", "floating", "present", "normal"}));
+}
+
 TEST_F(ResultWindowPresenterTest, StartsWhatTheCaptureWasFor) {
     const OCRResult result{
         .paragraphs = {{.text = "a", .normalizedBoundingBox = {}}, {.text = "b", .normalizedBoundingBox = {}}}};
