@@ -42,7 +42,7 @@ TEST(TextEditor, KeepsItsGridOfLinesWhereverTheTextComesFrom) {
     EXPECT_EQ(linesOnGrid(editor), 4);
 }
 
-TEST(TextEditorEditor, LeavesTheCaretBehindAReplacedText) {
+TEST(TextEditor, LeavesTheCaretBehindAReplacedText) {
     ViewEnvironment environment;
     OVTextEditor editor(environment, {});
     editor.replaceText(QStringLiteral("a draft"));
