@@ -29,6 +29,12 @@ using Events = std::vector<std::string>;
 
 class PanelTest : public testing::Test {
 protected:
+    PanelTest() = default;
+    PanelTest(const PanelTest&) = delete;
+    PanelTest& operator=(const PanelTest&) = delete;
+    // What the panels of a test gave up when they went comes to its end while the service is still there.
+    ~PanelTest() override { loop.runPosted(); }
+
     ResultPanelViewModel::Services services() {
         return {.loop = loop,
                 .translation = TranslationService(
