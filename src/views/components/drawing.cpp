@@ -10,6 +10,7 @@
 #include <QPixmapCache>
 #include <QStringList>
 #include <QSvgRenderer>
+#include <QTextBoundaryFinder>
 #include <algorithm>
 #include <cmath>
 
@@ -61,6 +62,15 @@ QColor toQColor(const theme::Color& color) {
 
 QString toQString(std::string_view utf8) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+}
+
+QString beginning(const QString& text, qsizetype length) {
+    if (text.size() <= length) return text;
+    const QString considered = text.left(length + 2);  // what follows the cut decides whether a character ends there
+    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, considered);
+    characters.setPosition(length);
+    if (!characters.isAtBoundary()) characters.toPreviousBoundary();
+    return text.left(characters.position()) + QStringLiteral("…");
 }
 
 QImage toQImage(const Image& image) {

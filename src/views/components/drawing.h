@@ -23,6 +23,10 @@ QColor toQColor(const theme::Color& color);
 
 QString toQString(std::string_view utf8);
 
+// The text, or its beginning of at most so many UTF-16 units and an ellipsis, cut between characters. For words of
+// others, which may be a megabyte: laying that out would stop the main thread for seconds.
+QString beginning(const QString& text, qsizetype length);
+
 // A copy of the pixels.
 QImage toQImage(const Image& image);
 

@@ -13,6 +13,7 @@ using theme::ColorToken;
 namespace {
 constexpr double cornerRadius = 9;
 constexpr double iconSize = 14;
+constexpr qsizetype longestMessage = 1000;  // in UTF-16 units: an answer that is no message may be a whole web page
 const theme::FontStyle noteFont{12, theme::FontWeight::regular, theme::FontDesign::standard};
 }  // namespace
 
@@ -28,7 +29,7 @@ OVErrorNote::OVErrorNote(ViewEnvironment& environment, QWidget* parent)
 }
 
 void OVErrorNote::setMessage(const std::optional<std::string>& message) {
-    words_->setText(toQString(message.value_or("")));
+    words_->setText(beginning(toQString(message.value_or("")), longestMessage));
     setVisible(message.has_value());
 }
 

@@ -15,7 +15,7 @@ class OVErrorNote final : public OVWidget {
 public:
     explicit OVErrorNote(ViewEnvironment& environment, QWidget* parent = nullptr);
 
-    // UTF-8; hidden when there is nothing to say.
+    // UTF-8, cut with an ellipsis where it is very long; hidden when there is nothing to say.
     void setMessage(const std::optional<std::string>& message);
 
 protected:

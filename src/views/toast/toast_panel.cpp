@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QScreen>
+#include <QTextLayout>
 
 #include "views/components/drawing.h"
 #include "views/components/ov_animated_icon.h"
@@ -20,20 +21,21 @@ constexpr int padding = 16;
 constexpr int spacing = 9;
 constexpr double cornerRadius = 12;
 constexpr double iconSize = 15;
+constexpr qsizetype longestMessage = 200;  // in UTF-16 units: more than two lines hold
 
 // What is too long for a line in the ordinary size stands in two small ones; what is too long for those too is cut.
 void showSmall(QLabel& label, const QString& line, int room) {
     label.setFont(toQFont(theme::font::caption));
-    label.setWordWrap(true);
-    label.setFixedWidth(room);
-    const QFontMetrics metrics = label.fontMetrics();
-    const auto fits = [&](const QString& text) {
-        const QRect area(0, 0, room, panelHeight);
-        return metrics.boundingRect(area, Qt::TextWordWrap, text).height() <= panelHeight;
-    };
-    QString shown = line;
-    while (!fits(shown) && shown.size() > 1) shown = shown.chopped(2) + QStringLiteral("…");
-    label.setText(shown);
+    QTextLayout layout(line, label.font());
+    QTextOption wrapping;
+    wrapping.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(wrapping);
+    layout.beginLayout();
+    QTextLine first = layout.createLine();
+    first.setLineWidth(room);
+    layout.endLayout();
+    const QString rest = label.fontMetrics().elidedText(line.mid(first.textLength()), Qt::ElideRight, room);
+    label.setText(line.left(first.textLength()).trimmed() + (rest.isEmpty() ? rest : '\n' + rest));
 }
 }  // namespace
 
@@ -49,7 +51,7 @@ ToastPanel::ToastPanel(ViewEnvironment& environment, const std::string& message,
     QPalette colors;
     colors.setColor(QPalette::WindowText, color(ColorToken::ink));
     label->setPalette(colors);
-    const QString line = toQString(message).simplified();
+    const QString line = beginning(toQString(message).simplified(), longestMessage);
     const int room = panelWidth - 2 * padding - spacing - symbol->width();
     label->setText(line);
     if (label->fontMetrics().horizontalAdvance(line) > room) showSmall(*label, line, room);

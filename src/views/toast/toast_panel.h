@@ -1,4 +1,4 @@
-// The capsule of a toast: a symbol and one line of text, 260 x 40 points, never taking the keyboard.
+// The capsule of a toast: a symbol and one line of text or two small ones, 260 x 40 points, never taking the keyboard.
 #pragma once
 
 #include <string>
