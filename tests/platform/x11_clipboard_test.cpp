@@ -6,12 +6,14 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "base/run_loop.h"
+#include "base/running_task.h"
 #include "base/worker_executor.h"
 #include "fakes/temporary_directory.h"
 #include "fakes/x_test_server.h"
@@ -34,6 +36,114 @@ std::string bitmapFile() {
     file += std::string(24, '\0') + std::string("\xff\0\0\0\0\xff\0\0", 8);
     return file;
 }
+
+// A window without any help, on a connection of somebody else's.
+class BareClient {
+public:
+    explicit BareClient(xcb_connection_t* connection) : connection_(connection), window_(xcb_generate_id(connection)) {
+        constexpr std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+        const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+        xcb_create_window(connection, 0, window_, root, 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                          XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
+    }
+
+    xcb_window_t window() const { return window_; }
+
+    xcb_atom_t atom(const std::string& name) const {
+        const auto cookie = xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
+        const X11Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection_, cookie, nullptr));
+        return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+    }
+
+    // Blocks until there is one of this kind; none when the server has gone.
+    X11Event waitFor(std::uint8_t type) const {
+        while (true) {
+            X11Event event(xcb_wait_for_event(connection_));
+            if (!event || (event->response_type & 0x7FU) == type) return event;
+        }
+    }
+
+    // What is in the property, which is deleted.
+    std::vector<std::byte> take(xcb_atom_t property) const {
+        const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+            connection_, xcb_get_property(connection_, 1, window_, property, XCB_GET_PROPERTY_TYPE_ANY, 0, 1U << 24U),
+            nullptr));
+        if (!reply) return {};
+        const auto* const first = static_cast<const std::byte*>(xcb_get_property_value(reply.get()));
+        return {first, first + xcb_get_property_value_length(reply.get())};
+    }
+
+private:
+    xcb_connection_t* connection_;
+    xcb_window_t window_;
+};
+
+// A clipboard manager that saves one form, with a pause before every piece of it.
+class SlowClipboardManager {
+public:
+    SlowClipboardManager(const char* display, const std::string& form, std::chrono::milliseconds pause)
+        : connection_(connectToX11(display)), client_(connection_.get()), form_(client_.atom(form)), pause_(pause) {
+        xcb_set_selection_owner(connection_.get(), client_.window(), client_.atom("CLIPBOARD_MANAGER"),
+                                XCB_CURRENT_TIME);
+        property_ = client_.atom("SAVED");  // once this is answered everybody sees the owner
+        thread_ = std::thread([this] { save(); });
+    }
+    SlowClipboardManager(const SlowClipboardManager&) = delete;
+    SlowClipboardManager& operator=(const SlowClipboardManager&) = delete;
+    ~SlowClipboardManager() {
+        if (thread_.joinable()) thread_.join();
+    }
+
+    // What it has got when it is done or the server has gone. Call once.
+    const std::vector<std::byte>& saved() {
+        thread_.join();
+        return saved_;
+    }
+
+private:
+    void save() {
+        const X11Event event = client_.waitFor(XCB_SELECTION_REQUEST);
+        if (!event) return;
+        const auto& request = reinterpret_cast<const xcb_selection_request_event_t&>(*event);
+        xcb_convert_selection(connection_.get(), client_.window(), client_.atom("CLIPBOARD"), form_, property_,
+                              request.time);
+        xcb_flush(connection_.get());
+        client_.waitFor(XCB_SELECTION_NOTIFY);
+        client_.take(property_);  // says that pieces follow
+        while (appendPiece()) {
+        }
+        xcb_selection_notify_event_t notice{};
+        notice.response_type = XCB_SELECTION_NOTIFY;
+        notice.requestor = request.requestor;
+        notice.selection = request.selection;
+        notice.target = request.target;
+        notice.property = request.property;
+        xcb_send_event(connection_.get(), 0, request.requestor, XCB_EVENT_MASK_NO_EVENT,
+                       reinterpret_cast<const char*>(&notice));
+        xcb_flush(connection_.get());
+    }
+
+    bool appendPiece() {
+        while (true) {
+            const X11Event event = client_.waitFor(XCB_PROPERTY_NOTIFY);
+            if (!event) return false;
+            const auto& notice = reinterpret_cast<const xcb_property_notify_event_t&>(*event);
+            if (notice.atom == property_ && notice.state == XCB_PROPERTY_NEW_VALUE) break;
+        }
+        std::this_thread::sleep_for(pause_);
+        const std::vector<std::byte> piece = client_.take(property_);
+        saved_.insert(saved_.end(), piece.begin(), piece.end());
+        return !piece.empty();
+    }
+
+    X11Connection connection_;
+    BareClient client_;
+    xcb_atom_t form_;
+    xcb_atom_t property_ = XCB_ATOM_NONE;
+    std::chrono::milliseconds pause_;
+    std::vector<std::byte> saved_;
+    std::thread thread_;
+};
 
 class X11ClipboardTest : public testing::Test {
 protected:
@@ -64,6 +174,13 @@ protected:
     }
     std::optional<Image> image(X11Clipboard& of) {
         return settled([&of] { return of.readImage(); });
+    }
+
+    // Another program takes the clipboard and answers nobody.
+    void makeSilentOwner() const {
+        const BareClient silent(server->connection());
+        xcb_set_selection_owner(server->connection(), silent.window(), silent.atom("CLIPBOARD"), XCB_CURRENT_TIME);
+        server->synchronize();
     }
 
     RunLoop loop;
@@ -129,21 +246,41 @@ TEST_F(X11ClipboardTest, AChangeIsCountedOnceWhoeverMadeIt) {
 }
 
 TEST_F(X11ClipboardTest, AnOwnerThatNeverAnswersHasNothing) {
-    xcb_connection_t* const silent = server->connection();
-    const xcb_window_t window = xcb_generate_id(silent);
-    xcb_create_window(silent, 0, window, server->root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
-                      XCB_COPY_FROM_PARENT, 0, nullptr);
-    const std::string name = "CLIPBOARD";
-    const auto cookie = xcb_intern_atom(silent, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const X11Reply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(silent, cookie, nullptr));
-    xcb_set_selection_owner(silent, window, atom->atom, XCB_CURRENT_TIME);
-    server->synchronize();
-
+    makeSilentOwner();
     const auto impatient = connect(20ms);
     EXPECT_EQ(loop.complete(impatient->readString()), std::nullopt);
     impatient->writeString("still works");
     loop.complete(impatient->readString());
     EXPECT_EQ(loop.complete(theirs->readString()), "still works");
+}
+
+TEST_F(X11ClipboardTest, ClosingWaitsForNoOwnerAndLosesNothing) {
+    makeSilentOwner();
+    auto closing = connect(1h);
+    const auto read = [](X11Clipboard& from) -> Task<void> { co_await from.readItems(); };
+    RunningTask first(loop, read(*closing));
+    RunningTask second(loop, read(*closing));
+    first.start();
+    second.start();
+    ASSERT_TRUE(BareClient(server->connection()).waitFor(XCB_SELECTION_REQUEST));  // it waits now
+    const std::string large(1'000'000, 'a');
+    SlowClipboardManager manager(server->display(), "UTF8_STRING", 0ms);
+    closing->writeString(large);
+    closing.reset();
+    server->stop();
+    EXPECT_EQ(manager.saved(), bytesOf(large));
+}
+
+TEST_F(X11ClipboardTest, AManagerMayTakeItsTimeAsLongAsItGoesOn) {
+    const auto patience = 500ms;
+    const auto pause = 100ms;  // more of them than fit into the patience
+    const std::vector<std::byte> large = bytesOf(std::string(3'000'000, 'a'));
+    SlowClipboardManager manager(server->display(), "image/png", pause);
+    auto closing = connect(patience);
+    closing->writeItems({{{"image/png", large}}});
+    closing.reset();
+    server->stop();
+    EXPECT_EQ(manager.saved(), large);
 }
 
 TEST_F(X11ClipboardTest, PicturesComeAsBytesOrAsACopiedFile) {

@@ -146,15 +146,15 @@ X11Clipboard::X11Clipboard(const char* display, const ImageDecoder& decoder, Wor
     : decoder_(decoder),
       workers_(workers),
       selection_(
-          display, wake_.value, [this] { ++changes_; }, patience),
+          display, wake_.value, closing_.get_token(), [this] { ++changes_; }, patience),
       thread_([this] { run(); }) {}
 
 X11Clipboard::~X11Clipboard() {
-    {
-        const std::lock_guard lock(mutex_);
-        isClosing_ = true;
-    }
-    post([](X11Selection& selection) { selection.handOver(); });
+    closing_.request_stop();
+    post([this](X11Selection& selection) {
+        selection.handOver();
+        isOver_ = true;
+    });
     thread_.join();
 }
 
@@ -167,26 +167,23 @@ void X11Clipboard::post(Job job) {
     static_cast<void>(::write(wake_.value, &one, sizeof one));  // a full counter wakes as well
 }
 
+// A wait in the middle of a job may have been woken for the next one, so no other wake-up is awaited then.
 void X11Clipboard::run() {
-    while (true) {
-        runJobs();
-        {
-            const std::lock_guard lock(mutex_);
-            if (isClosing_ && jobs_.empty()) return;
+    while (!isOver_) {
+        if (const std::optional<Job> job = nextJob()) {
+            (*job)(selection_);
+        } else {
+            selection_.pump(std::nullopt);
         }
-        selection_.pump(std::nullopt);
     }
 }
 
-void X11Clipboard::runJobs() {
-    std::uint64_t count = 0;
-    static_cast<void>(::read(wake_.value, &count, sizeof count));
-    std::deque<Job> jobs;
-    {
-        const std::lock_guard lock(mutex_);
-        jobs.swap(jobs_);
-    }
-    for (const Job& job : jobs) job(selection_);
+std::optional<X11Clipboard::Job> X11Clipboard::nextJob() {
+    const std::lock_guard lock(mutex_);
+    if (jobs_.empty()) return std::nullopt;
+    std::optional<Job> job(std::move(jobs_.front()));
+    jobs_.pop_front();
+    return job;
 }
 
 // Has the thread find the answer and brings it back to the awaiting loop.

@@ -9,6 +9,7 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <thread>
 #include <vector>
@@ -30,7 +31,8 @@ public:
                  std::chrono::milliseconds patience = X11Selection::defaultPatience);
     X11Clipboard(const X11Clipboard&) = delete;
     X11Clipboard& operator=(const X11Clipboard&) = delete;
-    // Leaves the contents to the desktop's clipboard manager where there is one.
+    // Finishes what was written and leaves the contents to the desktop's clipboard manager where there is one. Reads
+    // that wait are given up.
     ~X11Clipboard() override;
 
     std::int64_t changeCount() const override { return changes_.load(); }
@@ -57,17 +59,18 @@ private:
     template <typename Result>
     Task<Result> ask(std::function<Result(X11Selection&)> question);
     void run();
-    void runJobs();
+    std::optional<Job> nextJob();
 
     const ImageDecoder& decoder_;
     WorkerExecutor& workers_;
     std::atomic<std::int64_t> changes_ = 0;
     WakeDescriptor wake_;
+    std::stop_source closing_;
     X11Selection selection_;  // the thread's
+    bool isOver_ = false;     // the thread's
     std::mutex mutex_;
-    std::deque<Job> jobs_;    // guarded by the mutex
-    bool isClosing_ = false;  // guarded by the mutex
-    std::thread thread_;      // the last member: it uses the others
+    std::deque<Job> jobs_;  // guarded by the mutex
+    std::thread thread_;    // the last member: it uses the others
 };
 
 }  // namespace ovrin

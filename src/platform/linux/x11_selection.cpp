@@ -44,10 +44,11 @@ struct X11Selection::Property {
     }
 };
 
-X11Selection::X11Selection(const char* display, int wakeDescriptor, std::function<void()> changedByOthers,
-                           std::chrono::milliseconds patience)
+X11Selection::X11Selection(const char* display, int wakeDescriptor, std::stop_token closing,
+                           std::function<void()> changedByOthers, std::chrono::milliseconds patience)
     : connection_(connectToX11(display)),
       wakeDescriptor_(wakeDescriptor),
+      closing_(std::move(closing)),
       changedByOthers_(std::move(changedByOthers)),
       patience_(patience) {
     xcb_connection_t* const connection = connection_.get();
@@ -87,8 +88,10 @@ X11Selection::Pumped X11Selection::pump(std::optional<Clock::time_point> deadlin
     std::array<pollfd, 2> sources{{{server, POLLIN, 0}, {wakeDescriptor_, POLLIN, 0}}};
     const int ready = ::poll(sources.data(), sources.size(), timeout);
     if (ready == 0) return Pumped::deadline;
-    if (ready > 0 && (sources[1].revents & POLLIN) != 0) return Pumped::woken;
-    return Pumped::handled;
+    if (ready < 0 || (sources[1].revents & POLLIN) == 0) return Pumped::handled;
+    std::uint64_t count = 0;
+    static_cast<void>(::read(wakeDescriptor_, &count, sizeof count));
+    return Pumped::woken;
 }
 
 bool X11Selection::handleArrived() {
@@ -101,14 +104,13 @@ bool X11Selection::handleArrived() {
     return hasHandled;
 }
 
-// Until the condition holds; false when the patience was in vain. What wakes the thread otherwise has to wait.
+// Until the condition holds; false when the patience was in vain, or at a stop. What wakes the thread otherwise has to
+// wait.
 template <typename IsDone>
-bool X11Selection::pumpUntil(IsDone isDone) {
-    const int wake = std::exchange(wakeDescriptor_, -1);
+bool X11Selection::pumpUntil(IsDone isDone, const std::stop_token& stop) {
     const auto deadline = Clock::now() + patience_;
     bool done = isDone();
-    while (!done && !isLost() && pump(deadline) != Pumped::deadline) done = isDone();
-    wakeDescriptor_ = wake;
+    while (!done && !isLost() && !stop.stop_requested() && pump(deadline) != Pumped::deadline) done = isDone();
     return done;
 }
 
@@ -162,7 +164,12 @@ void X11Selection::handOver() {
         xcb_get_selection_owner_reply(connection_.get(), xcb_get_selection_owner(connection_.get(), manager), nullptr));
     if (!owner || owner->owner == XCB_WINDOW_NONE) return;
     request(manager, atom("SAVE_TARGETS"));
-    pumpUntil([this] { return notified_.has_value(); });
+    constexpr std::chrono::seconds longest{30};
+    const auto end = Clock::now() + longest;
+    bool goesOn = true;
+    while (goesOn && !notified_ && Clock::now() < end) {
+        goesOn = pumpUntil([this, before = servedCount_] { return notified_ || servedCount_ != before; });
+    }
 }
 
 void X11Selection::handle(const xcb_generic_event_t& event) {
@@ -207,6 +214,7 @@ void X11Selection::handleProperty(const xcb_property_notify_event_t& event) {
 }
 
 void X11Selection::serve(const xcb_selection_request_event_t& request) {
+    ++servedCount_;
     // Clients of an old kind name no property; they get the one named as the target (ICCCM 2.2).
     const xcb_atom_t property = request.property == XCB_ATOM_NONE ? request.target : request.property;
     const bool isAnswered =
@@ -279,6 +287,7 @@ void X11Selection::continueTransfer(const TransferKey& key) {
     xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, key.first, key.second, transfer.type, 8,
                         static_cast<std::uint32_t>(count), transfer.data->data() + transfer.sent);
     xcb_flush(connection_.get());
+    ++servedCount_;
     transfer.sent += count;
     if (count == 0) transfers_.erase(found);  // the empty piece was the end
 }
@@ -308,14 +317,16 @@ X11Selection::Property X11Selection::takeProperty(xcb_atom_t property) {
 }
 
 std::optional<X11Selection::Property> X11Selection::receive(xcb_atom_t target) {
+    if (closing_.stop_requested()) return std::nullopt;
     const xcb_atom_t property = request(atom("CLIPBOARD"), target);
-    if (!pumpUntil([this] { return notified_.has_value(); }) || *notified_ == XCB_ATOM_NONE) return std::nullopt;
+    const bool isAnswered = pumpUntil([this] { return notified_.has_value(); }, closing_);
+    if (!isAnswered || *notified_ == XCB_ATOM_NONE) return std::nullopt;
     hasNewPiece_ = false;
     Property contents = takeProperty(property);
     if (contents.type != atom("INCR")) return contents;
 
     contents = {};
-    while (pumpUntil([this] { return hasNewPiece_; })) {
+    while (pumpUntil([this] { return hasNewPiece_; }, closing_)) {
         hasNewPiece_ = false;
         const Property piece = takeProperty(property);
         if (piece.data.empty()) return contents;

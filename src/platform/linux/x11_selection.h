@@ -3,7 +3,7 @@
 // something.
 //
 // An owner that lets a request wait longer than the patience counts as one that has nothing. While a read waits,
-// requests of others are served. When the server goes away everything reads as empty.
+// requests of others are served. When the server goes away, or the program closes, everything reads as empty.
 #pragma once
 
 #include <chrono>
@@ -13,6 +13,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -32,10 +33,11 @@ public:
     using Bytes = std::vector<std::byte>;
     static constexpr std::chrono::milliseconds defaultPatience{2000};
 
-    // display: such as ":0"; null for the one the environment names. wakeDescriptor: becomes readable when pump() is to
-    // return. changedByOthers is called on the pumping thread. Throws Error when no server answers or it lacks XFixes.
-    X11Selection(const char* display, int wakeDescriptor, std::function<void()> changedByOthers,
-                 std::chrono::milliseconds patience = defaultPatience);
+    // display: such as ":0"; null for the one the environment names. wakeDescriptor: an eventfd that is written when
+    // pump() is to return, and after closing is stopped; whoever waits reads it. changedByOthers is called on the
+    // pumping thread. Throws Error when no server answers or it lacks XFixes.
+    X11Selection(const char* display, int wakeDescriptor, std::stop_token closing,
+                 std::function<void()> changedByOthers, std::chrono::milliseconds patience = defaultPatience);
 
     // Handles what has arrived; waits for something to arrive when nothing has, until the deadline, if any.
     enum class Pumped : std::uint8_t { handled, deadline, woken };
@@ -45,6 +47,7 @@ public:
     void own(ClipboardItem item);
 
     // Gives the contents to the desktop's clipboard manager, if we own them and it has one, so that they outlive us.
+    // It may take its time as long as it goes on taking, up to half a minute.
     void handOver();
 
     // The forms that the owner offers; empty when there is none or it does not answer.
@@ -85,7 +88,7 @@ private:
     void continueTransfer(const TransferKey& key);
 
     template <typename IsDone>
-    bool pumpUntil(IsDone isDone);
+    bool pumpUntil(IsDone isDone, const std::stop_token& stop = {});
     xcb_atom_t request(xcb_atom_t selection, xcb_atom_t target);
     struct Property;
     Property takeProperty(xcb_atom_t property);
@@ -93,6 +96,7 @@ private:
 
     X11Connection connection_;
     int wakeDescriptor_;
+    std::stop_token closing_;
     std::function<void()> changedByOthers_;
     std::chrono::milliseconds patience_;
     xcb_window_t window_ = XCB_WINDOW_NONE;
@@ -102,7 +106,8 @@ private:
 
     std::shared_ptr<const OwnContents> own_;
     std::map<TransferKey, Transfer> transfers_;
-    int ownClearings_ = 0;  // owner changes to nobody that are our own and not announced yet
+    std::size_t servedCount_ = 0;  // answers and pieces that others have got
+    int ownClearings_ = 0;         // owner changes to nobody that are our own and not announced yet
 
     // What the request under way has heard.
     unsigned requestNumber_ = 0;
