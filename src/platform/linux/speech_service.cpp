@@ -1,11 +1,16 @@
 #include "platform/linux/speech_service.h"
 
 #include <algorithm>
+#include <condition_variable>
 #include <cstdlib>
 #include <filesystem>
+#include <mutex>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <system_error>
+#include <thread>
+#include <utility>
 
 #include <libspeechd.h>
 
@@ -42,8 +47,11 @@ public:
     }
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
+    // What was said last would be read to its end after the connection has gone.
     ~Connection() {
-        if (connection_ != nullptr) spd_close(connection_);
+        if (connection_ == nullptr) return;
+        spd_cancel(connection_);
+        spd_close(connection_);
     }
 
     bool isOpen() const { return connection_ != nullptr; }
@@ -60,6 +68,81 @@ private:
     SPDConnection* connection_ = nullptr;
 };
 
+// What the service is to do next. Shared by the main thread and the one that talks to the service; whoever is last
+// frees it.
+class SpeechService::Conversation {
+public:
+    // Reads this in place of what is read or waits to be read.
+    void speak(Utterance utterance) {
+        const std::lock_guard lock(mutex_);
+        next_ = std::move(utterance);
+        changed_.notify_all();
+    }
+
+    void stop() {
+        const std::lock_guard lock(mutex_);
+        next_.reset();
+        mustFallSilent_ = true;
+        changed_.notify_all();
+    }
+
+    // Stops and ends the conversation; returns when it is over, or when the patience is.
+    void end(std::chrono::milliseconds patience) {
+        std::unique_lock lock(mutex_);
+        next_.reset();
+        isClosing_ = true;
+        changed_.notify_all();
+        changed_.wait_for(lock, patience, [this] { return isOver_; });
+    }
+
+    // The thread's whole work.
+    void run() {
+        converse();
+        const std::lock_guard lock(mutex_);
+        isOver_ = true;
+        changed_.notify_all();
+    }
+
+private:
+    void converse() {
+        std::unique_ptr<Connection> connection;
+        while (waitForOrder()) {
+            if (takeSilence() && connection) connection->cancel();
+            if (!hasText()) continue;
+            if (!connection) connection = std::make_unique<Connection>();  // takes long: the text may be gone since
+            const std::optional<Utterance> utterance = takeText();
+            const bool isThere = connection->isOpen() && (!utterance || connection->say(*utterance));
+            if (!isThere) connection.reset();  // another try with the next
+        }
+    }
+
+    // False when the conversation is to end.
+    bool waitForOrder() {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [this] { return next_ || mustFallSilent_ || isClosing_; });
+        return !isClosing_;
+    }
+    bool takeSilence() {
+        const std::lock_guard lock(mutex_);
+        return std::exchange(mustFallSilent_, false);
+    }
+    bool hasText() {
+        const std::lock_guard lock(mutex_);
+        return next_.has_value();
+    }
+    std::optional<Utterance> takeText() {
+        const std::lock_guard lock(mutex_);
+        return std::exchange(next_, std::nullopt);
+    }
+
+    std::mutex mutex_;  // guards all
+    std::condition_variable changed_;
+    std::optional<Utterance> next_;
+    bool mustFallSilent_ = false;
+    bool isClosing_ = false;
+    bool isOver_ = false;
+};
+
 class SpeechService::Synthesizer final : public SpeechSynthesizer {
 public:
     explicit Synthesizer(SpeechService& service) : service_(service) {}
@@ -72,16 +155,18 @@ public:
         service_.speak(utterance);
         return true;
     }
-    void stop() override { service_.stop(); }
+    void stop() override {
+        if (service_.conversation_) service_.conversation_->stop();
+    }
 
 private:
     SpeechService& service_;
 };
 
-SpeechService::SpeechService() = default;
+SpeechService::SpeechService(std::chrono::milliseconds patience) : patience_(patience) {}
 
 SpeechService::~SpeechService() {
-    ++latest_;
+    if (conversation_) conversation_->end(patience_);
 }
 
 std::unique_ptr<SpeechSynthesizer> SpeechService::makeSynthesizer() {
@@ -101,21 +186,11 @@ bool SpeechService::isInstalled() {
 }
 
 void SpeechService::speak(const Utterance& utterance) {
-    if (!worker_) worker_.emplace(1);
-    worker_->post([this, utterance, number = ++latest_](const std::stop_token&) {
-        if (number != latest_) return;
-        if (!connection_) connection_ = std::make_unique<Connection>();
-        if (number != latest_) return;
-        if (!connection_->isOpen() || !connection_->say(utterance)) connection_.reset();  // another try with the next
-    });
-}
-
-void SpeechService::stop() {
-    if (!worker_) return;
-    ++latest_;
-    worker_->post([this](const std::stop_token&) {
-        if (connection_ && connection_->isOpen()) connection_->cancel();
-    });
+    if (!conversation_) {
+        conversation_ = std::make_shared<Conversation>();
+        std::thread([conversation = conversation_] { conversation->run(); }).detach();
+    }
+    conversation_->speak(utterance);
 }
 
 }  // namespace ovrin

@@ -3,21 +3,20 @@
 // The service is started by its library when it does not run, which may take seconds: a thread of its own talks to it.
 #pragma once
 
-#include <atomic>
-#include <cstdint>
+#include <chrono>
 #include <memory>
-#include <optional>
 
-#include "base/worker_executor.h"
 #include "platform/speech_synthesizer.h"
 
 namespace ovrin {
 
 class SpeechService {
 public:
-    SpeechService();
+    // patience: how long the end may wait for the service to fall silent.
+    explicit SpeechService(std::chrono::milliseconds patience = std::chrono::seconds(1));
     SpeechService(const SpeechService&) = delete;
     SpeechService& operator=(const SpeechService&) = delete;
+    // The service falls silent. One that does not answer is left behind with the thread that waits for it.
     ~SpeechService();
 
     // Speaks through this service, which outlives it; several speak over each other's end. Main thread.
@@ -26,15 +25,14 @@ public:
 private:
     class Synthesizer;
     class Connection;
+    class Conversation;
 
     // Whether the desktop has the service, running or not.
     static bool isInstalled();
     void speak(const Utterance& utterance);
-    void stop();
 
-    std::atomic<std::uint64_t> latest_ = 0;   // the number of the last order: older ones count no more
-    std::unique_ptr<Connection> connection_;  // the worker's
-    std::optional<WorkerExecutor> worker_;    // from the first text on
+    std::chrono::milliseconds patience_;
+    std::shared_ptr<Conversation> conversation_;  // from the first text on
 };
 
 }  // namespace ovrin

@@ -1,0 +1,143 @@
+// The speech service against a server that speaks as much of its protocol (SSIP) as is needed.
+#include "platform/linux/speech_service.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "fakes/temporary_directory.h"
+
+namespace ovrin {
+namespace {
+
+using ::testing::Contains;
+
+// Serves one client.
+class SpeechServer {
+public:
+    enum class Manner { answers, mute };
+
+    explicit SpeechServer(Manner manner)
+        : manner_(manner), listener_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        const std::string path = (directory_.path() / "socket").string();
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
+        ::bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+        ::listen(listener_, 1);
+        ::setenv("SPEECHD_ADDRESS", ("unix_socket:" + path).c_str(), 1);
+        thread_ = std::thread([this] { serve(); });
+    }
+    SpeechServer(const SpeechServer&) = delete;
+    SpeechServer& operator=(const SpeechServer&) = delete;
+    ~SpeechServer() {
+        ::shutdown(listener_, SHUT_RDWR);
+        ::shutdown(client_, SHUT_RDWR);
+        thread_.join();
+        ::close(client_);
+        ::close(listener_);
+        ::unsetenv("SPEECHD_ADDRESS");
+    }
+
+    // Until the client has sent a line that contains these words.
+    void waitFor(const std::string& words) {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [&] {
+            return std::ranges::any_of(lines_, [&](const auto& line) { return line.find(words) != line.npos; });
+        });
+    }
+    // All it has sent, once it has gone.
+    std::vector<std::string> linesAtTheEnd() {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [this] { return hasEnded_; });
+        return lines_;
+    }
+
+private:
+    void serve() {
+        client_ = ::accept(listener_, nullptr, nullptr);
+        std::string received;
+        std::array<char, 4096> buffer{};
+        for (ssize_t count = 0; (count = ::read(client_, buffer.data(), buffer.size())) > 0;) {
+            received.append(buffer.data(), static_cast<std::size_t>(count));
+            for (auto end = received.find("\r\n"); end != received.npos; end = received.find("\r\n")) {
+                hear(received.substr(0, end));
+                received.erase(0, end + 2);
+            }
+        }
+        const std::lock_guard lock(mutex_);
+        hasEnded_ = true;
+        changed_.notify_all();
+    }
+
+    void hear(const std::string& line) {
+        if (manner_ == Manner::answers) answer(line);
+        const std::lock_guard lock(mutex_);
+        lines_.push_back(line);
+        changed_.notify_all();
+    }
+
+    void answer(const std::string& line) {
+        if (line == ".") {
+            isInText_ = false;
+            return send("225-1\r\n225 OK MESSAGE QUEUED\r\n");
+        }
+        if (isInText_) return;
+        isInText_ = line == "SPEAK";
+        send(isInText_ ? "230 OK RECEIVING DATA\r\n" : "200 OK\r\n");
+    }
+    void send(const std::string& reply) const { ::send(client_, reply.data(), reply.size(), MSG_NOSIGNAL); }
+
+    const Manner manner_;
+    const TemporaryDirectory directory_;
+    const int listener_;
+    std::atomic<int> client_ = -1;
+    bool isInText_ = false;  // the thread's
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::vector<std::string> lines_;
+    bool hasEnded_ = false;
+
+    std::thread thread_;
+};
+
+TEST(SpeechServiceTest, WhatIsReadEndsWithTheProgram) {
+    SpeechServer server(SpeechServer::Manner::answers);
+    std::optional<SpeechService> service(std::in_place, std::chrono::minutes(1));
+    auto synthesizer = service->makeSynthesizer();
+    EXPECT_TRUE(synthesizer->speak({.text = "Good morning", .language = "en"}));
+    server.waitFor("Good morning");
+    synthesizer.reset();
+    service.reset();
+    const std::vector<std::string> lines = server.linesAtTheEnd();
+    const auto text = std::ranges::find(lines, "Good morning");
+    EXPECT_THAT(std::vector<std::string>(text, lines.end()), Contains("CANCEL SELF"));
+}
+
+TEST(SpeechServiceTest, AServiceThatDoesNotAnswerHoldsNobody) {
+    SpeechServer server(SpeechServer::Manner::mute);
+    std::optional<SpeechService> service(std::in_place, std::chrono::milliseconds(10));
+    EXPECT_TRUE(service->makeSynthesizer()->speak({.text = "Good morning", .language = "en"}));
+    EXPECT_TRUE(service->makeSynthesizer()->speak({.text = "Good evening", .language = "en"}));
+    server.waitFor("CLIENT_NAME");
+    service.reset();
+}
+
+}  // namespace
+}  // namespace ovrin
