@@ -9,6 +9,7 @@
 #include <future>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <utility>
 #include <variant>
@@ -120,6 +121,8 @@ public:
     AppDelegate();
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
+    // Threads are waited for one by one; none waits for others then.
+    ~AppDelegate() override { closing_.request_stop(); }
 
     void applicationDidFinishLaunching();
     // The program was started a second time.
@@ -160,8 +163,9 @@ private:
     // Shortcuts and the palette name windows that this build has not; the menu does not offer them.
     void sayThatItIsMissing() { showToast("此版本还没有这个窗口。", "exclamationmark.triangle"); }
 
+    std::stop_source closing_;
     QtMainLoop loop_;
-    Settings settings_;
+    Settings settings_{closing_.get_token()};
 
     // How things look.
     LinuxDesktopSettings desktopSettings_;

@@ -86,7 +86,7 @@ public:
     int operator()(const cli::Translate& command) {
         const cli::Interruption interruption;
         RunLoop loop;
-        const Settings settings;
+        const Settings settings(interruption.token());
         const LinuxLanguageIdentifier identifier;
         const ModelServices model(settings);
         const TranslationService service = model.translation(identifier);
@@ -99,7 +99,7 @@ public:
     int operator()(const cli::Ask& command) {
         const cli::Interruption interruption;
         RunLoop loop;
-        const Settings settings;
+        const Settings settings(interruption.token());
         const ModelServices model(settings);
         const ConversationPrompts prompts(Environment::ofProcess, secureRandomIndex);
         const AIService service(model.client);
@@ -128,7 +128,7 @@ public:
     }
     int operator()(const cli::ConfigSetKey&) {
         const cli::Interruption interruption;
-        Settings settings;
+        Settings settings(interruption.token());
         return interruptible(interruption,
                              [&] { return cli::storeAPIKey(settings.keychain, terminal_, interruption.token()); });
     }

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <random>
+#include <utility>
 
 #include "base/text.h"
 #include "platform/linux/secret_service.h"
@@ -12,9 +13,9 @@ namespace ovrin {
 
 namespace {
 
-LinuxKeychain openKeychain() {
+LinuxKeychain openKeychain(std::stop_token closing) {
     const Environment environment = Environment::ofProcess();
-    return {SecretService(sessionBus(environment), {}), keychainFile(environment)};
+    return {SecretService(sessionBus(environment), {}, std::move(closing)), keychainFile(environment)};
 }
 
 }  // namespace
@@ -30,7 +31,8 @@ std::unique_ptr<HistoryStore> openHistory() {
                                           std::chrono::system_clock::now);
 }
 
-Settings::Settings() : defaults(preferencesFile(Environment::ofProcess())), secrets(openKeychain()) {}
+Settings::Settings(std::stop_token closing)
+    : defaults(preferencesFile(Environment::ofProcess())), secrets(openKeychain(std::move(closing))) {}
 
 ModelServices::ModelServices(const Settings& chosen)
     : settings(chosen),

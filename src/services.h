@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <stop_token>
 
 #include "base/environment.h"
 #include "language/translation_service.h"
@@ -23,7 +24,8 @@ std::unique_ptr<HistoryStore> openHistory();
 
 // The preferences and the secrets.
 struct Settings {
-    Settings();
+    // closing: stopped when the program ends, so that it does not wait for a secret any longer.
+    explicit Settings(std::stop_token closing = {});
 
     DefaultsStore defaults;
     LinuxKeychain secrets;

@@ -1,6 +1,7 @@
 #include "desktop/desktop_test.h"
 
 #include <algorithm>
+#include <csignal>
 #include <iostream>
 
 #include "base/error.h"
@@ -24,12 +25,14 @@ void DesktopTest::begin(const Scene& scene) {
     assistant.reset();
     reader.reset();
     user.reset();
+    secretService_.reset();
     desktop.reset();  // what an earlier scene has left
     desktop = std::make_unique<PrivateDesktop>(scene.desktop);
     monitorCount_ = std::max<std::size_t>(scene.desktop.monitors.size(), 1);
     user = std::make_unique<TestUser>(desktop->display());
     if (scene.desktop.accessibility == PrivateDesktop::Accessibility::on)
         reader = std::make_unique<ScreenReader>(*desktop);
+    if (scene.secretService == Scene::SecretService::mute) startMuteSecretService();
     Assistant::Setup setup{.program = assistantProgram,
                            .serviceURL = service.baseURL(),
                            .standard = scene.standard,
@@ -40,6 +43,12 @@ void DesktopTest::begin(const Scene& scene) {
             Assistant::shortcut(code, {Assistant::Modifier::super, Assistant::Modifier::shift});
     }
     assistant = std::make_unique<Assistant>(*desktop, *user, setup);
+}
+
+void DesktopTest::startMuteSecretService() {
+    secretService_ = desktop->start({.arguments = {"gnome-keyring-daemon", "--foreground", "--components=secrets"}});
+    waitFor("the secret service", [this] { return desktop->bus().hasOwner("org.freedesktop.secrets"); });
+    secretService_->signal(SIGSTOP);
 }
 
 void DesktopTest::TearDown() {

@@ -33,6 +33,8 @@ protected:
         std::string standard = "openai-compatible";
         Assistant::Setup::Launch launch = Assistant::Setup::Launch::later;
         json::Value preferences = json::Value::object();
+        // mute: one runs and answers nobody
+        enum class SecretService { none, mute } secretService = SecretService::none;
     };
     void begin(const Scene& scene);
     void begin() { begin(Scene()); }
@@ -86,7 +88,9 @@ protected:
 
 private:
     SampleProgram& open(SampleProgram::Kind kind);
+    void startMuteSecretService();
 
+    std::unique_ptr<ChildProcess> secretService_;
     std::size_t monitorCount_ = 1;
 };
 

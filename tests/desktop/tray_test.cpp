@@ -1,4 +1,5 @@
 // The icon in the tray with its menu, the command palette, and the program's life.
+#include <chrono>
 #include <csignal>
 
 #include "desktop/desktop_test.h"
@@ -92,6 +93,13 @@ TEST_F(TrayTest, QuitsByItsMenuAndEndsWhenTold) {
     assistant->waitForPalette();
     EXPECT_EQ(assistant->run({"do", "quit"}), 0);
     EXPECT_EQ(assistant->process().waitForEnd(), 0);
+}
+
+TEST_F(TrayTest, QuitsAlthoughTheSecretServiceDoesNotAnswer) {
+    begin({.preferences = {{"ovrin.apiKey", "sk-old"}}, .secretService = Scene::SecretService::mute});
+    assistant->process().signal(SIGTERM);
+    constexpr std::chrono::seconds lessThanOneAnswerMayTake{8};
+    EXPECT_EQ(assistant->process().waitForEnd(lessThanOneAnswerMayTake), 0);
 }
 
 TEST_F(TrayTest, ASecondStartAndOtherProcessesReachTheRunningOne) {

@@ -2,9 +2,12 @@
 #include "platform/linux/keychain.h"
 
 #include <chrono>
+#include <csignal>
 #include <cstring>
 #include <fstream>
+#include <future>
 #include <memory>
+#include <stop_token>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -158,6 +161,20 @@ TEST_F(KeychainTest, ALockedCollectionIsAnErrorAndNoReasonToWriteAFile) {
     EXPECT_NE(keychain.add(headers, "sk-new"), keychainSuccess);
     EXPECT_NE(keychain.remove(apiKey), keychainSuccess);
     EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+TEST_F(KeychainTest, AProgramThatClosesWaitsForNoSecret) {
+    const PrivateBus bus;
+    const auto service = startService(bus, true);
+    service->signal(SIGSTOP);  // it keeps its name and answers nobody
+    constexpr std::chrono::hours patience{1};
+    std::stop_source closing;
+    const SecretService client(SessionBus::ofProcess, {.service = patience, .user = patience}, closing.get_token());
+    const auto reading = std::async(std::launch::async, [&client] { return client.find(apiKey).status; });
+    closing.request_stop();
+    reading.wait();
+    EXPECT_EQ(client.find(headers).status, keychainTimedOut);
+    EXPECT_EQ(client.store(headers, "{}"), keychainTimedOut);
 }
 
 // A bus that accepts connections and never says a word.

@@ -24,7 +24,7 @@ KeychainStatus statusOf(Work work) {
 }  // namespace
 
 LinuxKeychain::LinuxKeychain(SecretService service, std::filesystem::path file)
-    : service_(service), file_(std::move(file)) {}
+    : service_(std::move(service)), file_(std::move(file)) {}
 
 KeychainMatch LinuxKeychain::copyMatching(const KeychainItem& item) {
     KeychainFile::Entry entry;

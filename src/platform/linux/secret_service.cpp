@@ -157,19 +157,19 @@ public:
         changed_.notify_one();
     }
 
-    KeychainMatch wait(Patience patience) {
+    KeychainMatch wait(Patience patience, const std::stop_token& closing) {
         std::unique_lock guard(lock_);
-        changed_.wait_for(guard, patience.service, [&] { return answer_ || asksUser_; });
-        if (asksUser_) changed_.wait_for(guard, patience.user, [&] { return answer_.has_value(); });
+        changed_.wait_for(guard, closing, patience.service, [&] { return answer_ || asksUser_; });
+        if (asksUser_) changed_.wait_for(guard, closing, patience.user, [&] { return answer_.has_value(); });
         if (answer_) return std::move(*answer_);
         g_cancellable_cancel(cancellable_.get());
-        return {.status = asksUser_ ? keychainLocked : keychainTimedOut};
+        return {.status = asksUser_ && !closing.stop_requested() ? keychainLocked : keychainTimedOut};
     }
 
 private:
     Object<GCancellable> cancellable_;
     std::mutex lock_;
-    std::condition_variable changed_;
+    std::condition_variable_any changed_;  // the kind that a stop wakes
     std::optional<KeychainMatch> answer_;
     bool asksUser_ = false;
 };
@@ -335,7 +335,8 @@ private:
     Object<::SecretService> service_;
 };
 
-SecretService::SecretService(SessionBus bus, Patience patience) : bus_(bus), patience_(patience) {}
+SecretService::SecretService(SessionBus bus, Patience patience, std::stop_token closing)
+    : bus_(bus), patience_(patience), closing_(std::move(closing)) {}
 
 KeychainMatch SecretService::find(const KeychainItem& item) const {
     return perform([item](Session& session) { return session.find(item); });
@@ -368,9 +369,10 @@ KeychainMatch SecretService::converse(Call& call, const Operation& operation) {
 
 KeychainMatch SecretService::perform(Operation operation) const {
     if (bus_ == SessionBus::none) return {.status = keychainUnavailable};
+    if (closing_.stop_requested()) return {.status = keychainTimedOut};
     const auto call = std::make_shared<Call>();
     std::thread([call, operation = std::move(operation)] { call->finish(converse(*call, operation)); }).detach();
-    return call->wait(patience_);
+    return call->wait(patience_, closing_);
 }
 
 }  // namespace ovrin

@@ -3,11 +3,12 @@
 //
 // No call waits longer than its patience, whatever the service or the bus does: the work is done on a thread of its
 // own, which is told to stop and left behind when time is up. Only a locked collection is worth more patience: then
-// the user is being asked for a password.
+// the user is being asked for a password. When the program closes no call waits any longer.
 #pragma once
 
 #include <chrono>
 #include <functional>
+#include <stop_token>
 #include <string>
 #include <string_view>
 
@@ -23,10 +24,11 @@ public:
         std::chrono::milliseconds user{60'000};     // for a password to be typed
     };
 
-    SecretService(SessionBus bus, Patience patience);
+    // closing: stopped when the program ends.
+    SecretService(SessionBus bus, Patience patience, std::stop_token closing = {});
 
     // All answer keychainUnavailable where no service is to be had, keychainLocked, keychainTimedOut or keychainRefused
-    // where it fails.
+    // where it fails; keychainTimedOut too when the program is closing.
     KeychainMatch find(const KeychainItem& item) const;
     KeychainStatus replace(const KeychainItem& item, std::string_view data) const;  // keychainItemNotFound: none there
     KeychainStatus store(const KeychainItem& item, std::string_view data) const;    // in the default collection
@@ -42,6 +44,7 @@ private:
 
     SessionBus bus_;
     Patience patience_;
+    std::stop_token closing_;
 };
 
 }  // namespace ovrin
