@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <future>
 #include <memory>
 #include <optional>
 #include <stop_token>
@@ -18,6 +17,7 @@
 #include "app/app_state.h"
 #include "app/appearance_manager.h"
 #include "app/application_actions.h"
+#include "app/model_readiness.h"
 #include "app/remote_command.h"
 #include "app/status_bar_controller.h"
 #include "app/toast_window.h"
@@ -75,34 +75,6 @@ using namespace std::chrono_literals;
 
 // Panels come up at about the time that programs are started with the session.
 constexpr auto patienceWithTheTray = 5s;
-
-// Whether the model service is configured. The answer comes from a worker, since the keychain may ask the user for a
-// password first; a question that is not answered at once gets the answer from before.
-class ModelReadiness {
-public:
-    ModelReadiness(const AppConfig& config, WorkerExecutor& worker) : config_(config), worker_(worker) {}
-
-    bool isReady() {
-        constexpr auto patience = 50ms;
-        if (!answer_.valid()) answer_ = ask();
-        if (answer_.wait_for(patience) == std::future_status::ready) lastAnswer_ = answer_.get();
-        return lastAnswer_;
-    }
-
-private:
-    std::future<bool> ask() {
-        const auto promise = std::make_shared<std::promise<bool>>();
-        worker_.post([promise, &config = config_](const std::stop_token&) {
-            promise->set_value(config.modelAPIConfiguration().isReady());
-        });
-        return promise->get_future();
-    }
-
-    const AppConfig& config_;
-    WorkerExecutor& worker_;
-    bool lastAnswer_ = true;
-    std::future<bool> answer_;
-};
 
 // The windows that the user can go to: not toasts, cards, menus and overlays, nor the icon in the tray.
 QWidgetList visibleWindows() {
@@ -183,7 +155,7 @@ private:
 
     // What answers.
     WorkerExecutor settingsWorker_{1};
-    ModelReadiness readiness_{settings_.config, settingsWorker_};
+    ModelReadiness readiness_{[this] { return settings_.config.modelAPIConfiguration().isReady(); }, settingsWorker_};
     ModelServices model_{settings_};
     ConversationPrompts prompts_{Environment::ofProcess, secureRandomIndex};
     std::unique_ptr<HistoryStore> history_ = openHistory();
@@ -288,6 +260,7 @@ AppState::Surroundings AppDelegate::surroundings() {
 
 void AppDelegate::applicationDidFinishLaunching() {
     settingsWorker_.post([this](const std::stop_token&) { settings_.config.migrateLegacyAPIKeyIfNeeded(); });
+    readiness_.ask();
     appearance_.apply(settings_.config.appearanceMode());
     icons_.applySavedIcon();
     statusBar_.emplace(StatusBarController::Surroundings{
