@@ -352,6 +352,10 @@ int runAssistant() {
         bus.claim({.reopen = [&delegate] { delegate->applicationShouldHandleReopen(); },
                    .perform = [&delegate](const std::string& command) { return delegate->perform(command); }});
     if (place == ApplicationBus::Place::taken) return EXIT_SUCCESS;
+    if (place == ApplicationBus::Place::silent) {
+        std::fputs("ovrin: another assistant runs in this session and does not answer\n", stderr);
+        return EXIT_FAILURE;
+    }
     if (place == ApplicationBus::Place::noBus) {
         std::fputs("ovrin: no session bus: 'ovrin do' cannot reach this assistant, and there are no notifications\n",
                    stderr);

@@ -3,8 +3,8 @@
 
 namespace ovrin {
 
-// Runs until the user quits it, or returns at once when another one runs in this session already. Gives the exit
-// status; throws Error when it cannot start.
+// Runs until the user quits it, or returns at once when another one runs in this session already, with a failure when
+// that one does not answer. Gives the exit status; throws Error when it cannot start.
 int runAssistant();
 
 }  // namespace ovrin

@@ -113,6 +113,8 @@ TEST_F(TrayTest, ASecondStartAndOtherProcessesReachTheRunningOne) {
         user->waitUntilActive(assistant->waitForPalette().id);
     }
     EXPECT_TRUE(assistant->process().isRunning());
+    assistant->process().signal(SIGSTOP);
+    EXPECT_EQ(assistant->run({}), 1);
 }
 
 TEST_F(TrayTest, OutlivesItsTrayAndItsCompositor) {

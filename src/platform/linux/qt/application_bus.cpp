@@ -32,7 +32,29 @@ QDBusMessage activation() {
     QDBusMessage message =
         QDBusMessage::createMethodCall(applicationId, applicationObjectPath, applicationInterface, "Activate");
     message << QVariantMap();
+    message.setAutoStartService(false);
     return message;
+}
+
+using Place = ApplicationBus::Place;
+
+Place takeName(const QDBusConnection& bus) {
+    const auto request = bus.interface()->registerService(applicationId, QDBusConnectionInterface::DontQueueService);
+    if (!request.isValid()) return Place::noBus;
+    return request.value() == QDBusConnectionInterface::ServiceRegistered ? Place::ours : Place::taken;
+}
+
+bool activateOwner(const QDBusConnection& bus) {
+    const QDBusMessage answer = bus.call(activation(), QDBus::Block, static_cast<int>(patience.count()));
+    return answer.type() == QDBusMessage::ReplyMessage;
+}
+
+// An owner that does not answer may just have ended.
+Place takeNameOrActivateOwner(const QDBusConnection& bus) {
+    const Place place = takeName(bus);
+    if (place != Place::taken || activateOwner(bus)) return place;
+    const Place later = takeName(bus);
+    return later == Place::taken ? Place::silent : later;
 }
 
 }  // namespace
@@ -80,15 +102,13 @@ ApplicationBus::Place ApplicationBus::claim(Events events) {
     auto receiver = std::make_unique<Receiver>(std::move(events));
     // The object before the name: who finds the name finds the object.
     bus.registerVirtualObject(applicationObjectPath, receiver.get());
-    const auto request = bus.interface()->registerService(applicationId, QDBusConnectionInterface::DontQueueService);
-    if (!request.isValid()) return Place::noBus;
-    if (request.value() != QDBusConnectionInterface::ServiceRegistered) {
+    const Place place = takeNameOrActivateOwner(bus);
+    if (place == Place::ours) {
+        receiver_ = std::move(receiver);
+    } else {
         bus.unregisterObject(applicationObjectPath);
-        bus.call(activation(), QDBus::Block, static_cast<int>(patience.count()));
-        return Place::taken;
     }
-    receiver_ = std::move(receiver);
-    return Place::ours;
+    return place;
 }
 
 }  // namespace ovrin

@@ -17,9 +17,10 @@ public:
         std::function<bool(const std::string& commandName)> perform;
     };
     enum class Place : std::uint8_t {
-        ours,   // from now on the events arrive, from the event loop
-        taken,  // another assistant runs; it has been told that it was started again
-        noBus   // nobody can reach us, nor we another
+        ours,    // from now on the events arrive, from the event loop
+        taken,   // another assistant runs; it has been told that it was started again
+        silent,  // another assistant has the place and does not answer
+        noBus    // nobody can reach us, nor we another
     };
 
     ApplicationBus();

@@ -1,0 +1,65 @@
+#include "platform/linux/qt/application_bus.h"
+
+#include <QThread>
+#include <utility>
+
+#include "platform/linux/application_name.h"
+#include "qt_session.h"
+
+namespace ovrin {
+namespace {
+
+enum class Behaviour { answers, hangs, ends };
+
+// An assistant that has come first, with a thread of its own.
+class FirstAssistant final : public QDBusVirtualObject {
+public:
+    explicit FirstAssistant(Behaviour behaviour) : behaviour_(behaviour) {
+        connection_.registerVirtualObject(applicationObjectPath, this);
+        connection_.registerService(applicationId);
+        moveToThread(&thread_);
+        thread_.start();
+    }
+    FirstAssistant(const FirstAssistant&) = delete;
+    FirstAssistant& operator=(const FirstAssistant&) = delete;
+    ~FirstAssistant() override {
+        leave();
+        thread_.quit();
+        thread_.wait();
+    }
+
+    QString introspect(const QString& /*path*/) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        if (behaviour_ == Behaviour::answers) connection.send(message.createReply());
+        if (behaviour_ == Behaviour::ends) leave();
+        return true;
+    }
+
+private:
+    static constexpr const char* connectionName = "first assistant";
+
+    void leave() {
+        connection_ = QDBusConnection(QString());
+        QDBusConnection::disconnectFromBus(connectionName);
+    }
+
+    Behaviour behaviour_;
+    QDBusConnection connection_ =
+        QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), connectionName);
+    QThread thread_;
+};
+
+TEST(ApplicationBusTest, ASecondAssistantSeesHowTheFirstOneDoes) {
+    QtSession::ofProcess();
+    const auto claim = [] { return ApplicationBus().claim({}); };
+    EXPECT_EQ(claim(), ApplicationBus::Place::ours);
+    for (const auto& [behaviour, place] : {std::pair(Behaviour::answers, ApplicationBus::Place::taken),
+                                           std::pair(Behaviour::hangs, ApplicationBus::Place::silent),
+                                           std::pair(Behaviour::ends, ApplicationBus::Place::ours)}) {
+        const FirstAssistant first(behaviour);
+        EXPECT_EQ(claim(), place);
+    }
+}
+
+}  // namespace
+}  // namespace ovrin
