@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QTextLayout>
 #include <algorithm>
+#include <cmath>
 
 #include "recognition/image_overlay_layout.h"
 
@@ -11,7 +12,7 @@ namespace ovrin {
 
 namespace {
 
-constexpr double scaleStep = 0.05;
+constexpr int shrinkingSteps = 8;
 // Of the font size. The boxes lie tightly around their lines, where the leading of a text would find no room.
 constexpr double lineHeight = 1.2;
 constexpr double middle = 0.36;  // of its characters above the baseline
@@ -24,14 +25,13 @@ int linesWithin(double height, double size) {
 
 LabelText::LabelText(const QString& text, const QFont& font, double fontSize, const QSizeF& room)
     : font_(font), width_(std::max(room.width(), 1.0)) {
-    const double smallest = overlay::labelMinimumScale;
-    for (double scale = 1; scale > smallest + scaleStep / 2; scale -= scaleStep) {
-        const double size = fontSize * scale;
+    const double smallest = fontSize * overlay::labelMinimumScale;
+    for (int step = 0; step < shrinkingSteps; ++step) {
+        const double size = std::lerp(fontSize, smallest, static_cast<double>(step) / shrinkingSteps);
         if (wrap(text, size, linesWithin(room.height(), size)) && height_ <= room.height()) return;
     }
-    const double size = fontSize * smallest;
-    const int mostLines = linesWithin(room.height(), size);
-    if (!wrap(text, size, mostLines)) wrap(cut(text), size, mostLines);
+    const int mostLines = linesWithin(room.height(), smallest);
+    if (!wrap(text, smallest, mostLines)) wrap(cut(text), smallest, mostLines);
 }
 
 LabelText::~LabelText() = default;
