@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QScrollBar>
+#include <QTimer>
 
 #include "views/components/ov_scroll_bar.h"
 #include "views/components/ov_streaming_text.h"
@@ -48,7 +49,7 @@ void OVScrollArea::reveal(QWidget& part) {
         ensureWidgetVisible(&part, 0, revealMargin);
         noteUserScroll();
     };
-    QMetaObject::invokeMethod(&part, scroll, Qt::QueuedConnection);
+    QTimer::singleShot(0, &part, scroll);
 }
 
 void OVScrollArea::keepInSight(OVStreamingText& text) {
