@@ -58,11 +58,13 @@
 #include "views/capture/qt_capture_overlays.h"
 #include "views/command_palette/command_palette_view.h"
 #include "views/components/view_environment.h"
+#include "views/direct_ai/qt_direct_ai_panel.h"
 #include "views/input_translate/qt_input_translate_window.h"
 #include "views/mini_popover/mini_popover_panel.h"
 #include "views/result_panel/qt_result_panel_window.h"
 #include "views/status_item/qt_status_item.h"
 #include "views/toast/toast_panel.h"
+#include "windows/direct_ai_window_presenter.h"
 #include "windows/input_translate_presenter.h"
 #include "windows/mini_popover_presenter.h"
 #include "windows/result_window_presenter.h"
@@ -106,7 +108,7 @@ public:
     void captureTranslate() override { appState_.startCapture(CaptureIntent::translate); }
     void captureWhatIsThis() override { appState_.startCapture(CaptureIntent::whatIsThis); }
     void silentCaptureOCR() override { appState_.startCapture(CaptureIntent::silentOCR); }
-    void showDirectAI() override { sayThatItIsMissing(); }
+    void showDirectAI() override { directAI_.show(); }
     void showInputTranslate() override { inputTranslate_.show(""); }
     void showCommandPalette() override { commandPalette_.show(); }
     void selectionTranslate() override { appState_.selectionTranslate({}); }
@@ -119,7 +121,9 @@ public:
         toasts_.show(std::move(message), std::move(symbol));
     }
 
-    bool has(AppWindow window) const override { return window == AppWindow::inputTranslate; }
+    bool has(AppWindow window) const override {
+        return window == AppWindow::directAI || window == AppWindow::inputTranslate;
+    }
     void showHistory() override { sayThatItIsMissing(); }
     void showSettings() override { sayThatItIsMissing(); }
     bool isUpdateConfigured() const override { return false; }
@@ -190,6 +194,12 @@ private:
         [this](InputTranslateViewModel& viewModel, std::function<void()> requestClose) {
             return std::make_unique<QtInputTranslateWindow>(environment_, icons_.image(), viewModel,
                                                             std::move(requestClose));
+        }};
+    DirectAIWindowPresenter directAI_{
+        {.loop = loop_, .ai = AIService(model_.client), .prompts = prompts_, .history = *history_},
+        settings_.config,
+        [this](DirectAIViewModel& viewModel, const DirectAIPanel::Form& form, DirectAIPanel::Events events) {
+            return std::make_unique<QtDirectAIPanel>(environment_, icons_.image(), viewModel, form, std::move(events));
         }};
     AppState appState_;
 

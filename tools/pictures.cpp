@@ -40,6 +40,7 @@ public:
         takeMenu();
         takeCard();
         takeInputTranslation();
+        takeChat();
     }
 
 private:
@@ -148,6 +149,25 @@ private:
         reader_.waitForName(program, "开始翻译");
         user_.moveTo({.x = 4, .y = 4});
         saveWindow("input-translation", window);
+        choose("关闭");
+        user_.waitUntilGone(window.id);
+    }
+
+    void takeChat() {
+        assistant_.run({"do", "direct-ai"});
+        const DesktopWindow bar = user_.waitForWindow({.program = program, .width = 540, .height = 150});
+        user_.waitUntilActive(bar.id);
+        saveWindow("chat-bar", bar);
+        user_.type("Is there a model behind this service?\n");
+        const DesktopWindow chat = user_.waitForWindow({.program = program, .width = 580, .height = 560});
+        waitForAnswer(4);
+        for (const char* const line : {"What may an answer look like?", "", "1. **Bold**, *italic*"}) {
+            user_.type(line);
+            user_.pressKeys("Shift_L+Return");
+        }
+        user_.type("2. `code`\n");
+        waitForAnswer(5);
+        saveWindow("chat", chat);
     }
 
     static constexpr const char* samplePath = OVRIN_BINARY_DIR "/ovrin_sample_program";

@@ -81,6 +81,11 @@ void DesktopTest::capture(Action action, const PixelArea& area) const {
     user->drag(area.topLeft(), area.bottomRight());
 }
 
+DesktopWindow DesktopTest::openMenu(TestUser::Button button) const {
+    user->click(assistant->waitForTrayIcon().area.center(), button);
+    return assistant->waitForMenu();
+}
+
 json::Value DesktopTest::waitForHistory(std::size_t records, Result result) const {
     json::Value history;
     waitFor("the history", [&] {

@@ -63,6 +63,9 @@ protected:
     // Presses, and drags over the area once there is an overlay on every monitor.
     void capture(Action action, const PixelArea& area) const;
 
+    // The menu of the tray icon, clicked on with the button.
+    DesktopWindow openMenu(TestUser::Button button) const;
+
     // The history once it has so many records and the newest of them a result, if it gets one.
     enum class Result { none, some };
     json::Value waitForHistory(std::size_t records, Result result = Result::none) const;

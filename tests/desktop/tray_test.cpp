@@ -7,12 +7,7 @@
 namespace ovrin {
 namespace {
 
-struct TrayTest : DesktopTest {
-    DesktopWindow openMenu(TestUser::Button button) const {
-        user->click(assistant->waitForTrayIcon().area.center(), button);
-        return assistant->waitForMenu();
-    }
-};
+struct TrayTest : DesktopTest {};
 
 TEST_F(TrayTest, TheMenuOpensByEitherButtonAndStartsACapture) {
     begin();

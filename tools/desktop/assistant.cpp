@@ -127,9 +127,12 @@ DesktopWindow Assistant::waitForPalette() const {
 }
 
 DesktopWindow Assistant::waitForMenu() const {
+    constexpr int smallestHeight = 200;
+    constexpr int largestWidth = 600;
     return *waitFor("the menu", [this]() -> std::optional<DesktopWindow> {
         for (const DesktopWindow& window : user_.find({.program = programName})) {
-            if (window.isOverrideRedirect && window.area.height > 200 && window.area.width < 600) return window;
+            const bool isOfItsShape = window.area.height > smallestHeight && window.area.width < largestWidth;
+            if (window.isOverrideRedirect && isOfItsShape) return window;
         }
         return std::nullopt;
     });

@@ -107,6 +107,20 @@ void OVPanelWindow::setLevel(Level level) {
     if (QWindow* const window = windowHandle()) window->setFlag(Qt::WindowStaysOnTopHint, isFloating);
 }
 
+void OVPanelWindow::setShadow(Shadow shadow) {
+    shadow_ = shadow;
+    adaptToDesktop();
+}
+
+void OVPanelWindow::setFrame(const QRect& frame) {
+    setGeometry(frame.adjusted(-margin_, -margin_, margin_, margin_));
+}
+
+void OVPanelWindow::setMinimumFrame(QSize size) {
+    minimumFrame_ = size;
+    setMinimumSize(minimumFrame_ + QSize(2 * margin_, 2 * margin_));
+}
+
 void OVPanelWindow::present() {
     if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
@@ -118,7 +132,8 @@ double OVPanelWindow::cornerRadius() const {
 }
 
 void OVPanelWindow::adaptToDesktop() {
-    const bool hasShadow = environment().settings().isComposited && !isFilling() && x11::knowsOwnShadows();
+    const bool isWanted = shadow_ == Shadow::always || (shadow_ == Shadow::inDarkAppearance && environment().isDark());
+    const bool hasShadow = isWanted && environment().settings().isComposited && !isFilling() && x11::knowsOwnShadows();
     setMargin(hasShadow ? shadowMargin : 0);
     frameWithShadow_ = {};
     layOut();
@@ -130,17 +145,17 @@ void OVPanelWindow::setMargin(int margin) {
     const int change = margin - margin_;
     if (change == 0) return;
     margin_ = margin;
-    const QSize both(2 * margin, 2 * margin);
-    setMinimumSize(minimumFrame_ + both);
-    if (!isFilling()) setGeometry(geometry().adjusted(-change, -change, change, change));
+    const QRect withMargin = geometry().adjusted(-change, -change, change, change);
+    setMinimumFrame(minimumFrame_);  // which may resize it
+    if (!isFilling()) setGeometry(withMargin);
 }
 
 void OVPanelWindow::layOut() {
     const int line = isFilling() ? 0 : lineWidth;  // which the content leaves visible
-    if (content_ != nullptr) content_->setGeometry(frame().adjusted(line, line, -line, -line));
+    if (content_ != nullptr) content_->setGeometry(frameInWindow().adjusted(line, line, -line, -line));
     for (Edge* const edge : edges_) {
         edge->setVisible(!isFilling());
-        edge->placeAround(frame());
+        edge->placeAround(frameInWindow());
     }
     if (environment().settings().isComposited || isFilling()) {
         clearMask();
@@ -154,7 +169,7 @@ void OVPanelWindow::layOut() {
 
 void OVPanelWindow::drawFrame(QPainter& painter) const {
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF frame = this->frame();
+    const QRectF frame = frameInWindow();
     if (margin_ > 0) {
         drawShadow(painter, frame, cornerRadius(), shadowBlur, shadowOffset,
                    QColor::fromRgbF(0, 0, 0, environment().isDark() ? 0.5F : 0.2F));
@@ -163,7 +178,7 @@ void OVPanelWindow::drawFrame(QPainter& painter) const {
     if (!environment().settings().reducesTransparency) {
         page.setAlphaF(static_cast<float>(theme::windowBackgroundOpacity(environment().settings().appearance)));
     }
-    // Where the corners are cut instead of blended, no pixel at their edge may be half black.
+    // Where nothing blends the corners the window is cut to its shape, and what the cut leaves must be opaque.
     if (!environment().settings().isComposited) painter.fillRect(frame, page);
     fillRounded(painter, frame, cornerRadius(), page);
     if (isFilling()) return;

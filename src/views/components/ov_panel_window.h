@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QPixmap>
+#include <QRect>
 #include <QSize>
 #include <QString>
 #include <cstdint>
@@ -18,6 +19,8 @@ class OVPanelWindow : public OVWidget {
 public:
     enum class Level : std::uint8_t { normal, floating };  // floating stays above other programs' windows
 
+    enum class Shadow : std::uint8_t { always, inDarkAppearance, never };
+
     // Sizes are those of the frame, without the shadow. It is made centred on the primary screen, and hidden.
     OVPanelWindow(ViewEnvironment& environment, const QString& title, QSize size, QSize minimumSize);
     ~OVPanelWindow() override;
@@ -28,6 +31,11 @@ public:
     QWidget* content() const { return content_; }
 
     void setLevel(Level level);
+    void setShadow(Shadow shadow);
+    // On the screen, without the shadow.
+    QRect frame() const { return frameInWindow().translated(geometry().topLeft()); }
+    void setFrame(const QRect& frame);
+    void setMinimumFrame(QSize size);
     // Shows it, in front and with the keyboard.
     void present();
 
@@ -47,7 +55,7 @@ protected:
 private:
     class Edge;
 
-    QRect frame() const { return rect().adjusted(margin_, margin_, -margin_, -margin_); }
+    QRect frameInWindow() const { return rect().adjusted(margin_, margin_, -margin_, -margin_); }
     bool isFilling() const { return (windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)) != 0; }
     double cornerRadius() const;
     void adaptToDesktop();
@@ -57,6 +65,7 @@ private:
 
     QSize minimumFrame_;
     QWidget* content_ = nullptr;
+    Shadow shadow_ = Shadow::always;
     std::vector<Edge*> edges_;
     int margin_ = 0;  // of the shadow, in points
     QPixmap frameWithShadow_;

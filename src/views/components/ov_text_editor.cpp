@@ -1,6 +1,7 @@
 #include "views/components/ov_text_editor.h"
 
 #include <QContextMenuEvent>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
 #include <QTextBlock>
@@ -17,7 +18,6 @@ namespace ovrin {
 using theme::ColorToken;
 
 namespace {
-constexpr double lineHeight = 21;
 constexpr double margin = 4;
 constexpr double drop = 2;  // of a text in a line of the grid, against one that is drawn by itself
 }  // namespace
@@ -28,7 +28,7 @@ OVTextEditor::OVTextEditor(ViewEnvironment& environment, const QString& placehol
     setAcceptRichText(false);
     setTabChangesFocus(true);
     setFont(toQFont(theme::font::body));
-    setAccessibleDescription(placeholder);
+    setAccessibleName(placeholder);
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(margin);
     spaceLines();
@@ -40,7 +40,7 @@ OVTextEditor::OVTextEditor(ViewEnvironment& environment, const QString& placehol
 // One grid for all lines: those with Chinese characters would otherwise be higher than the others.
 void OVTextEditor::spaceLines() {
     QTextBlockFormat format;
-    format.setLineHeight(lineHeight, QTextBlockFormat::FixedHeight);
+    format.setLineHeight(lineHeight_, QTextBlockFormat::FixedHeight);
     QTextCursor all(document());
     all.select(QTextCursor::Document);
     all.mergeBlockFormat(format);
@@ -53,9 +53,15 @@ void OVTextEditor::insertFromMimeData(const QMimeData* source) {
     ensureCursorVisible();
 }
 
+void OVTextEditor::setTextStyle(const theme::FontStyle& style, double lineHeight) {
+    setFont(toQFont(style));
+    lineHeight_ = lineHeight;
+    spaceLines();
+}
+
 void OVTextEditor::setPlaceholder(const QString& placeholder) {
     placeholder_ = placeholder;
-    setAccessibleDescription(placeholder);
+    setAccessibleName(placeholder);
     viewport()->update();
 }
 
@@ -99,6 +105,15 @@ void OVTextEditor::mousePressEvent(QMouseEvent* event) {
         setTextCursor(cursor);
     }
     QTextEdit::mousePressEvent(event);
+}
+
+void OVTextEditor::keyPressEvent(QKeyEvent* event) {
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (returnKey_ == ReturnKey::submits && isReturn && !(event->modifiers() & Qt::ShiftModifier)) {
+        emit submitted();
+    } else {
+        QTextEdit::keyPressEvent(event);
+    }
 }
 
 void OVTextEditor::contextMenuEvent(QContextMenuEvent* event) {

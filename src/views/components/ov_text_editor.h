@@ -5,7 +5,9 @@
 #pragma once
 
 #include <QTextEdit>
+#include <cstdint>
 
+#include "theme/type_scale.h"
 #include "views/components/view_environment.h"
 
 namespace ovrin {
@@ -16,12 +18,25 @@ class OVTextEditor final : public QTextEdit {
 public:
     OVTextEditor(ViewEnvironment& environment, const QString& placeholder, QWidget* parent = nullptr);
 
+    enum class ReturnKey : std::uint8_t {
+        beginsLine,
+        submits  // Shift and Return begin a line
+    };
+    void setReturnKey(ReturnKey returnKey) { returnKey_ = returnKey; }
+    // Before there is text. lineHeight in points.
+    void setTextStyle(const theme::FontStyle& style, double lineHeight);
+    double lineHeight() const { return lineHeight_; }
+
     void setPlaceholder(const QString& placeholder);
     void replaceText(const QString& text);
     // Keeps the text off the right edge, where the scroll bar stays.
     void setRightInset(int points) { setViewportMargins(0, 0, points, 0); }
 
+signals:
+    void submitted();
+
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
@@ -33,6 +48,8 @@ private:
 
     ViewEnvironment& environment_;
     QString placeholder_;
+    ReturnKey returnKey_ = ReturnKey::beginsLine;
+    double lineHeight_ = 21;
 };
 
 }  // namespace ovrin

@@ -26,7 +26,7 @@ void drawWindowBackground(QPainter& painter, const QRectF& rectangle, double cor
         return;
     }
     painter.setRenderHint(QPainter::Antialiasing);
-    // Where the corners are cut instead of blended, no pixel at their edge may be half black.
+    // Where nothing blends the corners the window is cut to its shape, and what the cut leaves must be opaque.
     if (!environment.settings().isComposited) painter.fillRect(rectangle, page);
     fillRounded(painter, rectangle, cornerRadius, page);
     QColor line = environment.color(theme::ColorToken::ink);

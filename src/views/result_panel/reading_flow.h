@@ -5,20 +5,15 @@
 #include <vector>
 
 #include "base/published.h"
-#include "base/uuid.h"
-#include "views/components/ov_widget.h"
-#include "windows/result_panel_view_model.h"
-
-class QVBoxLayout;
+#include "views/components/reading_column.h"
 
 namespace ovrin {
 
-class ConversationTurnView;
+class ConversationTurns;
 class OVErrorNote;
-class OVScrollArea;
-class OVStreamingText;
+class ResultPanelViewModel;
 
-class ReadingFlow final : public OVWidget {
+class ReadingFlow final : public ReadingColumn {
     Q_OBJECT
 
 public:
@@ -26,27 +21,15 @@ public:
     ReadingFlow(ViewEnvironment& environment, ResultPanelViewModel& viewModel, OVScrollArea& area);
 
 private:
-    struct FollowUp {
-        Uuid id;
-        ConversationTurnView* view;
-    };
-
     void bind();
-    void showFirstTurn();
-    void showFollowUps(const std::vector<FollowUpMessage>& followUps);
+    void showConversation();
     void showError();
-    ConversationTurnView* addTurn(std::string_view question);
-    void makeReadable(OVStreamingText& text);
 
     ResultPanelViewModel& viewModel_;
     OVScrollArea& area_;
-    QVBoxLayout* column_;
-    QVBoxLayout* turns_;
+    ConversationTurns* turns_;
     OVErrorNote* translationError_;
     OVErrorNote* conversationError_;
-    ConversationTurnView* firstTurn_ = nullptr;
-    std::string firstQuestion_;  // what it shows
-    std::vector<FollowUp> followUps_;
     std::vector<Subscription> subscriptions_;
 };
 

@@ -4,10 +4,10 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
+#include "views/components/busy_note.h"
 #include "views/components/ov_animated_icon.h"
 #include "views/components/ov_label.h"
 #include "views/components/ov_streaming_text.h"
-#include "views/result_panel/busy_note.h"
 #include "views/result_panel/source_toggle.h"
 #include "windows/result_panel_view_model.h"
 

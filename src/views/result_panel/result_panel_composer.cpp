@@ -1,14 +1,8 @@
 #include "views/result_panel/result_panel_composer.h"
 
 #include <QHBoxLayout>
-#include <QKeyEvent>
-#include <QPainter>
-#include <QSignalBlocker>
-#include <QTextDocument>
 #include <QVBoxLayout>
-#include <algorithm>
 #include <array>
-#include <cmath>
 #include <string>
 #include <utility>
 
@@ -16,20 +10,12 @@
 #include "views/components/drawing.h"
 #include "views/components/ov_button.h"
 #include "views/components/ov_text_editor.h"
-#include "views/result_panel/send_button.h"
+#include "views/components/question_composer.h"
 #include "windows/result_panel_view_model.h"
 
 namespace ovrin {
 
-using theme::ColorToken;
-
 namespace {
-
-constexpr double cornerRadius = 20;
-constexpr int horizontalPadding = 14;
-constexpr int verticalPadding = 5;
-constexpr int mostLines = 5;
-constexpr int lineHeight = 21;
 
 struct Suggestion {
     const char* title;
@@ -45,18 +31,12 @@ constexpr std::array suggestions{
                OVIcon::search},
 };
 
-bool isReturn(const QKeyEvent& event) {
-    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-}
-
 }  // namespace
 
 ResultPanelComposer::ResultPanelComposer(ViewEnvironment& environment, ResultPanelViewModel& viewModel, QWidget* parent)
     : OVWidget(environment, parent),
       viewModel_(viewModel),
-      frame_(new QWidget),
-      field_(new OVTextEditor(environment, {})),
-      send_(new SendButton(environment)),
+      composer_(new QuestionComposer(environment, QStringLiteral("发送问题"))),
       clear_(new OVIconButton(environment, OVIcon::trash, QStringLiteral("清除对话"))) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(16, 8, 16, 16);
@@ -65,18 +45,10 @@ ResultPanelComposer::ResultPanelComposer(ViewEnvironment& environment, ResultPan
     row->setSpacing(6);
     addSuggestions(*row);
     column->addLayout(row);
-
-    auto* inner = new QHBoxLayout(frame_);
-    inner->setContentsMargins(horizontalPadding, verticalPadding, verticalPadding + 1, verticalPadding);
-    inner->setSpacing(8);
-    inner->addWidget(field_, 1, Qt::AlignVCenter);
-    inner->addWidget(send_, 0, Qt::AlignBottom);
-    column->addWidget(frame_);
-    field_->installEventFilter(this);
+    column->addWidget(composer_);
     bind();
     takeOverPrompt();
     refresh();
-    fitField();
 }
 
 void ResultPanelComposer::addSuggestions(QHBoxLayout& row) {
@@ -95,11 +67,10 @@ void ResultPanelComposer::addSuggestions(QHBoxLayout& row) {
 }
 
 void ResultPanelComposer::bind() {
-    connect(send_, &QAbstractButton::clicked, this, &ResultPanelComposer::submitPrompt);
-    connect(field_, &QTextEdit::textChanged, this, [this] {
-        viewModel_.setFollowUpPrompt(field_->toPlainText().toStdString());
-        fitField();
-    });
+    connect(composer_, &QuestionComposer::sendRequested, this, &ResultPanelComposer::submitPrompt);
+    connect(composer_, &QuestionComposer::scrollKeyPressed, this, &ResultPanelComposer::scrollKeyPressed);
+    connect(&composer_->field(), &QTextEdit::textChanged, this,
+            [this] { viewModel_.setFollowUpPrompt(composer_->field().toPlainText().toStdString()); });
     const auto refreshing = [this](const auto& /*value*/) { refresh(); };
     subscriptions_.push_back(viewModel_.followUpPrompt().onDidChange([this](const std::string&) {
         takeOverPrompt();
@@ -113,26 +84,20 @@ void ResultPanelComposer::bind() {
 
 // The model empties the field when the question is on its way.
 void ResultPanelComposer::takeOverPrompt() {
-    field_->replaceText(toQString(viewModel_.followUpPrompt().value()));
+    composer_->field().replaceText(toQString(viewModel_.followUpPrompt().value()));
 }
 
 void ResultPanelComposer::refresh() {
     const bool hasConversation = viewModel_.hasConversation();
-    field_->setPlaceholder(hasConversation ? QStringLiteral("继续追问") : QStringLiteral("追问识别结果"));
-    send_->setEnabled(viewModel_.canSubmitPrompt());
+    composer_->field().setPlaceholder(hasConversation ? QStringLiteral("继续追问") : QStringLiteral("追问识别结果"));
+    composer_->setCanSend(viewModel_.canSubmitPrompt());
     clear_->setVisible(hasConversation);
     const bool isAnswering = viewModel_.isAIStreaming().value() || viewModel_.isFollowUpStreaming();
     for (OVButton* const suggestion : suggestions_) suggestion->setEnabled(!isAnswering);
 }
 
-void ResultPanelComposer::fitField() {
-    const int margins = static_cast<int>(2 * field_->document()->documentMargin());
-    const int wanted = static_cast<int>(std::ceil(field_->document()->size().height()));
-    field_->setFixedHeight(std::clamp(wanted, lineHeight + margins, mostLines * lineHeight + margins));
-}
-
 void ResultPanelComposer::focusField() {
-    field_->setFocus(Qt::OtherFocusReason);
+    composer_->field().setFocus(Qt::OtherFocusReason);
 }
 
 void ResultPanelComposer::submit(std::string question, AIAction action) {
@@ -142,35 +107,6 @@ void ResultPanelComposer::submit(std::string question, AIAction action) {
 
 void ResultPanelComposer::submitPrompt() {
     if (viewModel_.canSubmitPrompt()) submit(viewModel_.followUpPrompt().value(), AIAction::explain);
-}
-
-bool ResultPanelComposer::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) update();
-    if (event->type() == QEvent::Resize) fitField();
-    if (event->type() != QEvent::KeyPress) return OVWidget::eventFilter(watched, event);
-    auto* key = static_cast<QKeyEvent*>(event);
-    if (isReturn(*key) && !(key->modifiers() & Qt::ShiftModifier)) {
-        submitPrompt();
-        return true;
-    }
-    if (key->key() == Qt::Key_PageUp || key->key() == Qt::Key_PageDown) {
-        emit scrollKeyPressed(key);
-        return true;
-    }
-    return false;
-}
-
-void ResultPanelComposer::paintEvent(QPaintEvent* /*event*/) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF field = frame_->geometry();
-    const double radius = std::min(cornerRadius, field.height() / 2);
-    fillRounded(painter, field, radius, color(ColorToken::canvas));
-    QColor line = color(field_->hasFocus() ? ColorToken::accent : ColorToken::ink);
-    line.setAlphaF(field_->hasFocus() ? 0.75F : environment().isDark() ? 0.12F : 0.1F);
-    painter.setPen(QPen(line, field_->hasFocus() ? 1.25 : 1));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(field.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5, radius - 0.5);
 }
 
 }  // namespace ovrin

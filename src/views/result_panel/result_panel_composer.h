@@ -1,5 +1,4 @@
-// The lower edge of the result panel: suggested questions, and the field for the user's own with the button that sends
-// it. Return sends, Shift and Return begin a new line; the field grows with its lines.
+// The lower edge of the result panel: suggested questions, and the field for the user's own.
 #pragma once
 
 #include <vector>
@@ -14,9 +13,8 @@ namespace ovrin {
 
 class OVButton;
 class OVIconButton;
-class OVTextEditor;
+class QuestionComposer;
 class ResultPanelViewModel;
-class SendButton;
 
 class ResultPanelComposer final : public OVWidget {
     Q_OBJECT
@@ -33,23 +31,16 @@ signals:
     // A key that moves through the text above was pressed in the field.
     void scrollKeyPressed(QKeyEvent* event);
 
-protected:
-    void paintEvent(QPaintEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     void addSuggestions(QHBoxLayout& row);
     void bind();
     void refresh();
     void takeOverPrompt();
-    void fitField();
     void submit(std::string question, AIAction action);
     void submitPrompt();
 
     ResultPanelViewModel& viewModel_;
-    QWidget* frame_;  // of the field: painted here
-    OVTextEditor* field_;
-    SendButton* send_;
+    QuestionComposer* composer_;
     OVIconButton* clear_;
     std::vector<OVButton*> suggestions_;
     std::vector<Subscription> subscriptions_;

@@ -111,6 +111,14 @@ void setFirstColor(QWindow& window, const QColor& color) {
     xcb_change_window_attributes(connection, static_cast<xcb_window_t>(window.winId()), XCB_CW_BACK_PIXEL, &pixel);
 }
 
+void keepOnEveryWorkspace(QWindow& window) {
+    xcb_connection_t* const connection = toolkitConnection();
+    if (connection == nullptr) return;
+    constexpr std::uint32_t all = 0xFFFFFFFF;
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window.winId()),
+                        atomNamed(connection, "_NET_WM_DESKTOP"), XCB_ATOM_CARDINAL, 32, 1, &all);
+}
+
 void activate(QWindow& window) {
     window.raise();
     xcb_connection_t* const connection = toolkitConnection();

@@ -23,6 +23,9 @@ void setShadowMargins(QWindow& window, const ShadowMargins& margins);
 // already and is not shown yet; where it is translucent, so is the colour.
 void setFirstColor(QWindow& window, const QColor& color);
 
+// For a window that has not been shown yet.
+void keepOnEveryWorkspace(QWindow& window);
+
 // Brings a window that is shown to the front, with the keyboard. The program is told of its shortcuts on another
 // connection than the window's, so that to the window manager the user seems to be at work elsewhere, which is a reason
 // to refuse: the request is made in the user's name, at the server's present time.

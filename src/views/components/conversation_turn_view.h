@@ -1,6 +1,7 @@
-// One turn of the panel's conversation: the question in a bubble, the answer below it as it arrives.
+// One turn of a conversation: the question in a bubble, the answer below it as it arrives.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "views/components/ov_streaming_text.h"
@@ -15,8 +16,13 @@ class ConversationTurnView final : public OVWidget {
     Q_OBJECT
 
 public:
-    // question: UTF-8. answerLanguage: a BCP-47 tag.
-    ConversationTurnView(ViewEnvironment& environment, std::string_view question, std::string_view answerLanguage,
+    struct Style {
+        QString waitingWords;        // while nothing of the answer is there
+        std::string answerLanguage;  // a BCP-47 tag
+    };
+
+    // question: UTF-8
+    ConversationTurnView(ViewEnvironment& environment, std::string_view question, const Style& style,
                          QWidget* parent = nullptr);
 
     // The answer so far, in UTF-8.

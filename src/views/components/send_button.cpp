@@ -1,4 +1,4 @@
-#include "views/result_panel/send_button.h"
+#include "views/components/send_button.h"
 
 #include <QPainter>
 
@@ -12,10 +12,11 @@ namespace {
 constexpr double glyphSize = 15;
 }
 
-SendButton::SendButton(ViewEnvironment& environment, QWidget* parent) : OVButtonBase(environment, parent) {
+SendButton::SendButton(ViewEnvironment& environment, const QString& label, QWidget* parent)
+    : OVButtonBase(environment, parent) {
     setFixedSize(sizeHint());
-    setAccessibleName(QStringLiteral("发送问题"));
-    setToolTip(QStringLiteral("发送问题"));
+    setAccessibleName(label);
+    setToolTip(label);
 }
 
 void SendButton::paintEvent(QPaintEvent* /*event*/) {

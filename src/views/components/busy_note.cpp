@@ -1,4 +1,4 @@
-#include "views/result_panel/busy_note.h"
+#include "views/components/busy_note.h"
 
 #include <QHBoxLayout>
 

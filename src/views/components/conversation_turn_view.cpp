@@ -1,19 +1,19 @@
-#include "views/result_panel/conversation_turn_view.h"
+#include "views/components/conversation_turn_view.h"
 
 #include <QVBoxLayout>
 
+#include "views/components/busy_note.h"
 #include "views/components/question_bubble.h"
-#include "views/result_panel/busy_note.h"
 
 namespace ovrin {
 
-ConversationTurnView::ConversationTurnView(ViewEnvironment& environment, std::string_view question,
-                                           std::string_view answerLanguage, QWidget* parent)
+ConversationTurnView::ConversationTurnView(ViewEnvironment& environment, std::string_view question, const Style& style,
+                                           QWidget* parent)
     : OVWidget(environment, parent),
       question_(new QuestionBubble(environment, question)),
       answer_(new OVStreamingText(environment, OVStreamingText::Mode::markdown)),
-      waiting_(new BusyNote(environment, QStringLiteral("正在理解这段内容"))) {
-    answer_->setLanguage(answerLanguage);
+      waiting_(new BusyNote(environment, style.waitingWords)) {
+    answer_->setLanguage(style.answerLanguage);
     answer_->hide();
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);

@@ -9,7 +9,8 @@ class SendButton final : public OVButtonBase {
     Q_OBJECT
 
 public:
-    explicit SendButton(ViewEnvironment& environment, QWidget* parent = nullptr);
+    // label is its name for assistive technology and its tooltip.
+    SendButton(ViewEnvironment& environment, const QString& label, QWidget* parent = nullptr);
 
     QSize sizeHint() const override { return {28, 28}; }
 
