@@ -23,8 +23,7 @@ ReadingFlow::ReadingFlow(ViewEnvironment& environment, ResultPanelViewModel& vie
     auto* card = new ResultCard(environment, viewModel);
     makeReadable(card->translation());
     makeReadable(card->original());
-    for (QWidget* const widget :
-         std::initializer_list<QWidget*>{card, translationError_, turns_, conversationError_}) {
+    for (QWidget* const widget : std::initializer_list<QWidget*>{card, translationError_, turns_, conversationError_}) {
         column().addWidget(widget);
     }
     bind();
