@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <thread>
@@ -135,23 +136,28 @@ private:
         throw Error("the memory of the program cannot be read");
     }
 
-    long contextSwitches() const {
-        long count = 0;
+    // Of each thread that there is; others come and go.
+    std::map<std::string, long> contextSwitches() const {
+        std::map<std::string, long> counts;
         const std::string tasks = "/proc/" + std::to_string(program_->id()) + "/task";
         for (const auto& task : std::filesystem::directory_iterator(tasks)) {
             std::ifstream status(task.path() / "status");
             for (std::string word; status >> word;) {
-                long switches = 0;
-                if (word == "voluntary_ctxt_switches:" && status >> switches) count += switches;
+                if (word == "voluntary_ctxt_switches:") status >> counts[task.path().filename()];
             }
         }
-        return count;
+        return counts;
     }
 
     double wakeUps(std::chrono::seconds time) const {
-        const long before = contextSwitches();
+        const auto before = contextSwitches();
         std::this_thread::sleep_for(time);
-        return static_cast<double>(contextSwitches() - before);
+        long count = 0;
+        for (const auto& [thread, switches] : contextSwitches()) {
+            const auto known = before.find(thread);
+            count += switches - (known == before.end() ? 0 : known->second);
+        }
+        return static_cast<double>(count);
     }
 
     double dimmingTime() {

@@ -77,6 +77,8 @@ using namespace std::chrono_literals;
 
 // Panels come up at about the time that programs are started with the session.
 constexpr auto patienceWithTheTray = 5s;
+// What can wait does, so that the icon is there at once.
+constexpr auto timeToComeUp = 1s;
 
 // The windows that the user can go to: not toasts, cards, menus and overlays, nor the icon in the tray.
 QWidgetList visibleWindows() {
@@ -270,7 +272,6 @@ AppState::Surroundings AppDelegate::surroundings() {
 
 void AppDelegate::applicationDidFinishLaunching() {
     settingsWorker_.post([this](const std::stop_token&) { settings_.config.migrateLegacyAPIKeyIfNeeded(); });
-    readiness_.ask();
     appearance_.apply(settings_.config.appearanceMode());
     icons_.applySavedIcon();
     statusBar_.emplace(StatusBarController::Surroundings{
@@ -284,6 +285,7 @@ void AppDelegate::applicationDidFinishLaunching() {
         .hasTranslationResult = [this] { return resultPanel_.hasTranslationResult(); }});
     hotkeyManager_.bindAll(*this);
     notifications_.requestAuthorization({.alerts = true, .sounds = true});
+    loop_.postAfter(timeToComeUp, [this] { readiness_.ask(); });
     loop_.postAfter(patienceWithTheTray, [this] { sayIfThereIsNoTray(); });
 }
 
