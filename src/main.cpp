@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -188,5 +189,7 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     ovrin::occupyClosedChannels();
     ovrin::forbidCoreDumps();
+    // One heap for all threads: of several, what recognition leaves behind in each could not be given back.
+    mallopt(M_ARENA_MAX, 1);
     return ovrin::run({argv + 1, argv + argc});
 }

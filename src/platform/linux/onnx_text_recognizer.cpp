@@ -1,10 +1,12 @@
 #include "platform/linux/onnx_text_recognizer.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <mutex>
 #include <optional>
 #include <shared_mutex>
+#include <string_view>
 #include <utility>
 
 #include <malloc.h>
@@ -13,6 +15,7 @@
 #include "base/error.h"
 #include "platform/linux/recognition/glyph_places.h"
 #include "platform/linux/recognition/letter_shapes.h"
+#include "platform/linux/recognition/library_pages.h"
 #include "platform/linux/recognition/line_piece.h"
 #include "platform/linux/recognition/parallel.h"
 #include "platform/linux/recognition/piece_reader.h"
@@ -123,6 +126,9 @@ public:
         const std::unique_lock lock(inUse_);
         models_.reset();
         malloc_trim(0);  // the C library would keep the memory for itself
+        constexpr auto libraries = std::to_array<std::string_view>(
+            {"libonnxruntime.so", "libopencv_core.so", "libopencv_imgproc.so", "libtesseract.so", "liblept.so"});
+        giveBackPagesOfLibraries(libraries);
     }
 
 private:

@@ -39,7 +39,10 @@ cv::Mat preparedPicture(const LinePiece& piece, double scale) {
 }  // namespace
 
 TesseractReader::TesseractReader(std::filesystem::path dataFolder) : dataFolder_(std::move(dataFolder)) {}
-TesseractReader::~TesseractReader() = default;
+TesseractReader::~TesseractReader() {
+    idle_.clear();
+    tesseract::TessBaseAPI::ClearPersistentCache();  // dictionaries, which it keeps for engines to come
+}
 
 bool TesseractReader::hasLanguage(const std::string& language) const {
     std::error_code status;
