@@ -31,6 +31,7 @@ using ::testing::Contains;
 class SpeechServer {
 public:
     enum class Manner { answers, mute };
+    static constexpr auto patience = std::chrono::seconds(30);
 
     explicit SpeechServer(Manner manner)
         : manner_(manner), listener_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
@@ -57,14 +58,14 @@ public:
     // Until the client has sent a line that contains these words.
     void waitFor(const std::string& words) {
         std::unique_lock lock(mutex_);
-        changed_.wait(lock, [&] {
+        EXPECT_TRUE(changed_.wait_for(lock, patience, [&] {
             return std::ranges::any_of(lines_, [&](const auto& line) { return line.find(words) != line.npos; });
-        });
+        })) << words;
     }
     // All it has sent, once it has gone.
     std::vector<std::string> linesAtTheEnd() {
         std::unique_lock lock(mutex_);
-        changed_.wait(lock, [this] { return hasEnded_; });
+        EXPECT_TRUE(changed_.wait_for(lock, patience, [this] { return hasEnded_; }));
         return lines_;
     }
 
@@ -133,9 +134,11 @@ TEST(SpeechServiceTest, WhatIsReadEndsWithTheProgram) {
 TEST(SpeechServiceTest, AServiceThatDoesNotAnswerHoldsNobody) {
     SpeechServer server(SpeechServer::Manner::mute);
     std::optional<SpeechService> service(std::in_place, std::chrono::milliseconds(10));
-    EXPECT_TRUE(service->makeSynthesizer()->speak({.text = "Good morning", .language = "en"}));
-    EXPECT_TRUE(service->makeSynthesizer()->speak({.text = "Good evening", .language = "en"}));
+    auto synthesizer = service->makeSynthesizer();  // whose end would take the text back
+    EXPECT_TRUE(synthesizer->speak({.text = "Good morning", .language = "en"}));
+    EXPECT_TRUE(synthesizer->speak({.text = "Good evening", .language = "en"}));
     server.waitFor("CLIENT_NAME");
+    synthesizer.reset();
     service.reset();
 }
 
