@@ -189,6 +189,7 @@ private:
             picture_.width(), picture_.height(),
             {picture_.constBits(), picture_.constBits() + static_cast<std::ptrdiff_t>(picture_.sizeInBytes())});
         const auto recognize = [&] {
+            std::this_thread::sleep_for(3s);  // as long after the one before as in the assistant
             const auto begin = Clock::now();
             recognizer.perform({.recognitionLanguages = {"zh-Hans", "zh-Hant", "en-US", "ja-JP", "ko-KR"}}, picture,
                                {});
@@ -208,7 +209,8 @@ private:
         const int changes = user_.clipboardChanges();
         const auto begin = Clock::now();
         user_.release();
-        spinUntil("the text", [&] { return user_.clipboardChanges() != changes; });
+        // Asking the server more often would take the recognition a part of the machine.
+        while (user_.clipboardChanges() == changes) std::this_thread::sleep_for(5ms);
         const double time = milliseconds(Clock::now() - begin);
         std::this_thread::sleep_for(2500ms);  // until the toast has gone
         return time;
