@@ -1,5 +1,6 @@
 #include "platform/linux/x11_synthetic_keyboard.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -29,6 +30,17 @@ protected:
         xcb_set_input_focus(program.get(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
         received();
         keyboard = std::make_unique<X11SimulateKeyboard>(server->display());
+    }
+
+    void focus(xcb_window_t target) {
+        xcb_set_input_focus(program.get(), XCB_INPUT_FOCUS_NONE, target, XCB_CURRENT_TIME);
+        received();
+    }
+
+    void setProperty(const char* name, std::uint32_t value) {
+        xcb_change_property(program.get(), XCB_PROP_MODE_REPLACE, window, atomNamed(program.get(), name),
+                            XCB_ATOM_CARDINAL, 32, 1, &value);
+        received();
     }
 
     // "54 with 4": the key codes pressed so far, each with the modifiers that counted.
@@ -78,16 +90,20 @@ TEST_F(X11SimulateKeyboardTest, TheKeyIsTheOneThatTypesTheLetter) {
 }
 
 TEST_F(X11SimulateKeyboardTest, KnowsWhetherAnotherProgramHasTheKeyboard) {
+    // A window manager holds the keyboard itself between two programs.
+    EXPECT_FALSE(keyboard->reachesOtherProgram());
+    setProperty("WM_STATE", 1);
     EXPECT_TRUE(keyboard->reachesOtherProgram());
-    const X11Reply<xcb_intern_atom_reply_t> process(
-        xcb_intern_atom_reply(program.get(), xcb_intern_atom(program.get(), 0, 11, "_NET_WM_PID"), nullptr));
-    const auto own = static_cast<std::uint32_t>(getpid());
-    xcb_change_property(program.get(), XCB_PROP_MODE_REPLACE, window, process->atom, XCB_ATOM_CARDINAL, 32, 1, &own);
-    received();
+    const xcb_window_t field = xcb_generate_id(program.get());
+    xcb_create_window(program.get(), XCB_COPY_FROM_PARENT, field, window, 0, 0, 10, 10, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_map_window(program.get(), field);
+    focus(field);
+    EXPECT_TRUE(keyboard->reachesOtherProgram());
+    setProperty("_NET_WM_PID", static_cast<std::uint32_t>(getpid()));
     EXPECT_FALSE(keyboard->reachesOtherProgram());
     for (const xcb_window_t nobody : {xcb_window_t{XCB_INPUT_FOCUS_NONE}, server->root()}) {
-        xcb_set_input_focus(program.get(), XCB_INPUT_FOCUS_NONE, nobody, XCB_CURRENT_TIME);
-        received();
+        focus(nobody);
         EXPECT_FALSE(keyboard->reachesOtherProgram());
     }
 }

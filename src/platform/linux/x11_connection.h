@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <string_view>
 
 #include <xcb/xcb.h>
 
@@ -20,5 +21,8 @@ using X11Event = std::unique_ptr<xcb_generic_event_t, FreeX11Memory>;
 
 template <typename Reply>
 using X11Reply = std::unique_ptr<Reply, FreeX11Memory>;
+
+// Makes the name known to the server when it isn't; XCB_ATOM_NONE when the connection is lost. One round trip.
+xcb_atom_t atomNamed(xcb_connection_t* connection, std::string_view name);
 
 }  // namespace ovrin

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <span>
-#include <string_view>
 #include <vector>
 
 #include "base/error.h"
@@ -18,12 +17,6 @@ constexpr std::uint32_t mostWindows = 4096;
 struct Atoms {
     xcb_atom_t clientList, windowType, dock;
 };
-
-xcb_atom_t atomOf(xcb_connection_t* connection, std::string_view name) {
-    const X11Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        connection, xcb_intern_atom(connection, 1, static_cast<std::uint16_t>(name.size()), name.data()), nullptr));
-    return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
-}
 
 std::vector<std::uint32_t> valuesOf(xcb_connection_t* connection, xcb_get_property_cookie_t question) {
     const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, question, nullptr));
@@ -43,9 +36,9 @@ std::optional<PixelRect> frameOf(xcb_connection_t* connection, xcb_window_t wind
 }
 
 std::vector<PixelRect> panelFrames(xcb_connection_t* connection) {
-    const Atoms atoms{.clientList = atomOf(connection, "_NET_CLIENT_LIST"),
-                      .windowType = atomOf(connection, "_NET_WM_WINDOW_TYPE"),
-                      .dock = atomOf(connection, "_NET_WM_WINDOW_TYPE_DOCK")};
+    const Atoms atoms{.clientList = atomNamed(connection, "_NET_CLIENT_LIST"),
+                      .windowType = atomNamed(connection, "_NET_WM_WINDOW_TYPE"),
+                      .dock = atomNamed(connection, "_NET_WM_WINDOW_TYPE_DOCK")};
     if (atoms.dock == XCB_ATOM_NONE) return {};
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
     const auto windows =

@@ -117,10 +117,7 @@ bool X11Selection::pumpUntil(IsDone isDone, const std::stop_token& stop) {
 xcb_atom_t X11Selection::atom(std::string_view name) {
     const auto known = atoms_.find(name);
     if (known != atoms_.end()) return known->second;
-    const X11Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        connection_.get(), xcb_intern_atom(connection_.get(), 0, static_cast<std::uint16_t>(name.size()), name.data()),
-        nullptr));
-    const xcb_atom_t atom = reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+    const xcb_atom_t atom = atomNamed(connection_.get(), name);
     if (atom != XCB_ATOM_NONE) atoms_.emplace(name, atom);
     return atom;
 }

@@ -14,12 +14,6 @@ constexpr std::uint32_t everyOwnerChange = XCB_XFIXES_SELECTION_EVENT_MASK_SET_S
                                            XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                            XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE;
 
-xcb_atom_t atomOf(xcb_connection_t* connection, const std::string& name) {
-    const X11Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        connection, xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str()), nullptr));
-    return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
-}
-
 bool isOwned(xcb_connection_t* connection, xcb_atom_t selection) {
     const X11Reply<xcb_get_selection_owner_reply_t> reply(
         xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, selection), nullptr));
@@ -39,7 +33,7 @@ X11SelectionOwners::X11SelectionOwners(const char* display, const std::vector<st
         connection, xcb_xfixes_query_version(connection, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION).sequence);
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
     for (const auto& name : selections) {
-        const xcb_atom_t selection = atomOf(connection, name);
+        const xcb_atom_t selection = atomNamed(connection, name);
         // Followed before it is asked for, so that no change is missed.
         xcb_xfixes_select_selection_input(connection, root, selection, everyOwnerChange);
         selections_.insert_or_assign(selection, Selection{name, isOwned(connection, selection)});

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <optional>
 #include <span>
-#include <string_view>
 
 #include <unistd.h>
 #include <xcb/xtest.h>
@@ -31,14 +30,33 @@ std::optional<xcb_keycode_t> keyCodeOf(const X11Keyboard& keyboard, std::uint32_
     return keyCodes.front();
 }
 
+bool hasProperty(xcb_connection_t* connection, xcb_window_t window, const char* name) {
+    const X11Reply<xcb_get_property_reply_t> property(xcb_get_property_reply(
+        connection, xcb_get_property(connection, 0, window, atomNamed(connection, name), XCB_ATOM_ANY, 0, 0), nullptr));
+    return property && property->type != XCB_ATOM_NONE;
+}
+
+xcb_window_t parentOf(xcb_connection_t* connection, xcb_window_t window) {
+    const X11Reply<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(connection, xcb_query_tree(connection, window), nullptr));
+    return tree ? tree->parent : xcb_window_t{XCB_WINDOW_NONE};
+}
+
+// The window itself or the one around it that the window manager manages: there it keeps WM_STATE (ICCCM 4.1.3.1).
+// Windows of its own, which hold the keyboard from one program to the next, have none. XCB_WINDOW_NONE without one.
+xcb_window_t managedWindowAround(xcb_connection_t* connection, xcb_window_t window) {
+    while (window > XCB_INPUT_FOCUS_POINTER_ROOT && !hasProperty(connection, window, "WM_STATE")) {
+        window = parentOf(connection, window);
+    }
+    return window > XCB_INPUT_FOCUS_POINTER_ROOT ? window : xcb_window_t{XCB_WINDOW_NONE};
+}
+
 // What the window says about its program; none when it says nothing.
 std::optional<pid_t> processOf(xcb_connection_t* connection, xcb_window_t window) {
-    constexpr std::string_view name = "_NET_WM_PID";
-    const X11Reply<xcb_intern_atom_reply_t> atom(
-        xcb_intern_atom_reply(connection, xcb_intern_atom(connection, 0, name.size(), name.data()), nullptr));
-    if (!atom) return std::nullopt;
     const X11Reply<xcb_get_property_reply_t> property(xcb_get_property_reply(
-        connection, xcb_get_property(connection, 0, window, atom->atom, XCB_ATOM_CARDINAL, 0, 1), nullptr));
+        connection,
+        xcb_get_property(connection, 0, window, atomNamed(connection, "_NET_WM_PID"), XCB_ATOM_CARDINAL, 0, 1),
+        nullptr));
     if (!property || xcb_get_property_value_length(property.get()) != sizeof(std::uint32_t)) return std::nullopt;
     return static_cast<pid_t>(*static_cast<const std::uint32_t*>(xcb_get_property_value(property.get())));
 }
@@ -63,9 +81,8 @@ bool X11SimulateKeyboard::reachesOtherProgram() {
     const X11Reply<xcb_get_input_focus_reply_t> focus(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
     if (!focus) return false;
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
-    const xcb_window_t window = focus->focus;
-    return window > XCB_INPUT_FOCUS_POINTER_ROOT && window != root && processOf(connection, window) != getpid();
+    const xcb_window_t window = managedWindowAround(connection, focus->focus);
+    return window != XCB_WINDOW_NONE && processOf(connection, window) != getpid();
 }
 
 void X11SimulateKeyboard::copy() {

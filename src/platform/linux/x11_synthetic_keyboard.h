@@ -23,7 +23,7 @@ public:
     bool isTrusted() override;
     bool requestTrust() override { return isTrusted(); }
 
-    // The window with the keyboard is one of a program's, and not of this process.
+    // The window with the keyboard is, or is in, one that the window manager manages and that is not of this process.
     bool reachesOtherProgram() override;
 
     // Return when the server has delivered the keys; do nothing when it can't.
