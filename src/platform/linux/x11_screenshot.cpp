@@ -49,6 +49,38 @@ private:
     void* data_ = MAP_FAILED;
 };
 
+// The same as a segment of a connection, which has to outlive it.
+class SharedSegment {
+public:
+    SharedSegment(xcb_connection_t* connection, std::size_t size)
+        : connection_(connection), memory_(size), id_(xcb_generate_id(connection)) {
+        xcb_shm_attach_fd(connection_, id_, memory_.duplicated(), 0);
+    }
+    SharedSegment(const SharedSegment&) = delete;
+    SharedSegment& operator=(const SharedSegment&) = delete;
+    ~SharedSegment() {
+        xcb_shm_detach(connection_, id_);
+        xcb_flush(connection_);
+    }
+
+    xcb_shm_get_image_cookie_t request(xcb_window_t window, const PixelRect& part) {
+        return xcb_shm_get_image(connection_, window, static_cast<std::int16_t>(part.x),
+                                 static_cast<std::int16_t>(part.y), static_cast<std::uint16_t>(part.width),
+                                 static_cast<std::uint16_t>(part.height), ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP, id_, 0);
+    }
+
+    std::span<const std::uint8_t> bytes() const { return memory_.bytes(); }
+
+private:
+    xcb_connection_t* connection_;
+    SharedMemory memory_;
+    xcb_shm_seg_t id_;
+};
+
+std::size_t sizeOf(const PixelRect& part) {
+    return static_cast<std::size_t>(part.width) * static_cast<std::size_t>(part.height) * 4;
+}
+
 // Copies rows of 32-bit pixels whose fourth byte means nothing and makes them opaque.
 void copyOpaque(std::span<const std::uint8_t> source, std::uint8_t* target, std::size_t pixels) {
     for (std::size_t i = 0; i < pixels; ++i) {
@@ -83,7 +115,10 @@ public:
     }
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
-    ~Connection() { xcb_disconnect(connection_); }
+    ~Connection() {
+        prepared_.reset();
+        xcb_disconnect(connection_);
+    }
 
     bool isAlive() const { return xcb_connection_has_error(connection_) == 0; }
 
@@ -99,8 +134,18 @@ public:
     template <typename Use>
     void withPixels(const PixelRect& part, Use use) {
         requireTrueColor();
-        const std::size_t size = static_cast<std::size_t>(part.width) * static_cast<std::size_t>(part.height) * 4;
-        if (!hasSharedMemory_ || !useSharedMemory(part, size, use)) useReply(part, size, use);
+        if (!hasSharedMemory_ || !useSharedMemory(part, use)) useReply(part, use);
+    }
+
+    // To write into new memory takes the server longer than to write, since each of its pages has to be found first.
+    // Here it does so with a picture that nobody looks at.
+    void prepare(int width, int height) {
+        const PixelRect part{0, 0, std::min<int>(width, screen_->width_in_pixels),
+                             std::min<int>(height, screen_->height_in_pixels)};
+        if (!hasSharedMemory_ || part.width <= 0 || part.height <= 0) return;
+        prepared_ = std::make_unique<SharedSegment>(connection_, sizeOf(part));
+        xcb_discard_reply(connection_, prepared_->request(screen_->root, part).sequence);
+        xcb_flush(connection_);
     }
 
 private:
@@ -111,25 +156,22 @@ private:
     }
 
     template <typename Use>
-    bool useSharedMemory(const PixelRect& part, std::size_t size, Use use) {
-        const SharedMemory memory(size);
-        const xcb_shm_seg_t segment = xcb_generate_id(connection_);
-        xcb_shm_attach_fd(connection_, segment, memory.duplicated(), 0);
-        const auto cookie =
-            xcb_shm_get_image(connection_, screen_->root, static_cast<std::int16_t>(part.x),
-                              static_cast<std::int16_t>(part.y), static_cast<std::uint16_t>(part.width),
-                              static_cast<std::uint16_t>(part.height), ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP, segment, 0);
-        const X11Reply<xcb_shm_get_image_reply_t> reply(xcb_shm_get_image_reply(connection_, cookie, nullptr));
-        xcb_shm_detach(connection_, segment);
-        xcb_flush(connection_);
+    bool useSharedMemory(const PixelRect& part, Use use) {
+        std::unique_ptr<SharedSegment> segment = std::exchange(prepared_, nullptr);
+        if (!segment || segment->bytes().size() < sizeOf(part)) {
+            segment = std::make_unique<SharedSegment>(connection_, sizeOf(part));
+        }
+        const X11Reply<xcb_shm_get_image_reply_t> reply(
+            xcb_shm_get_image_reply(connection_, segment->request(screen_->root, part), nullptr));
         if (!reply) return false;
-        use(memory.bytes());
+        use(segment->bytes());
         return true;
     }
 
     // For servers without shared memory, such as those on another machine.
     template <typename Use>
-    void useReply(const PixelRect& part, std::size_t size, Use use) {
+    void useReply(const PixelRect& part, Use use) {
+        const std::size_t size = sizeOf(part);
         const auto cookie =
             xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, screen_->root, static_cast<std::int16_t>(part.x),
                           static_cast<std::int16_t>(part.y), static_cast<std::uint16_t>(part.width),
@@ -145,6 +187,7 @@ private:
     xcb_connection_t* connection_;
     const xcb_screen_t* screen_ = nullptr;
     bool hasSharedMemory_ = false;
+    std::unique_ptr<SharedSegment> prepared_;  // for the next picture
 };
 
 X11Screenshot::X11Screenshot() = default;
@@ -154,10 +197,7 @@ X11Screenshot::~X11Screenshot() = default;
 Image X11Screenshot::take(const PixelRect& rectangle) {
     if (rectangle.width <= 0 || rectangle.height <= 0) fail("区域为空。");
     const std::lock_guard lock(mutex_);
-    if (!connection_ || !connection_->isAlive()) {
-        connection_.reset();
-        connection_ = std::make_unique<Connection>();
-    }
+    connect();
     const auto rowBytes = static_cast<std::size_t>(rectangle.width) * 4;
     std::vector<std::uint8_t> pixels(rowBytes * static_cast<std::size_t>(rectangle.height));
     const PixelRect visible = intersection(rectangle, connection_->rootFrame());
@@ -174,6 +214,23 @@ Image X11Screenshot::take(const PixelRect& rectangle) {
         });
     }
     return {rectangle.width, rectangle.height, std::move(pixels)};
+}
+
+void X11Screenshot::prepare(int width, int height) {
+    const std::lock_guard lock(mutex_);
+    try {
+        connect();
+        connection_->prepare(width, height);
+    } catch (const Error&) {
+        // Whoever takes the picture meets the same failure.
+        return;
+    }
+}
+
+void X11Screenshot::connect() {
+    if (connection_ && connection_->isAlive()) return;
+    connection_.reset();
+    connection_ = std::make_unique<Connection>();
 }
 
 }  // namespace ovrin

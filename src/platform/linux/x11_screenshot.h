@@ -27,8 +27,14 @@ public:
     // Error when there is no display or it fails.
     Image take(const PixelRect& rectangle);
 
+    // Has the memory for the next picture made ahead, which then comes quicker if it is of this size, in pixels, or
+    // smaller. Any thread; does not wait for the server. Nothing comes of it when it fails.
+    void prepare(int width, int height);
+
 private:
     class Connection;
+
+    void connect();  // with the lock held
 
     std::mutex mutex_;
     std::unique_ptr<Connection> connection_;

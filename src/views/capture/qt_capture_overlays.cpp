@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "base/error.h"
@@ -29,6 +30,10 @@ QImage backdropOf(const ScreenInfo& screen, X11Screenshot& screenshot) {
     }
 }
 
+int pixelsOf(double points, double scaleFactor) {
+    return static_cast<int>(std::ceil(points * scaleFactor));
+}
+
 }  // namespace
 
 std::vector<Rect> QtCaptureOverlays::screenFrames() {
@@ -42,6 +47,12 @@ std::unique_ptr<CaptureOverlayWindow> QtCaptureOverlays::show(const Rect& screen
     const auto screen = std::ranges::find(screens, screenFrame, &ScreenInfo::windowSpaceFrame);
     if (screen == screens.end()) return nullptr;  // unplugged this very moment
     QImage backdrop = environment_.settings().isComposited ? QImage() : backdropOf(*screen, screenshot_);
+    // The picture is taken as soon as the screen has settled.
+    callbacks.onSelection = [report = std::move(callbacks.onSelection), &screenshot = screenshot_,
+                             scaleFactor = screen->scaleFactor](const Rect& selection) {
+        report(selection);
+        screenshot.prepare(pixelsOf(selection.width, scaleFactor), pixelsOf(selection.height, scaleFactor));
+    };
     return std::make_unique<CaptureOverlayView>(screen->frame, std::move(backdrop), std::move(callbacks));
 }
 
