@@ -189,7 +189,8 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     ovrin::occupyClosedChannels();
     ovrin::forbidCoreDumps();
-    // One heap for all threads: of several, what recognition leaves behind in each could not be given back.
-    mallopt(M_ARENA_MAX, 1);
+    // Few heaps, because what recognition leaves behind in many could not be given back; two, because its two threads
+    // would wait for each other at one.
+    mallopt(M_ARENA_MAX, 2);
     return ovrin::run({argv + 1, argv + argc});
 }

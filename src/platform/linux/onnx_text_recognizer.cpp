@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <limits>
 #include <mutex>
 #include <optional>
 #include <shared_mutex>
@@ -158,6 +159,10 @@ OnnxTextRecognizer::OnnxTextRecognizer(RecognitionFiles files)
     // switch in the environment turns that off only when it is set before the library makes its first environment.
     constexpr const char* noTelemetry = "ORT_DISABLE_TELEMETRY";
     if (std::getenv(noTelemetry) == nullptr) ::setenv(noTelemetry, "1", 1);
+    // From pass to pass the C library keeps the memory, which would otherwise have to be found page by page again;
+    // release() gives it back. The second figure is the largest that the library takes.
+    mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+    mallopt(M_MMAP_THRESHOLD, 32 << 20);
 }
 
 OnnxTextRecognizer::~OnnxTextRecognizer() = default;
