@@ -200,6 +200,8 @@ private:
         std::vector<double> rests;
         for (int run = 0; run < 9; ++run) {
             ways.push_back(captureTime());
+            recognitionTime();  // finds its memory anew: the command of the capture was forked from this process
+            std::this_thread::sleep_for(3s);  // as long after the one before as in the assistant
             recognitions.push_back(recognitionTime());
             rests.push_back(ways.back() - 140 - recognitions.back());
         }
