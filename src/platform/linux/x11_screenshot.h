@@ -28,7 +28,8 @@ public:
     Image take(const PixelRect& rectangle);
 
     // Has the memory for the next picture made ahead, which then comes quicker if it is of this size, in pixels, or
-    // smaller. Any thread; does not wait for the server. Nothing comes of it when it fails.
+    // smaller. Any thread; waits for the server only to connect, and for a picture that is being taken. Nothing comes
+    // of it when it fails.
     void prepare(int width, int height);
 
 private:
