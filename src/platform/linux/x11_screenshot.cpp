@@ -81,6 +81,12 @@ std::size_t sizeOf(const PixelRect& part) {
     return static_cast<std::size_t>(part.width) * static_cast<std::size_t>(part.height) * 4;
 }
 
+std::vector<std::uint8_t> blackPixels(std::size_t count) {
+    std::vector<std::uint8_t> pixels(4 * count);
+    for (std::size_t i = 3; i < pixels.size(); i += 4) pixels[i] = 0xFF;
+    return pixels;
+}
+
 // Copies rows of 32-bit pixels whose fourth byte means nothing and makes them opaque.
 void copyOpaque(std::span<const std::uint8_t> source, std::uint8_t* target, std::size_t pixels) {
     for (std::size_t i = 0; i < pixels; ++i) {
@@ -199,8 +205,10 @@ Image X11Screenshot::take(const PixelRect& rectangle) {
     const std::lock_guard lock(mutex_);
     connect();
     const auto rowBytes = static_cast<std::size_t>(rectangle.width) * 4;
-    std::vector<std::uint8_t> pixels(rowBytes * static_cast<std::size_t>(rectangle.height));
     const PixelRect visible = intersection(rectangle, connection_->rootFrame());
+    const bool isCovered = sizeOf(visible) == sizeOf(rectangle);
+    std::vector<std::uint8_t> pixels =
+        isCovered ? std::vector<std::uint8_t>(sizeOf(rectangle)) : blackPixels(sizeOf(rectangle) / 4);
     if (visible.width > 0 && visible.height > 0) {
         connection_->withPixels(visible, [&](std::span<const std::uint8_t> source) {
             const auto sourceRowBytes = static_cast<std::size_t>(visible.width) * 4;
