@@ -8,6 +8,7 @@
 #include "fakes/x_test_server.h"
 #include "platform/linux/desktop_hints.h"
 #include "platform/linux/qt/settings_portal.h"
+#include "platform/linux/x11_connection.h"
 #include "qt_session.h"
 
 namespace ovrin {
@@ -77,8 +78,7 @@ TEST_F(DesktopSettingsTest, FollowsTheCompositor) {
     EXPECT_FALSE(settings.current()->isComposited);
 
     xcb_connection_t* const compositor = xcb_connect(server.display(), nullptr);
-    const auto atom =
-        xcb_intern_atom_reply(compositor, xcb_intern_atom(compositor, 0, 13, "_NET_WM_CM_S0"), nullptr)->atom;
+    const xcb_atom_t atom = atomNamed(compositor, "_NET_WM_CM_S0");
     const xcb_window_t window = xcb_generate_id(compositor);
     xcb_create_window(compositor, 0, window, server.root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0, nullptr);
     xcb_set_selection_owner(compositor, window, atom, XCB_CURRENT_TIME);
