@@ -49,6 +49,9 @@ Task<std::string> SelectionTranslateService::selectedText() {
     const PasteboardSnapshot snapshot = co_await PasteboardSnapshot::take(clipboard_);
     std::int64_t seenChange = snapshot.changeCount();
     co_await waitForOtherProgram();
+    const SimulateKeyboard::Selection way = keyboard_.selection();
+    if (way == SimulateKeyboard::Selection::absent) throw SelectionError::noSelection();
+    if (way == SimulateKeyboard::Selection::shown) co_return co_await shownText();
     keyboard_.copy();
     for (int poll = 0; poll < maximumPolls; ++poll) {
         co_await waitUnlessInterrupted(pollInterval);
@@ -59,6 +62,13 @@ Task<std::string> SelectionTranslateService::selectedText() {
         if (!text.empty()) co_return text;
     }
     throw SelectionError::noSelection();
+}
+
+Task<std::string> SelectionTranslateService::shownText() {
+    const std::optional<std::string> selected = co_await clipboard_.readSelectedText();
+    std::string text(text::trimmed(selected.value_or("")));
+    if (text.empty()) throw SelectionError::noSelection();
+    co_return text;
 }
 
 Task<void> SelectionTranslateService::replaceSelection(std::string text) {

@@ -1,5 +1,6 @@
 // Reads and replaces the selection of whatever program is in front, without its cooperation: presses its keys for copy
-// and paste, and borrows the clipboard for as long as that takes.
+// and paste, and borrows the clipboard for as long as that takes. Where the keys of copy would do harm it reads what
+// the desktop shows as selected.
 //
 // Main thread. The user's clipboard comes back at the end, whatever the end is. A stop ends every wait at once; a
 // replacement that has begun is still pasted.
@@ -30,6 +31,7 @@ public:
 private:
     void requirePermission();
     Task<void> waitForOtherProgram();
+    Task<std::string> shownText();
 
     ClipboardService& clipboard_;
     SimulateKeyboard& keyboard_;

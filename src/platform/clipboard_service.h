@@ -41,6 +41,10 @@ public:
     // The plain text on the clipboard as UTF-8, untrimmed; none when there is none.
     virtual Task<std::optional<std::string>> readString() = 0;
 
+    // The text that the desktop shows as selected, in whatever program, without anything having been copied; none when
+    // there is none.
+    virtual Task<std::optional<std::string>> readSelectedText() = 0;
+
     // A copy of everything on the clipboard, to be given to writeItems() later. Forms without data and those that only
     // speak about the others (targets, timestamps) are left out; empty when the clipboard is.
     virtual Task<std::vector<ClipboardItem>> readItems() = 0;

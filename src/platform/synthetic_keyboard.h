@@ -1,6 +1,8 @@
 // Seam: presses the keys of copy and paste in whatever program is in front.
 #pragma once
 
+#include <cstdint>
+
 namespace ovrin {
 
 // Main thread. Nothing here throws.
@@ -18,8 +20,16 @@ public:
     // keyboard, or is giving it back.
     virtual bool reachesOtherProgram() = 0;
 
-    // Press and release the platform's combination. Do nothing when the keys cannot be pressed; what the program makes
-    // of them shows on the clipboard, later.
+    // How the text that is selected in that program can be had.
+    enum class Selection : std::uint8_t {
+        copied,  // with the keys of copy
+        shown,   // from the desktop, which knows it; the keys would do something else there (a terminal: interrupt)
+        absent   // not at all: the keys would do something else, and nothing is selected
+    };
+    virtual Selection selection() = 0;
+
+    // Press and release the combination that the program takes for copy and paste. Do nothing when the keys cannot be
+    // pressed; what the program makes of them shows on the clipboard, later.
     virtual void copy() = 0;
     virtual void paste() = 0;
 };

@@ -18,12 +18,14 @@ public:
 
     std::optional<Image> image;
     std::optional<std::string> string;
+    std::optional<std::string> selected;
     std::vector<ClipboardItem> items;
     std::int64_t changes = 0;
 
     std::int64_t changeCount() const override { return changes; }
     Task<std::optional<Image>> readImage() override { co_return image; }
     Task<std::optional<std::string>> readString() override { co_return string; }
+    Task<std::optional<std::string>> readSelectedText() override { co_return selected; }
     Task<std::vector<ClipboardItem>> readItems() override { co_return items; }
 
     void writeString(std::string text) override {

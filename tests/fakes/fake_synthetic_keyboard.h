@@ -16,6 +16,7 @@ public:
     bool isPermitted = true;
     bool answerToRequest = false;
     std::function<void()> onCopy = [] {};
+    Selection way = Selection::copied;
     int checksUntilFocus = 0;  // as often it is asked in vain whether another program has the keyboard
 
     bool isTrusted() override { return isPermitted; }
@@ -24,6 +25,7 @@ public:
         return answerToRequest;
     }
     bool reachesOtherProgram() override { return checksUntilFocus == 0 || --checksUntilFocus == 0; }
+    Selection selection() override { return way; }
     void copy() override {
         journal_.add("copy");
         onCopy();

@@ -114,6 +114,24 @@ TEST_F(SelectionTranslateServiceTest, WaitsForTheKeyboardToGoBackToTheOtherProgr
     EXPECT_EQ(journal.take(), (Events{"paste", "clipboard: 2 items", "end"}));
 }
 
+TEST_F(SelectionTranslateServiceTest, WhereCopyWouldInterruptItReadsWhatIsShownAndTouchesNothing) {
+    keyboard.way = SimulateKeyboard::Selection::shown;
+    clipboard.selected = " ls -l\n";
+    readSelection();
+    EXPECT_EQ(text, "ls -l");
+    text.reset();
+    clipboard.selected = " ";
+    readSelection();
+    EXPECT_TRUE(failure);
+    failure.reset();
+    keyboard.way = SimulateKeyboard::Selection::absent;
+    clipboard.selected = "of another program";
+    readSelection();
+    EXPECT_EQ(failure, "没有读取到选中的文字，请先选中文字后再试。");
+    EXPECT_EQ(text, std::nullopt);
+    EXPECT_EQ(journal.take(), (Events{"end", "end", "end"}));
+}
+
 TEST_F(SelectionTranslateServiceTest, AnEmptyClipboardIsEmptyAgain) {
     clipboard.items.clear();
     clipboard.string.reset();

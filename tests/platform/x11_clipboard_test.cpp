@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "base/run_loop.h"
 #include "base/running_task.h"
@@ -63,6 +64,34 @@ public:
         }
     }
 
+    // Answers the next two requests: what forms there are, and the text.
+    void answerWithText(const std::string& text) const {
+        const xcb_atom_t form = atom("UTF8_STRING");
+        for (const bool isList : {true, false}) {
+            const X11Event event = waitFor(XCB_SELECTION_REQUEST);
+            if (!event) return;
+            const auto& request = reinterpret_cast<const xcb_selection_request_event_t&>(*event);
+            xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, request.requestor, request.property,
+                                isList ? static_cast<xcb_atom_t>(XCB_ATOM_ATOM) : form, isList ? 32 : 8,
+                                isList ? 1 : static_cast<std::uint32_t>(text.size()),
+                                isList ? static_cast<const void*>(&form) : text.data());
+            notify(request);
+        }
+    }
+
+    // Tells whoever asked that the answer is there.
+    void notify(const xcb_selection_request_event_t& request) const {
+        xcb_selection_notify_event_t notice{};
+        notice.response_type = XCB_SELECTION_NOTIFY;
+        notice.requestor = request.requestor;
+        notice.selection = request.selection;
+        notice.target = request.target;
+        notice.property = request.property;
+        xcb_send_event(connection_, 0, request.requestor, XCB_EVENT_MASK_NO_EVENT,
+                       reinterpret_cast<const char*>(&notice));
+        xcb_flush(connection_);
+    }
+
     // What is in the property, which is deleted.
     std::vector<std::byte> take(xcb_atom_t property) const {
         const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
@@ -112,15 +141,7 @@ private:
         client_.take(property_);  // says that pieces follow
         while (appendPiece()) {
         }
-        xcb_selection_notify_event_t notice{};
-        notice.response_type = XCB_SELECTION_NOTIFY;
-        notice.requestor = request.requestor;
-        notice.selection = request.selection;
-        notice.target = request.target;
-        notice.property = request.property;
-        xcb_send_event(connection_.get(), 0, request.requestor, XCB_EVENT_MASK_NO_EVENT,
-                       reinterpret_cast<const char*>(&notice));
-        xcb_flush(connection_.get());
+        client_.notify(request);
     }
 
     bool appendPiece() {
@@ -300,6 +321,29 @@ TEST_F(X11ClipboardTest, PicturesComeAsBytesOrAsACopiedFile) {
     EXPECT_FALSE(image(*ours));
     theirs->writeItems({{{"image/png", bytesOf("not a picture")}}});
     EXPECT_FALSE(image(*ours));
+    theirs->writeItems({{{"image/png", bytesOf("not a picture")}, {"image/bmp", bytesOf(bitmapFile())}}});
+    EXPECT_TRUE(image(*ours));
+}
+
+TEST_F(X11ClipboardTest, AFileThatWouldKeepItsReaderWaitingIsNoPicture) {
+    const TemporaryDirectory directory;
+    const std::string pipe = directory.path() / "pipe.png";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    theirs->writeItems({{{"text/uri-list", bytesOf("file://" + pipe)}}});
+    EXPECT_FALSE(image(*ours));
+}
+
+TEST_F(X11ClipboardTest, WhatIsSelectedIsReadBesideTheClipboard) {
+    EXPECT_EQ(loop.complete(ours->readSelectedText()), std::nullopt);
+    theirs->writeString("copied");
+    ASSERT_EQ(string(*ours), "copied");
+    BareClient selecting(server->connection());
+    xcb_set_selection_owner(server->connection(), selecting.window(), XCB_ATOM_PRIMARY, XCB_CURRENT_TIME);
+    server->synchronize();
+    std::thread program([&] { selecting.answerWithText("selected"); });
+    EXPECT_EQ(loop.complete(ours->readSelectedText()), "selected");
+    program.join();
+    EXPECT_EQ(string(*ours), "copied");
 }
 
 TEST_F(X11ClipboardTest, NothingHangsWhenTheServerDies) {

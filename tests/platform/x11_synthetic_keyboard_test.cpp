@@ -108,5 +108,41 @@ TEST_F(X11SimulateKeyboardTest, KnowsWhetherAnotherProgramHasTheKeyboard) {
     }
 }
 
+TEST_F(X11SimulateKeyboardTest, DoesNotInterruptWhatRunsInATerminal) {
+    using enum SimulateKeyboard::Selection;
+    setProperty("WM_STATE", 1);
+    const auto setClass = [this](const std::string& parts) {
+        xcb_change_property(program.get(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
+                            static_cast<std::uint32_t>(parts.size()), parts.data());
+        received();
+    };
+    const auto takePrimary = [](const X11Connection& by, xcb_window_t owner) {
+        xcb_set_selection_owner(by.get(), owner, XCB_ATOM_PRIMARY, XCB_CURRENT_TIME);
+        X11Reply<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus_reply(by.get(), xcb_get_input_focus(by.get()), nullptr));
+    };
+    for (const std::string part : {"editor", "determined", "stern", "console-log"}) {
+        setClass(part + '\0' + part + '\0');
+        EXPECT_EQ(keyboard->selection(), copied) << part;
+    }
+    for (const std::string part : {"xterm", "gnome-terminal-server", "Alacritty", "com.mitchellh.ghostty", "st"}) {
+        setClass("any" + std::string(1, '\0') + part + '\0');
+        EXPECT_EQ(keyboard->selection(), absent) << part;
+    }
+    keyboard->copy();
+    EXPECT_EQ(received(), std::vector<std::string>{});
+    keyboard->paste();
+    EXPECT_EQ(received(), (std::vector<std::string>{controlKey, "50 with 4", "55 with 5"}));
+
+    takePrimary(program, window);
+    EXPECT_EQ(keyboard->selection(), shown);
+    const X11Connection other = connectToX11(server->display());
+    const xcb_window_t elsewhere = xcb_generate_id(other.get());
+    xcb_create_window(other.get(), 0, elsewhere, server->root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                      XCB_COPY_FROM_PARENT, 0, nullptr);
+    takePrimary(other, elsewhere);
+    EXPECT_EQ(keyboard->selection(), absent);
+}
+
 }  // namespace
 }  // namespace ovrin

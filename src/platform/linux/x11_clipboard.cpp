@@ -71,10 +71,10 @@ std::optional<std::string> firstOffered(std::span<const char* const> wanted, con
     return std::nullopt;
 }
 
-std::optional<std::string> plainText(X11Selection& selection) {
-    const std::optional<std::string> type = firstOffered(textTypes, selection.targets());
+std::optional<std::string> plainText(X11Selection& selection, X11Selection::Source source) {
+    const std::optional<std::string> type = firstOffered(textTypes, selection.targets(source));
     if (!type) return std::nullopt;
-    const std::optional<Bytes> bytes = selection.convert(*type);
+    const std::optional<Bytes> bytes = selection.convert(*type, source);
     if (!bytes) return std::nullopt;
     return textOf(*bytes, *type);
 }
@@ -93,28 +93,46 @@ std::optional<std::filesystem::path> pictureFile(const Bytes& uriList) {
 
 // What may be a picture: the bytes of one, or the file that holds them.
 struct PictureSource {
-    Bytes bytes;
-    std::optional<std::filesystem::path> file;
+    Bytes bytes{};
+    std::optional<std::filesystem::path> file{};
+    std::size_t place = 0;  // among the forms in which the clipboard may have it
 };
 
-std::optional<PictureSource> picture(X11Selection& selection) {
-    const std::vector<std::string> offered = selection.targets();
-    if (const auto type = firstOffered(imageTypes, offered)) {
-        if (std::optional<Bytes> bytes = selection.convert(*type)) return PictureSource{std::move(*bytes), {}};
-        return std::nullopt;
-    }
-    if (std::ranges::find(offered, uriListType) == offered.end()) return std::nullopt;
-    const std::optional<Bytes> uriList = selection.convert(uriListType);
-    if (!uriList) return std::nullopt;
-    std::optional<std::filesystem::path> file = pictureFile(*uriList);
+std::optional<PictureSource> sourceOfType(X11Selection& selection, const std::string& type) {
+    std::optional<Bytes> bytes = selection.convert(type);
+    if (!bytes) return std::nullopt;
+    if (type != uriListType) return PictureSource{.bytes = std::move(*bytes)};
+    std::optional<std::filesystem::path> file = pictureFile(*bytes);
     if (!file) return std::nullopt;
-    return PictureSource{{}, std::move(file)};
+    return PictureSource{.file = std::move(file)};
+}
+
+// The first that can be had from this place on.
+std::optional<PictureSource> picture(X11Selection& selection, std::size_t place) {
+    std::vector<std::string> types(imageTypes.begin(), imageTypes.end());
+    types.emplace_back(uriListType);
+    const std::vector<std::string> offered = selection.targets();
+    for (; place < types.size(); ++place) {
+        if (std::ranges::find(offered, types[place]) == offered.end()) continue;
+        std::optional<PictureSource> source = sourceOfType(selection, types[place]);
+        if (!source) continue;
+        source->place = place;
+        return source;
+    }
+    return std::nullopt;
+}
+
+// Anything but a file of bytes could keep its reader waiting.
+std::string contentOf(const std::filesystem::path& file) {
+    std::error_code status;
+    if (!std::filesystem::is_regular_file(file, status)) throw Error("no file of bytes");
+    return files::readFile(file, largestImageFile);
 }
 
 std::optional<Image> decoded(const ImageDecoder& decoder, const PictureSource& source) {
     try {
         if (!source.file) return decoder.decode(source.bytes);
-        const std::string content = files::readFile(*source.file, largestImageFile);
+        const std::string content = contentOf(*source.file);
         return decoder.decode(std::as_bytes(std::span(content)));
     } catch (const Error&) {
         return std::nullopt;  // what cannot be read is no picture
@@ -201,20 +219,35 @@ Task<Result> X11Clipboard::ask(std::function<Result(X11Selection&)> question) {
 }
 
 Task<std::optional<std::string>> X11Clipboard::readString() {
-    return ask<std::optional<std::string>>(plainText);
+    return ask<std::optional<std::string>>(
+        [](X11Selection& selection) { return plainText(selection, X11Selection::Source::clipboard); });
+}
+
+Task<std::optional<std::string>> X11Clipboard::readSelectedText() {
+    return ask<std::optional<std::string>>(
+        [](X11Selection& selection) { return plainText(selection, X11Selection::Source::primary); });
 }
 
 Task<std::vector<ClipboardItem>> X11Clipboard::readItems() {
     return ask<std::vector<ClipboardItem>>(everything);
 }
 
+// An owner may promise more forms than it has, or damaged ones: the first that is a picture counts.
 Task<std::optional<Image>> X11Clipboard::readImage() {
-    std::optional<PictureSource> source = co_await ask<std::optional<PictureSource>>(picture);
-    if (!source) co_return std::nullopt;
-    auto decode = [&decoder = decoder_, source = std::move(*source)](const std::stop_token&) {
-        return decoded(decoder, source);
-    };
-    co_return co_await workers_.run(std::move(decode));
+    std::size_t place = 0;
+    while (true) {
+        std::function<std::optional<PictureSource>(X11Selection&)> next = [place](X11Selection& selection) {
+            return picture(selection, place);
+        };
+        std::optional<PictureSource> source = co_await ask(std::move(next));
+        if (!source) co_return std::nullopt;
+        place = source->place + 1;
+        auto decode = [&decoder = decoder_, source = std::move(*source)](const std::stop_token&) {
+            return decoded(decoder, source);
+        };
+        std::optional<Image> image = co_await workers_.run(std::move(decode));
+        if (image) co_return image;
+    }
 }
 
 void X11Clipboard::writeString(std::string text) {

@@ -40,6 +40,7 @@ public:
     // A picture, or the file of a picture that was copied in a file manager.
     Task<std::optional<Image>> readImage() override;
     Task<std::optional<std::string>> readString() override;
+    Task<std::optional<std::string>> readSelectedText() override;
     Task<std::vector<ClipboardItem>> readItems() override;
 
     void writeString(std::string text) override;

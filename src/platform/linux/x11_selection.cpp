@@ -174,8 +174,7 @@ void X11Selection::handle(const xcb_generic_event_t& event) {
     if (type == XCB_SELECTION_REQUEST) {
         serve(reinterpret_cast<const xcb_selection_request_event_t&>(event));
     } else if (type == XCB_SELECTION_NOTIFY) {
-        const auto& notice = reinterpret_cast<const xcb_selection_notify_event_t&>(event);
-        if (notice.property == requestProperty_ || notice.property == XCB_ATOM_NONE) notified_ = notice.property;
+        handleAnswer(reinterpret_cast<const xcb_selection_notify_event_t&>(event));
     } else if (type == XCB_SELECTION_CLEAR) {
         const auto& notice = reinterpret_cast<const xcb_selection_clear_event_t&>(event);
         if (own_ && notice.time >= own_->since) own_.reset();
@@ -187,6 +186,13 @@ void X11Selection::handle(const xcb_generic_event_t& event) {
     } else if (type == ownerChangeEvent_) {
         handleOwnerChange(reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event));
     }
+}
+
+// A refusal names no property: one that comes late is known by what was asked for.
+void X11Selection::handleAnswer(const xcb_selection_notify_event_t& notice) {
+    const bool isRefusal =
+        notice.property == XCB_ATOM_NONE && notice.selection == requestSelection_ && notice.target == requestTarget_;
+    if (isRefusal || notice.property == requestProperty_) notified_ = notice.property;
 }
 
 void X11Selection::handleOwnerChange(const xcb_xfixes_selection_notify_event_t& event) {
@@ -294,6 +300,8 @@ void X11Selection::continueTransfer(const TransferKey& key) {
 xcb_atom_t X11Selection::request(xcb_atom_t selection, xcb_atom_t target) {
     constexpr unsigned propertyCount = 8;
     requestProperty_ = atom("OVRIN_SELECTION_" + std::to_string(++requestNumber_ % propertyCount));
+    requestSelection_ = selection;
+    requestTarget_ = target;
     notified_.reset();
     hasNewPiece_ = false;
     xcb_delete_property(connection_.get(), window_, requestProperty_);
@@ -313,9 +321,10 @@ X11Selection::Property X11Selection::takeProperty(xcb_atom_t property) {
     return {reply->type, {bytes.begin(), bytes.end()}};
 }
 
-std::optional<X11Selection::Property> X11Selection::receive(xcb_atom_t target) {
+std::optional<X11Selection::Property> X11Selection::receive(Source source, xcb_atom_t target) {
     if (closing_.stop_requested()) return std::nullopt;
-    const xcb_atom_t property = request(atom("CLIPBOARD"), target);
+    const xcb_atom_t selection = source == Source::primary ? xcb_atom_t{XCB_ATOM_PRIMARY} : atom("CLIPBOARD");
+    const xcb_atom_t property = request(selection, target);
     const bool isAnswered = pumpUntil([this] { return notified_.has_value(); }, closing_);
     if (!isAnswered || *notified_ == XCB_ATOM_NONE) return std::nullopt;
     hasNewPiece_ = false;
@@ -340,30 +349,30 @@ bool X11Selection::owns() {
     return own_ != nullptr;
 }
 
-std::vector<std::string> X11Selection::targets() {
+std::vector<std::string> X11Selection::targets(Source source) {
     std::vector<std::string> names;
     const auto add = [&names](std::string name) {
         if (!name.empty() && !isMeta(name) && std::ranges::find(names, name) == names.end()) {
             names.push_back(std::move(name));
         }
     };
-    if (owns()) {
+    if (source == Source::clipboard && owns()) {
         for (const auto& form : own_->item) add(form.type);
         return names;
     }
-    const auto offered = receive(atom("TARGETS"));
+    const auto offered = receive(source, atom("TARGETS"));
     if (!offered) return names;
     for (const xcb_atom_t target : offered->atoms()) add(atomName(target));
     return names;
 }
 
-std::optional<X11Selection::Bytes> X11Selection::convert(std::string_view target) {
-    if (owns()) {
+std::optional<X11Selection::Bytes> X11Selection::convert(std::string_view target, Source source) {
+    if (source == Source::clipboard && owns()) {
         const auto form = std::ranges::find(own_->item, target, &ClipboardRepresentation::type);
         if (form == own_->item.end()) return std::nullopt;
         return form->data;
     }
-    auto contents = receive(atom(target));
+    auto contents = receive(source, atom(target));
     if (!contents) return std::nullopt;
     return std::move(contents->data);
 }

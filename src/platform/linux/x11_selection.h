@@ -1,6 +1,6 @@
 // The X11 clipboard as one client sees it: takes it over and serves its contents to others, and asks its owner for
-// them, in pieces where they are large (ICCCM, section 2). One thread, which sleeps in pump() until the server says
-// something.
+// them, in pieces where they are large (ICCCM, section 2). Reads what is selected (PRIMARY) as well. One thread, which
+// sleeps in pump() until the server says something.
 //
 // An owner that lets a request wait longer than the patience counts as one that has nothing. While a read waits,
 // requests of others are served. When the server goes away, or the program closes, everything reads as empty.
@@ -50,10 +50,11 @@ public:
     // It may take its time as long as it goes on taking, up to half a minute.
     void handOver();
 
+    enum class Source : std::uint8_t { clipboard, primary };
     // The forms that the owner offers; empty when there is none or it does not answer.
-    std::vector<std::string> targets();
+    std::vector<std::string> targets(Source source = Source::clipboard);
     // The contents in one form.
-    std::optional<Bytes> convert(std::string_view target);
+    std::optional<Bytes> convert(std::string_view target, Source source = Source::clipboard);
 
 private:
     struct OwnContents {
@@ -78,6 +79,7 @@ private:
 
     bool handleArrived();
     void handle(const xcb_generic_event_t& event);
+    void handleAnswer(const xcb_selection_notify_event_t& notice);
     void handleOwnerChange(const xcb_xfixes_selection_notify_event_t& event);
     void handleProperty(const xcb_property_notify_event_t& event);
 
@@ -92,7 +94,7 @@ private:
     xcb_atom_t request(xcb_atom_t selection, xcb_atom_t target);
     struct Property;
     Property takeProperty(xcb_atom_t property);
-    std::optional<Property> receive(xcb_atom_t target);
+    std::optional<Property> receive(Source source, xcb_atom_t target);
 
     X11Connection connection_;
     int wakeDescriptor_;
@@ -109,8 +111,10 @@ private:
     std::size_t servedCount_ = 0;  // answers and pieces that others have got
     int ownClearings_ = 0;         // owner changes to nobody that are our own and not announced yet
 
-    // What the request under way has heard.
+    // The request under way, and what it has heard.
     unsigned requestNumber_ = 0;
+    xcb_atom_t requestSelection_ = XCB_ATOM_NONE;
+    xcb_atom_t requestTarget_ = XCB_ATOM_NONE;
     xcb_atom_t requestProperty_ = XCB_ATOM_NONE;
     std::optional<xcb_atom_t> notified_;  // where the answer lies; XCB_ATOM_NONE: refused
     bool hasNewPiece_ = false;

@@ -1,12 +1,15 @@
 #include "platform/linux/x11_synthetic_keyboard.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <span>
+#include <string_view>
 
 #include <unistd.h>
 #include <xcb/xtest.h>
 
+#include "base/text.h"
 #include "platform/linux/x11_keyboard.h"
 #include "platform/linux/xcb_xkb.h"
 
@@ -61,6 +64,51 @@ std::optional<pid_t> processOf(xcb_connection_t* connection, xcb_window_t window
     return static_cast<pid_t>(*static_cast<const std::uint32_t*>(xcb_get_property_value(property.get())));
 }
 
+// Most terminals have the word in their class ("gnome-terminal-server", "xterm"); of others the whole class, in lower
+// case, or the last part of a class that is an application id.
+bool isTerminalClass(std::string_view name) {
+    constexpr std::array names{"alacritty", "blackbox", "console",     "contour", "foot",       "ghostty",     "guake",
+                               "hyper",     "kgx",      "kitty",       "konsole", "ptyxis",     "rio",         "rxvt",
+                               "sakura",    "st",       "st-256color", "tabby",   "terminator", "terminology", "tilda",
+                               "tilix",     "urxvt",    "warp",        "yakuake"};
+    const std::string lowercased = text::asciiLowercased(name);
+    const std::string_view last = std::string_view(lowercased).substr(lowercased.rfind('.') + 1);
+    return last.ends_with("term") || last.find("terminal") != std::string_view::npos ||
+           std::ranges::find(names, last) != names.end();
+}
+
+// By the two parts of WM_CLASS, each with a zero at its end (ICCCM 4.1.2.5).
+bool isTerminal(xcb_connection_t* connection, xcb_window_t window) {
+    constexpr std::uint32_t longest = 64;  // in units of four bytes
+    const X11Reply<xcb_get_property_reply_t> property(xcb_get_property_reply(
+        connection, xcb_get_property(connection, 0, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 0, longest), nullptr));
+    if (!property) return false;
+    std::string_view rest(static_cast<const char*>(xcb_get_property_value(property.get())),
+                          static_cast<std::size_t>(xcb_get_property_value_length(property.get())));
+    while (!rest.empty()) {
+        const std::string_view part = rest.substr(0, rest.find('\0'));
+        if (isTerminalClass(part)) return true;
+        rest.remove_prefix(std::min(part.size() + 1, rest.size()));
+    }
+    return false;
+}
+
+// The server gives each client a range of names of its own.
+bool areOfOneClient(xcb_connection_t* connection, xcb_window_t one, xcb_window_t other) {
+    return ((one ^ other) & ~xcb_get_setup(connection)->resource_id_mask) == 0;
+}
+
+// The first key that has the modifier; 0 without one.
+xcb_keycode_t modifierKey(xcb_connection_t* connection, xcb_map_index_t modifier) {
+    const X11Reply<xcb_get_modifier_mapping_reply_t> mapping(
+        xcb_get_modifier_mapping_reply(connection, xcb_get_modifier_mapping(connection), nullptr));
+    if (!mapping) return 0;
+    const std::size_t count = mapping->keycodes_per_modifier;
+    const std::span keyCodes(xcb_get_modifier_mapping_keycodes(mapping.get()) + modifier * count, count);
+    const auto key = std::ranges::find_if(keyCodes, [](xcb_keycode_t keyCode) { return keyCode != 0; });
+    return key != keyCodes.end() ? *key : xcb_keycode_t{0};
+}
+
 }  // namespace
 
 X11SimulateKeyboard::X11SimulateKeyboard(const char* display) : connection_(connectToX11(display)) {
@@ -77,23 +125,38 @@ bool X11SimulateKeyboard::isTrusted() {
 }
 
 bool X11SimulateKeyboard::reachesOtherProgram() {
+    const xcb_window_t window = focusedWindow();
+    return window != XCB_WINDOW_NONE && processOf(connection_.get(), window) != getpid();
+}
+
+SimulateKeyboard::Selection X11SimulateKeyboard::selection() {
     xcb_connection_t* const connection = connection_.get();
-    const X11Reply<xcb_get_input_focus_reply_t> focus(
-        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-    if (!focus) return false;
-    const xcb_window_t window = managedWindowAround(connection, focus->focus);
-    return window != XCB_WINDOW_NONE && processOf(connection, window) != getpid();
+    const xcb_window_t window = focusedWindow();
+    if (window == XCB_WINDOW_NONE || !isTerminal(connection, window)) return Selection::copied;
+    const X11Reply<xcb_get_selection_owner_reply_t> primary(
+        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, XCB_ATOM_PRIMARY), nullptr));
+    const bool isItsOwn =
+        primary && primary->owner != XCB_WINDOW_NONE && areOfOneClient(connection, primary->owner, window);
+    return isItsOwn ? Selection::shown : Selection::absent;
 }
 
 void X11SimulateKeyboard::copy() {
-    pressWithControl("c", Key::c);
+    if (selection() == Selection::copied) pressWithControl(Shift::up, "c", Key::c);
 }
 
 void X11SimulateKeyboard::paste() {
-    pressWithControl("v", Key::v);
+    pressWithControl(selection() == Selection::copied ? Shift::up : Shift::down, "v", Key::v);
 }
 
-void X11SimulateKeyboard::pressWithControl(const char* letter, Key place) {
+// The managed one.
+xcb_window_t X11SimulateKeyboard::focusedWindow() {
+    xcb_connection_t* const connection = connection_.get();
+    const X11Reply<xcb_get_input_focus_reply_t> focus(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    return focus ? managedWindowAround(connection, focus->focus) : xcb_window_t{XCB_WINDOW_NONE};
+}
+
+void X11SimulateKeyboard::pressWithControl(Shift shift, const char* letter, Key place) {
     xcb_connection_t* const connection = connection_.get();
     // Changes of the keyboard are not followed but looked at now; what was told of them is dropped.
     while (X11Event(xcb_poll_for_event(connection))) {
@@ -101,16 +164,16 @@ void X11SimulateKeyboard::pressWithControl(const char* letter, Key place) {
     const std::optional<X11Keyboard> keyboard = X11Keyboard::read(connection);
     const X11Reply<xcb_xkb_get_state_reply_t> state(
         xcb_xkb_get_state_reply(connection, xcb_xkb_get_state(connection, XCB_XKB_ID_USE_CORE_KBD), nullptr));
-    const xcb_keycode_t control = controlKey();
-    if (!keyboard || !state || control == 0) return;
+    std::vector<xcb_keycode_t> pressed{modifierKey(connection, XCB_MAP_INDEX_CONTROL)};
+    if (shift == Shift::down) pressed.push_back(modifierKey(connection, XCB_MAP_INDEX_SHIFT));
+    if (!keyboard || !state || std::ranges::find(pressed, 0) != pressed.end()) return;
     const std::optional<xcb_keycode_t> key = keyCodeOf(*keyboard, state->group, letter, place);
     if (!key) return;
+    pressed.push_back(*key);
 
     for (const xcb_keycode_t held : heldKeys()) fake(XCB_KEY_RELEASE, held);
-    fake(XCB_KEY_PRESS, control);
-    fake(XCB_KEY_PRESS, *key);
-    fake(XCB_KEY_RELEASE, *key);
-    fake(XCB_KEY_RELEASE, control);
+    for (const xcb_keycode_t keyCode : pressed) fake(XCB_KEY_PRESS, keyCode);
+    for (auto keyCode = pressed.rbegin(); keyCode != pressed.rend(); ++keyCode) fake(XCB_KEY_RELEASE, *keyCode);
     // An answer comes after all of that.
     X11Reply<xcb_get_input_focus_reply_t>(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
@@ -126,17 +189,6 @@ std::vector<xcb_keycode_t> X11SimulateKeyboard::heldKeys() {
         if ((byte >> keyCode % 8 & 1U) != 0) held.push_back(static_cast<xcb_keycode_t>(keyCode));
     }
     return held;
-}
-
-// The first key that is a Control key.
-xcb_keycode_t X11SimulateKeyboard::controlKey() {
-    const X11Reply<xcb_get_modifier_mapping_reply_t> mapping(
-        xcb_get_modifier_mapping_reply(connection_.get(), xcb_get_modifier_mapping(connection_.get()), nullptr));
-    if (!mapping) return 0;
-    const std::size_t count = mapping->keycodes_per_modifier;
-    const std::span keyCodes(xcb_get_modifier_mapping_keycodes(mapping.get()) + XCB_MAP_INDEX_CONTROL * count, count);
-    const auto key = std::ranges::find_if(keyCodes, [](xcb_keycode_t keyCode) { return keyCode != 0; });
-    return key != keyCodes.end() ? *key : xcb_keycode_t{0};
 }
 
 void X11SimulateKeyboard::fake(std::uint8_t event, xcb_keycode_t keyCode) {

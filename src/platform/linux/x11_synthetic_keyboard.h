@@ -1,4 +1,5 @@
-// Presses Control+C and Control+V in the program in front, through the server's XTEST extension.
+// Presses Control+C and Control+V in the program in front, through the server's XTEST extension. In terminals, where
+// Control+C interrupts what runs, it presses Control+Shift+V to paste and nothing to copy.
 //
 // Keys that the user still holds from a shortcut would turn them into other combinations, and a key that holds a grab
 // would keep them for its owner: all of them are released first. They are not pressed again: a key whose release came
@@ -26,14 +27,18 @@ public:
     // The window with the keyboard is, or is in, one that the window manager manages and that is not of this process.
     bool reachesOtherProgram() override;
 
+    // What a terminal has selected is the PRIMARY selection, if it owns that.
+    Selection selection() override;
+
     // Return when the server has delivered the keys; do nothing when it can't.
     void copy() override;
     void paste() override;
 
 private:
-    void pressWithControl(const char* letter, KeyboardShortcuts::Key place);
+    enum class Shift : std::uint8_t { up, down };
+    void pressWithControl(Shift shift, const char* letter, KeyboardShortcuts::Key place);
     std::vector<xcb_keycode_t> heldKeys();
-    xcb_keycode_t controlKey();
+    xcb_window_t focusedWindow();
     void fake(std::uint8_t event, xcb_keycode_t keyCode);
 
     X11Connection connection_;
