@@ -77,8 +77,6 @@ using namespace std::chrono_literals;
 
 // Panels come up at about the time that programs are started with the session.
 constexpr auto patienceWithTheTray = 5s;
-// What can wait does, so that the icon is there at once.
-constexpr auto timeToComeUp = 1s;
 
 // The windows that the user can go to: not toasts, cards, menus and overlays, nor the icon in the tray.
 QWidgetList visibleWindows() {
@@ -97,8 +95,7 @@ public:
     AppDelegate();
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
-    // Threads are waited for one by one; none waits for others then.
-    ~AppDelegate() override { closing_.request_stop(); }
+    ~AppDelegate() override;
 
     void applicationDidFinishLaunching();
     // The program was started a second time.
@@ -138,6 +135,7 @@ private:
     InputTranslateViewModel::Services inputTranslateServices();
     AppState::Surroundings surroundings();
     void sayIfThereIsNoTray();
+    void reload();
     // Shortcuts and the palette name windows that this build has not; the menu does not offer them.
     void sayThatItIsMissing() { showToast("此版本还没有这个窗口。", "exclamationmark.triangle"); }
 
@@ -167,12 +165,13 @@ private:
     std::unique_ptr<HistoryStore> history_ = openHistory();
 
     // The desktop.
-    WorkerExecutor desktopWorker_{1};  // pictures of the screen, pictures from the clipboard
+    WorkerExecutor screenWorker_{1};
+    WorkerExecutor clipboardWorker_{1};  // where a picture's file may be on a disk that does not answer
     LinuxImageDecoder decoder_;
     X11Screenshot screenshot_;
-    X11ScreenCapture screen_{screenshot_, desktopWorker_};
+    X11ScreenCapture screen_{screenshot_, screenWorker_};
     QtCaptureOverlays captureOverlays_{environment_, screenshot_};
-    X11Clipboard clipboard_{nullptr, decoder_, desktopWorker_};
+    X11Clipboard clipboard_{nullptr, decoder_, clipboardWorker_};
     X11SimulateKeyboard keyboard_{nullptr};
     QtDesktopLayout layout_;
     SpeechService speech_;
@@ -234,6 +233,13 @@ AppDelegate::AppDelegate()
         [this](const DesktopSettings& settings) { environment_.setSettings(settings); });
 }
 
+// Threads are waited for one by one; none waits for others then. Windows that were closed just now are posted to be
+// destroyed, and need what they show for that.
+AppDelegate::~AppDelegate() {
+    closing_.request_stop();
+    loop_.discardPosted();
+}
+
 std::unique_ptr<ToastWindow::Panel> AppDelegate::makeToast(const std::string& message, OVIcon icon) {
     return std::make_unique<ToastPanel>(environment_, message, icon);
 }
@@ -285,7 +291,6 @@ void AppDelegate::applicationDidFinishLaunching() {
         .hasTranslationResult = [this] { return resultPanel_.hasTranslationResult(); }});
     hotkeyManager_.bindAll(*this);
     notifications_.requestAuthorization({.alerts = true, .sounds = true});
-    loop_.postAfter(timeToComeUp, [this] { readiness_.ask(); });
     loop_.postAfter(patienceWithTheTray, [this] { sayIfThereIsNoTray(); });
 }
 
@@ -316,11 +321,23 @@ bool AppDelegate::perform(const std::string& commandName) {
         case ApplicationCommand::settings:
             showSettings();
             break;
+        case ApplicationCommand::reload:
+            reload();
+            break;
         case ApplicationCommand::quit:
             quit();
             break;
     }
     return true;
+}
+
+// Most preferences are read whenever they count.
+void AppDelegate::reload() {
+    settings_.keychain.cache().forgetAll();
+    registry_.synchronize();
+    appearance_.apply(settings_.config.appearanceMode());
+    icons_.applySavedIcon();
+    resultPanel_.applyLevel();
 }
 
 bool AppDelegate::showLatestResult() {
@@ -347,6 +364,8 @@ public:
 int runAssistant() {
     // Without a display the toolkit would end the program in its own way.
     connectToX11(nullptr);
+    // All here is of X11, which Wayland sessions have as well, for the windows at least.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb");
     // Windows carry the program's name as their class.
     std::string name = "ovrin";
     std::array<char*, 2> arguments{name.data(), nullptr};

@@ -121,30 +121,42 @@ public:
     }
     int operator()(const cli::ConfigSet& command) {
         Settings settings;
-        return cli::changePreference(command, settings.defaults);
+        return told(cli::changePreference(command, settings.defaults));
     }
     int operator()(const cli::ConfigUnset& command) {
         Settings settings;
-        return cli::removePreference(command, settings.defaults);
+        return told(cli::removePreference(command, settings.defaults));
     }
     int operator()(const cli::ConfigSetKey&) {
         const cli::Interruption interruption;
         Settings settings(interruption.token());
-        return interruptible(interruption,
-                             [&] { return cli::storeAPIKey(settings.keychain, terminal_, interruption.token()); });
+        return interruptible(
+            interruption, [&] { return told(cli::storeAPIKey(settings.keychain, terminal_, interruption.token())); });
     }
     int operator()(const cli::ConfigUnsetKey&) {
         Settings settings;
-        return cli::removeAPIKey(settings.keychain);
+        return told(cli::removeAPIKey(settings.keychain));
     }
 
 private:
+    // Lets the running assistant know of what has been stored; it is of no concern here whether there is one.
+    static int told(int status) {
+        try {
+            SessionBusAssistant(std::chrono::seconds(1)).perform("reload");
+        } catch (const Error&) {
+            return status;
+        }
+        return status;
+    }
+
     template <typename Work>
     static int interruptible(const cli::Interruption& interruption, const Work& work) {
         try {
             return work();
-        } catch (const CancellationError&) {
-            return interruption.exitStatus() != 0 ? interruption.exitStatus() : EXIT_FAILURE;
+        } catch (...) {
+            // What fails once the user has asked for an end fails because of it.
+            if (interruption.exitStatus() != 0) return interruption.exitStatus();
+            throw;
         }
     }
 

@@ -18,13 +18,11 @@ public:
     ModelReadiness(std::function<bool()> isConfigured, WorkerExecutor& worker,
                    std::chrono::milliseconds patience = std::chrono::milliseconds(50));
 
-    // Has the answer found ahead of time; returns at once.
-    void ask();
-
     // As it is now; the newest answer when that cannot be told at once, and true when there has been none.
     bool isReady();
 
 private:
+    void ask();
     void takeAnswer(std::chrono::milliseconds patience);
 
     std::function<bool()> isConfigured_;

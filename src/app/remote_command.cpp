@@ -7,9 +7,10 @@ namespace ovrin {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, ApplicationCommand>, 3> applicationCommands{{
+constexpr std::array<std::pair<std::string_view, ApplicationCommand>, 4> applicationCommands{{
     {"history", ApplicationCommand::history},
     {"settings", ApplicationCommand::settings},
+    {"reload", ApplicationCommand::reload},
     {"quit", ApplicationCommand::quit},
 }};
 

@@ -11,7 +11,12 @@
 
 namespace ovrin {
 
-enum class ApplicationCommand : std::uint8_t { history, settings, quit };
+enum class ApplicationCommand : std::uint8_t {
+    history,
+    settings,
+    reload,  // what other processes have changed about the preferences and the key
+    quit
+};
 
 using RemoteCommand = std::variant<OvShortcut, ApplicationCommand>;
 

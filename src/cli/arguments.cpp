@@ -248,7 +248,7 @@ Options:
 
 Actions of do: capture-ocr, capture-translate, what-is-this, direct-ai, input-translate, selection, silent-selection,
 replace-selection, silent-capture-ocr, clipboard-ocr, clipboard-translate, latest, command-palette, history, settings,
-quit.
+reload (take over what "ovrin config" has changed, which also asks for it), quit.
 
 Pictures may be PNG, JPEG, WebP, BMP, GIF or TIFF.
 The model service comes from the preferences, or from OVRIN_BASE_URL, OVRIN_API_KEY and OVRIN_API_STANDARD.

@@ -20,6 +20,8 @@ struct HotKeyEvents {
     // The hot key has stopped to work (its place on a changed keyboard is taken, the display went away) and is no
     // longer registered; the reason is a sentence for the user.
     std::function<void(HotKeyId, const std::string& reason)> failed;
+    // The keyboard is another one now: what could not be registered before may be possible.
+    std::function<void()> keyboardChanged;
 };
 
 // Main thread.

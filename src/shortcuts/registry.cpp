@@ -51,6 +51,7 @@ Registry::Registry(DefaultsStore& defaults, HotKeys& hotKeys, const KeyboardLayo
         .keyDown = [this](HotKeyId id) { handleHotKey(KeyDirection::down, id); },
         .keyUp = [this](HotKeyId id) { handleHotKey(KeyDirection::up, id); },
         .failed = [this](HotKeyId id, const std::string& reason) { handleFailure(id, reason); },
+        .keyboardChanged = [this] { synchronize(); },
     });
 }
 
@@ -67,7 +68,9 @@ void Registry::add(const Name& name) {
 }
 
 std::optional<Shortcut> Registry::getShortcut(const Name& name) const {
-    const auto stored = defaults_.string(preferenceKey(name.rawValue));
+    const auto key = preferenceKey(name.rawValue);
+    if (!defaults_.contains(key)) return name.defaultShortcut;
+    const auto stored = defaults_.string(key);
     return stored ? decoded(*stored) : std::nullopt;
 }
 
@@ -114,6 +117,18 @@ void Registry::removeAllHandlers() {
         handlers.keyUp.clear();
         if (const auto shortcut = getShortcut(handlers.name)) unregister(*shortcut);
     }
+}
+
+void Registry::synchronize() {
+    std::unordered_set<Shortcut> wanted;
+    for (const auto& handlers : names_) {
+        if (handlers.isDisabled || (handlers.keyDown.empty() && handlers.keyUp.empty())) continue;
+        if (const auto shortcut = getShortcut(handlers.name)) wanted.insert(*shortcut);
+    }
+    for (const Shortcut& shortcut : std::unordered_set(registered_)) {
+        if (!wanted.contains(shortcut)) unregister(shortcut);
+    }
+    for (const Shortcut& shortcut : wanted) registerIfNeeded(shortcut);
 }
 
 void Registry::disable(std::span<const Name> names) {

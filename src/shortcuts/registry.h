@@ -50,6 +50,7 @@ public:
     // files::FileError.
     void add(const Name& name);
 
+    // Its default as long as nothing is stored.
     std::optional<Shortcut> getShortcut(const Name& name) const;
 
     // What the user sees of it; none when the name has no combination.
@@ -65,6 +66,10 @@ public:
 
     // Also gives the combinations of the names that had handlers back to the desktop.
     void removeAllHandlers();
+
+    // Registers what is stored now and gives back what no longer is, where others have changed the preferences or the
+    // keyboard. What the desktop refused before is tried again.
+    void synchronize();
 
     // Names that are disabled neither fire nor keep their combination from other programs (while the menu is open).
     void disable(std::span<const Name> names);

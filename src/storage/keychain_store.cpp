@@ -40,6 +40,11 @@ void KeychainStore::MemoryCache::setMissing(const std::string& account) {
     entries_[account] = std::nullopt;
 }
 
+void KeychainStore::MemoryCache::forgetAll() {
+    const std::lock_guard guard(lock_);
+    entries_.clear();
+}
+
 std::optional<std::string> KeychainStore::readString(const std::string& account) const {
     KeychainMatch match = keychain_.copyMatching(itemOf(account));
     if (match.status == keychainItemNotFound) return std::nullopt;

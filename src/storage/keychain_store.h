@@ -31,7 +31,8 @@ public:
         KeychainStatus status_;
     };
 
-    // What this process knows of the accounts. Never expires: what another process changes is not seen.
+    // What this process knows of the accounts. Never expires: what another process changes is not seen until the cache
+    // is told to forget.
     class MemoryCache {
     public:
         // Reads the text of an account, none when it has none.
@@ -44,6 +45,7 @@ public:
 
         void setValue(const std::string& account, std::string text);
         void setMissing(const std::string& account);
+        void forgetAll();
 
     private:
         using Entry = std::optional<std::string>;  // none: missing

@@ -112,6 +112,27 @@ TEST_F(TrayTest, ASecondStartAndOtherProcessesReachTheRunningOne) {
     EXPECT_EQ(assistant->run({}), 1);
 }
 
+TEST_F(TrayTest, TakesOverWhatIsConfiguredWhileItRuns) {
+    begin();
+    constexpr int keyJ = 38;
+    const std::string moved = Assistant::shortcut(keyJ, {Assistant::Modifier::super, Assistant::Modifier::shift});
+    EXPECT_EQ(assistant->run({"config", "set", "KeyboardShortcuts_ovrin.commandPalette", moved}), 0);
+    user->pressKeys("Super_L+Shift_L+j");
+    assistant->waitForPalette();
+    EXPECT_FALSE(user->isTaken("Super_L+Shift_L+p"));
+}
+
+TEST_F(TrayTest, EndsInOrderWhereTheBusItWasToldOfIsDead) {
+    begin();
+    assistant->process().signal(SIGTERM);
+    EXPECT_EQ(assistant->process().waitForEnd(), 0);
+    const auto other = desktop->start(
+        {.arguments = {OVRIN_BINARY_DIR "/ovrin"}, .environment = {"DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent"}});
+    assistant->waitForTrayIcon();
+    other->signal(SIGTERM);
+    EXPECT_EQ(other->waitForEnd(), 0);
+}
+
 TEST_F(TrayTest, OutlivesItsTrayAndItsCompositor) {
     begin();
     desktop->restartTray();
@@ -142,6 +163,8 @@ TEST_F(PaletteTest, FindsACommandAndRunsIt) {
     press(Action::commandPalette);
     palette = assistant->waitForPalette();
     user->waitUntilActive(palette.id);
+    user->pressKeys("Tab");  // to its button, which leaves the list to the keyboard
+    user->type("ocr");
     user->pressKeys("Return");
     assistant->waitForOverlays();
 }

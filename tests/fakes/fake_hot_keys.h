@@ -45,6 +45,8 @@ public:
         events_.failed(id, reason);
     }
 
+    void changeKeyboard() { events_.keyboardChanged(); }
+
     bool isRegistered(const KeyboardShortcuts::Shortcut& shortcut) const { return idOf(shortcut).has_value(); }
 
 private:

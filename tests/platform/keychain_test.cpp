@@ -3,7 +3,6 @@
 
 #include <chrono>
 #include <csignal>
-#include <cstring>
 #include <fstream>
 #include <future>
 #include <memory>
@@ -12,13 +11,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include "base/files.h"
 #include "fakes/private_bus.h"
+#include "fakes/silent_bus.h"
 #include "fakes/temporary_directory.h"
 #include "platform/linux/keychain_status.h"
 #include "storage/keychain_store.h"
@@ -177,21 +174,13 @@ TEST_F(KeychainTest, AProgramThatClosesWaitsForNoSecret) {
     EXPECT_EQ(client.store(headers, "{}"), keychainTimedOut);
 }
 
-// A bus that accepts connections and never says a word.
 TEST_F(KeychainTest, AServiceThatDoesNotAnswerIsGivenUp) {
-    const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const std::string path = (home.path() / "mute").string();
-    std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
-    ASSERT_EQ(::bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    ASSERT_EQ(::listen(listener, 8), 0);
-    LinuxKeychain keychain = keychainOn(
-        "unix:path=" + path, {.service = std::chrono::milliseconds(1), .user = std::chrono::milliseconds(1)});
+    const SilentBus bus;
+    LinuxKeychain keychain =
+        keychainOn(bus.address(), {.service = std::chrono::milliseconds(1), .user = std::chrono::milliseconds(1)});
     EXPECT_EQ(keychain.copyMatching(apiKey).status, keychainTimedOut);
     EXPECT_EQ(keychain.add(apiKey, "sk-secret"), keychainTimedOut);
     EXPECT_FALSE(std::filesystem::exists(file));
-    ::close(listener);
 }
 
 TEST_F(KeychainTest, ADamagedFileIsReportedAndKeptAside) {

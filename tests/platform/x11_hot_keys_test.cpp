@@ -44,6 +44,7 @@ protected:
             .keyDown = [this](HotKeyId id) { add("down", id); },
             .keyUp = [this](HotKeyId id) { add("up", id); },
             .failed = [this](HotKeyId id, const std::string&) { add("failed", id); },
+            .keyboardChanged = [this] { ++keyboardChanges; },
         });
         hotKeys->registerHotKey(fence, f5);
     }
@@ -75,6 +76,7 @@ protected:
     Journal journal;
     std::unique_ptr<XTestServer> server;
     std::unique_ptr<X11HotKeys> hotKeys;
+    int keyboardChanges = 0;
 };
 
 TEST_F(X11HotKeysTest, FiresForItsCombinationOnly) {
@@ -168,6 +170,7 @@ TEST_F(X11HotKeysTest, AModifierThatMovesTakesTheHotKeysAlong) {
     std::free(xcb_set_modifier_mapping_reply(
         server->connection(), xcb_set_modifier_mapping(server->connection(), 1, modifiers.data()), nullptr));
     EXPECT_EQ(eventsSoFar(), Events{});
+    EXPECT_GE(keyboardChanges, 1);
     server->type(commandShiftTKeys);
     EXPECT_EQ(eventsSoFar(), (Events{"down 1", "up 1"}));
 }

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "fakes/silent_bus.h"
 #include "program/running_program.h"
 
 namespace ovrin {
@@ -28,6 +29,20 @@ TEST(ConfigProgram, InterruptedWhileItWaitsForTheKeyItStoresNothing) {
     RunningProgram program(home, {.arguments = {"config", "set-key"}, .input = std::nullopt});
     program.signal(SIGTERM);
     EXPECT_NE(program.finish().status, 0);
+    EXPECT_FALSE(std::filesystem::exists(home.keychainFile()));
+}
+
+TEST(ConfigProgram, InterruptedWhileTheKeychainIsSilentItStoresNothing) {
+    const TestHome home;
+    SilentBus bus;
+    RunningProgram program(home, {.arguments = {"config", "set-key"},
+                                  .environment = {"DBUS_SESSION_BUS_ADDRESS=" + bus.address()},
+                                  .input = "practice\n"});
+    bus.waitForClient();
+    program.signal(SIGINT);
+    const auto outcome = program.finish();
+    EXPECT_EQ(outcome.status, 128 + SIGINT);
+    EXPECT_EQ(outcome.error, "");
     EXPECT_FALSE(std::filesystem::exists(home.keychainFile()));
 }
 

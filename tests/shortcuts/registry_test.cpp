@@ -151,6 +151,32 @@ TEST_F(RegistryTest, AHotKeyThatStopsWorkingIsReportedAndCanBeHadAgain) {
     EXPECT_EQ(registry.registrationFailure(plain), std::nullopt);
 }
 
+TEST_F(RegistryTest, ACombinationThatTheKeyboardLackedWorksOnceItHasIt) {
+    registry.setShortcut(commandShiftT, plain);
+    registry.onKeyDown(plain, add("down"));
+    hotKeys.fail(commandShiftT, "no such key");
+    hotKeys.changeKeyboard();
+    EXPECT_EQ(registry.registrationFailure(plain), std::nullopt);
+    EXPECT_TRUE(hotKeys.press(commandShiftT));
+}
+
+TEST_F(RegistryTest, TakesOverWhatAnotherProcessHasStored) {
+    registry.add(withDefault);
+    registry.setShortcut(commandShiftS, plain);
+    for (const Name& name : {plain, withDefault}) registry.onKeyDown(name, add(name.rawValue));
+    DefaultsStore another(file);
+    another.setString(plainKey, storedT);
+    another.setBoolean(defaultKey, false);
+    registry.synchronize();
+    EXPECT_FALSE(hotKeys.isRegistered(commandShiftS));
+    journal.take();
+    EXPECT_TRUE(hotKeys.press(commandShiftT));
+    EXPECT_EQ(journal.take(), (Events{"plain"}));
+    another.remove({plainKey});
+    registry.synchronize();
+    EXPECT_FALSE(hotKeys.isRegistered(commandShiftT));
+}
+
 TEST_F(RegistryTest, DisabledNamesGiveTheirCombinationsBackUntilTheyAreEnabled) {
     const std::vector<Name> names{plain, withDefault};
     registry.add(withDefault);
@@ -199,8 +225,12 @@ TEST_F(RegistryTest, WhatCannotBeStoredChangesNothing) {
     DefaultsStore broken(file / "below a file" / "preferences.json");
     std::ofstream(file) << "{}";
     KeyboardShortcuts::Registry other(broken, hotKeys, layout, [](const std::string&) {});
-    EXPECT_THROW(other.setShortcut(commandShiftT, plain), files::FileError);
-    EXPECT_FALSE(hotKeys.isRegistered(commandShiftT));
+    EXPECT_THROW(other.setShortcut(commandShiftS, plain), files::FileError);
+    EXPECT_FALSE(hotKeys.isRegistered(commandShiftS));
+    // Defaults work all the same.
+    EXPECT_THROW(other.add(withDefault), files::FileError);
+    other.onKeyDown(withDefault, add("down"));
+    EXPECT_TRUE(hotKeys.isRegistered(commandShiftT));
 }
 
 TEST_F(RegistryTest, GivesEverythingBackWhenItGoes) {

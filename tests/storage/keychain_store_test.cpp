@@ -51,6 +51,8 @@ TEST_F(KeychainStoreTest, ReadsOncePerAccount) {
     EXPECT_THAT(store.resolveString("account"), Optional(std::string("secret")));
     EXPECT_EQ(store.resolveString("other"), std::nullopt);
     EXPECT_THAT(keychain.calls, ElementsAre("copyMatching account", "copyMatching other"));
+    store.cache().forgetAll();
+    EXPECT_THAT(store.resolveString("account"), Optional(std::string("changed elsewhere")));
 }
 
 TEST_F(KeychainStoreTest, AFailedReadIsThrownOnceAndThenCountsAsMissing) {

@@ -160,6 +160,8 @@ void X11HotKeys::handleKeyboardChange() {
             failures.emplace_back(id, error.errorDescription());
         }
     }
+    // What fails now was tried on this keyboard already.
+    if (events_.keyboardChanged) events_.keyboardChanged();
     for (const auto& [id, reason] : failures) failHotKey(id, reason);
 }
 

@@ -51,6 +51,12 @@ public:
         dropped = timers_.cancel(timer);
     }
 
+    void discardPosted() {
+        std::deque<Work> dropped;  // destroyed after the lock is gone: what it holds may post
+        const std::lock_guard lock(mutex_);
+        dropped.swap(queue_);
+    }
+
 protected:
     bool event(QEvent* event) override {
         if (event->type() != QEvent::User) return QObject::event(event);
@@ -142,6 +148,10 @@ EventLoop::TimePoint QtMainLoop::now() const {
 
 bool QtMainLoop::isCurrent() const {
     return QThread::currentThread() == receiver_->thread();
+}
+
+void QtMainLoop::discardPosted() {
+    receiver_->discardPosted();
 }
 
 }  // namespace ovrin

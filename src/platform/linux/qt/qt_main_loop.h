@@ -19,6 +19,9 @@ public:
     TimePoint now() const override;
     bool isCurrent() const override;
 
+    // Drops what has been posted and not run yet, timers not among it. On its own thread.
+    void discardPosted();
+
 private:
     class Receiver;
     std::unique_ptr<Receiver> receiver_;

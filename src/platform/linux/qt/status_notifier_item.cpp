@@ -122,8 +122,8 @@ StatusNotifierItem::StatusNotifierItem() {
 }
 
 StatusNotifierItem::~StatusNotifierItem() {
-    if (!object_) return;
     QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!object_ || !bus.isConnected()) return;
     bus.unregisterObject(itemPath);
     bus.interface()->asyncCall(QStringLiteral("ReleaseName"), serviceName());
 }

@@ -12,9 +12,9 @@ public:
     // Both outlive the object.
     X11ScreenCapture(X11Screenshot& screenshot, WorkerExecutor& workers) : screenshot_(screenshot), workers_(workers) {}
 
-    // X11 lets every program see the screen.
-    bool preflightAccess() override { return true; }
-    bool requestAccess() override { return true; }
+    // X11 lets every program see the screen. In a Wayland session what is read through it is black.
+    bool preflightAccess() override;
+    bool requestAccess() override { return preflightAccess(); }
 
     Task<std::vector<CapturableDisplay>> displays() override;
     Task<Image> screenshot(ScreenshotRequest request) override;
