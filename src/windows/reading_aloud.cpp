@@ -21,4 +21,8 @@ void ReadingAloud::read(const std::string& text, const std::optional<std::string
     if (!isSpoken) toasts_.show("没有可用的朗读语音。", "exclamationmark.triangle");
 }
 
+void ReadingAloud::stop() {
+    if (speech_) speech_->stop();
+}
+
 }  // namespace ovrin

@@ -24,6 +24,8 @@ public:
     // desktop has nothing to read with.
     void read(const std::string& text, const std::optional<std::string>& language);
 
+    void stop();
+
 private:
     MakeSpeech makeSpeech_;
     ToastPresenter& toasts_;

@@ -225,4 +225,8 @@ void ResultPanelViewModel::speakPrimaryText() {
     readingAloud_.read(primaryText(), translation_->empty() ? sourceLanguage_ : targetLanguage_);
 }
 
+void ResultPanelViewModel::fallSilent() {
+    readingAloud_.stop();
+}
+
 }  // namespace ovrin

@@ -104,6 +104,7 @@ public:
 
     void translate() override;
     void cancel();  // ends what streams; the texts stay
+    void fallSilent();
 
     // Asks the first question, or one more when the first has its answer. Nothing while an answer streams.
     void submit(const std::string& question, AIAction action);

@@ -87,7 +87,10 @@ std::shared_ptr<ResultWindowPresenter::OpenWindow> ResultWindowPresenter::makeWi
 }
 
 void ResultWindowPresenter::close() {
-    if (latestViewModel_) latestViewModel_->cancel();
+    if (latestViewModel_) {
+        latestViewModel_->cancel();
+        latestViewModel_->fallSilent();
+    }
     if (!window_) return;
     auto closed = std::exchange(window_, nullptr);
     closed->owner = nullptr;

@@ -1,5 +1,6 @@
 #include "views/command_palette/command_palette_view.h"
 
+#include <QCoreApplication>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -7,6 +8,8 @@
 #include <QScreen>
 #include <QVBoxLayout>
 #include <QWindow>
+#include <algorithm>
+#include <array>
 #include <utility>
 
 #include "platform/linux/qt/x11_window.h"
@@ -71,6 +74,7 @@ QWidget* CommandPaletteView::makeHeader() {
     connect(field_, &QLineEdit::textChanged, this,
             [this](const QString& text) { viewModel_.setQuery(text.toStdString()); });
     auto* close = new OVIconButton(environment(), OVIcon::close, QStringLiteral("关闭命令面板"));
+    close->installEventFilter(this);
     connect(close, &QAbstractButton::clicked, this, [this] { requestClose_(); });
     auto* row = new QHBoxLayout(header);
     row->setContentsMargins(8, 0, 12, 0);
@@ -89,13 +93,18 @@ void CommandPaletteView::present() {
     field_->setFocus();
 }
 
-// The field keeps the keyboard; what moves through the list goes there.
+// What moves through the list goes there. The button keeps the keys that buttons know; what is typed goes on in the
+// field.
 bool CommandPaletteView::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == field_ && event->type() == QEvent::KeyPress) {
-        const auto* key = static_cast<QKeyEvent*>(event);  // NOLINT: its type says so
-        if (handleListKey(key->key())) return true;
-    }
-    return OVFloatingWindow::eventFilter(watched, event);
+    if (event->type() != QEvent::KeyPress) return OVFloatingWindow::eventFilter(watched, event);
+    const int key = static_cast<QKeyEvent*>(event)->key();  // NOLINT: its type says so
+    if (watched == field_) return handleListKey(key) || OVFloatingWindow::eventFilter(watched, event);
+    constexpr std::array ofButtons{Qt::Key_Tab,    Qt::Key_Backtab, Qt::Key_Space,
+                                   Qt::Key_Return, Qt::Key_Enter,   Qt::Key_Escape};
+    if (std::ranges::find(ofButtons, key) != ofButtons.end()) return OVFloatingWindow::eventFilter(watched, event);
+    field_->setFocus();
+    QCoreApplication::sendEvent(field_, event);
+    return true;
 }
 
 bool CommandPaletteView::handleListKey(int key) {

@@ -1,12 +1,21 @@
 #include "views/components/ov_floating_window.h"
 
 #include <QBitmap>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QWindow>
+#include <utility>
 
+#include "platform/linux/qt/x11_window.h"
 #include "views/components/drawing.h"
 
 namespace ovrin {
 
 namespace {
+
+// Of the shadow, in points.
+constexpr double shadowBlur = 22;
+constexpr double shadowOffset = 6;
 
 Qt::WindowFlags flagsFor(OVFloatingWindow::Focus focus) {
     const Qt::WindowFlags common = Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint;
@@ -24,13 +33,37 @@ OVFloatingWindow::OVFloatingWindow(ViewEnvironment& environment, double cornerRa
     connect(&environment, &ViewEnvironment::changed, this, &OVFloatingWindow::applyShape);
 }
 
+void OVFloatingWindow::setShadowMargin(int points) {
+    if (std::exchange(shadowMargin_, points) == points) return;
+    tellMargin();
+    update();
+}
+
+void OVFloatingWindow::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    const QRect frame = rect().adjusted(shadowMargin_, shadowMargin_, -shadowMargin_, -shadowMargin_);
+    if (shadowMargin_ > 0 && !frame.contains(event->rect())) {
+        drawShadow(painter, frame, cornerRadius_, shadowBlur, shadowOffset, QColor::fromRgbF(0, 0, 0, 0.5F));
+    }
+    drawWindowBackground(painter, frame, cornerRadius_, environment());
+}
+
 void OVFloatingWindow::resizeEvent(QResizeEvent* /*event*/) {
     applyShape();
 }
 
+void OVFloatingWindow::showEvent(QShowEvent* /*event*/) {
+    applyShape();
+}
+
 void OVFloatingWindow::applyShape() {
+    if (shadowMargin_ > 0) tellMargin();
     if (environment().settings().isComposited) return clearMask();
     setMask(roundedShape(size(), cornerRadius_));
+}
+
+void OVFloatingWindow::tellMargin() {
+    if (QWindow* const window = windowHandle()) x11::setShadowMargins(*window, {.shadow = shadowMargin_});
 }
 
 }  // namespace ovrin

@@ -19,13 +19,21 @@ public:
     // cornerRadius in points. Where nothing composites the screen the window is cut to its shape instead of blended.
     OVFloatingWindow(ViewEnvironment& environment, double cornerRadius, Focus focus);
 
+    // Draws a shadow around the frame, which leaves this margin on every side of the window; 0 for none. Pointer and
+    // keyboard go to what lies below the margin. Of use where something composites the screen.
+    void setShadowMargin(int points);
+
 protected:
+    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     void applyShape();
+    void tellMargin();
 
     double cornerRadius_;
+    int shadowMargin_ = 0;
 };
 
 }  // namespace ovrin

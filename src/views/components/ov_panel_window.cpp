@@ -2,6 +2,7 @@
 
 #include <QBitmap>
 #include <QCloseEvent>
+#include <QCursor>
 #include <QGuiApplication>
 #include <QMouseEvent>
 #include <QPainter>
@@ -82,7 +83,8 @@ OVPanelWindow::OVPanelWindow(ViewEnvironment& environment, const QString& title,
     resize(size);
     setMinimumSize(minimumSize);
     adaptToDesktop();
-    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+    const QScreen* const screenOfPointer = QGuiApplication::screenAt(QCursor::pos());
+    if (const QScreen* screen = screenOfPointer ? screenOfPointer : QGuiApplication::primaryScreen()) {
         move(screen->availableGeometry().center() - rect().center());
     }
     connect(&environment, &ViewEnvironment::changed, this, &OVPanelWindow::adaptToDesktop);
@@ -194,7 +196,8 @@ void OVPanelWindow::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     const double ratio = devicePixelRatioF();
-    if (frameWithShadow_.deviceIndependentSize() != QSizeF(size())) {
+    if (frameWithShadow_.isNull() || drawnSize_ != size() || frameWithShadow_.devicePixelRatio() != ratio) {
+        drawnSize_ = size();
         frameWithShadow_ = QPixmap(size() * ratio);
         frameWithShadow_.setDevicePixelRatio(ratio);
         frameWithShadow_.fill(Qt::transparent);

@@ -21,7 +21,7 @@ public:
 
     enum class Shadow : std::uint8_t { always, inDarkAppearance, never };
 
-    // Sizes are those of the frame, without the shadow. It is made centred on the primary screen, and hidden.
+    // Sizes are those of the frame, without the shadow. It is made centred on the screen of the pointer, and hidden.
     OVPanelWindow(ViewEnvironment& environment, const QString& title, QSize size, QSize minimumSize);
     ~OVPanelWindow() override;
 
@@ -69,6 +69,7 @@ private:
     std::vector<Edge*> edges_;
     int margin_ = 0;  // of the shadow, in points
     QPixmap frameWithShadow_;
+    QSize drawnSize_;  // the window's when it was drawn
     QPoint pressed_;
     bool mayMove_ = false;
 };

@@ -1,7 +1,5 @@
 #include "views/direct_ai/qt_direct_ai_panel.h"
 
-#include <QCursor>
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QScreen>
 #include <QShortcut>
@@ -44,11 +42,6 @@ QtDirectAIPanel::QtDirectAIPanel(ViewEnvironment& environment, const Published<s
     setLevel(Level::floating);
     setShadow(windowShadow(form.shadow));
     setContent(view_);
-    if (const QScreen* screen = QGuiApplication::screenAt(QCursor::pos())) {
-        QRect frame = this->frame();
-        frame.moveCenter(screen->availableGeometry().center());
-        setFrame(frame);
-    }
     connect(view_, &DirectAIView::closeRequested, this, &OVPanelWindow::closeRequested);
     connect(this, &OVPanelWindow::closeRequested, this, [this] { events_.requestClose(); });
     connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &OVPanelWindow::closeRequested);

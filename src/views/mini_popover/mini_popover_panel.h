@@ -19,6 +19,9 @@ public:
                      MiniPopoverViewModel& viewModel, std::function<void()> requestClose);
 
     void present(Point origin) override;
+
+private:
+    void adaptShadow();
 };
 
 }  // namespace ovrin

@@ -29,6 +29,7 @@ MiniPopoverView::MiniPopoverView(ViewEnvironment& environment, MiniPopoverViewMo
       viewModel_(viewModel),
       pill_(new OVStatusPill(environment, QStringLiteral("生成中"), OVStatusPill::Kind::active)),
       waiting_(makeWaitingNote()),
+      area_(new OVScrollArea(environment)),
       text_(new OVStreamingText(environment, OVStreamingText::Mode::plain)),
       error_(new OVErrorNote(environment)),
       copy_(new OVButton(environment, QStringLiteral("复制"), OVButton::Kind::secondary, OVButton::Density::compact)) {
@@ -72,7 +73,6 @@ QWidget* MiniPopoverView::makeWaitingNote() {
 }
 
 QWidget* MiniPopoverView::makeBody() {
-    auto* area = new OVScrollArea(environment());
     auto* content = new QWidget;
     auto* column = new QVBoxLayout(content);
     column->setContentsMargins(padding, 0, padding, 0);
@@ -81,10 +81,9 @@ QWidget* MiniPopoverView::makeBody() {
     column->addWidget(text_);
     column->addWidget(error_);
     column->addStretch();
-    area->setContent(content);
-    area->keepInSight(*text_);
-    area->followBottom();
-    return area;
+    area_->setContent(content);
+    area_->keepInSight(*text_);
+    return area_;
 }
 
 QWidget* MiniPopoverView::makeFooter() {
@@ -101,7 +100,11 @@ QWidget* MiniPopoverView::makeFooter() {
 void MiniPopoverView::bind() {
     subscriptions_.push_back(viewModel_.translation().onDidChange([this](const auto&) { refresh(); }));
     subscriptions_.push_back(viewModel_.isStreaming().onDidChange([this](const auto&) { refresh(); }));
-    subscriptions_.push_back(viewModel_.errorMessage().onDidChange([this](const auto&) { refresh(); }));
+    subscriptions_.push_back(viewModel_.errorMessage().onDidChange([this](const auto& message) {
+        refresh();
+        // The translation is read from its beginning while it comes; what ended it stands below.
+        if (message) area_->reveal(*error_);
+    }));
 }
 
 void MiniPopoverView::refresh() {

@@ -42,6 +42,7 @@ private:
     MiniPopoverViewModel& viewModel_;
     OVStatusPill* pill_;
     QWidget* waiting_;
+    OVScrollArea* area_;
     OVStreamingText* text_;
     OVErrorNote* error_;
     OVButton* copy_;

@@ -37,7 +37,10 @@ void ReadingFlow::bind() {
     subscriptions_.push_back(viewModel_.initialQuestion().onDidChange(showing));
     subscriptions_.push_back(viewModel_.aiOutput().onDidChange(showing));
     subscriptions_.push_back(viewModel_.isAIStreaming().onDidChange(showing));
-    subscriptions_.push_back(viewModel_.followUps().onDidChange(showing));
+    subscriptions_.push_back(viewModel_.followUps().onDidChange([this](const auto& /*value*/) {
+        showConversation();
+        showError();
+    }));
     subscriptions_.push_back(viewModel_.errorMessage().onDidChange([this](const std::optional<std::string>& message) {
         showError();
         if (message) area_.reveal(translationError_->isHidden() ? *conversationError_ : *translationError_);
@@ -48,7 +51,9 @@ void ReadingFlow::showError() {
     const bool isOfTranslation = viewModel_.failed() == ResultPanelViewModel::Failed::translation;
     const std::optional<std::string>& message = viewModel_.errorMessage().value();
     translationError_->setMessage(isOfTranslation ? message : std::nullopt);
-    conversationError_->setMessage(isOfTranslation ? std::nullopt : message);
+    // Below later turns it would seem to be theirs, whose failures stand in the answers.
+    const bool isPast = isOfTranslation || !viewModel_.followUps()->empty();
+    conversationError_->setMessage(isPast ? std::nullopt : message);
 }
 
 void ReadingFlow::showConversation() {
