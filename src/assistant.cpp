@@ -33,6 +33,7 @@
 #include "platform/linux/onnx_text_recognizer.h"
 #include "platform/linux/qt/application_bus.h"
 #include "platform/linux/qt/desktop_settings.h"
+#include "platform/linux/qt/font_rendering.h"
 #include "platform/linux/qt/freedesktop_notification_center.h"
 #include "platform/linux/qt/qt_desktop_layout.h"
 #include "platform/linux/qt/qt_main_loop.h"
@@ -371,6 +372,7 @@ int runAssistant() {
     std::array<char*, 2> arguments{name.data(), nullptr};
     int argumentCount = 1;
     const Application application(argumentCount, arguments.data());
+    drawOutlinesAsDesigned();
     QApplication::setApplicationName("ovrin");
     QApplication::setApplicationDisplayName("Ovrin");
     QApplication::setApplicationVersion(OVRIN_VERSION);

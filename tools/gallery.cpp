@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/linux/desktop_system_shortcuts.h"
+#include "platform/linux/qt/font_rendering.h"
 #include "platform/linux/qt/qt_main_loop.h"
 #include "platform/linux/x11_hot_keys.h"
 #include "platform/linux/x11_keyboard_layout.h"
@@ -125,6 +126,7 @@ void fill(ViewEnvironment& environment, Recorders& recorders, QVBoxLayout& page)
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
+    drawOutlinesAsDesigned();
     const QStringList arguments = QApplication::arguments();
     ViewEnvironment environment;
     environment.setSettings(
