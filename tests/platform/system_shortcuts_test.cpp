@@ -93,6 +93,7 @@ TEST_F(SystemShortcutsTest, AreReadFromGSettings) {
     </schemalist>)";
     ASSERT_EQ(std::system(("glib-compile-schemas " + schemas.string()).c_str()), 0);
     setenv("GSETTINGS_SCHEMA_DIR", schemas.c_str(), 1);
+    for (const char* name : {"XDG_DATA_DIRS", "XDG_DATA_HOME"}) setenv(name, schemas.c_str(), 1);  // not the machine's
     setenv("GSETTINGS_BACKEND", "memory", 1);
     EXPECT_EQ(shortcutsOf("ubuntu:GNOME"),
               (std::vector<Shortcut>{Shortcut(f4, Modifiers::option), Shortcut(Key::t, Modifiers::command),
