@@ -35,7 +35,7 @@ struct Settings {
 
 // The way to the model service. The settings outlive it.
 struct ModelServices {
-    explicit ModelServices(const Settings& settings);
+    explicit ModelServices(const Settings& chosen);
 
     TranslationService translation(const LanguageIdentifier& identifier) const;
 

@@ -28,6 +28,7 @@ std::optional<RemoteCommand> remoteCommand(std::string_view name) {
 
 std::vector<std::string_view> remoteCommandNames() {
     std::vector<std::string_view> names;
+    names.reserve(allOvShortcuts.size() + applicationCommands.size());
     for (const OvShortcut shortcut : allOvShortcuts) names.push_back(commandName(shortcut));
     for (const auto& [name, command] : applicationCommands) names.push_back(name);
     return names;

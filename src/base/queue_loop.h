@@ -17,6 +17,7 @@ class QueueLoop : public EventLoop {
 public:
     QueueLoop(const QueueLoop&) = delete;
     QueueLoop& operator=(const QueueLoop&) = delete;
+    ~QueueLoop() override = default;
 
     void post(Work work) override;
     TimerId postAfter(Duration delay, Work work) override;
@@ -26,7 +27,6 @@ public:
 protected:
     // The loop belongs to the thread that makes it.
     QueueLoop();
-    ~QueueLoop() override = default;
 
     // Destroys what has not run. The last act of the loop that derives from this one: what the work holds may still
     // post to it.

@@ -14,9 +14,10 @@ namespace {
 using namespace std::chrono_literals;
 
 class ModelReadinessTest : public testing::Test {
-protected:
+public:
     ~ModelReadinessTest() override { keychain.release(); }  // for a question that is still open
 
+protected:
     void waitForWorker() {
         std::promise<void> done;
         worker.post([&done](const std::stop_token&) { done.set_value(); });

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -13,7 +14,6 @@
 #include <vector>
 
 #include <fcntl.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -95,8 +95,10 @@ public:
 
     // Presses the keys in order and releases them in reverse order.
     void type(const std::vector<xcb_keycode_t>& keys) const {
-        for (auto key = keys.begin(); key != keys.end(); ++key) press(*key);
-        for (auto key = keys.rbegin(); key != keys.rend(); ++key) release(*key);
+        for (const xcb_keycode_t key : keys) press(key);
+        std::vector<xcb_keycode_t> held = keys;
+        std::ranges::reverse(held);
+        for (const xcb_keycode_t key : held) release(key);
     }
 
     // Returns when the server has done everything asked of it so far.
@@ -112,6 +114,7 @@ public:
 private:
     static pid_t spawn(std::vector<std::string> command) {
         std::vector<char*> arguments;
+        arguments.reserve(command.size() + 1);
         for (auto& argument : command) arguments.push_back(argument.data());
         arguments.push_back(nullptr);
         posix_spawn_file_actions_t files;

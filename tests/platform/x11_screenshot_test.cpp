@@ -33,7 +33,10 @@ protected:
 
     static std::uint32_t pixel(const Image& picture, int x, int y) {
         std::uint32_t value = 0;
-        std::memcpy(&value, picture.data() + static_cast<std::size_t>(y) * picture.bytesPerRow() + 4 * x, sizeof value);
+        std::memcpy(&value,
+                    picture.data() + static_cast<std::size_t>(y) * picture.bytesPerRow() +
+                        std::size_t{4} * static_cast<std::size_t>(x),
+                    sizeof value);
         return value;
     }
 

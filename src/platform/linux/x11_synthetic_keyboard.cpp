@@ -173,7 +173,8 @@ void X11SimulateKeyboard::pressWithControl(Shift shift, const char* letter, Key 
 
     for (const xcb_keycode_t held : heldKeys()) fake(XCB_KEY_RELEASE, held);
     for (const xcb_keycode_t keyCode : pressed) fake(XCB_KEY_PRESS, keyCode);
-    for (auto keyCode = pressed.rbegin(); keyCode != pressed.rend(); ++keyCode) fake(XCB_KEY_RELEASE, *keyCode);
+    std::ranges::reverse(pressed);
+    for (const xcb_keycode_t keyCode : pressed) fake(XCB_KEY_RELEASE, keyCode);
     // An answer comes after all of that.
     X11Reply<xcb_get_input_focus_reply_t>(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));

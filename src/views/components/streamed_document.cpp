@@ -433,7 +433,7 @@ QString StreamedDocument::text(const Range& range) const {
         const qsizetype end = i == range.end.block ? range.end.offset : block.line.text.size();
         const bool isPartOnly = range.begin.block == range.end.block;
         if (block.line.kind == Kind::listItem && start == 0 && !isPartOnly) {
-            result += QString((block.line.depth - 1) * 2, ' ') + block.line.marker + ' ';
+            result += QString(qsizetype{2} * (block.line.depth - 1), ' ') + block.line.marker + ' ';
         }
         result += withoutQuoteBreaks(block.line.text, start, end);
     }

@@ -40,7 +40,7 @@ public:
     struct Position {
         std::size_t block = 0;
         qsizetype offset = 0;
-        auto operator<=>(const Position&) const = default;
+        auto operator<=>(const Position&) const = default;  // NOLINT(modernize-use-nullptr): there is no pointer
     };
     struct Range {
         Position begin;

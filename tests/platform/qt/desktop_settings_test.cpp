@@ -39,7 +39,7 @@ TEST(DesktopHints, AnyVoiceCanAskForLessMotion) {
 
 class DesktopSettingsTest : public testing::Test {
 protected:
-    void startPortal(SettingsPortal::Settings settings) {
+    void startPortal(const SettingsPortal::Settings& settings) {
         qDBusRegisterMetaType<SettingsPortal::Settings>();
         portal.emplace("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
                        [settings](const QDBusMessage&) -> QVariantList { return {QVariant::fromValue(settings)}; });
