@@ -132,7 +132,9 @@ private:
         editor.selectText("A ticket to the small island costs three coins.");
         user_.moveTo({.x = 900, .y = 500});
         assistant_.run({"do", "silent-selection"});
-        const DesktopWindow card = user_.waitForWindow({.program = program, .width = 350, .height = 225});
+        const int shadow = appearance_ == "dark" ? 2 * 26 : 0;  // on both sides
+        const DesktopWindow card =
+            user_.waitForWindow({.program = program, .width = 350 + shadow, .height = 225 + shadow});
         waitForAnswer(2);
         saveWindow("card", card);
         choose("关闭");
