@@ -332,9 +332,10 @@ bool AppDelegate::perform(const std::string& commandName) {
     return true;
 }
 
-// Most preferences are read whenever they count.
+// Most preferences are read whenever they count. The cache may be waiting for the keychain, or for the user to unlock
+// it, so that it is not for this thread to touch.
 void AppDelegate::reload() {
-    settings_.keychain.cache().forgetAll();
+    settingsWorker_.post([this](const std::stop_token&) { settings_.keychain.cache().forgetAll(); });
     registry_.synchronize();
     appearance_.apply(settings_.config.appearanceMode());
     icons_.applySavedIcon();

@@ -27,10 +27,12 @@ protected:
     std::atomic<bool> isConfigured = false;
     std::atomic<bool> isKeychainSlow = false;
     std::counting_semaphore<> keychain{0};
+    std::counting_semaphore<> waitsForKeychain{0};
     WorkerExecutor worker{1};
     const std::function<bool()> question = [this] {
         const bool answer = isConfigured;
         if (isKeychainSlow) {
+            waitsForKeychain.release();
             keychain.acquire();
         }
         return answer;
@@ -51,6 +53,19 @@ TEST_F(ModelReadinessTest, WhatWasFoundAheadCountsWhereTheKeychainIsSlow) {
     impatient.isReady();
     waitForWorker();
     isKeychainSlow = true;
+    EXPECT_FALSE(impatient.isReady());
+}
+
+TEST_F(ModelReadinessTest, AnAnswerToAnOlderQuestionIsNotTakenForTheNewest) {
+    isConfigured = true;
+    isKeychainSlow = true;
+    impatient.isReady();
+    waitsForKeychain.acquire();
+    isKeychainSlow = false;
+    isConfigured = false;
+    impatient.isReady();  // while the first question is open
+    keychain.release();
+    waitForWorker();
     EXPECT_FALSE(impatient.isReady());
 }
 

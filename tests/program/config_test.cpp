@@ -32,6 +32,17 @@ TEST(ConfigProgram, InterruptedWhileItWaitsForTheKeyItStoresNothing) {
     EXPECT_FALSE(std::filesystem::exists(home.keychainFile()));
 }
 
+TEST(ConfigProgram, ABusThatIsSilentHoldsNoChange) {
+    const TestHome home;
+    const SilentBus bus;
+    const std::string address = "DBUS_SESSION_BUS_ADDRESS=" + bus.address();
+    const auto changed =
+        runProgram(home, {.arguments = {"config", "set", "ovrin.model", "m"}, .environment = {address}});
+    EXPECT_EQ(changed.status, 0);
+    EXPECT_EQ(changed.error, "");
+    EXPECT_EQ(runProgram(home, {.arguments = {"config", "get", "ovrin.model"}}).output, "m\n");
+}
+
 TEST(ConfigProgram, InterruptedWhileTheKeychainIsSilentItStoresNothing) {
     const TestHome home;
     SilentBus bus;

@@ -9,7 +9,7 @@ namespace ovrin {
 
 class SessionBusAssistant final : public RunningAssistant {
 public:
-    // patience: how long the assistant may take to answer.
+    // patience: how long the bus and the assistant may take to answer.
     explicit SessionBusAssistant(std::chrono::milliseconds patience = std::chrono::seconds(5)) : patience_(patience) {}
 
     Reply perform(const std::string& commandName) override;
