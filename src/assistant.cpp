@@ -55,6 +55,7 @@
 #include "shortcuts/command_palette_presenter.h"
 #include "shortcuts/hotkey_manager.h"
 #include "shortcuts/registry.h"
+#include "storage/user_directories.h"
 #include "views/application/qt_application_icon.h"
 #include "views/capture/qt_capture_overlays.h"
 #include "views/command_palette/command_palette_view.h"
@@ -143,6 +144,7 @@ private:
     std::stop_source closing_;
     QtMainLoop loop_;
     Settings settings_{closing_.get_token()};
+    DefaultsStore state_{stateFile(Environment::ofProcess())};
 
     // How things look.
     LinuxDesktopSettings desktopSettings_;

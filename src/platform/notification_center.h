@@ -1,6 +1,7 @@
 // Seam: the notifications of the desktop, for what happens without a window.
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace ovrin {
@@ -9,6 +10,9 @@ struct Notification {
     std::string identifier;  // fresh for every notification: none replaces another
     std::string title;       // UTF-8, plain text
     std::string body;        // UTF-8, plain text
+    // Called at most once, from the main loop, when the user activates the notification; none: activating it does
+    // nothing. Some desktops know no activating, so that nothing may be reached by it alone.
+    std::function<void()> activated{};
 };
 
 struct NotificationAuthorization {
@@ -16,9 +20,10 @@ struct NotificationAuthorization {
     bool sounds = false;
 };
 
-// Main thread; both calls return at once and never fail: a desktop without notifications shows none.
+// Main thread; all calls return at once and never fail: a desktop without notifications shows none.
 class NotificationCenter {
 public:
+    // Nothing is called any more once it is gone.
     virtual ~NotificationCenter() = default;
 
     // Asks for the permission to notify where the desktop wants to be asked. The answer shows in what add() does.

@@ -33,6 +33,14 @@ fs::path applicationSupportDirectory(const Environment& environment) {
     return directory(environment, "XDG_DATA_HOME", ".local/share");
 }
 
+fs::path stateDirectory(const Environment& environment) {
+    return directory(environment, "XDG_STATE_HOME", ".local/state");
+}
+
+fs::path cacheDirectory(const Environment& environment) {
+    return directory(environment, "XDG_CACHE_HOME", ".cache");
+}
+
 fs::path preferencesFile(const Environment& environment) {
     return configurationDirectory(environment) / "preferences.json";
 }
@@ -41,7 +49,11 @@ fs::path historyFile(const Environment& environment) {
     return applicationSupportDirectory(environment) / "history.json";
 }
 
-std::filesystem::path keychainFile(const Environment& environment) {
+fs::path stateFile(const Environment& environment) {
+    return stateDirectory(environment) / "state.json";
+}
+
+fs::path keychainFile(const Environment& environment) {
     return applicationSupportDirectory(environment) / "keychain.json";
 }
 

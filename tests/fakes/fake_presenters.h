@@ -1,6 +1,7 @@
 // What the user would see: every toast, notification, panel and card as a line in the journal.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -26,10 +27,12 @@ public:
     explicit FakeNotificationCenter(Journal& journal) : journal_(journal) {}
 
     std::string lastIdentifier;
+    std::function<void()> lastActivated;
 
     void requestAuthorization(NotificationAuthorization /*wanted*/) override { journal_.add("authorization"); }
     void add(Notification notification) override {
         lastIdentifier = notification.identifier;
+        lastActivated = notification.activated;
         journal_.add("notification: " + notification.title + " | " + notification.body);
     }
 

@@ -147,9 +147,11 @@ TEST(UserDirectoriesTest, FollowTheBaseDirectoryVariables) {
     const Environment xdg({{"XDG_CONFIG_HOME", "/c"}, {"XDG_DATA_HOME", "/d"}, {"HOME", "/h"}});
     EXPECT_EQ(preferencesFile(xdg), "/c/Ovrin/preferences.json");
     EXPECT_EQ(historyFile(xdg), "/d/Ovrin/history.json");
+    EXPECT_EQ(stateFile(Environment(Environment::Variables{{"XDG_STATE_HOME", "/s"}})), "/s/Ovrin/state.json");
     const Environment relative({{"XDG_CONFIG_HOME", "c"}, {"HOME", "/h"}});
     EXPECT_EQ(preferencesFile(relative), "/h/.config/Ovrin/preferences.json");
     EXPECT_EQ(historyFile(relative), "/h/.local/share/Ovrin/history.json");
+    EXPECT_EQ(stateFile(relative), "/h/.local/state/Ovrin/state.json");
     EXPECT_EQ(historyFile(Environment(Environment::Variables{{"TMPDIR", "/t"}})), "/t/Ovrin/history.json");
     EXPECT_EQ(historyFile(Environment()), "/tmp/Ovrin/history.json");
 }

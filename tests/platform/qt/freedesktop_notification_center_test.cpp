@@ -15,7 +15,7 @@ protected:
     QVariantList answer(const QDBusMessage& call) {
         if (call.member() == "GetCapabilities") return {capabilities};
         notified.push_back(call.arguments());
-        return {1U};
+        return {static_cast<uint>(notified.size())};
     }
 
     QtSession& session = QtSession::ofProcess();
@@ -55,6 +55,37 @@ TEST_F(NotificationsTest, TextIsEscapedOnlyWhereItWouldBeTakenForMarkup) {
     ASSERT_TRUE(waitUntil([this] { return notified.size() == 2; }));
     EXPECT_EQ(notified[1][4], "a &lt; b &amp; &lt;b&gt;c&lt;/b&gt;");
     EXPECT_EQ(notified[1][3], "a < b & c") << "titles are never markup";
+}
+
+TEST_F(NotificationsTest, OnlyTheNotificationThatTheUserActivatesIsAnsweredAndOnlyOnce) {
+    const auto invoke = [this](uint id, const char* action) {
+        service->emitSignal("org.freedesktop.Notifications", "ActionInvoked", {id, action});
+    };
+    startService();
+    std::vector<int> activated;
+    for (const int number : {1, 2, 3}) {
+        notifications.add({.identifier = std::to_string(number), .title = "title", .body = "",
+                           .activated = [&activated, number] { activated.push_back(number); }});
+        ASSERT_TRUE(waitUntil([&] { return notified.size() == static_cast<std::size_t>(number); }));
+    }
+    EXPECT_EQ(notified[0][5].toStringList(), (QStringList{"default", "打开"}));
+    invoke(2, "other");
+    service->emitSignal("org.freedesktop.Notifications", "NotificationClosed", {1U, 2U});
+    invoke(1, "default");
+    invoke(2, "default");
+    invoke(2, "default");
+    invoke(3, "default");
+    ASSERT_TRUE(waitUntil([&] { return !activated.empty() && activated.back() == 3; }));
+    EXPECT_EQ(activated, (std::vector{2, 3}));
+
+    service.reset();
+    startService();
+    notifications.add({.identifier = "4", .title = "title", .body = "", .activated = [&] { activated.push_back(4); }});
+    ASSERT_TRUE(waitUntil([this] { return notified.size() == 4; }));
+    invoke(1, "default");
+    invoke(4, "default");
+    ASSERT_TRUE(waitUntil([&] { return activated.back() == 4; }));
+    EXPECT_EQ(activated, (std::vector{2, 3, 4}));
 }
 
 TEST_F(NotificationsTest, WithoutAServiceNothingShowsUntilThereIsOne) {

@@ -7,6 +7,8 @@
 
 namespace ovrin {
 
+class NotificationService;
+
 // After the QCoreApplication, before which it must go. No call waits for the service.
 class FreedesktopNotificationCenter final : public NotificationCenter {
 public:
@@ -20,9 +22,7 @@ public:
     void add(Notification notification) override;
 
 private:
-    class Service;
-
-    std::unique_ptr<Service> service_;  // null without a session bus
+    std::unique_ptr<NotificationService> service_;  // null without a session bus
 };
 
 }  // namespace ovrin
