@@ -23,6 +23,7 @@
 #include "app/toast_window.h"
 #include "base/text.h"
 #include "base/uuid.h"
+#include "base/watch.h"
 #include "base/worker_executor.h"
 #include "language/ai_service.h"
 #include "language/conversation_prompts.h"
@@ -231,9 +232,8 @@ AppDelegate::AppDelegate()
                     recognitionWorker_, std::chrono::system_clock::now),
                 model_.translation(identifier_), std::make_unique<CaptureController>(captureOverlays_, [] {}),
                 std::make_unique<SelectionTranslateService>(clipboard_, keyboard_), surroundings()) {
-    environment_.setSettings(appearance_.settings().value());
-    appearanceChanges_ = appearance_.settings().onDidChange(
-        [this](const DesktopSettings& settings) { environment_.setSettings(settings); });
+    appearanceChanges_ =
+        watch(appearance_.settings(), [this](const DesktopSettings& settings) { environment_.setSettings(settings); });
 }
 
 // Threads are waited for one by one; none waits for others then. Windows that were closed just now are posted to be

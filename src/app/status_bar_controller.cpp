@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "base/watch.h"
+
 namespace ovrin {
 
 namespace {
@@ -33,9 +35,8 @@ void StatusBarController::configureButton() {
 }
 
 void StatusBarController::observeActivity() {
-    const auto show = [this](bool isCapturing) { surroundings_.statusItem.setAlpha(isCapturing ? busyAlpha : 1); };
-    show(surroundings_.isCapturing.value());
-    capturing_ = surroundings_.isCapturing.onDidChange(show);
+    capturing_ = watch(surroundings_.isCapturing,
+                       [this](bool isCapturing) { surroundings_.statusItem.setAlpha(isCapturing ? busyAlpha : 1); });
 }
 
 void StatusBarController::handleLeftClick() {

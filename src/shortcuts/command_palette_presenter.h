@@ -9,6 +9,7 @@
 #include "shortcuts/assistant_actions.h"
 #include "shortcuts/command_palette_view_model.h"
 #include "shortcuts/registry.h"
+#include "windows/closable_window.h"
 
 namespace ovrin {
 
@@ -35,7 +36,6 @@ public:
                             MakeCommandPalettePanel makePanel, EventLoop& mainLoop, text::CaseRules caseRules);
     CommandPalettePresenter(const CommandPalettePresenter&) = delete;
     CommandPalettePresenter& operator=(const CommandPalettePresenter&) = delete;
-    ~CommandPalettePresenter();
 
     // Opens a fresh palette, or closes the one that is visible.
     void show();
@@ -43,15 +43,13 @@ public:
     void close();
 
 private:
-    struct Palette;
+    using Palette = ClosableWindow<CommandPalettePanel, CommandPaletteViewModel>;
 
     AssistantActions& actions_;
     const KeyboardShortcuts::Registry& registry_;
     MakeCommandPalettePanel makePanel_;
-    EventLoop& mainLoop_;
     text::CaseRules caseRules_;
-    std::shared_ptr<Palette> palette_;  // open or none
-    std::shared_ptr<const bool> isAlive_ = std::make_shared<const bool>(true);
+    Palette palette_;
 };
 
 }  // namespace ovrin

@@ -1,7 +1,7 @@
 #include "windows/direct_ai_window_presenter.h"
 
+#include <memory>
 #include <utility>
-#include <vector>
 
 namespace ovrin {
 
@@ -22,69 +22,44 @@ DirectAIPanel::Form formOf(bool isConversation) {
 
 }  // namespace
 
-// The panel goes before the view model that it shows.
-struct DirectAIWindowPresenter::Chat {
-    DirectAIWindowPresenter* owner = nullptr;  // none once it is closed
-    std::unique_ptr<DirectAIViewModel> viewModel;
-    std::unique_ptr<DirectAIPanel> panel;
-    bool closesWhenResigningKey = true;
-    bool hasTurns = false;
-    Subscription turns;
-};
-
 DirectAIWindowPresenter::DirectAIWindowPresenter(DirectAIViewModel::Services services, const AppConfig& config,
                                                  MakeDirectAIPanel makePanel)
-    : services_(std::move(services)), config_(config), makePanel_(std::move(makePanel)) {}
-
-DirectAIWindowPresenter::~DirectAIWindowPresenter() = default;
+    : services_(std::move(services)), config_(config), makePanel_(std::move(makePanel)), chat_(services_.loop) {}
 
 void DirectAIWindowPresenter::show() {
-    if (!chat_) chat_ = makeChat();
-    chat_->panel->present();
+    if (!chat_.isOpen()) {
+        chat_.open([this](const Chat::Requests& requests) { return makeChat(requests); });
+    }
+    chat_.window().present();
 }
 
-std::shared_ptr<DirectAIWindowPresenter::Chat> DirectAIWindowPresenter::makeChat() {
-    auto made = std::make_shared<Chat>();
-    made->owner = this;
-    // What a chat asks for after it was closed is not meant for its successor.
-    const auto unlessClosed = [asking = std::weak_ptr(made)](void (DirectAIWindowPresenter::*act)()) {
-        return [asking, act] {
-            if (const auto chat = asking.lock(); chat && chat->owner != nullptr) (chat->owner->*act)();
-        };
+DirectAIWindowPresenter::Chat::Content DirectAIWindowPresenter::makeChat(const Chat::Requests& requests) {
+    closesWhenResigningKey_ = true;
+    hasTurns_ = false;
+    auto viewModel = std::make_shared<DirectAIViewModel>(config_.targetLanguage(), services_);
+    const auto closeLater = [this, closing = requests.unlessClosed([this] { close(); })] {
+        if (closesWhenResigningKey_ && chat_.window().isVisible()) services_.loop.post(closing);
     };
-    made->viewModel = std::make_unique<DirectAIViewModel>(config_.targetLanguage(), services_);
-    made->panel = makePanel_(*made->viewModel, formOf(false),
-                             {.requestClose = unlessClosed(&DirectAIWindowPresenter::close),
-                              .resignedKey = unlessClosed(&DirectAIWindowPresenter::closeUnlessConversing)});
-    made->turns = made->viewModel->turns().onDidChange(
-        [this, chat = made.get(), resize = unlessClosed(&DirectAIWindowPresenter::resize)](const auto& turns) {
-            if (chat->hasTurns == !turns.empty()) return;
-            chat->hasTurns = !turns.empty();
-            services_.loop.post(resize);
+    auto panel = makePanel_(
+        *viewModel, formOf(false),
+        {.requestClose = requests.unlessClosed([this] { close(); }), .resignedKey = requests.unlessClosed(closeLater)});
+    turns_ = viewModel->turns().onDidChange(
+        [this, resizing = requests.unlessClosed([this] { resize(); })](const auto& turns) {
+            if (hasTurns_ == !turns.empty()) return;
+            hasTurns_ = !turns.empty();
+            services_.loop.post(resizing);
         });
-    return made;
+    return {std::move(viewModel), std::move(panel)};
 }
 
 void DirectAIWindowPresenter::resize() {
-    chat_->closesWhenResigningKey = !chat_->hasTurns;
-    chat_->panel->animateTo(formOf(chat_->hasTurns));
-}
-
-void DirectAIWindowPresenter::closeUnlessConversing() {
-    if (!chat_->closesWhenResigningKey || !chat_->panel->isVisible()) return;
-    services_.loop.post([closing = std::weak_ptr(chat_)] {
-        if (const auto chat = closing.lock(); chat && chat->owner != nullptr) chat->owner->close();
-    });
+    closesWhenResigningKey_ = !hasTurns_;
+    chat_.window().animateTo(formOf(hasTurns_));
 }
 
 void DirectAIWindowPresenter::close() {
-    if (!chat_) return;
-    // Destroyed later: the panel may be handling the very event that closes it.
-    auto closed = std::exchange(chat_, nullptr);
-    closed->owner = nullptr;
-    closed->turns = {};
-    closed->viewModel->cancel();
-    services_.loop.post([closed = std::move(closed)] {});
+    turns_ = {};
+    if (const auto closed = chat_.close()) closed->viewModel->cancel();
 }
 
 }  // namespace ovrin

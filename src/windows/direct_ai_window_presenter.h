@@ -2,10 +2,10 @@
 // conversation into which the first question turns it.
 #pragma once
 
-#include <memory>
-
 #include "base/geometry.h"
+#include "base/published.h"
 #include "storage/app_config.h"
+#include "windows/closable_window.h"
 #include "windows/direct_ai_panel.h"
 #include "windows/direct_ai_view_model.h"
 
@@ -21,7 +21,6 @@ public:
     DirectAIWindowPresenter(DirectAIViewModel::Services services, const AppConfig& config, MakeDirectAIPanel makePanel);
     DirectAIWindowPresenter(const DirectAIWindowPresenter&) = delete;
     DirectAIWindowPresenter& operator=(const DirectAIWindowPresenter&) = delete;
-    ~DirectAIWindowPresenter();
 
     // Brings the chat on screen to the front, or opens a fresh one.
     void show();
@@ -30,16 +29,18 @@ public:
     void close();
 
 private:
-    struct Chat;
+    using Chat = ClosableWindow<DirectAIPanel, DirectAIViewModel>;
 
-    std::shared_ptr<Chat> makeChat();
+    Chat::Content makeChat(const Chat::Requests& requests);
     void resize();
-    void closeUnlessConversing();
 
     DirectAIViewModel::Services services_;
     const AppConfig& config_;
     MakeDirectAIPanel makePanel_;
-    std::shared_ptr<Chat> chat_;  // on screen, or none
+    Chat chat_;
+    bool closesWhenResigningKey_ = true;
+    bool hasTurns_ = false;
+    Subscription turns_;
 };
 
 }  // namespace ovrin

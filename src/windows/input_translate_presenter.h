@@ -1,10 +1,10 @@
 // Opens the one input translation window.
 #pragma once
 
-#include <memory>
 #include <string>
 
 #include "storage/app_config.h"
+#include "windows/closable_window.h"
 #include "windows/input_translate_view_model.h"
 #include "windows/input_translate_window.h"
 
@@ -18,22 +18,18 @@ public:
                             MakeInputTranslateWindow makeWindow);
     InputTranslatePresenter(const InputTranslatePresenter&) = delete;
     InputTranslatePresenter& operator=(const InputTranslatePresenter&) = delete;
-    ~InputTranslatePresenter();
 
     // Opens a window that translates the text at once, unless that is empty. One that is open only comes to the front
     // and keeps its content.
-    void show(std::string initialText);
+    void show(const std::string& initialText);
 
 private:
-    struct OpenWindow;
-
-    std::shared_ptr<OpenWindow> makeWindow(std::string initialText);
-    void close();
+    using Open = ClosableWindow<InputTranslateWindow, InputTranslateViewModel>;
 
     InputTranslateViewModel::Services services_;
     const AppConfig& config_;
     MakeInputTranslateWindow makeWindow_;
-    std::shared_ptr<OpenWindow> window_;  // none when closed
+    Open open_;
 };
 
 }  // namespace ovrin

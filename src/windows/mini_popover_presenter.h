@@ -1,19 +1,18 @@
 // Shows the one translation card beside the pointer, and takes it away.
 #pragma once
 
-#include <memory>
 #include <string>
 
 #include "platform/desktop_layout.h"
 #include "storage/app_config.h"
+#include "windows/closable_window.h"
 #include "windows/mini_popover_view_model.h"
 #include "windows/mini_popover_window.h"
 #include "windows/translation_card_presenter.h"
 
 namespace ovrin {
 
-// Main thread. Everything may be called from inside an event of the card or a notification of its view model: a closed
-// card is taken down by the loop, afterwards.
+// Main thread. Everything may be called from inside an event of the card or a notification of its view model.
 class MiniPopoverPresenter final : public TranslationCardPresenter {
 public:
     // What the services refer to, the config and the desktop outlive the presenter.
@@ -21,7 +20,6 @@ public:
                          MakeMiniPopoverWindow makeWindow);
     MiniPopoverPresenter(const MiniPopoverPresenter&) = delete;
     MiniPopoverPresenter& operator=(const MiniPopoverPresenter&) = delete;
-    ~MiniPopoverPresenter() override;
 
     void show(std::string sourceText) override;
 
@@ -29,13 +27,13 @@ public:
     void close();
 
 private:
-    struct Card;
+    using Card = ClosableWindow<MiniPopoverWindow, MiniPopoverViewModel>;
 
     MiniPopoverViewModel::Services services_;
     const AppConfig& config_;
     DesktopLayout& desktop_;
     MakeMiniPopoverWindow makeWindow_;
-    std::shared_ptr<Card> card_;  // on screen or none
+    Card card_;
 };
 
 }  // namespace ovrin

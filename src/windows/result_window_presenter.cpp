@@ -8,17 +8,13 @@
 
 namespace ovrin {
 
-struct ResultWindowPresenter::OpenWindow {
-    ResultWindowPresenter* owner = nullptr;           // none once it is closed
-    std::shared_ptr<ResultPanelViewModel> viewModel;  // that it shows
-    std::unique_ptr<ResultPanelWindow> window;
-};
-
 ResultWindowPresenter::ResultWindowPresenter(ResultPanelViewModel::Services services, const AppConfig& config,
                                              const DefaultsStore& defaults, MakeResultPanelWindow makeWindow)
-    : services_(std::move(services)), config_(config), defaults_(defaults), makeWindow_(std::move(makeWindow)) {}
-
-ResultWindowPresenter::~ResultWindowPresenter() = default;
+    : services_(std::move(services)),
+      config_(config),
+      defaults_(defaults),
+      makeWindow_(std::move(makeWindow)),
+      panel_(services_.loop) {}
 
 void ResultWindowPresenter::show(OCRResult ocrResult, std::optional<Image> image, ResultPanelStart start) {
     std::string text = ocrResult.fullText();
@@ -57,33 +53,27 @@ void ResultWindowPresenter::show(std::shared_ptr<ResultPanelViewModel> viewModel
         previous->cancel();
         services_.loop.post([previous = std::move(previous)] {});
     }
-    if (!window_) window_ = makeWindow();
+    if (!panel_.isOpen()) {
+        panel_.open([this](const auto& requests) -> Panel::Content {
+            return {nullptr, makeWindow_(requests.unlessClosed([this] { close(); }))};
+        });
+    }
 
-    ResultPanelWindow& window = *window_->window;
-    if (window_->viewModel != latestViewModel_) {
+    ResultPanelWindow& window = panel_.window();
+    if (panel_.viewModel() != latestViewModel_) {
         const bool isVisible = window.isVisible();
         window.setContent(latestViewModel_,
                           isVisible ? ResultPanelWindow::Entrance::fadesIn : ResultPanelWindow::Entrance::atOnce);
-        window_->viewModel = latestViewModel_;
+        panel_.setViewModel(latestViewModel_);
     }
     applyLevel();
     window.present();
 }
 
 void ResultWindowPresenter::applyLevel() {
-    if (!window_) return;
+    if (!panel_.isOpen()) return;
     const bool isAlwaysOnTop = defaults_.boolean(preference::resultWindowAlwaysOnTop);
-    window_->window->setLevel(isAlwaysOnTop ? ResultPanelWindow::Level::floating : ResultPanelWindow::Level::normal);
-}
-
-std::shared_ptr<ResultWindowPresenter::OpenWindow> ResultWindowPresenter::makeWindow() {
-    auto made = std::make_shared<OpenWindow>();
-    made->owner = this;
-    // A window that was closed but still handles its last event must not close its successor.
-    made->window = makeWindow_([asking = std::weak_ptr(made)] {
-        if (const auto window = asking.lock(); window && window->owner) window->owner->close();
-    });
-    return made;
+    panel_.window().setLevel(isAlwaysOnTop ? ResultPanelWindow::Level::floating : ResultPanelWindow::Level::normal);
 }
 
 void ResultWindowPresenter::close() {
@@ -91,10 +81,7 @@ void ResultWindowPresenter::close() {
         latestViewModel_->cancel();
         latestViewModel_->fallSilent();
     }
-    if (!window_) return;
-    auto closed = std::exchange(window_, nullptr);
-    closed->owner = nullptr;
-    services_.loop.post([closed = std::move(closed)] {});
+    panel_.close();
 }
 
 bool ResultWindowPresenter::hasTranslationResult() const {

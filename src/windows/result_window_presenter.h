@@ -6,6 +6,7 @@
 
 #include "storage/app_config.h"
 #include "storage/defaults_store.h"
+#include "windows/closable_window.h"
 #include "windows/result_panel_view_model.h"
 #include "windows/result_panel_window.h"
 #include "windows/result_presenter.h"
@@ -21,7 +22,6 @@ public:
                           const DefaultsStore& defaults, MakeResultPanelWindow makeWindow);
     ResultWindowPresenter(const ResultWindowPresenter&) = delete;
     ResultWindowPresenter& operator=(const ResultWindowPresenter&) = delete;
-    ~ResultWindowPresenter() override;
 
     void show(OCRResult ocrResult, std::optional<Image> image, ResultPanelStart start) override;
     void show(ResultPanelText text) override;
@@ -40,18 +40,17 @@ public:
     bool hasTranslationResult() const;
 
 private:
-    struct OpenWindow;
+    using Panel = ClosableWindow<ResultPanelWindow, ResultPanelViewModel>;
 
     std::shared_ptr<ResultPanelViewModel> makeViewModel(ResultPanelViewModel::Content content) const;
     void show(std::shared_ptr<ResultPanelViewModel> viewModel);
-    std::shared_ptr<OpenWindow> makeWindow();
 
     ResultPanelViewModel::Services services_;
     const AppConfig& config_;
     const DefaultsStore& defaults_;
     MakeResultPanelWindow makeWindow_;
     std::shared_ptr<ResultPanelViewModel> latestViewModel_;
-    std::shared_ptr<OpenWindow> window_;  // none when closed
+    Panel panel_;
 };
 
 }  // namespace ovrin

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/watch.h"
+
 namespace ovrin {
 namespace {
 
@@ -34,6 +36,21 @@ TEST(Published, TellsEveryTimeWhenValuesCannotBeCompared) {
     field.set({});
     field.set({});
     EXPECT_EQ(changes, 2);
+}
+
+TEST(Published, AWatchHearsTheValueNowAndEveryChangeOfEachFieldUntilItEnds) {
+    Published<int> first(1);
+    Published<std::string> second("a");
+    Lines heard;
+    {
+        const auto one = watch(first, [&](int value) { heard.push_back(std::to_string(value)); });
+        const auto both =
+            watch(std::tie(first, second), [&] { heard.push_back(std::to_string(first.value()) + second.value()); });
+        first.set(2);
+        second.set("b");
+    }
+    first.set(3);
+    EXPECT_EQ(heard, (Lines{"1", "1a", "2", "2a", "2b"}));
 }
 
 TEST(Published, SubscriptionsEndWithTheirObjectAndMayOutliveTheField) {

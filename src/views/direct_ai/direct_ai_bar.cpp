@@ -2,6 +2,7 @@
 
 #include <QGridLayout>
 
+#include "base/watch.h"
 #include "views/components/ov_brand_mark.h"
 #include "views/components/ov_text_editor.h"
 #include "views/components/send_button.h"
@@ -23,7 +24,6 @@ DirectAIBar::DirectAIBar(ViewEnvironment& environment, DirectAIViewModel& viewMo
     field_->setTextStyle(questionFont, lineHeight);
     field_->setReturnKey(OVTextEditor::ReturnKey::submits);
     auto* send = new SendButton(environment, QStringLiteral("发送"));
-    send->setEnabled(viewModel.canSend());
 
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(padding, padding, padding - 4, padding - 4);
@@ -37,8 +37,9 @@ DirectAIBar::DirectAIBar(ViewEnvironment& environment, DirectAIViewModel& viewMo
     connect(field_, &OVTextEditor::submitted, this, sending);
     connect(send, &QAbstractButton::clicked, this, sending);
     subscriptions_.push_back(bindDraft(viewModel, *field_));
-    subscriptions_.push_back(viewModel.draft().onDidChange(
-        [send, &viewModel](const std::string& /*draft*/) { send->setEnabled(viewModel.canSend()); }));
+    subscriptions_.push_back(watch(viewModel.draft(), [send, &viewModel](const std::string& /*draft*/) {
+        send->setEnabled(viewModel.canSend());
+    }));
 }
 
 }  // namespace ovrin

@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
+#include "base/watch.h"
 #include "views/components/conversation_turns.h"
 #include "views/components/ov_brand_mark.h"
 #include "views/components/ov_button.h"
@@ -37,8 +38,6 @@ DirectAIConversation::DirectAIConversation(ViewEnvironment& environment, DirectA
     area_->setContent(makeReading());
     column->addWidget(area_, 1);
     column->addWidget(makeComposer());
-    showTurns();
-    refreshComposer();
 }
 
 QWidget* DirectAIConversation::makeHeader(const Published<std::string>& brandImage) {
@@ -68,12 +67,11 @@ QWidget* DirectAIConversation::makeReading() {
         new ConversationTurns(environment(), *reading,
                               {.waitingWords = QStringLiteral("正在想"), .answerLanguage = viewModel_.replyLanguage()});
     auto* error = new OVErrorNote(environment());
-    error->setMessage(viewModel_.errorMessage().value());
     reading->column().addWidget(turns_);
     reading->column().addWidget(error);
-    subscriptions_.push_back(viewModel_.turns().onDidChange([this](const auto& /*turns*/) { showTurns(); }));
-    subscriptions_.push_back(viewModel_.errorMessage().onDidChange(
-        [error](const std::optional<std::string>& message) { error->setMessage(message); }));
+    subscriptions_.push_back(watch(viewModel_.turns(), [this](const auto& /*turns*/) { showTurns(); }));
+    subscriptions_.push_back(watch(viewModel_.errorMessage(),
+                                   [error](const std::optional<std::string>& message) { error->setMessage(message); }));
     return reading;
 }
 
@@ -87,10 +85,10 @@ QWidget* DirectAIConversation::makeComposer() {
     connect(composer_, &QuestionComposer::scrollKeyPressed, this,
             [this](QKeyEvent* event) { QCoreApplication::sendEvent(area_, event); });
     subscriptions_.push_back(bindDraft(viewModel_, composer_->field()));
-    subscriptions_.push_back(viewModel_.draft().onDidChange([this](const auto& /*draft*/) { refreshComposer(); }));
+    subscriptions_.push_back(
+        watch(std::tie(viewModel_.draft(), viewModel_.isStreaming()), [this] { refreshComposer(); }));
     // A new question is what the user wants to see; so is its answer as it comes.
     subscriptions_.push_back(viewModel_.isStreaming().onDidChange([this](bool isStreaming) {
-        refreshComposer();
         if (isStreaming) area_->followBottom();
     }));
     return frame;

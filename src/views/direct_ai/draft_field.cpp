@@ -1,5 +1,6 @@
 #include "views/direct_ai/draft_field.h"
 
+#include "base/watch.h"
 #include "views/components/drawing.h"
 #include "views/components/ov_text_editor.h"
 #include "windows/direct_ai_view_model.h"
@@ -7,10 +8,9 @@
 namespace ovrin {
 
 Subscription bindDraft(DirectAIViewModel& viewModel, OVTextEditor& field) {
-    field.replaceText(toQString(viewModel.draft().value()));
     QObject::connect(&field, &QTextEdit::textChanged, &field,
                      [&viewModel, &field] { viewModel.setDraft(field.toPlainText().toStdString()); });
-    return viewModel.draft().onDidChange([&field](const std::string& draft) { field.replaceText(toQString(draft)); });
+    return watch(viewModel.draft(), [&field](const std::string& draft) { field.replaceText(toQString(draft)); });
 }
 
 }  // namespace ovrin

@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QPainter>
 
+#include "base/watch.h"
 #include "views/components/drawing.h"
 #include "views/components/ov_text_editor.h"
 #include "windows/input_translate_view_model.h"
@@ -16,12 +17,10 @@ InputPane::InputPane(ViewEnvironment& environment, InputTranslateViewModel& view
     const int textMargin = static_cast<int>(editor_->document()->documentMargin());
     editor_->setRightInset(padding - scrollBarMargin - textMargin);
     setContent(editor_, padding - textMargin);
-    editor_->replaceText(toQString(viewModel.inputText().value()));
     editor_->installEventFilter(this);
     connect(editor_, &QTextEdit::textChanged, this,
             [this, &viewModel] { viewModel.setInputText(editor_->toPlainText().toStdString()); });
-    changes_ =
-        viewModel.inputText().onDidChange([this](const std::string& text) { editor_->replaceText(toQString(text)); });
+    changes_ = watch(viewModel.inputText(), [this](const std::string& text) { editor_->replaceText(toQString(text)); });
 }
 
 void InputPane::focusEditor() {

@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 
+#include "base/watch.h"
 #include "language/language_names.h"
 #include "storage/app_config.h"
 #include "views/components/drawing.h"
@@ -44,7 +45,6 @@ InputTranslateHeader::InputTranslateHeader(ViewEnvironment& environment, InputTr
     row->addStretch();
     addControls(*row);
     bind();
-    refresh();
 }
 
 void InputTranslateHeader::addBrand(QHBoxLayout& row, const Published<std::string>& brandImage) {
@@ -68,9 +68,8 @@ void InputTranslateHeader::bind() {
     connect(target_, &OVPicker::picked, this,
             [this](const QString& tag) { viewModel_.setTargetLanguage(tag.toStdString()); });
     connect(swap_, &QAbstractButton::clicked, this, [this] { viewModel_.swapLanguages(); });
-    subscriptions_.push_back(viewModel_.detectedLanguage().onDidChange([this](const auto&) { refresh(); }));
-    subscriptions_.push_back(viewModel_.targetLanguage().onDidChange([this](const auto&) { refresh(); }));
-    subscriptions_.push_back(viewModel_.outputText().onDidChange([this](const auto&) { refresh(); }));
+    changes_ = watch(std::tie(viewModel_.detectedLanguage(), viewModel_.targetLanguage(), viewModel_.outputText()),
+                     [this] { refresh(); });
 }
 
 void InputTranslateHeader::refresh() {

@@ -4,6 +4,7 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
+#include "base/watch.h"
 #include "views/components/ov_button.h"
 #include "views/input_translate/input_pane.h"
 #include "views/input_translate/input_translate_header.h"
@@ -34,7 +35,6 @@ InputTranslateView::InputTranslateView(ViewEnvironment& environment, InputTransl
     column->addWidget(makeBottomBar());
     addShortcut();
     bind();
-    refresh();
 }
 
 QWidget* InputTranslateView::makePanes() {
@@ -77,10 +77,9 @@ void InputTranslateView::bind() {
         viewModel_.clear();
         focusInput();
     });
-    subscriptions_.push_back(viewModel_.inputText().onDidChange([this](const auto&) { refresh(); }));
-    subscriptions_.push_back(viewModel_.outputText().onDidChange([this](const auto&) { refresh(); }));
-    subscriptions_.push_back(viewModel_.isStreaming().onDidChange([this](const auto&) { refresh(); }));
-    subscriptions_.push_back(viewModel_.errorMessage().onDidChange([this](const auto&) { refresh(); }));
+    changes_ = watch(
+        std::tie(viewModel_.inputText(), viewModel_.outputText(), viewModel_.isStreaming(), viewModel_.errorMessage()),
+        [this] { refresh(); });
 }
 
 void InputTranslateView::refresh() {

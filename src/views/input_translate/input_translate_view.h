@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "base/published.h"
 #include "views/components/ov_widget.h"
@@ -37,7 +36,7 @@ private:
     InputPane* input_;
     OVButton* clear_;
     OVButton* start_;
-    std::vector<Subscription> subscriptions_;
+    Subscription changes_;
 };
 
 }  // namespace ovrin

@@ -2,6 +2,7 @@
 
 #include <QVBoxLayout>
 
+#include "base/watch.h"
 #include "views/components/ov_button.h"
 #include "views/components/ov_error_note.h"
 #include "views/components/ov_label.h"
@@ -32,7 +33,6 @@ OutputPane::OutputPane(ViewEnvironment& environment, InputTranslateViewModel& vi
     area_->keepInSight(*text_);
     setContent(area_, 0);
     bind();
-    refresh();
 }
 
 QWidget* OutputPane::makeContent() {
@@ -52,17 +52,16 @@ QWidget* OutputPane::makeContent() {
 void OutputPane::bind() {
     connect(copy_, &QAbstractButton::clicked, this, [this] { viewModel_.copyTranslation(); });
     connect(speak_, &QAbstractButton::clicked, this, [this] { viewModel_.speakTranslation(); });
-    subscriptions_.push_back(viewModel_.outputText().onDidChange([this](const auto&) { refresh(); }));
-    subscriptions_.push_back(viewModel_.isStreaming().onDidChange([this](const auto&) { refresh(); }));
-    subscriptions_.push_back(viewModel_.errorMessage().onDidChange([this](const auto& message) {
-        refresh();
+    changes_ = watch(std::tie(viewModel_.outputText(), viewModel_.isStreaming(), viewModel_.errorMessage()),
+                     [this] { refresh(); });
+    newError_ = viewModel_.errorMessage().onDidChange([this](const auto& message) {
         // The translation is read from its beginning while it comes; what ended it stands below.
         if (message) {
             area_->followBottom();
         } else {
             area_->stopFollowing();
         }
-    }));
+    });
 }
 
 void OutputPane::refresh() {

@@ -1,8 +1,6 @@
 // The half of the window into which the translation streams.
 #pragma once
 
-#include <vector>
-
 #include "base/published.h"
 #include "views/input_translate/text_pane.h"
 
@@ -36,7 +34,8 @@ private:
     OVLabel* placeholder_;
     OVStreamingText* text_;
     OVErrorNote* error_;
-    std::vector<Subscription> subscriptions_;
+    Subscription changes_;
+    Subscription newError_;
 };
 
 }  // namespace ovrin

@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
+#include "base/watch.h"
 #include "views/components/drawing.h"
 #include "views/components/ov_brand_mark.h"
 #include "views/components/ov_button.h"
@@ -41,7 +42,6 @@ MiniPopoverView::MiniPopoverView(ViewEnvironment& environment, MiniPopoverViewMo
     column->addWidget(makeFooter());
     text_->setLanguage(viewModel.targetLanguage());
     bind();
-    refresh();
 }
 
 QWidget* MiniPopoverView::makeHeader(const Published<std::string>& brandImage) {
@@ -98,13 +98,12 @@ QWidget* MiniPopoverView::makeFooter() {
 }
 
 void MiniPopoverView::bind() {
-    subscriptions_.push_back(viewModel_.translation().onDidChange([this](const auto&) { refresh(); }));
-    subscriptions_.push_back(viewModel_.isStreaming().onDidChange([this](const auto&) { refresh(); }));
-    subscriptions_.push_back(viewModel_.errorMessage().onDidChange([this](const auto& message) {
-        refresh();
+    changes_ = watch(std::tie(viewModel_.translation(), viewModel_.isStreaming(), viewModel_.errorMessage()),
+                     [this] { refresh(); });
+    newError_ = viewModel_.errorMessage().onDidChange([this](const auto& message) {
         // The translation is read from its beginning while it comes; what ended it stands below.
         if (message) area_->reveal(*error_);
-    }));
+    });
 }
 
 void MiniPopoverView::refresh() {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "base/published.h"
 #include "views/components/ov_widget.h"
@@ -46,7 +45,8 @@ private:
     OVStreamingText* text_;
     OVErrorNote* error_;
     OVButton* copy_;
-    std::vector<Subscription> subscriptions_;
+    Subscription changes_;
+    Subscription newError_;
 };
 
 }  // namespace ovrin

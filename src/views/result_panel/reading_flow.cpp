@@ -2,6 +2,7 @@
 
 #include <QVBoxLayout>
 
+#include "base/watch.h"
 #include "views/components/conversation_turns.h"
 #include "views/components/ov_error_note.h"
 #include "views/components/ov_scroll_area.h"
@@ -27,24 +28,16 @@ ReadingFlow::ReadingFlow(ViewEnvironment& environment, ResultPanelViewModel& vie
         column().addWidget(widget);
     }
     bind();
-    showConversation();
-    showError();
 }
 
 void ReadingFlow::bind() {
-    const auto showing = [this](const auto& /*value*/) { showConversation(); };
-    subscriptions_.push_back(viewModel_.selectedAIAction().onDidChange(showing));
-    subscriptions_.push_back(viewModel_.initialQuestion().onDidChange(showing));
-    subscriptions_.push_back(viewModel_.aiOutput().onDidChange(showing));
-    subscriptions_.push_back(viewModel_.isAIStreaming().onDidChange(showing));
-    subscriptions_.push_back(viewModel_.followUps().onDidChange([this](const auto& /*value*/) {
-        showConversation();
-        showError();
-    }));
-    subscriptions_.push_back(viewModel_.errorMessage().onDidChange([this](const std::optional<std::string>& message) {
-        showError();
+    conversation_ = watch(std::tie(viewModel_.selectedAIAction(), viewModel_.initialQuestion(), viewModel_.aiOutput(),
+                                   viewModel_.isAIStreaming(), viewModel_.followUps()),
+                          [this] { showConversation(); });
+    error_ = watch(std::tie(viewModel_.followUps(), viewModel_.errorMessage()), [this] { showError(); });
+    newError_ = viewModel_.errorMessage().onDidChange([this](const std::optional<std::string>& message) {
         if (message) area_.reveal(translationError_->isHidden() ? *conversationError_ : *translationError_);
-    }));
+    });
 }
 
 void ReadingFlow::showError() {

@@ -2,8 +2,6 @@
 // text, then the conversation about it; what went wrong stands below either.
 #pragma once
 
-#include <vector>
-
 #include "base/published.h"
 #include "views/components/reading_column.h"
 
@@ -30,7 +28,9 @@ private:
     ConversationTurns* turns_;
     OVErrorNote* translationError_;
     OVErrorNote* conversationError_;
-    std::vector<Subscription> subscriptions_;
+    Subscription conversation_;
+    Subscription error_;
+    Subscription newError_;
 };
 
 }  // namespace ovrin

@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
+#include "base/watch.h"
 #include "views/components/busy_note.h"
 #include "views/components/ov_animated_icon.h"
 #include "views/components/ov_label.h"
@@ -59,7 +60,6 @@ ResultCard::ResultCard(ViewEnvironment& environment, ResultPanelViewModel& viewM
     column->addWidget(toggle_);
     column->addWidget(original_);
     bind();
-    refresh();
 }
 
 void ResultCard::addHeader(QVBoxLayout& column) {
@@ -76,9 +76,8 @@ void ResultCard::bind() {
         showsOriginal_ = isChecked;
         refresh();
     });
-    subscriptions_.push_back(viewModel_.originalText().onDidChange([this](const std::string&) { refresh(); }));
-    subscriptions_.push_back(viewModel_.translation().onDidChange([this](const std::string&) { refresh(); }));
-    subscriptions_.push_back(viewModel_.isTranslating().onDidChange([this](bool) { refresh(); }));
+    changes_ = watch(std::tie(viewModel_.originalText(), viewModel_.translation(), viewModel_.isTranslating()),
+                     [this] { refresh(); });
 }
 
 void ResultCard::refresh() {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "base/published.h"
 #include "views/components/ov_surface.h"
@@ -41,7 +40,7 @@ private:
     QWidget* divider_;
     SourceToggle* toggle_;
     bool showsOriginal_ = false;
-    std::vector<Subscription> subscriptions_;
+    Subscription changes_;
 };
 
 }  // namespace ovrin

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "base/watch.h"
 #include "theme/ov_icon.h"
 #include "views/components/drawing.h"
 #include "views/components/ov_button.h"
@@ -47,8 +48,6 @@ ResultPanelComposer::ResultPanelComposer(ViewEnvironment& environment, ResultPan
     column->addLayout(row);
     column->addWidget(composer_);
     bind();
-    takeOverPrompt();
-    refresh();
 }
 
 void ResultPanelComposer::addSuggestions(QHBoxLayout& row) {
@@ -71,20 +70,12 @@ void ResultPanelComposer::bind() {
     connect(composer_, &QuestionComposer::scrollKeyPressed, this, &ResultPanelComposer::scrollKeyPressed);
     connect(&composer_->field(), &QTextEdit::textChanged, this,
             [this] { viewModel_.setFollowUpPrompt(composer_->field().toPlainText().toStdString()); });
-    const auto refreshing = [this](const auto& /*value*/) { refresh(); };
-    subscriptions_.push_back(viewModel_.followUpPrompt().onDidChange([this](const std::string&) {
-        takeOverPrompt();
-        refresh();
-    }));
-    subscriptions_.push_back(viewModel_.isAIStreaming().onDidChange(refreshing));
-    subscriptions_.push_back(viewModel_.followUps().onDidChange(refreshing));
-    subscriptions_.push_back(viewModel_.selectedAIAction().onDidChange(refreshing));
-    subscriptions_.push_back(viewModel_.aiOutput().onDidChange(refreshing));
-}
-
-// The model empties the field when the question is on its way.
-void ResultPanelComposer::takeOverPrompt() {
-    composer_->field().replaceText(toQString(viewModel_.followUpPrompt().value()));
+    // The model empties the field when the question is on its way.
+    prompt_ = watch(viewModel_.followUpPrompt(),
+                    [this](const std::string& prompt) { composer_->field().replaceText(toQString(prompt)); });
+    changes_ = watch(std::tie(viewModel_.followUpPrompt(), viewModel_.isAIStreaming(), viewModel_.followUps(),
+                              viewModel_.selectedAIAction(), viewModel_.aiOutput()),
+                     [this] { refresh(); });
 }
 
 void ResultPanelComposer::refresh() {

@@ -35,7 +35,6 @@ private:
     void addSuggestions(QHBoxLayout& row);
     void bind();
     void refresh();
-    void takeOverPrompt();
     void submit(std::string question, AIAction action);
     void submitPrompt();
 
@@ -43,7 +42,8 @@ private:
     QuestionComposer* composer_;
     OVIconButton* clear_;
     std::vector<OVButton*> suggestions_;
-    std::vector<Subscription> subscriptions_;
+    Subscription prompt_;
+    Subscription changes_;
 };
 
 }  // namespace ovrin

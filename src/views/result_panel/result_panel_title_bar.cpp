@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 
+#include "base/watch.h"
 #include "language/language_names.h"
 #include "views/components/drawing.h"
 #include "views/components/ov_brand_mark.h"
@@ -31,10 +32,8 @@ ResultPanelTitleBar::ResultPanelTitleBar(ViewEnvironment& environment, ResultPan
     addBrand(*row, brandImage);
     row->addStretch();
     addActions(*row);
-    subscriptions_.push_back(viewModel.isTranslating().onDidChange([this](bool) { refresh(); }));
-    subscriptions_.push_back(viewModel.translation().onDidChange([this](const std::string&) { refresh(); }));
-    subscriptions_.push_back(viewModel.showsImageOverlay().onDidChange([this](bool) { refresh(); }));
-    refresh();
+    changes_ = watch(std::tie(viewModel.isTranslating(), viewModel.translation(), viewModel.showsImageOverlay()),
+                     [this] { refresh(); });
 }
 
 void ResultPanelTitleBar::addBrand(QHBoxLayout& row, const Published<std::string>& brandImage) {

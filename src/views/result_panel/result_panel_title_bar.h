@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "base/published.h"
 #include "views/components/ov_widget.h"
@@ -34,7 +33,7 @@ private:
     ResultPanelViewModel& viewModel_;
     OVButton* translate_ = nullptr;
     OVIconButton* overlay_ = nullptr;
-    std::vector<Subscription> subscriptions_;
+    Subscription changes_;
 };
 
 }  // namespace ovrin

@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
+#include "base/watch.h"
 #include "views/components/ov_scroll_area.h"
 #include "views/result_panel/image_overlay_view.h"
 #include "views/result_panel/reading_flow.h"
@@ -30,18 +31,16 @@ ResultPanelView::ResultPanelView(ViewEnvironment& environment, ResultPanelViewMo
     connect(titleBar, &ResultPanelTitleBar::closeRequested, this, &ResultPanelView::closeRequested);
     connect(composer_, &ResultPanelComposer::scrollKeyPressed, this,
             [this](QKeyEvent* event) { QCoreApplication::sendEvent(reading_, event); });
-    const auto showing = [this](const auto& /*value*/) { showReadingOrOverlay(); };
-    subscriptions_.push_back(viewModel.showsImageOverlay().onDidChange(showing));
-    subscriptions_.push_back(viewModel.translation().onDidChange(showing));
     followConversation();
-    showReadingOrOverlay();
+    showing_ =
+        watch(std::tie(viewModel.showsImageOverlay(), viewModel.translation()), [this] { showReadingOrOverlay(); });
 }
 
 // A new question is what the user wants to see, whichever way it was asked; so is its answer as it comes.
 void ResultPanelView::followConversation() {
-    subscriptions_.push_back(viewModel_.isAIStreaming().onDidChange([this](bool isStreaming) {
+    streaming_ = viewModel_.isAIStreaming().onDidChange([this](bool isStreaming) {
         if (isStreaming) reading_->followBottom();
-    }));
+    });
     connect(composer_, &ResultPanelComposer::submitted, reading_, &OVScrollArea::followBottom);
     if (viewModel_.hasConversation()) reading_->followBottom();
 }

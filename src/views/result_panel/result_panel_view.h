@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "base/published.h"
 #include "views/components/ov_widget.h"
@@ -38,7 +37,8 @@ private:
     ImageOverlayView* overlay_ = nullptr;  // made when it is first asked for
     ResultPanelComposer* composer_;
     QVBoxLayout* column_;
-    std::vector<Subscription> subscriptions_;
+    Subscription showing_;
+    Subscription streaming_;
 };
 
 }  // namespace ovrin
