@@ -11,7 +11,6 @@
 #include <stop_token>
 #include <string>
 #include <utility>
-#include <variant>
 
 #include "app/app_icon_manager.h"
 #include "app/app_state.h"
@@ -104,7 +103,7 @@ public:
     // The program was started a second time.
     void applicationShouldHandleReopen();
     // False for a name that stands for nothing here.
-    bool perform(const std::string& commandName);
+    bool perform(const std::string& words);
 
     void captureOCR() override { appState_.startCapture(CaptureIntent::ocr); }
     void captureTranslate() override { appState_.startCapture(CaptureIntent::translate); }
@@ -127,9 +126,10 @@ public:
         return window == AppWindow::directAI || window == AppWindow::inputTranslate;
     }
     void showHistory() override { sayThatItIsMissing(); }
-    void showSettings() override { sayThatItIsMissing(); }
+    void showSettings(std::optional<SettingsSection> /*section*/) override { sayThatItIsMissing(); }
     bool isUpdateConfigured() const override { return false; }
     void checkForUpdates() override { showToast("自动更新尚未配置", "exclamationmark.triangle"); }
+    void reload() override;
     void quit() override { QApplication::quit(); }
 
 private:
@@ -138,7 +138,6 @@ private:
     InputTranslateViewModel::Services inputTranslateServices();
     AppState::Surroundings surroundings();
     void sayIfThereIsNoTray();
-    void reload();
     // Shortcuts and the palette name windows that this build has not; the menu does not offer them.
     void sayThatItIsMissing() { showToast("此版本还没有这个窗口。", "exclamationmark.triangle"); }
 
@@ -306,32 +305,14 @@ void AppDelegate::sayIfThereIsNoTray() {
 
 void AppDelegate::applicationShouldHandleReopen() {
     const QWidgetList windows = visibleWindows();
-    if (windows.isEmpty()) return has(AppWindow::settings) ? showSettings() : showCommandPalette();
+    if (windows.isEmpty()) return has(AppWindow::settings) ? showSettings(std::nullopt) : showCommandPalette();
     for (const QWidget* const window : windows) x11::activate(*window->windowHandle());
 }
 
-bool AppDelegate::perform(const std::string& commandName) {
-    const std::optional<RemoteCommand> command = remoteCommand(commandName);
-    if (!command) return false;
-    if (const auto* shortcut = std::get_if<OvShortcut>(&*command)) {
-        ovrin::perform(*shortcut, *this);
-        return true;
-    }
-    switch (std::get<ApplicationCommand>(*command)) {
-        case ApplicationCommand::history:
-            showHistory();
-            break;
-        case ApplicationCommand::settings:
-            showSettings();
-            break;
-        case ApplicationCommand::reload:
-            reload();
-            break;
-        case ApplicationCommand::quit:
-            quit();
-            break;
-    }
-    return true;
+bool AppDelegate::perform(const std::string& words) {
+    const std::optional<RemoteCommand> command = remoteCommand(words);
+    if (command) ovrin::perform(*command, *this, *this);
+    return command.has_value();
 }
 
 // Most preferences are read whenever they count. The cache may be waiting for the keychain, or for the user to unlock

@@ -2,6 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+
+#include "settings/settings_section.h"
 
 namespace ovrin {
 
@@ -16,12 +19,16 @@ public:
     virtual bool has(AppWindow window) const = 0;
 
     virtual void showHistory() = 0;
-    virtual void showSettings() = 0;
+    // On that page, or on the one that was on show last.
+    virtual void showSettings(std::optional<SettingsSection> section) = 0;
 
     // Whether the build knows where updates come from.
     virtual bool isUpdateConfigured() const = 0;
     // Says in a toast why not when it can't.
     virtual void checkForUpdates() = 0;
+
+    // Takes over what other processes have changed about the preferences and the key.
+    virtual void reload() = 0;
 
     virtual void quit() = 0;
 };

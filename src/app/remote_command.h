@@ -1,29 +1,31 @@
-// What other processes can have the running assistant do, by name: "ovrin do capture-ocr" and the session bus.
+// What other processes can have the running assistant do: "ovrin do capture-ocr", "ovrin do settings service" and the
+// session bus.
 #pragma once
 
-#include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
-#include "shortcuts/ov_shortcut.h"
+#include "app/application_actions.h"
+#include "settings/settings_section.h"
+#include "shortcuts/action.h"
+#include "shortcuts/assistant_actions.h"
 
 namespace ovrin {
 
-enum class ApplicationCommand : std::uint8_t {
-    history,
-    settings,
-    reload,  // what other processes have changed about the preferences and the key
-    quit
+struct RemoteCommand {
+    Action action;
+    std::optional<SettingsSection> section{};  // which page of the settings
 };
 
-using RemoteCommand = std::variant<OvShortcut, ApplicationCommand>;
+// What the words stand for, which are parted by one space; none when they stand for nothing.
+std::optional<RemoteCommand> remoteCommand(std::string_view words);
 
-// None for a name that stands for nothing.
-std::optional<RemoteCommand> remoteCommand(std::string_view name);
+// How a user writes each command, in the order in which help lists them.
+std::vector<std::string> remoteCommandUsages();
 
-// All names, in the order in which help lists them.
-std::vector<std::string_view> remoteCommandNames();
+void perform(ApplicationCommand command, std::optional<SettingsSection> section, ApplicationActions& application);
+void perform(const RemoteCommand& command, AssistantActions& actions, ApplicationActions& application);
 
 }  // namespace ovrin

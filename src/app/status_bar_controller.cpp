@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "app/remote_command.h"
+#include "base/text.h"
 #include "base/watch.h"
 
 namespace ovrin {
@@ -10,8 +12,9 @@ namespace {
 
 constexpr double busyAlpha = 0.58;
 
-std::string controlKeyText(char key) {
-    return std::string("⌃") + key;
+void setControlKey(MenuItem& item, char key) {
+    item.controlKey = key;
+    item.keyEquivalent = "⌃" + text::uppercased(std::string(1, key));
 }
 
 }  // namespace
@@ -59,47 +62,38 @@ void StatusBarController::menuDidClose() {
 }
 
 Menu StatusBarController::makeMenu() const {
-    ApplicationActions& application = surroundings_.application;
     Menu menu{
-        item("截图 OCR", OvShortcut::captureOCR, OVIcon::scanText),
-        item("截图翻译", OvShortcut::captureTranslate, OVIcon::languages),
-        item("截图问 AI", OvShortcut::askWhatIsThis, OVIcon::messageQuestion),
-        item("TalkBox", OvShortcut::directAskAI, OVIcon::sparkles),
-        item("输入翻译", OvShortcut::inputTranslate, OVIcon::languages),
-        item("命令面板", OvShortcut::commandPalette, OVIcon::command),
+        item(OvShortcut::captureOCR),
+        item(OvShortcut::captureTranslate),
+        item(OvShortcut::askWhatIsThis),
+        item(OvShortcut::directAskAI),
+        item(OvShortcut::inputTranslate),
+        item(OvShortcut::commandPalette),
         MenuItem::separator(),
         {.title = "划词与静默操作", .submenu = selectionMenu()},
         {.title = "剪贴板", .submenu = clipboardMenu()},
-        item("显示上次结果", OvShortcut::showResultWindow, OVIcon::history),
-        item("历史记录", AppWindow::history, OVIcon::clock, [&application] { application.showHistory(); }),
+        item(OvShortcut::showResultWindow),
+        item(ApplicationCommand::history),
         MenuItem::separator(),
     };
     if (auto row = statusRow()) menu.push_back(std::move(*row));
-    menu.push_back({.title = "检查更新…",
-                    .icon = OVIcon::refresh,
-                    .isEnabled = application.isUpdateConfigured(),
-                    .action = [&application] { application.checkForUpdates(); }});
-    MenuItem settings =
-        item("设置…", AppWindow::settings, OVIcon::settings, [&application] { application.showSettings(); });
-    settings.controlKey = ',';
-    settings.keyEquivalent = controlKeyText(',');
-    menu.push_back(std::move(settings));
+    menu.push_back(item(ApplicationCommand::checkForUpdates));
+    menu.push_back(item(ApplicationCommand::settings));
+    setControlKey(menu.back(), ',');
     menu.push_back(MenuItem::separator());
-    menu.push_back(
-        {.title = "退出 Ovrin", .keyEquivalent = controlKeyText('Q'), .controlKey = 'q', .action = [&application] {
-             application.quit();
-         }});
+    menu.push_back(item(ApplicationCommand::quit));
+    setControlKey(menu.back(), 'q');
     return menu;
 }
 
 Menu StatusBarController::selectionMenu() const {
-    return {item("划词翻译", OvShortcut::selectionTranslate),
-            item("静默划词翻译", OvShortcut::silentSelectionTranslate),
-            item("替换为译文", OvShortcut::silentInputTranslate), item("静默截图 OCR", OvShortcut::silentCaptureOCR)};
+    return {item(OvShortcut::selectionTranslate, Symbol::none),
+            item(OvShortcut::silentSelectionTranslate, Symbol::none),
+            item(OvShortcut::silentInputTranslate, Symbol::none), item(OvShortcut::silentCaptureOCR, Symbol::none)};
 }
 
 Menu StatusBarController::clipboardMenu() const {
-    return {item("剪贴板 OCR", OvShortcut::clipboardOCR), item("剪贴板翻译", OvShortcut::clipboardTranslate)};
+    return {item(OvShortcut::clipboardOCR, Symbol::none), item(OvShortcut::clipboardTranslate, Symbol::none)};
 }
 
 std::optional<MenuItem> StatusBarController::statusRow() const {
@@ -113,27 +107,33 @@ std::optional<MenuItem> StatusBarController::statusRow() const {
 }
 
 // An action that the user can also give a global shortcut; its keys choose the item too.
-MenuItem StatusBarController::item(std::string title, OvShortcut shortcut, std::optional<OVIcon> icon) const {
+MenuItem StatusBarController::item(OvShortcut shortcut, Symbol symbol) const {
     const auto& registry = surroundings_.registry;
-    return {.title = std::move(title),
-            .icon = icon,
+    const ActionDescription& action = description(shortcut);
+    return {.title = std::string(action.menuTitle()),
+            .icon = symbol == Symbol::shown ? std::optional(OVIcon(action.symbolName)) : std::nullopt,
             .keyEquivalent = registry.shortcutDisplay(name(shortcut)).value_or(""),
             .shortcut = registry.getShortcut(name(shortcut)),
             .isEnabled = isAvailable(shortcut),
             .action = [&actions = surroundings_.actions, shortcut] { perform(shortcut, actions); }};
 }
 
-MenuItem StatusBarController::item(std::string title, AppWindow window, OVIcon icon,
-                                   std::function<void()> action) const {
-    return {.title = std::move(title),
-            .icon = icon,
-            .isEnabled = surroundings_.application.has(window),
-            .action = std::move(action)};
+MenuItem StatusBarController::item(ApplicationCommand command) const {
+    const ActionDescription& action = description(command);
+    return {
+        .title = std::string(action.menuTitle()),
+        .icon = action.symbolName.empty() ? std::nullopt : std::optional(OVIcon(action.symbolName)),
+        .isEnabled = isAvailable(command),
+        .action = [command, &application = surroundings_.application] { perform(command, std::nullopt, application); }};
 }
 
-bool StatusBarController::isAvailable(OvShortcut shortcut) const {
-    if (shortcut == OvShortcut::directAskAI) return surroundings_.application.has(AppWindow::directAI);
-    if (shortcut == OvShortcut::inputTranslate) return surroundings_.application.has(AppWindow::inputTranslate);
+bool StatusBarController::isAvailable(Action action) const {
+    const ApplicationActions& application = surroundings_.application;
+    if (action == Action(OvShortcut::directAskAI)) return application.has(AppWindow::directAI);
+    if (action == Action(OvShortcut::inputTranslate)) return application.has(AppWindow::inputTranslate);
+    if (action == Action(ApplicationCommand::history)) return application.has(AppWindow::history);
+    if (action == Action(ApplicationCommand::settings)) return application.has(AppWindow::settings);
+    if (action == Action(ApplicationCommand::checkForUpdates)) return application.isUpdateConfigured();
     return true;
 }
 

@@ -2,6 +2,7 @@
 // through which everything is reached.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -9,6 +10,7 @@
 #include "app/application_actions.h"
 #include "base/published.h"
 #include "platform/status_item.h"
+#include "shortcuts/action.h"
 #include "shortcuts/assistant_actions.h"
 #include "shortcuts/registry.h"
 
@@ -47,12 +49,14 @@ private:
     void menuWillOpen();
     void menuDidClose();
 
-    MenuItem item(std::string title, OvShortcut shortcut, std::optional<OVIcon> icon = std::nullopt) const;
-    MenuItem item(std::string title, AppWindow window, OVIcon icon, std::function<void()> action) const;
+    enum class Symbol : std::uint8_t { shown, none };  // lines of submenus have none
+
+    MenuItem item(OvShortcut shortcut, Symbol symbol = Symbol::shown) const;
+    MenuItem item(ApplicationCommand command) const;
     Menu selectionMenu() const;
     Menu clipboardMenu() const;
     std::optional<MenuItem> statusRow() const;
-    bool isAvailable(OvShortcut shortcut) const;
+    bool isAvailable(Action action) const;
 
     Surroundings surroundings_;
     bool isMenuOpen_ = false;

@@ -82,14 +82,29 @@ private:
     Words words_;
 };
 
-template <typename Word>
-std::string joined(const std::vector<Word>& words) {
+std::string joined(const Words& words, const char* separator = " ") {
     std::string text;
-    for (const Word& word : words) {
-        if (!text.empty()) text += ' ';
+    for (const std::string& word : words) {
+        if (!text.empty()) text += separator;
         text += word;
     }
     return text;
+}
+
+// The actions of "do" as lines that a terminal of 120 columns holds.
+std::string actionLines() {
+    constexpr std::size_t longestLine = 118;
+    std::string lines;
+    std::string line = "Actions of do:";
+    for (const std::string& usage : remoteCommandUsages()) {
+        if (line.size() + usage.size() + 2 > longestLine) {
+            lines += line + "\n";
+            line = " ";
+        }
+        line += " " + usage + ",";
+    }
+    line.back() = '.';
+    return lines + line + "\n";
 }
 
 std::optional<std::string> joinedIfAny(const Words& words) {
@@ -144,11 +159,12 @@ Invocation parseAsk(CommandWords words) {
 
 Invocation parseDo(CommandWords commandWords) {
     const Words words = commandWords.takeOperands();
-    if (words.size() != 1) throw UsageError("do: ACTION expected, one of " + joined(remoteCommandNames()));
-    if (!remoteCommand(words[0])) {
-        throw UsageError("do: unknown action " + words[0] + "; there is " + joined(remoteCommandNames()));
+    if (words.empty()) throw UsageError("do: ACTION expected, one of " + joined(remoteCommandUsages(), ", "));
+    const std::string action = joined(words);
+    if (!remoteCommand(action)) {
+        throw UsageError("do: unknown action " + action + "; there is " + joined(remoteCommandUsages(), ", "));
     }
-    return Do{.action = words[0]};
+    return Do{.action = action};
 }
 
 Invocation parseConfigGet(CommandWords commandWords) {
@@ -246,9 +262,8 @@ Options:
   --to TAG     target language, such as zh-Hans, en or ja
   --no-stream  print the answer of translate or ask when it is complete
 
-Actions of do: capture-ocr, capture-translate, what-is-this, direct-ai, input-translate, selection, silent-selection,
-replace-selection, silent-capture-ocr, clipboard-ocr, clipboard-translate, latest, command-palette, history, settings,
-reload (take over what "ovrin config" has changed, which also asks for it), quit.
+)" + actionLines() +
+           R"(  reload takes over what "ovrin config" has changed, which also asks for it by itself.
 
 Pictures may be PNG, JPEG, WebP, BMP, GIF or TIFF.
 The model service comes from the preferences, or from OVRIN_BASE_URL, OVRIN_API_KEY and OVRIN_API_STANDARD.

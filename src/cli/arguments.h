@@ -46,7 +46,7 @@ struct Ask {
 };
 
 struct Do {
-    std::string action;  // a name of app/remote_command.h
+    std::string action;  // the words of app/remote_command.h
 };
 
 struct ConfigGet {

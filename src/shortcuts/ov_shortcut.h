@@ -47,9 +47,6 @@ KeyboardShortcuts::Name name(OvShortcut shortcut);
 // The display title, which also identifies the shortcut's row in lists.
 std::string_view title(OvShortcut shortcut);
 
-// What the command line and the palette call the action, such as "capture-ocr".
-std::string_view commandName(OvShortcut shortcut);
-
 // The names of all, for enabling and disabling them together.
 std::vector<KeyboardShortcuts::Name> allOvShortcutNames();
 

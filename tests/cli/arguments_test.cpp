@@ -75,10 +75,16 @@ TEST(Arguments, MistakesAreNamed) {
 
 TEST(Arguments, EveryActionOfDoIsNamedInItsHelpAndInItsErrors) {
     EXPECT_THAT(usageError({"do"}), HasSubstr("ACTION expected"));
-    for (const std::string_view name : remoteCommandNames()) {
-        EXPECT_THAT(helpText(), HasSubstr(std::string(name)));
-        EXPECT_THAT(usageError({"do", "nothing"}), HasSubstr(std::string(name)));
+    for (const std::string& usage : remoteCommandUsages()) {
+        EXPECT_THAT(helpText(), HasSubstr(" " + usage));
+        EXPECT_THAT(usageError({"do", "nothing"}), HasSubstr(usage));
     }
+    EXPECT_EQ(parsed<Do>({"do", "settings", "service"}).action, "settings service");
+    EXPECT_EQ(remoteCommand("settings service")->section, SettingsSection::service);
+    for (const auto& words : {std::vector<std::string>{"do", "settings", "servic"},
+                              {"do", "history", "service"},
+                              {"do", "settings", "service", "about"}})
+        EXPECT_THAT(usageError(words), HasSubstr("unknown action"));
 }
 
 TEST(Arguments, KeyThatIsGivenAsAnArgumentIsNotRepeated) {

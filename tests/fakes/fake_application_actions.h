@@ -1,7 +1,9 @@
 // The program's own actions, written down.
 #pragma once
 
+#include <optional>
 #include <set>
+#include <string>
 
 #include "app/application_actions.h"
 #include "fakes/journal.h"
@@ -18,9 +20,12 @@ public:
 
     bool has(AppWindow window) const override { return windows.contains(window); }
     void showHistory() override { journal_.add("showHistory"); }
-    void showSettings() override { journal_.add("showSettings"); }
+    void showSettings(std::optional<SettingsSection> section) override {
+        journal_.add(section ? "showSettings " + std::string(commandName(*section)) : "showSettings");
+    }
     bool isUpdateConfigured() const override { return knowsUpdates; }
     void checkForUpdates() override { journal_.add("checkForUpdates"); }
+    void reload() override { journal_.add("reload"); }
     void quit() override { journal_.add("quit"); }
 
 private:
