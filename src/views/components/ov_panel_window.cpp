@@ -154,7 +154,9 @@ void OVPanelWindow::setMargin(int margin) {
 
 void OVPanelWindow::layOut() {
     const int line = isFilling() ? 0 : lineWidth;  // which the content leaves visible
-    if (content_ != nullptr) content_->setGeometry(frameInWindow().adjusted(line, line, -line, -line));
+    const QRect inside = frameInWindow().adjusted(line, line, -line, -line);
+    if (content_ != nullptr) content_->setGeometry(inside);
+    layOutAbove(inside);
     for (Edge* const edge : edges_) {
         edge->setVisible(!isFilling());
         edge->placeAround(frameInWindow());

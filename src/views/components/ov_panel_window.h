@@ -52,6 +52,9 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
 
+    // Places what a window has over its content, between that and the edges.
+    virtual void layOutAbove(const QRect& /*content*/) {}
+
 private:
     class Edge;
 

@@ -8,10 +8,6 @@
 
 namespace ovrin {
 
-namespace {
-constexpr int reducedDuration = 120;  // milliseconds
-}
-
 SpringAnimation::SpringAnimation(const ViewEnvironment& environment, theme::Spring spring,
                                  std::function<void(double)> update, QObject* parent)
     : QAbstractAnimation(parent),
@@ -39,13 +35,13 @@ void SpringAnimation::jumpTo(double value) {
 }
 
 int SpringAnimation::duration() const {
-    if (environment_.settings().reducesMotion) return reducedDuration;
+    if (environment_.settings().reducesMotion) return reducedDuration_;
     return settlingDuration_ + static_cast<int>(goalBefore_ == goal_ ? 0 : blendDuration_);
 }
 
 double SpringAnimation::valueAt(double milliseconds) const {
     if (environment_.settings().reducesMotion) {
-        return from_ + (goal_ - from_) * theme::easeOut(milliseconds / reducedDuration);
+        return from_ + (goal_ - from_) * theme::easeOut(milliseconds / reducedDuration_);
     }
     const std::chrono::duration<double, std::milli> elapsed(milliseconds);
     const double blended = milliseconds < blendDuration_ ? milliseconds / blendDuration_ : 1;

@@ -17,9 +17,10 @@ public:
     SpringAnimation(const ViewEnvironment& environment, theme::Spring spring, std::function<void(double)> update,
                     QObject* parent = nullptr);
 
-    // Starts towards the goal from the present value and speed. Under reduced motion it is a short ease-out of 0.12 s
-    // instead.
+    // Starts towards the goal from the present value and speed. Under reduced motion it is a short ease-out instead.
     void animateTo(double goal);
+    // How long that takes, in milliseconds; 120 unless told otherwise.
+    void setReducedDuration(int milliseconds) { reducedDuration_ = milliseconds; }
 
     // Goes there without motion.
     void jumpTo(double value);
@@ -39,6 +40,7 @@ private:
     std::function<void(double)> update_;
     int settlingDuration_;  // milliseconds, as the others
     double blendDuration_;
+    int reducedDuration_ = 120;
     double from_ = 0;
     double startSpeed_ = 0;  // units a millisecond
     double goalBefore_ = 0;  // from which the goal is blended over

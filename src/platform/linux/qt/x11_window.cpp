@@ -64,6 +64,20 @@ xcb_timestamp_t serverTime() {
     return XCB_CURRENT_TIME;
 }
 
+void askWindowManager(xcb_connection_t* connection, QWindow& window, std::string_view what,
+                      const std::array<std::uint32_t, 3>& data) {
+    xcb_client_message_event_t request{};
+    request.response_type = XCB_CLIENT_MESSAGE;
+    request.format = 32;
+    request.window = static_cast<xcb_window_t>(window.winId());
+    request.type = atomNamed(connection, what);
+    std::ranges::copy(data, request.data.data32);
+    xcb_send_event(connection, 0, rootOf(connection),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&request));
+    xcb_flush(connection);
+}
+
 }  // namespace
 
 bool knowsOwnShadows() {
@@ -118,17 +132,22 @@ void activate(QWindow& window) {
     xcb_connection_t* const connection = toolkitConnection();
     if (connection == nullptr || !isSupported(connection, "_NET_ACTIVE_WINDOW")) return window.requestActivate();
     constexpr std::uint32_t fromTheUser = 2;  // the source indication of pagers and task bars
-    xcb_client_message_event_t request{};
-    request.response_type = XCB_CLIENT_MESSAGE;
-    request.format = 32;
-    request.window = static_cast<xcb_window_t>(window.winId());
-    request.type = atomNamed(connection, "_NET_ACTIVE_WINDOW");
-    request.data.data32[0] = fromTheUser;
-    request.data.data32[1] = serverTime();
-    xcb_send_event(connection, 0, rootOf(connection),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                   reinterpret_cast<const char*>(&request));
-    xcb_flush(connection);
+    askWindowManager(connection, window, "_NET_ACTIVE_WINDOW", {fromTheUser, serverTime(), 0});
+}
+
+bool showWindowMenu(QWindow& window) {
+    xcb_connection_t* const connection = toolkitConnection();
+    if (connection == nullptr || !isSupported(connection, "_GTK_SHOW_WINDOW_MENU")) return false;
+    const X11Reply<xcb_query_pointer_reply_t> pointer(
+        xcb_query_pointer_reply(connection, xcb_query_pointer(connection, rootOf(connection)), nullptr));
+    if (!pointer) return false;
+    // The press that asks for the menu holds the pointer, which the menu needs.
+    xcb_ungrab_pointer(connection, XCB_CURRENT_TIME);
+    constexpr std::uint32_t anyDevice = 0;
+    askWindowManager(
+        connection, window, "_GTK_SHOW_WINDOW_MENU",
+        {anyDevice, static_cast<std::uint32_t>(pointer->root_x), static_cast<std::uint32_t>(pointer->root_y)});
+    return true;
 }
 
 }  // namespace ovrin::x11

@@ -31,4 +31,7 @@ void keepOnEveryWorkspace(QWindow& window);
 // to refuse: the request is made in the user's name, at the server's present time.
 void activate(QWindow& window);
 
+// Has the window manager show its menu of the window at the pointer. False where it knows no such request.
+bool showWindowMenu(QWindow& window);
+
 }  // namespace ovrin::x11
