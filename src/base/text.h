@@ -37,6 +37,23 @@ enum class CaseRules { general, turkic };
 // From LC_ALL, LC_CTYPE and LANG, in this order.
 CaseRules caseRules(const Environment& environment);
 
+// The user's alphabetical order, from LC_ALL, LC_COLLATE and LANG, without regard to letter case. Immutable after
+// construction.
+class CaseInsensitiveOrder {
+public:
+    explicit CaseInsensitiveOrder(const Environment& environment);
+    ~CaseInsensitiveOrder();
+    CaseInsensitiveOrder(CaseInsensitiveOrder&&) noexcept;
+    CaseInsensitiveOrder& operator=(CaseInsensitiveOrder&&) noexcept;
+
+    // Below 0, 0 or above it as the first text comes before, with or after the second.
+    int compare(std::string_view first, std::string_view second) const;
+
+private:
+    struct Rules;
+    std::unique_ptr<const Rules> rules_;
+};
+
 // A text to be looked for in many others without regard to letter case. Diacritics and width do count, canonically
 // equivalent spellings match, and a match begins and ends between user-perceived characters (e is not found in é).
 // The empty query is found everywhere. Immutable after construction.
