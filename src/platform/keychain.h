@@ -40,6 +40,9 @@ public:
     // Deletes the item; keychainItemNotFound when there is none.
     virtual KeychainStatus remove(const KeychainItem& item) = 0;
 
+    // Whether secrets are kept in a file, because the platform has no store that answers.
+    virtual bool isKeptInFile() = 0;
+
     // What a status means, in the user's language and without any secret; none for one the store does not know.
     virtual std::optional<std::string> message(KeychainStatus status) const = 0;
 };

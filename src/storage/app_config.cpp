@@ -1,7 +1,8 @@
 #include "storage/app_config.h"
 
-#include <initializer_list>
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -12,11 +13,35 @@
 namespace ovrin {
 namespace {
 
-std::optional<std::string> firstSet(const Environment& environment, std::initializer_list<std::string_view> names) {
-    for (const std::string_view name : names) {
-        if (auto value = environment.value(name)) return value;
-    }
-    return std::nullopt;
+constexpr std::array modelPreferences{preference::apiStandard, preference::connectionURL, preference::model,
+                                      preference::maxOutputTokens, preference::legacyAPIKey};
+
+using Names = std::vector<std::string_view>;
+
+// In the order in which they count.
+Names connectionURLVariables(ModelAPIStandard standard) {
+    if (standard == ModelAPIStandard::anthropic) return {"OVRIN_BASE_URL", "ANTHROPIC_BASE_URL"};
+    return {"OVRIN_BASE_URL", "OPENAI_BASE_URL", "DEEPSEEK_BASE_URL"};
+}
+
+Names apiKeyVariables(ModelAPIStandard standard) {
+    if (standard == ModelAPIStandard::anthropic) return {"OVRIN_API_KEY", "ANTHROPIC_API_KEY"};
+    return {"OVRIN_API_KEY", "OPENAI_API_KEY", "DEEPSEEK_API_KEY"};
+}
+
+std::optional<std::string> firstSet(const Environment& environment, const Names& names) {
+    const auto set = std::ranges::find_if(names, [&](auto name) { return environment.value(name).has_value(); });
+    if (set == names.end()) return std::nullopt;
+    return std::string(*set);
+}
+
+std::optional<std::string> firstValue(const Environment& environment, const Names& names) {
+    const auto name = firstSet(environment, names);
+    return name ? environment.value(*name) : std::nullopt;
+}
+
+std::optional<std::string> nameIf(bool counts, std::string_view name) {
+    return counts ? std::optional<std::string>(name) : std::nullopt;
 }
 
 std::map<std::string, std::string> decodedHeaders(std::string_view document) {
@@ -66,11 +91,18 @@ std::string AppConfig::connectionURL() const {
 }
 
 std::string AppConfig::connectionURL(const Environment& environment, ModelAPIStandard standard) const {
-    auto url = standard == ModelAPIStandard::anthropic
-                   ? firstSet(environment, {"OVRIN_BASE_URL", "ANTHROPIC_BASE_URL"})
-                   : firstSet(environment, {"OVRIN_BASE_URL", "OPENAI_BASE_URL", "DEEPSEEK_BASE_URL"});
+    auto url = firstValue(environment, connectionURLVariables(standard));
     if (!url) url = defaults_.string(preference::connectionURL);
     return url.value_or(std::string(ModelAPIConfiguration::defaultOpenAIConnectionURL));
+}
+
+std::string AppConfig::model() const {
+    return defaults_.string(preference::model).value_or(std::string(ModelAPIConfiguration::defaultOpenAIModel));
+}
+
+std::int64_t AppConfig::maxOutputTokens() const {
+    const std::int64_t stored = defaults_.integer(preference::maxOutputTokens);
+    return stored > 0 ? stored : ModelAPIConfiguration::defaultMaxOutputTokens;
 }
 
 std::optional<std::string> AppConfig::apiKey() const {
@@ -79,17 +111,26 @@ std::optional<std::string> AppConfig::apiKey() const {
 }
 
 std::optional<std::string> AppConfig::apiKey(const Environment& environment, ModelAPIStandard standard) const {
-    auto key = standard == ModelAPIStandard::anthropic
-                   ? firstSet(environment, {"OVRIN_API_KEY", "ANTHROPIC_API_KEY"})
-                   : firstSet(environment, {"OVRIN_API_KEY", "OPENAI_API_KEY", "DEEPSEEK_API_KEY"});
-    if (key) return key;
-    try {
-        key = keychain_.resolveString(std::string(apiKeyAccount));
-    } catch (const KeychainStore::KeychainError&) {
-        key.reset();  // a keychain that cannot be read counts as one that holds nothing
-    }
-    if (key && !key->empty()) return key;
+    return apiKey(environment, standard, [this](const std::string& account) -> std::optional<std::string> {
+        try {
+            return keychain_.resolveString(account);
+        } catch (const KeychainStore::KeychainError&) {
+            return std::nullopt;  // a keychain that cannot be read counts as one that holds nothing
+        }
+    });
+}
+
+std::optional<std::string> AppConfig::apiKey(const Environment& environment, ModelAPIStandard standard,
+                                             const ReadSecret& read) const {
+    if (auto key = firstValue(environment, apiKeyVariables(standard))) return key;
+    if (auto key = read(std::string(apiKeyAccount)); key && !key->empty()) return key;
     return defaults_.string(preference::legacyAPIKey);
+}
+
+std::optional<std::string> AppConfig::rereadAPIKey() const {
+    const Environment environment = environment_();
+    return apiKey(environment, apiStandard(environment),
+                  [this](const std::string& account) { return keychain_.rereadString(account); });
 }
 
 std::map<std::string, std::string> AppConfig::customHeaders() const {
@@ -100,17 +141,40 @@ std::map<std::string, std::string> AppConfig::customHeaders() const {
     }
 }
 
+std::map<std::string, std::string> AppConfig::rereadCustomHeaders() const {
+    return decodedHeaders(keychain_.rereadString(std::string(customHeadersAccount)).value_or(""));
+}
+
+AppConfig::Overrides AppConfig::overrides() const {
+    const Environment environment = environment_();
+    const ModelAPIStandard standard = apiStandard(environment);
+    const auto named = [&](const char* name) { return environment.value(name).value_or(""); };
+    return {.apiStandard = nameIf(modelAPIStandard(named("OVRIN_API_STANDARD")).has_value(), "OVRIN_API_STANDARD"),
+            .connectionURL = firstSet(environment, connectionURLVariables(standard)),
+            .apiKey = firstSet(environment, apiKeyVariables(standard)),
+            .appearanceMode = nameIf(appAppearanceMode(named("OVRIN_APPEARANCE")).has_value(), "OVRIN_APPEARANCE")};
+}
+
+std::optional<std::string> AppConfig::apiKeyOverride() const {
+    const Environment environment = environment_();
+    return firstValue(environment, apiKeyVariables(apiStandard(environment)));
+}
+
+bool AppConfig::namesModelService() const {
+    const Overrides given = overrides();
+    if (given.apiStandard || given.connectionURL || given.apiKey) return true;
+    return std::ranges::any_of(modelPreferences, [this](auto key) { return defaults_.contains(key); });
+}
+
 ModelAPIConfiguration AppConfig::modelAPIConfiguration() const {
     const Environment environment = environment_();
     const ModelAPIStandard standard = apiStandard(environment);
-    const std::int64_t limit = defaults_.integer(preference::maxOutputTokens);
-    return {
-        .standard = standard,
-        .connectionURL = connectionURL(environment, standard),
-        .apiKey = apiKey(environment, standard).value_or(""),
-        .model = defaults_.string(preference::model).value_or(std::string(ModelAPIConfiguration::defaultOpenAIModel)),
-        .customHeaders = customHeaders(),
-        .maxOutputTokens = limit > 0 ? limit : ModelAPIConfiguration::defaultMaxOutputTokens};
+    return {.standard = standard,
+            .connectionURL = connectionURL(environment, standard),
+            .apiKey = apiKey(environment, standard).value_or(""),
+            .model = model(),
+            .customHeaders = customHeaders(),
+            .maxOutputTokens = maxOutputTokens()};
 }
 
 void AppConfig::saveCustomHeaders(const std::map<std::string, std::string>& headers) {
@@ -125,8 +189,7 @@ void AppConfig::saveCustomHeaders(const std::map<std::string, std::string>& head
 void AppConfig::resetModelConfiguration() {
     keychain_.deleteString(std::string(apiKeyAccount));
     keychain_.deleteString(std::string(customHeadersAccount));
-    defaults_.remove({preference::apiStandard, preference::connectionURL, preference::model,
-                      preference::maxOutputTokens, preference::legacyAPIKey});
+    defaults_.remove({modelPreferences.begin(), modelPreferences.end()});
 }
 
 void AppConfig::migrateLegacyAPIKeyIfNeeded() {

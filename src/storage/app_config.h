@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -41,9 +42,30 @@ public:
     // The model connection.
     ModelAPIStandard apiStandard() const;
     std::string connectionURL() const;
+    std::string model() const;
+    std::int64_t maxOutputTokens() const;
     std::optional<std::string> apiKey() const;                 // may ask the keychain, which may take its time
     std::map<std::string, std::string> customHeaders() const;  // likewise; empty on any problem
     ModelAPIConfiguration modelAPIConfiguration() const;       // not validated
+
+    // The same with the keychain asked anew. Throw KeychainStore::KeychainError when it cannot be read.
+    std::optional<std::string> rereadAPIKey() const;
+    std::map<std::string, std::string> rereadCustomHeaders() const;
+
+    // The environment variables that give a value now, by name.
+    struct Overrides {
+        std::optional<std::string> apiStandard;
+        std::optional<std::string> connectionURL;
+        std::optional<std::string> apiKey;
+        std::optional<std::string> appearanceMode;
+    };
+    Overrides overrides() const;
+
+    // The key that the environment gives, if it does. Does not ask the keychain.
+    std::optional<std::string> apiKeyOverride() const;
+
+    // Whether the environment or the preferences say anything about the model service. Does not ask the keychain.
+    bool namesModelService() const;
 
     // The empty map deletes what is stored. Throws KeychainStore::KeychainError.
     void saveCustomHeaders(const std::map<std::string, std::string>& headers);
@@ -67,8 +89,12 @@ public:
     static std::string normalizeLanguageTag(std::string_view tag);
 
 private:
+    using ReadSecret = std::function<std::optional<std::string>(const std::string& account)>;
+
     std::string connectionURL(const Environment& environment, ModelAPIStandard standard) const;
     std::optional<std::string> apiKey(const Environment& environment, ModelAPIStandard standard) const;
+    std::optional<std::string> apiKey(const Environment& environment, ModelAPIStandard standard,
+                                      const ReadSecret& read) const;
     ModelAPIStandard apiStandard(const Environment& environment) const;
 
     DefaultsStore& defaults_;

@@ -19,7 +19,7 @@ KeychainStore::KeychainError::KeychainError(KeychainStatus status, std::string d
 KeychainStore::KeychainError KeychainStore::KeychainError::unexpectedStatus(KeychainStatus status,
                                                                             const Keychain& keychain) {
     auto message = keychain.message(status);
-    return {status, message ? std::move(*message) : "Keychain 错误：" + std::to_string(status)};
+    return {status, message ? std::move(*message) : "密钥环错误：" + std::to_string(status)};
 }
 
 std::optional<std::string> KeychainStore::MemoryCache::resolve(const std::string& account, const Loader& loader) {
@@ -55,6 +55,16 @@ std::optional<std::string> KeychainStore::readString(const std::string& account)
 
 std::optional<std::string> KeychainStore::resolveString(const std::string& account) {
     return cache_.resolve(account, [&] { return readString(account); });
+}
+
+std::optional<std::string> KeychainStore::rereadString(const std::string& account) {
+    auto found = readString(account);
+    if (found) {
+        cache_.setValue(account, *found);
+    } else {
+        cache_.setMissing(account);
+    }
+    return found;
 }
 
 void KeychainStore::writeString(const std::string& value, const std::string& account) {

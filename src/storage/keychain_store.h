@@ -63,11 +63,16 @@ public:
     // The same through the cache: what everybody but the cache calls.
     std::optional<std::string> resolveString(const std::string& account);
 
+    // Straight from the store, and the cache takes it over. Throws KeychainError and then leaves the cache as it was.
+    std::optional<std::string> rereadString(const std::string& account);
+
     // Replaces or makes the item. Throws KeychainError and then leaves the cache as it was.
     void writeString(const std::string& value, const std::string& account);
 
     // Deletes the item, if there is one. Throws KeychainError and then leaves the cache as it was.
     void deleteString(const std::string& account);
+
+    bool isKeptInFile() const { return keychain_.isKeptInFile(); }
 
     MemoryCache& cache() { return cache_; }
 

@@ -17,6 +17,7 @@ public:
     std::map<std::string, std::string> items;        // account to data
     std::map<std::string, KeychainStatus> failures;  // operation ("add") to the status it answers
     std::map<KeychainStatus, std::string> messages;
+    bool isFile = false;
     std::vector<std::string> calls;  // "update deepseek-api-key", in order
 
     KeychainMatch copyMatching(const KeychainItem& item) override {
@@ -47,6 +48,11 @@ public:
         const std::lock_guard guard(lock_);
         if (const auto failure = note("remove", item)) return *failure;
         return items.erase(item.account) == 0 ? keychainItemNotFound : keychainSuccess;
+    }
+
+    bool isKeptInFile() override {
+        const std::lock_guard guard(lock_);
+        return isFile;
     }
 
     std::optional<std::string> message(KeychainStatus status) const override {

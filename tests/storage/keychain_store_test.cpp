@@ -57,7 +57,7 @@ TEST_F(KeychainStoreTest, ReadsOncePerAccount) {
 
 TEST_F(KeychainStoreTest, AFailedReadIsThrownOnceAndThenCountsAsMissing) {
     keychain.failures["copyMatching"] = -25308;
-    EXPECT_EQ(failureOf([&] { store.resolveString("account"); }), "Keychain 错误：-25308");
+    EXPECT_EQ(failureOf([&] { store.resolveString("account"); }), "密钥环错误：-25308");
     keychain.failures.clear();
     keychain.items["account"] = "secret";
     EXPECT_EQ(store.resolveString("account"), std::nullopt);
@@ -73,7 +73,7 @@ TEST_F(KeychainStoreTest, FailedChangesLeaveTheCacheAlone) {
     store.writeString("known", "account");
     keychain.failures = {{"update", -1}, {"remove", -2}};
     keychain.messages[-2] = "钥匙串已锁定";
-    EXPECT_EQ(failureOf([&] { store.writeString("sk-new", "account"); }), "Keychain 错误：-1");
+    EXPECT_EQ(failureOf([&] { store.writeString("sk-new", "account"); }), "密钥环错误：-1");
     EXPECT_EQ(failureOf([&] { store.deleteString("account"); }), "钥匙串已锁定");
     EXPECT_THAT(store.resolveString("account"), Optional(std::string("known")));
     keychain.failures = {{"add", -3}};

@@ -74,6 +74,10 @@ KeychainStatus LinuxKeychain::remove(const KeychainItem& item) {
     });
 }
 
+bool LinuxKeychain::isKeptInFile() {
+    return !service_.isAvailable();
+}
+
 std::optional<std::string> LinuxKeychain::message(KeychainStatus status) const {
     return keychainMessage(status);
 }

@@ -23,6 +23,7 @@ public:
     KeychainStatus update(const KeychainItem& item, std::string_view data) override;
     KeychainStatus add(const KeychainItem& item, std::string_view data) override;
     KeychainStatus remove(const KeychainItem& item) override;
+    bool isKeptInFile() override;
     std::optional<std::string> message(KeychainStatus status) const override;
 
 private:

@@ -360,6 +360,10 @@ KeychainStatus SecretService::remove(const KeychainItem& item) const {
     return perform([item](Session& session) { return KeychainMatch{.status = session.remove(item)}; }).status;
 }
 
+bool SecretService::isAvailable() const {
+    return perform([](Session& /*opened*/) { return KeychainMatch(); }).status != keychainUnavailable;
+}
+
 KeychainMatch SecretService::converse(Call& call, const Operation& operation) {
     Session session(call);
     const KeychainStatus opened = session.open();

@@ -34,6 +34,9 @@ public:
     KeychainStatus store(const KeychainItem& item, std::string_view data) const;    // in the default collection
     KeychainStatus remove(const KeychainItem& item) const;                          // keychainItemNotFound: none there
 
+    // False where the others would answer keychainUnavailable.
+    bool isAvailable() const;
+
 private:
     class Call;
     class Session;
