@@ -1,5 +1,3 @@
-#include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -7,6 +5,7 @@
 
 #include "app/app_icon_manager.h"
 #include "app/appearance_manager.h"
+#include "fakes/fake_application_icon.h"
 #include "fakes/fake_keychain.h"
 #include "fakes/journal.h"
 #include "fakes/temporary_directory.h"
@@ -36,17 +35,6 @@ TEST(AppearanceManager, FollowsTheDesktopUnlessTheUserChose) {
     desktop.set({});
     EXPECT_EQ(appearance(), Appearance::dark);
 }
-
-class FakeApplicationIcon final : public ApplicationIcon {
-public:
-    explicit FakeApplicationIcon(Journal& journal) : journal_(journal) {}
-    std::set<std::string, std::less<>> images{"EntranceIconLight", "EntranceIconDark"};
-    bool hasImage(std::string_view asset) const override { return images.contains(asset); }
-    void setImage(std::string_view asset) override { journal_.add(std::string(asset)); }
-
-private:
-    Journal& journal_;
-};
 
 class AppIconManagerTest : public testing::Test {
 protected:

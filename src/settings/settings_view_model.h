@@ -1,0 +1,88 @@
+// What the settings window shows and does: its pages, and the values of the settings store.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "base/published.h"
+#include "settings/settings_section.h"
+#include "settings/settings_store.h"
+
+namespace ovrin {
+
+class ApplicationActions;
+class HistoryStore;
+class SimulateKeyboard;
+
+// Main thread.
+class SettingsViewModel {
+public:
+    // All of it outlives the view model.
+    struct Services {
+        SettingsStore::Surroundings store;
+        SimulateKeyboard& keyboard;
+        HistoryStore& history;
+        ApplicationActions& application;  // updates
+        std::string version;              // of the running program: 版本 1.2（34）
+    };
+
+    // The row 辅助功能 of the advanced page.
+    struct Accessibility {
+        bool isTrusted = false;  // success, else warning
+        std::string detail = {};
+        std::string pill = {};
+
+        bool operator==(const Accessibility&) const = default;
+    };
+
+    // The pill and text of the connection state.
+    struct ConnectionStatus {
+        enum class Kind : std::uint8_t { neutral, active, success, error };
+
+        Kind kind = Kind::neutral;
+        std::string pill = {};     // the state in a word or two
+        std::string message = {};  // the failure; empty in the other states, which the pill says in full
+
+        bool operator==(const ConnectionStatus&) const = default;
+    };
+
+    explicit SettingsViewModel(Services services);
+    ~SettingsViewModel() = default;
+    SettingsViewModel(const SettingsViewModel&) = delete;
+    SettingsViewModel& operator=(const SettingsViewModel&) = delete;
+
+    SettingsStore& store() { return store_; }
+
+    // The page on view. movesForward: which way the page came, set before the selection changes.
+    const Published<SettingsSection>& selection() const { return selection_; }
+    bool movesForward() const { return movesForward_; }
+    void select(SettingsSection section);
+    // Round and round: Control+Tab and Control+Shift+Tab.
+    void selectNext();
+    void selectPrevious();
+
+    const Published<Accessibility>& accessibility() const { return accessibility_; }
+    const Published<ConnectionStatus>& connectionStatus() const { return connectionStatus_; }
+
+    // The window comes up, or the program comes to the front: what may have been changed by other means is read anew.
+    void refresh();
+
+    // After the user's confirmation.
+    void clearHistory();
+
+    // About page.
+    const std::string& version() const { return services_.version; }
+    bool isUpdateConfigured() const;
+    void checkForUpdates();
+
+private:
+    Services services_;
+    SettingsStore store_;
+    Published<SettingsSection> selection_{SettingsSection::general};
+    bool movesForward_ = false;
+    Published<Accessibility> accessibility_;
+    Published<ConnectionStatus> connectionStatus_;
+    Subscription connectionState_;
+};
+
+}  // namespace ovrin
