@@ -17,28 +17,32 @@ std::optional<fs::path> absolutePath(const Environment& environment, std::string
     return fs::path(*value);
 }
 
-fs::path directory(const Environment& environment, std::string_view variable, std::string_view belowHome) {
-    if (const auto base = absolutePath(environment, variable)) return *base / ownName;
-    if (const auto home = absolutePath(environment, "HOME")) return *home / belowHome / ownName;
-    return absolutePath(environment, "TMPDIR").value_or("/tmp") / ownName;
+fs::path baseDirectory(const Environment& environment, std::string_view variable, std::string_view belowHome) {
+    if (const auto base = absolutePath(environment, variable)) return *base;
+    if (const auto home = absolutePath(environment, "HOME")) return *home / belowHome;
+    return absolutePath(environment, "TMPDIR").value_or("/tmp");
 }
 
 }  // namespace
 
+fs::path userConfigurationDirectory(const Environment& environment) {
+    return baseDirectory(environment, "XDG_CONFIG_HOME", ".config");
+}
+
 fs::path configurationDirectory(const Environment& environment) {
-    return directory(environment, "XDG_CONFIG_HOME", ".config");
+    return userConfigurationDirectory(environment) / ownName;
 }
 
 fs::path applicationSupportDirectory(const Environment& environment) {
-    return directory(environment, "XDG_DATA_HOME", ".local/share");
+    return baseDirectory(environment, "XDG_DATA_HOME", ".local/share") / ownName;
 }
 
 fs::path stateDirectory(const Environment& environment) {
-    return directory(environment, "XDG_STATE_HOME", ".local/state");
+    return baseDirectory(environment, "XDG_STATE_HOME", ".local/state") / ownName;
 }
 
 fs::path cacheDirectory(const Environment& environment) {
-    return directory(environment, "XDG_CACHE_HOME", ".cache");
+    return baseDirectory(environment, "XDG_CACHE_HOME", ".cache") / ownName;
 }
 
 fs::path preferencesFile(const Environment& environment) {

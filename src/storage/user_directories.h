@@ -7,6 +7,9 @@
 
 namespace ovrin {
 
+// That of all programs: $XDG_CONFIG_HOME, else ~/.config; the temporary directory when the environment names no home.
+std::filesystem::path userConfigurationDirectory(const Environment& environment);
+
 // $XDG_CONFIG_HOME/Ovrin, else ~/.config/Ovrin; under the temporary directory when the environment names no home.
 std::filesystem::path configurationDirectory(const Environment& environment);
 

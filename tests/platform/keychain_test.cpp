@@ -109,6 +109,7 @@ TEST_F(KeychainTest, WithoutAServiceAPrivateFileKeepsSecrets) {
     const PrivateBus bus;  // nobody on it offers the service
     for (const std::string& address : {std::string("unix:path=/nowhere"), bus.address()}) {
         LinuxKeychain keychain = keychainOn(address);
+        EXPECT_TRUE(keychain.isKeptInFile());
         EXPECT_EQ(keychain.copyMatching(apiKey).status, keychainItemNotFound);
         EXPECT_EQ(keychain.update(apiKey, "one"), keychainItemNotFound);
         EXPECT_EQ(keychain.add(apiKey, "one"), keychainSuccess);
@@ -157,6 +158,7 @@ TEST_F(KeychainTest, ALockedCollectionIsAnErrorAndNoReasonToWriteAFile) {
     EXPECT_NE(keychain.update(apiKey, "sk-new"), keychainSuccess);
     EXPECT_NE(keychain.add(headers, "sk-new"), keychainSuccess);
     EXPECT_NE(keychain.remove(apiKey), keychainSuccess);
+    EXPECT_FALSE(keychain.isKeptInFile());
     EXPECT_FALSE(std::filesystem::exists(file));
 }
 
