@@ -346,7 +346,7 @@ public:
 
 }  // namespace
 
-int runAssistant() {
+int runAssistant(ApplicationBus::SecondStart secondStart) {
     // Without a display the toolkit would end the program in its own way.
     connectToX11(nullptr);
     // All here is of X11, which Wayland sessions have as well, for the windows at least.
@@ -367,7 +367,8 @@ int runAssistant() {
     ApplicationBus bus;
     const auto place =
         bus.claim({.reopen = [&delegate] { delegate->applicationShouldHandleReopen(); },
-                   .perform = [&delegate](const std::string& command) { return delegate->perform(command); }});
+                   .perform = [&delegate](const std::string& command) { return delegate->perform(command); }},
+                  secondStart);
     if (place == ApplicationBus::Place::taken) return EXIT_SUCCESS;
     if (place == ApplicationBus::Place::silent) {
         std::fputs("ovrin: another assistant runs in this session and does not answer\n", stderr);

@@ -56,7 +56,10 @@ public:
         return EXIT_SUCCESS;
     }
 
-    int operator()(const cli::StartAssistant&) { return runAssistant(); }
+    int operator()(const cli::StartAssistant& command) {
+        using SecondStart = ApplicationBus::SecondStart;
+        return runAssistant(command.isAutostart ? SecondStart::ignored : SecondStart::reopens);
+    }
 
     int operator()(const cli::Recognize& command) {
         const cli::Interruption interruption;

@@ -223,6 +223,10 @@ Invocation parseArguments(std::vector<std::string> words) {
     words.erase(words.begin());
     if (command == "--help" || command == "-h" || command == "help") return ShowHelp{};
     if (command == "--version") return ShowVersion{};
+    if (command == "--autostart") {
+        requireNoMore(command, words);
+        return StartAssistant{.isAutostart = true};
+    }
 
     static const Parsers parsers{
         {"recognize", parseRecognize},
@@ -245,6 +249,7 @@ std::string helpText() {
 
 Usage:
   ovrin                                        start the assistant, or bring the running one forward
+  ovrin --autostart                            start it with the session, and leave a running one alone
   ovrin recognize IMAGE... [--json] [--save]   print the text of pictures; "-" is standard input
   ovrin translate [--to TAG] [TEXT]            translate TEXT, or standard input, as the answer streams in
   ovrin ask [QUESTION]                         ask a question, or standard input

@@ -21,7 +21,9 @@ enum class AnswerDelivery { pieces, whole };  // as they arrive, or all at once 
 
 struct ShowHelp {};
 struct ShowVersion {};
-struct StartAssistant {};
+struct StartAssistant {
+    bool isAutostart = false;  // started with the session: an assistant that runs already is left alone
+};
 
 struct Recognize {
     std::vector<std::string> images;  // paths as typed; "-" is standard input

@@ -27,7 +27,8 @@ std::string usageError(const std::vector<std::string>& words) {
 }
 
 TEST(Arguments, EachCommandWithItsOptionsInAnyPlace) {
-    EXPECT_TRUE(std::holds_alternative<StartAssistant>(parseArguments({})));
+    EXPECT_FALSE(std::get<StartAssistant>(parseArguments({})).isAutostart);
+    EXPECT_TRUE(std::get<StartAssistant>(parseArguments({"--autostart"})).isAutostart);
     EXPECT_TRUE(std::holds_alternative<ShowVersion>(parseArguments({"--version"})));
     for (const auto& words : {std::vector<std::string>{"--help"}, {"-h"}, {"help"}, {"translate", "--help"}})
         EXPECT_TRUE(std::holds_alternative<ShowHelp>(parseArguments(words)));

@@ -59,6 +59,9 @@ TEST(ApplicationBusTest, ASecondAssistantSeesHowTheFirstOneDoes) {
         const FirstAssistant first(behaviour);
         EXPECT_EQ(claim(), place);
     }
+    // What comes with the session leaves the first one alone, whatever that does.
+    const FirstAssistant first(Behaviour::hangs);
+    EXPECT_EQ(ApplicationBus().claim({}, ApplicationBus::SecondStart::ignored), ApplicationBus::Place::taken);
 }
 
 }  // namespace

@@ -95,14 +95,14 @@ ApplicationBus::~ApplicationBus() {
     QDBusConnection::sessionBus().unregisterObject(applicationObjectPath);
 }
 
-ApplicationBus::Place ApplicationBus::claim(Events events) {
+ApplicationBus::Place ApplicationBus::claim(Events events, SecondStart secondStart) {
     if (sessionBus(Environment::ofProcess()) == SessionBus::none) return Place::noBus;
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) return Place::noBus;
     auto receiver = std::make_unique<Receiver>(std::move(events));
     // The object before the name: who finds the name finds the object.
     bus.registerVirtualObject(applicationObjectPath, receiver.get());
-    const Place place = takeNameOrActivateOwner(bus);
+    const Place place = secondStart == SecondStart::ignored ? takeName(bus) : takeNameOrActivateOwner(bus);
     if (place == Place::ours) {
         receiver_ = std::move(receiver);
     } else {

@@ -16,9 +16,11 @@ public:
         // Does what the name stands for; false when it stands for nothing.
         std::function<bool(const std::string& commandName)> perform;
     };
+    // What it means to a running assistant that another one was started.
+    enum class SecondStart : std::uint8_t { reopens, ignored };
     enum class Place : std::uint8_t {
         ours,    // from now on the events arrive, from the event loop
-        taken,   // another assistant runs; it has been told that it was started again
+        taken,   // another assistant runs; it has been told that it was started again, unless that is to be ignored
         silent,  // another assistant has the place and does not answer
         noBus    // nobody can reach us, nor we another
     };
@@ -30,7 +32,7 @@ public:
     ~ApplicationBus();
 
     // Once, on the main thread, after the QCoreApplication is there. Never throws.
-    Place claim(Events events);
+    Place claim(Events events, SecondStart secondStart = SecondStart::reopens);
 
 private:
     class Receiver;
