@@ -5,6 +5,7 @@
 #include "app/remote_command.h"
 #include "base/text.h"
 #include "base/watch.h"
+#include "shortcuts/shortcut_description.h"
 
 namespace ovrin {
 
@@ -14,7 +15,8 @@ constexpr double busyAlpha = 0.58;
 
 void setControlKey(MenuItem& item, char key) {
     item.controlKey = key;
-    item.keyEquivalent = "⌃" + text::uppercased(std::string(1, key));
+    item.keyEquivalent =
+        KeyboardShortcuts::description(KeyboardShortcuts::Modifiers::control, text::uppercased(std::string(1, key)));
 }
 
 }  // namespace

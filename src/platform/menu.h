@@ -15,7 +15,7 @@ namespace ovrin {
 struct MenuItem {
     std::string title;  // UTF-8; empty: a separator
     std::optional<OVIcon> icon{};
-    std::string keyEquivalent{};  // how the keys that choose the item are written: "⇧⌘T"; empty when there are none
+    std::string keyEquivalent{};  // how the keys that choose the item are written: "Super+Shift+T"; or empty
 
     // The keys themselves, which choose the item while the menu is open.
     std::optional<KeyboardShortcuts::Shortcut> shortcut{};  // places on the keyboard

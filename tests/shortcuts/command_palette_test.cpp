@@ -83,7 +83,7 @@ TEST_F(CommandPaletteTest, ShowsTheShortcutsThatAreAssigned) {
     registry.setShortcut(commandShiftT, {.rawValue = "ovrin.captureTranslate"});
     const auto items = CommandItem::defaultItems(actions, registry);
     EXPECT_EQ(items[0].shortcutDisplay, std::nullopt);
-    EXPECT_EQ(items[1].shortcutDisplay, "⇧⌘T");
+    EXPECT_EQ(items[1].shortcutDisplay, "Super+Shift+T");
 }
 
 // Like a window: when it is hidden it loses the keyboard, and then asks to be closed.

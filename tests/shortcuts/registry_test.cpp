@@ -23,7 +23,7 @@ TEST_F(RegistryTest, StoresACombinationAsJsonText) {
     registry.setShortcut(commandShiftT, plain);
     EXPECT_EQ(stored(plainKey), storedT);
     EXPECT_EQ(registry.getShortcut(plain), commandShiftT);
-    EXPECT_EQ(registry.shortcutDisplay(plain), "⇧⌘T");
+    EXPECT_EQ(registry.shortcutDisplay(plain), "Super+Shift+T");
 }
 
 TEST_F(RegistryTest, WhatDoesNotDecodeIsNoShortcut) {
@@ -73,8 +73,8 @@ TEST_F(RegistryTest, EveryChangeIsAnnouncedEvenOneThatSetsTheSame) {
     registry.setShortcut(commandShiftT, plain);
     registry.setShortcut(std::nullopt, plain);
     registry.setShortcut(std::nullopt, plain);
-    EXPECT_EQ(journal.events(), (Events{"register 1 ⇧⌘T", "plain", "unregister ⇧⌘T", "register 2 ⇧⌘T", "plain",
-                                        "unregister ⇧⌘T", "plain"}));
+    EXPECT_EQ(journal.events(), (Events{"register 1 Super+Shift+T", "plain", "unregister Super+Shift+T",
+                                        "register 2 Super+Shift+T", "plain", "unregister Super+Shift+T", "plain"}));
 }
 
 TEST_F(RegistryTest, HandlersAreCalledInTheOrderTheyWereAdded) {
@@ -95,7 +95,7 @@ TEST_F(RegistryTest, TwoNamesWithTheSameCombinationBothFire) {
     registry.onKeyDown(other, add("other"));
     registry.setShortcut(commandShiftT, plain);
     registry.setShortcut(commandShiftT, other);
-    EXPECT_EQ(journal.take(), (Events{"register 1 ⇧⌘T"}));
+    EXPECT_EQ(journal.take(), (Events{"register 1 Super+Shift+T"}));
     hotKeys.press(commandShiftT);
     EXPECT_EQ(journal.take(), (Events{"plain", "other"}));
 
@@ -131,7 +131,7 @@ TEST_F(RegistryTest, AHandlerMayChangeTheRegistry) {
 TEST_F(RegistryTest, ARefusedCombinationIsStoredAndReportedInOneLine) {
     hotKeys.takenByOthers.insert(commandShiftT);
     registry.setShortcut(commandShiftT, plain);
-    EXPECT_EQ(journal.take(), (Events{"Error registering hotkey ⇧⌘T: taken"}));
+    EXPECT_EQ(journal.take(), (Events{"Error registering hotkey Super+Shift+T: taken"}));
     EXPECT_EQ(registry.getShortcut(plain), commandShiftT);
     EXPECT_EQ(registry.registrationFailure(plain), "taken");
 
@@ -145,7 +145,7 @@ TEST_F(RegistryTest, AHotKeyThatStopsWorkingIsReportedAndCanBeHadAgain) {
     registry.setShortcut(commandShiftT, plain);
     journal.take();
     hotKeys.fail(commandShiftT, "display lost");
-    EXPECT_EQ(journal.take(), (Events{"Error registering hotkey ⇧⌘T: display lost"}));
+    EXPECT_EQ(journal.take(), (Events{"Error registering hotkey Super+Shift+T: display lost"}));
     EXPECT_EQ(registry.registrationFailure(plain), "display lost");
     registry.setShortcut(commandShiftT, plain);
     EXPECT_EQ(registry.registrationFailure(plain), std::nullopt);

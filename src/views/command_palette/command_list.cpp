@@ -24,6 +24,7 @@ constexpr int iconTile = 30;
 constexpr double iconSize = 15;
 constexpr int inset = 9;  // between the edge of a row and what it holds
 constexpr int emptyHeight = 140;
+constexpr const char* nothingMatches = "没有匹配的命令";
 
 }  // namespace
 
@@ -58,6 +59,14 @@ QRect CommandList::rowFrame(int index) const {
             rowHeight};
 }
 
+QString CommandList::rowText(int index) const {
+    if (items_.empty()) return toQString(nothingMatches);
+    const CommandItem& item = items_.at(static_cast<std::size_t>(index));
+    QStringList words{toQString(item.title), toQString(item.subtitle.value_or(""))};
+    if (item.shortcutDisplay) words.push_back(toQString(*item.shortcutDisplay));
+    return words.join(QStringLiteral("，"));
+}
+
 int CommandList::rowAt(const QPoint& position) const {
     for (int index = 0; index < static_cast<int>(items_.size()); ++index) {
         if (rowFrame(index).contains(position)) return index;
@@ -87,7 +96,7 @@ void CommandList::paintEvent(QPaintEvent* event) {
     if (items_.empty()) {
         painter.setFont(toQFont(theme::font::body));
         painter.setPen(color(ColorToken::ink3));
-        painter.drawText(rect(), Qt::AlignCenter, QStringLiteral("没有匹配的命令"));
+        painter.drawText(rect(), Qt::AlignCenter, toQString(nothingMatches));
         return;
     }
     QRectF highlighted = rowFrame(0);

@@ -20,6 +20,9 @@ public:
     // Where the row lies in the widget.
     QRect rowFrame(int index) const;
 
+    // The row in words, for assistive technology; what is said instead where nothing matches.
+    QString rowText(int index) const;
+
 signals:
     // The row wants to be seen.
     void selected(int index);

@@ -58,7 +58,10 @@ CommandPaletteView::CommandPaletteView(ViewEnvironment& environment, CommandPale
     column->addWidget(area_, 1);
     // The last row keeps its distance from the rounded corners.
     column->addSpacing(2);
+    // The keyboard stays in the field: there the selected row is told.
+    field_->setAccessibleDescription(list_->rowText(viewModel.selectedIndex().value()));
     connect(list_, &CommandList::selected, this, [this](int index) {
+        field_->setAccessibleDescription(list_->rowText(index));
         const QRect row = list_->rowFrame(index);
         area_->ensureVisible(0, row.center().y(), 0, row.height() / 2 + 7);
     });

@@ -14,7 +14,7 @@ using theme::ColorToken;
 namespace {
 
 constexpr double cornerRadius = 8;
-constexpr QSize fieldSize{168, 30};  // points
+constexpr QSize fieldSize{232, 30};  // points; holds Super+Ctrl+Shift+PageDown beside the button
 constexpr double sideWidth = 28;     // of the clear button, and of the warning opposite
 constexpr double glyphSize = 12;
 
@@ -189,7 +189,8 @@ void Recorder::paintEvent(QPaintEvent* /*event*/) {
     const bool isEmpty = isRecording() || viewModel_.text()->empty();
     const QString words = toQString(isEmpty ? viewModel_.placeholder() : viewModel_.text().value());
     painter.setPen(color(isEmpty ? ColorToken::ink3 : ColorToken::ink));
-    painter.drawText(field, Qt::AlignCenter, words);
+    const QRectF room = field.adjusted(sideWidth, 0, -sideWidth, 0);
+    painter.drawText(room, Qt::AlignCenter, QFontMetricsF(font()).elidedText(words, Qt::ElideMiddle, room.width()));
 
     if (viewModel_.registrationFailure()) {
         drawIcon(painter, OVIcon::triangleAlert, QRectF(0, 0, sideWidth, height()), glyphSize,
