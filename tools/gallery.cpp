@@ -18,6 +18,7 @@
 #include "views/components/drawing.h"
 #include "views/components/ov_animated_icon.h"
 #include "views/components/ov_button.h"
+#include "views/components/ov_error_note.h"
 #include "views/components/ov_picker.h"
 #include "views/components/ov_pixel_loader.h"
 #include "views/components/ov_status_pill.h"
@@ -104,6 +105,9 @@ void fill(ViewEnvironment& environment, Recorders& recorders, QVBoxLayout& page)
                        new OVStatusPill(environment, "翻译中", active),
                        new OVStatusPill(environment, "已连接", success), new OVStatusPill(environment, "限流", warning),
                        new OVStatusPill(environment, "失败", error)));
+    auto* failure = new OVErrorNote(environment);
+    failure->setMessage("请求失败（401）：Incorrect API key provided: " + std::string(156, '*') + "。");
+    page.addWidget(failure);
     auto* field = new OVTextField(environment, "搜索命令…");
     field->setLeadingIcon(OVIcon::search);
     page.addWidget(field);

@@ -7,6 +7,7 @@
 
 #include "views/components/drawing.h"
 #include "views/components/ov_error_note.h"
+#include "views/components/ov_streaming_text.h"
 
 namespace ovrin {
 namespace {
@@ -49,12 +50,12 @@ TEST(ErrorNoteTest, ShowsTheBeginningOfAWholePage) {
     ViewEnvironment environment;
     OVErrorNote note(environment);
     note.setMessage(repeated("<p>404 Not Found</p> ", megabyte).toStdString());
-    const QString shown = note.findChild<OVLabel*>()->text();
+    const QString shown = note.findChild<OVStreamingText*>()->plainText();
     EXPECT_TRUE(shown.startsWith("<p>404 Not Found</p> <p>"));
     EXPECT_TRUE(shown.endsWith("…"));
     EXPECT_LT(shown.size(), 2000);
     note.setMessage("网络连接失败：超时。");
-    EXPECT_EQ(note.findChild<OVLabel*>()->text(), "网络连接失败：超时。");
+    EXPECT_EQ(note.findChild<OVStreamingText*>()->plainText(), "网络连接失败：超时。");
 }
 
 TEST(BeginningTest, EndsBetweenCharacters) {

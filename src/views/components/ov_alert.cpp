@@ -76,14 +76,8 @@ void OVAlert::present() {
 }
 
 void OVAlert::keyPressEvent(QKeyEvent* event) {
-    switch (event->key()) {
-        case Qt::Key_Return:
-        case Qt::Key_Enter:
-        case Qt::Key_Escape:
-            return dismiss();
-        default:
-            OVFloatingWindow::keyPressEvent(event);
-    }
+    if (event->key() == Qt::Key_Escape) return dismiss();
+    OVFloatingWindow::keyPressEvent(event);
 }
 
 void OVAlert::closeEvent(QCloseEvent* event) {

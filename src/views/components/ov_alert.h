@@ -21,7 +21,7 @@ public:
     struct Words {
         QString message;
         QString informativeText;  // may be empty
-        QString dismissButton;    // Return and Escape press it too
+        QString dismissButton;    // which has the focus first; Escape presses it too
     };
 
     // Belongs to the owner's window. Destroys itself once it is answered.

@@ -1,5 +1,6 @@
 #include "views/components/ov_button.h"
 
+#include <QKeyEvent>
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
@@ -46,6 +47,15 @@ void OVButtonBase::drawFocusRing(QPainter& painter, double radius, ColorToken co
     painter.setPen(QPen(environment_.color(color), 1.5));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75), radius, radius);
+}
+
+// Whether Return does that by itself depends on the desktop's style.
+void OVButtonBase::keyPressEvent(QKeyEvent* event) {
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (!isReturn || (event->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) {
+        return QAbstractButton::keyPressEvent(event);
+    }
+    if (!event->isAutoRepeat()) click();
 }
 
 void OVButtonBase::enterEvent(QEnterEvent* /*event*/) {

@@ -11,7 +11,8 @@
 
 namespace ovrin {
 
-// What both have in common: the spring of a press, hover, and a focus ring for the keyboard.
+// What both have in common: the spring of a press, hover, a focus ring for the keyboard, and that Return presses it as
+// Space does.
 class OVButtonBase : public QAbstractButton {
     Q_OBJECT
 
@@ -25,6 +26,7 @@ protected:
     bool isHovered() const { return underMouse() && isEnabled(); }
     void drawFocusRing(QPainter& painter, double radius, theme::ColorToken color = theme::ColorToken::accent) const;
 
+    void keyPressEvent(QKeyEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
 

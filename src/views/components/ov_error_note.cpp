@@ -5,6 +5,7 @@
 
 #include "views/components/drawing.h"
 #include "views/components/ov_animated_icon.h"
+#include "views/components/ov_streaming_text.h"
 
 namespace ovrin {
 
@@ -12,14 +13,18 @@ using theme::ColorToken;
 
 namespace {
 constexpr double cornerRadius = 9;
+constexpr double focusRingWidth = 1.5;
 constexpr double iconSize = 14;
+constexpr double noteLine = 17;             // points from one line to the next
 constexpr qsizetype longestMessage = 1000;  // in UTF-16 units: an answer that is no message may be a whole web page
 const theme::FontStyle noteFont{12, theme::FontWeight::regular, theme::FontDesign::standard};
 }  // namespace
 
 OVErrorNote::OVErrorNote(ViewEnvironment& environment, QWidget* parent)
-    : OVWidget(environment, parent),
-      words_(new OVLabel(environment, {}, noteFont, ColorToken::red, OVLabel::Lines::wrapped)) {
+    : OVWidget(environment, parent), words_(new OVStreamingText(environment, OVStreamingText::Mode::plain)) {
+    words_->setInterfaceStyle({.font = noteFont, .lineHeight = noteLine});
+    words_->setColor(ColorToken::red);
+    words_->installEventFilter(this);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(10, 8, 10, 8);
     row->setSpacing(8);
@@ -29,7 +34,9 @@ OVErrorNote::OVErrorNote(ViewEnvironment& environment, QWidget* parent)
 }
 
 void OVErrorNote::setMessage(const std::optional<std::string>& message) {
-    words_->setText(beginning(toQString(message.value_or("")), longestMessage));
+    const QString words = beginning(toQString(message.value_or("")), longestMessage);
+    words_->setTextSoFar(words.toStdString(), OVStreamingText::Progress::finished);
+    words_->showPending();
     setVisible(message.has_value());
 }
 
@@ -39,6 +46,16 @@ void OVErrorNote::paintEvent(QPaintEvent* /*event*/) {
     QColor ground = color(ColorToken::red);
     ground.setAlphaF(environment().isDark() ? 0.14F : 0.08F);
     fillRounded(painter, rect(), cornerRadius, ground);
+    if (!words_->hasFocus()) return;
+    painter.setPen(QPen(color(ColorToken::accent), focusRingWidth));
+    painter.setBrush(Qt::NoBrush);
+    const double inset = focusRingWidth / 2;
+    painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), cornerRadius, cornerRadius);
+}
+
+bool OVErrorNote::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) update();
+    return OVWidget::eventFilter(watched, event);
 }
 
 }  // namespace ovrin

@@ -1,13 +1,15 @@
-// What went wrong, in words that wrap, on a ground that stands out.
+// What went wrong, in words that wrap anywhere and can be selected and copied, on a ground that stands out. The Tab key
+// reaches the words.
 #pragma once
 
 #include <optional>
 #include <string>
 
-#include "views/components/ov_label.h"
 #include "views/components/ov_widget.h"
 
 namespace ovrin {
+
+class OVStreamingText;
 
 class OVErrorNote final : public OVWidget {
     Q_OBJECT
@@ -20,9 +22,10 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    OVLabel* words_;
+    OVStreamingText* words_;
 };
 
 }  // namespace ovrin

@@ -97,6 +97,11 @@ void OVStreamingText::setColor(ColorToken color) {
     applyLook();
 }
 
+void OVStreamingText::setInterfaceStyle(const StreamedDocument::InterfaceStyle& style) {
+    interfaceStyle_ = style;
+    applyLook();
+}
+
 void OVStreamingText::applyLook() {
     QColor line = color(ColorToken::ink);
     line.setAlphaF(environment().isDark() ? 0.1F : 0.08F);
@@ -109,7 +114,8 @@ void OVStreamingText::applyLook() {
                        .codeBackground = color(ColorToken::inset),
                        .inlineCodeBackground = color(ColorToken::hover),
                        .line = line,
-                       .selection = selection});
+                       .selection = selection,
+                       .interfaceStyle = interfaceStyle_});
     updateGeometry();
     update();
 }

@@ -35,6 +35,7 @@ public:
     // The language of the text (a BCP-47 tag), which decides on the shapes of Chinese characters.
     void setLanguage(std::string_view tag);
     void setColor(theme::ColorToken color);
+    void setInterfaceStyle(const StreamedDocument::InterfaceStyle& style);
 
     // What is shown, and what of it is selected, as it would be copied.
     QString plainText() const { return document_.text({document_.begin(), document_.end()}); }
@@ -88,6 +89,7 @@ private:
     StreamedDocument document_;
     theme::ColorToken color_ = theme::ColorToken::ink;
     std::string language_ = "zh-Hans";
+    std::optional<StreamedDocument::InterfaceStyle> interfaceStyle_;
 
     std::string pendingText_;
     Progress pendingProgress_ = Progress::finished;

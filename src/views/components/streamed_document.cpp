@@ -185,6 +185,7 @@ double StreamedDocument::textWidth(const MarkdownLine& line) const {
 }
 
 QFont StreamedDocument::font(const MarkdownLine& line, const MarkdownSpan& span) const {
+    if (look_.interfaceStyle) return toQFont(look_.interfaceStyle->font, look_.language);
     theme::FontStyle style = theme::font::body;
     if (line.kind == Kind::heading) style = headingFont(line.level);
     if (line.kind == Kind::code) style = codeFont;
@@ -202,6 +203,7 @@ QFont StreamedDocument::font(const MarkdownLine& line, const MarkdownSpan& span)
 }
 
 WrappedText::Metrics StreamedDocument::metrics(const MarkdownLine& line) const {
+    if (look_.interfaceStyle) return {.font = font(line, {}), .lineHeight = look_.interfaceStyle->lineHeight};
     const double height = line.kind == Kind::code      ? codeLine
                           : line.kind == Kind::heading ? headingFont(line.level).size + 9
                                                        : bodyLine;

@@ -10,10 +10,12 @@
 #include <QStringDecoder>
 #include <compare>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "theme/type_scale.h"
 #include "views/components/markdown_reader.h"
 #include "views/components/wrapped_text.h"
 
@@ -25,6 +27,12 @@ class StreamedDocument {
 public:
     enum class Mode : std::uint8_t { plain, markdown };
 
+    // Words of the interface look like its labels; without it a text looks as what is to be read does.
+    struct InterfaceStyle {
+        theme::FontStyle font;
+        double lineHeight = 0;  // points
+    };
+
     struct Look {
         std::string language = "zh-Hans";  // BCP-47 tag; decides on the shapes of Chinese characters
         QColor text;
@@ -34,6 +42,7 @@ public:
         QColor inlineCodeBackground;
         QColor line;  // rules, the edge of code, the bar beside a quote
         QColor selection;
+        std::optional<InterfaceStyle> interfaceStyle{};
     };
 
     // A place between two characters.
