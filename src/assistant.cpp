@@ -28,10 +28,13 @@
 #include "language/conversation_prompts.h"
 #include "language/selection_translate_service.h"
 #include "platform/linux/application_name.h"
+#include "platform/linux/downloaded_packages.h"
+#include "platform/linux/dpkg_system.h"
 #include "platform/linux/image_decoder.h"
 #include "platform/linux/language_identifier.h"
 #include "platform/linux/onnx_text_recognizer.h"
 #include "platform/linux/qt/application_bus.h"
+#include "platform/linux/qt/desktop_package_installer.h"
 #include "platform/linux/qt/desktop_settings.h"
 #include "platform/linux/qt/font_rendering.h"
 #include "platform/linux/qt/freedesktop_notification_center.h"
@@ -41,6 +44,7 @@
 #include "platform/linux/qt/x11_screen_capture.h"
 #include "platform/linux/qt/x11_window.h"
 #include "platform/linux/speech_service.h"
+#include "platform/linux/url_session_http_client.h"
 #include "platform/linux/x11_clipboard.h"
 #include "platform/linux/x11_connection.h"
 #include "platform/linux/x11_hot_keys.h"
@@ -56,6 +60,7 @@
 #include "shortcuts/hotkey_manager.h"
 #include "shortcuts/registry.h"
 #include "storage/user_directories.h"
+#include "updates/update_controller.h"
 #include "views/application/qt_application_icon.h"
 #include "views/capture/qt_capture_overlays.h"
 #include "views/command_palette/command_palette_view.h"
@@ -66,6 +71,7 @@
 #include "views/result_panel/qt_result_panel_window.h"
 #include "views/status_item/qt_status_item.h"
 #include "views/toast/toast_panel.h"
+#include "views/updates/qt_update_window.h"
 #include "windows/direct_ai_window_presenter.h"
 #include "windows/input_translate_presenter.h"
 #include "windows/mini_popover_presenter.h"
@@ -89,6 +95,12 @@ QWidgetList visibleWindows() {
         return !window->isVisible() || !isOrdinary || !isManaged;
     });
     return windows;
+}
+
+// Settled by the build alone.
+UpdateConfiguration updateConfiguration() {
+    return {
+        .feedURL = OVRIN_UPDATE_FEED, .publicKey = OVRIN_UPDATE_KEY, .version = OVRIN_VERSION, .build = OVRIN_BUILD};
 }
 
 // Owns everything that lives as long as the program, and lets it come up.
@@ -127,8 +139,8 @@ public:
     }
     void showHistory() override { sayThatItIsMissing(); }
     void showSettings(std::optional<SettingsSection> /*section*/) override { sayThatItIsMissing(); }
-    bool isUpdateConfigured() const override { return false; }
-    void checkForUpdates() override { showToast("自动更新尚未配置", "exclamationmark.triangle"); }
+    bool isUpdateConfigured() const override { return updates_.isConfigured(); }
+    void checkForUpdates() override { updates_.checkForUpdates(); }
     void reload() override;
     void quit() override { QApplication::quit(); }
 
@@ -137,6 +149,7 @@ private:
     ResultPanelViewModel::Services resultPanelServices();
     InputTranslateViewModel::Services inputTranslateServices();
     AppState::Surroundings surroundings();
+    UpdateController::Services updateServices();
     void sayIfThereIsNoTray();
     // Shortcuts and the palette name windows that this build has not; the menu does not offer them.
     void sayThatItIsMissing() { showToast("此版本还没有这个窗口。", "exclamationmark.triangle"); }
@@ -206,6 +219,17 @@ private:
             return std::make_unique<QtDirectAIPanel>(environment_, icons_.image(), viewModel, form, std::move(events));
         }};
     AppState appState_;
+
+    // Updates. Their requests run on a thread of their own, which may wait for the disk.
+    DpkgSystem packageSystem_;
+    DownloadedPackages updatePackages_{cacheDirectory(Environment::ofProcess()) / "updates"};
+    DesktopPackageInstaller packageInstaller_;
+    URLSessionHTTPClient updateHTTP_{Environment::ofProcess()};  // after what its tasks use
+    UpdateController updates_{updateConfiguration(), updateServices(),
+                              [this](UpdateViewModel& viewModel, std::function<void()> requestClose) {
+                                  return std::make_unique<QtUpdateWindow>(environment_, icons_.image(), viewModel,
+                                                                          std::move(requestClose));
+                              }};
 
     // How they are reached.
     X11HotKeys hotKeys_{loop_, nullptr};
@@ -278,6 +302,19 @@ AppState::Surroundings AppDelegate::surroundings() {
             .translationCard = translationCard_};
 }
 
+UpdateController::Services AppDelegate::updateServices() {
+    return {.loop = loop_,
+            .source = {.loop = updateHTTP_.loop(),
+                       .http = updateHTTP_,
+                       .packages = updatePackages_,
+                       .system = packageSystem_},
+            .installer = packageInstaller_,
+            .state = state_,
+            .toasts = toasts_,
+            .notifications = notifications_,
+            .clock = std::chrono::system_clock::now};
+}
+
 void AppDelegate::applicationDidFinishLaunching() {
     settingsWorker_.post([this](const std::stop_token&) { settings_.config.migrateLegacyAPIKeyIfNeeded(); });
     appearance_.apply(settings_.config.appearanceMode());
@@ -292,6 +329,7 @@ void AppDelegate::applicationDidFinishLaunching() {
         .isModelReady = [this] { return readiness_.isReady(); },
         .hasTranslationResult = [this] { return resultPanel_.hasTranslationResult(); }});
     hotkeyManager_.bindAll(*this);
+    updates_.start();
     notifications_.requestAuthorization({.alerts = true, .sounds = true});
     loop_.postAfter(patienceWithTheTray, [this] { sayIfThereIsNoTray(); });
 }

@@ -19,4 +19,18 @@ std::string shortestDecimalText(double value) {
     return text;
 }
 
+std::string byteCountText(std::uint64_t count) {
+    constexpr std::uint64_t step = 1000;
+    constexpr std::array<const char*, 3> units{" KB", " MB", " GB"};
+    if (count < step) return std::to_string(count) + " B";
+    std::uint64_t unit = step;
+    std::size_t index = 0;
+    while (index + 1 < units.size() && count / unit >= step) {
+        unit *= step;
+        ++index;
+    }
+    const std::uint64_t tenths = count / (unit / 10);
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + units[index];
+}
+
 }  // namespace ovrin

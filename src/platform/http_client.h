@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -19,11 +20,22 @@
 
 namespace ovrin {
 
+// Which redirects a request follows. Only such as repeat the request: 307 and 308; for GET and HEAD also 301, 302, 303.
+enum class HTTPRedirects : std::uint8_t {
+    // To the same scheme, host and port: keys and bodies stay with the server that they are meant for. Any other
+    // redirect is the response.
+    sameOrigin,
+    // To any https server, at most five in a row; one to anything else fails. For requests over https that carry
+    // neither headers nor a body.
+    anyHTTPS,
+};
+
 struct HTTPRequest {
     std::string url;  // absolute; http or https
     std::string method = "GET";
     HTTPHeaders headers;
     std::string body;
+    HTTPRedirects redirects = HTTPRedirects::sameOrigin;
     // The longest silence: how long to wait for the next byte (of the connection, the response, its body).
     std::chrono::nanoseconds timeout = std::chrono::seconds(60);
 };

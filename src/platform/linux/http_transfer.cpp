@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <charconv>
 #include <limits>
 #include <new>
@@ -16,7 +17,8 @@ namespace ovrin {
 
 namespace {
 
-constexpr int maximumRedirects = 10;
+constexpr int maximumRedirects = 10;      // within one origin
+constexpr int maximumHTTPSRedirects = 5;  // to whatever server
 // The body of a redirect is read, so that its connection can be used again, up to this many bytes.
 constexpr std::size_t maximumRedirectBody = 64U << 10U;
 constexpr auto graceAfterDrop = std::chrono::milliseconds(10);
@@ -101,7 +103,10 @@ void HTTPTransfer::set(CURLoption option, Value value) {
 
 void HTTPTransfer::prepareHandle() {
     const auto origin = webOrigin(url_);
-    if (!origin) throw invalidURLError();
+    const bool isOpenToAny = request_.redirects == HTTPRedirects::anyHTTPS;
+    if (!origin || (isOpenToAny && origin->scheme != "https")) throw invalidURLError();
+    assert((!isOpenToAny || (request_.body.empty() && request_.headers.begin() == request_.headers.end())) &&
+           "headers and bodies are not for any server");
     host_ = origin->host;
     handle_.reset(curl_easy_init());
     if (!handle_) throw std::bad_alloc();
@@ -119,7 +124,7 @@ void HTTPTransfer::prepareHandle() {
 
 void HTTPTransfer::prepareConnection() {
     set(CURLOPT_URL, url_.c_str());
-    set(CURLOPT_PROTOCOLS_STR, "http,https");
+    set(CURLOPT_PROTOCOLS_STR, request_.redirects == HTTPRedirects::anyHTTPS ? "https" : "http,https");
     set(CURLOPT_PATH_AS_IS, 1L);
     set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
     set(CURLOPT_HTTP09_ALLOWED, 0L);
@@ -225,8 +230,7 @@ void HTTPTransfer::handleEndOfHeaders() {
     if (!redirectTarget_) deliverHead(std::move(response_));
 }
 
-// Only redirects to the same scheme, host and port that repeat the request as it was: key and body stay with the
-// server that they were meant for. Any other one is given to the caller as the response that it is.
+// None when the response is the caller's.
 std::optional<std::string> HTTPTransfer::redirectTarget() const {
     const int status = response_.statusCode.value_or(0);
     const bool isRepeatable = request_.method == "GET" || request_.method == "HEAD";
@@ -235,13 +239,22 @@ std::optional<std::string> HTTPTransfer::redirectTarget() const {
     const std::string location(response_.headers.value("Location"));
     if (!repeatsRequest || location.empty()) return std::nullopt;
     auto target = resolvedURL(url_, location);
+    if (request_.redirects == HTTPRedirects::anyHTTPS) return target.value_or(location);
     if (!target || webOrigin(*target) != webOrigin(url_)) return std::nullopt;
     return target;
 }
 
 void HTTPTransfer::followRedirect() {
-    if (++redirectCount_ > maximumRedirects) return fail(tooManyRedirectsError());
+    const bool isOpenToAny = request_.redirects == HTTPRedirects::anyHTTPS;
+    if (++redirectCount_ > (isOpenToAny ? maximumHTTPSRedirects : maximumRedirects)) {
+        return fail(tooManyRedirectsError());
+    }
     url_ = *std::exchange(redirectTarget_, std::nullopt);
+    if (isOpenToAny) {
+        const auto origin = webOrigin(url_);
+        if (!origin || origin->scheme != "https") return fail(insecureRedirectError());
+        host_ = origin->host;
+    }
     discardedBody_ = 0;
     headerSize_ = 0;
     progress_ = 0;

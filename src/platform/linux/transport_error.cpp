@@ -134,4 +134,8 @@ Error tooManyRedirectsError() {
     return Error("重定向次数过多。");
 }
 
+Error insecureRedirectError() {
+    return Error("服务器要求转到不安全的地址（不是 HTTPS），已拒绝。");
+}
+
 }  // namespace ovrin

@@ -18,5 +18,7 @@ Error invalidURLError();
 Error invalidHeaderError();
 Error timeoutError();
 Error tooManyRedirectsError();
+// To what is no https URL, where nothing else may be followed.
+Error insecureRedirectError();
 
 }  // namespace ovrin

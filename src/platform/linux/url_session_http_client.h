@@ -1,9 +1,8 @@
 // The network over libcurl: HTTP/1.1 and HTTP/2, compression, the proxies of the process's environment, the system's
 // certificates, connections kept for the next request.
 //
-// Redirects are followed only to the same scheme, host and port, and only where the same request is repeated (307 and
-// 308; for GET and HEAD also 301, 302 and 303); any other one is the response. Cookies and .netrc are not used. Headers
-// that frame the body (Content-Length, Transfer-Encoding, Expect) are the transport's own: a request's are left out.
+// Cookies and .netrc are not used. Headers that frame the body (Content-Length, Transfer-Encoding, Expect) are the
+// transport's own: a request's are left out.
 //
 // A body's stream holds what has arrived and was not read: whoever opens one reads it promptly or drops it. Readers on
 // loop() take every piece before more is received.
