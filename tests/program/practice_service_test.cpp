@@ -59,6 +59,19 @@ TEST_P(PracticeServiceTest, MakesTheTroubleThatIsPlanned) {
     EXPECT_EQ(run(ask).status, 0) << "plans are for one request each";
 }
 
+TEST_P(PracticeServiceTest, TurnsEveryOtherKeyAwayInTheWordsOfTheProtocol) {
+    const bool isAnthropic = GetParam() == "anthropic";
+    service.acceptOnly("another");
+    service.planNext({.trouble = Plan::Trouble::refuse});
+    const auto refused = run({"ask", "one"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.error, HasSubstr(isAnthropic ? "invalid x-api-key" : "Incorrect API key provided: ********"));
+    EXPECT_EQ(endOf(0), State::failed);
+    service.acceptOnly("practice");
+    EXPECT_THAT(run({"ask", "one"}).error, HasSubstr("按计划拒绝")) << "a plan is for a request that is let in";
+    EXPECT_EQ(run({"ask", "one"}).status, 0);
+}
+
 TEST_P(PracticeServiceTest, HoldsAnAnswerUntilItIsReleasedOrNobodyWaits) {
     const auto start = [this] {
         service.planNext({.trouble = Plan::Trouble::hold, .pieces = 1});

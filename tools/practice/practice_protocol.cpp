@@ -1,8 +1,11 @@
 #include "practice/practice_protocol.h"
 
+#include <algorithm>
+
 #include <nlohmann/json.hpp>
 
 #include "base/json.h"
+#include "base/text.h"
 #include "fakes/loopback_server.h"
 
 namespace ovrin {
@@ -20,6 +23,31 @@ std::optional<Standard> standardOf(std::string_view request) {
         return Standard::openAICompatible;
     if (line.starts_with("POST ") && line.find("/messages ") != std::string_view::npos) return Standard::anthropic;
     return std::nullopt;
+}
+
+// The value of a header line; name in lower case.
+std::string headerOf(std::string_view head, std::string_view name) {
+    while (!head.empty()) {
+        const std::string_view line = head.substr(0, head.find("\r\n"));
+        head.remove_prefix(std::min(line.size() + 2, head.size()));
+        const std::size_t colon = line.find(':');
+        if (colon != std::string_view::npos && text::equalsIgnoringAsciiCase(line.substr(0, colon), name))
+            return std::string(text::trimmed(line.substr(colon + 1)));
+    }
+    return {};
+}
+
+std::string keyOf(std::string_view head, Standard standard) {
+    if (standard == Standard::anthropic) return headerOf(head, "x-api-key");
+    constexpr std::string_view scheme = "Bearer ";
+    const std::string authorization = headerOf(head, "authorization");
+    return authorization.starts_with(scheme) ? authorization.substr(scheme.size()) : std::string();
+}
+
+Value errorValue(Standard standard, std::string_view type, std::string_view message) {
+    Value value{{"error", {{"type", type}, {"message", message}}}};
+    if (standard == Standard::anthropic) value["type"] = "error";
+    return value;
 }
 
 std::string event(std::string_view type, Value value) {
@@ -45,8 +73,10 @@ std::optional<PracticeRequest> parsePracticeRequest(std::string_view request) {
     const Value* const messages = body ? json::member(*body, "messages") : nullptr;
     if (messages == nullptr || !messages->is_array()) return std::nullopt;
 
-    PracticeRequest parsed{
-        .standard = *standard, .isStreamed = json::boolean(*body, "stream").value_or(false), .messages = {}};
+    PracticeRequest parsed{.standard = *standard,
+                           .isStreamed = json::boolean(*body, "stream").value_or(false),
+                           .key = keyOf(request.substr(0, bodyAt), *standard),
+                           .messages = {}};
     if (const auto system = json::string(*body, "system"))
         parsed.messages.push_back({.role = "system", .content = *system});
     for (const Value& message : *messages) {
@@ -77,9 +107,18 @@ std::string wholeResponse(Standard standard, std::string_view answer) {
 }
 
 std::string refusal(Standard standard, std::string_view message) {
-    Value value{{"error", {{"type", "practice_error"}, {"message", message}}}};
-    if (standard == Standard::anthropic) value["type"] = "error";
-    return httpResponse(json::encoded(value), "400 Bad Request", jsonHeaders);
+    return httpResponse(json::encoded(errorValue(standard, "practice_error", message)), "400 Bad Request", jsonHeaders);
+}
+
+std::string unauthorized(Standard standard, std::string_view key) {
+    constexpr std::string_view status = "401 Unauthorized";
+    if (standard == Standard::anthropic)
+        return httpResponse(json::encoded(errorValue(standard, "authentication_error", "invalid x-api-key")), status,
+                            jsonHeaders);
+    const std::string message = "Incorrect API key provided: " + std::string(key.size(), '*');
+    Value value = errorValue(standard, "invalid_request_error", message);
+    value["error"]["code"] = "invalid_api_key";
+    return httpResponse(json::encoded(value), status, jsonHeaders);
 }
 
 std::string notFound() {

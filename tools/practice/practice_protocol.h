@@ -14,6 +14,7 @@ namespace ovrin {
 struct PracticeRequest {
     enum class Standard : std::uint8_t { openAICompatible, anthropic } standard = Standard::openAICompatible;
     bool isStreamed = false;
+    std::string key{};                      // as the protocol hands it over; empty when it is not there
     std::vector<PracticeMessage> messages;  // the system's first
 };
 
@@ -27,6 +28,7 @@ using Standard = PracticeRequest::Standard;
 // Complete HTTP responses.
 std::string wholeResponse(Standard standard, std::string_view answer);
 std::string refusal(Standard standard, std::string_view message);
+std::string unauthorized(Standard standard, std::string_view key);  // repeats the key, each character masked
 std::string notFound();
 
 // A streamed response: its head, then an event for each piece, then its end.

@@ -31,6 +31,11 @@ void PracticeService::planNext(Plan plan) {
     plans_.push_back(plan);
 }
 
+void PracticeService::acceptOnly(const std::string& key) {
+    const std::lock_guard lock(mutex_);
+    acceptedKey_ = key;
+}
+
 void PracticeService::release() {
     const std::lock_guard lock(mutex_);
     ++releases_;
@@ -46,20 +51,28 @@ void PracticeService::serve(Connection& connection) {
         }
         std::size_t exchange = 0;
         std::optional<TakenPlan> plan;
+        bool isWelcome = true;
         {
             const std::lock_guard lock(mutex_);
             exchange = exchanges_.size();
             exchanges_.push_back({.request = *request, .answer = {}});
-            if (!plans_.empty()) {
+            isWelcome = !acceptedKey_ || request->key == *acceptedKey_;
+            if (isWelcome && !plans_.empty()) {
                 plan = TakenPlan{plans_.front(), releases_};
                 plans_.pop_front();
             }
         }
-        const Exchange::State state = answer(connection, *request, exchange, plan);
+        const Exchange::State state =
+            isWelcome ? answer(connection, *request, exchange, plan) : turnAway(connection, *request);
         const std::lock_guard lock(mutex_);
         exchanges_[exchange].state = state;
         if (request->isStreamed) return;  // the end of a stream is the end of its connection
     }
+}
+
+PracticeService::Exchange::State PracticeService::turnAway(Connection& connection, const PracticeRequest& request) {
+    connection.send(practice::unauthorized(request.standard, request.key));
+    return Exchange::State::failed;
 }
 
 PracticeService::Exchange::State PracticeService::answer(Connection& connection, const PracticeRequest& request,

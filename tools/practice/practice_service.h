@@ -1,5 +1,6 @@
 // A model service on the loopback interface to practise with: it speaks both protocols, streamed and whole, on a port
-// of the system's choice, and no model stands behind it (see practice_answer.h). It listens to any key and keeps none.
+// of the system's choice, and no model stands behind it (see practice_answer.h). It takes any key until it is told of
+// the one that counts.
 //
 // Whoever wants to see how a client takes trouble plans it: each plan is for one of the next requests, in their order.
 // Any thread.
@@ -51,6 +52,8 @@ public:
         std::size_t pieces = 0;  // of a streamed answer, sent before the trouble begins
     };
     void planNext(Plan plan);
+    // From now on every other key is refused with status 401.
+    void acceptOnly(const std::string& key);
     // Lets all answers that are held go on.
     void release();
 
@@ -64,6 +67,7 @@ private:
     };
 
     void serve(Connection& connection);
+    static Exchange::State turnAway(Connection& connection, const PracticeRequest& request);
     Exchange::State answer(Connection& connection, const PracticeRequest& request, std::size_t exchange,
                            const std::optional<TakenPlan>& plan);
     Exchange::State answerStreamed(Connection& connection, const PracticeRequest& request, std::size_t exchange,
@@ -78,6 +82,7 @@ private:
     std::condition_variable changed_;
     std::vector<Exchange> exchanges_;
     std::deque<Plan> plans_;
+    std::optional<std::string> acceptedKey_;
     int releases_ = 0;
     bool isClosing_ = false;
 
