@@ -1,7 +1,6 @@
 #include "desktop/desktop_test.h"
 
 #include <algorithm>
-#include <csignal>
 #include <iostream>
 
 #include "base/error.h"
@@ -25,16 +24,17 @@ void DesktopTest::begin(const Scene& scene) {
     assistant.reset();
     reader.reset();
     user.reset();
-    secretService_.reset();
+    keyring.reset();
     desktop.reset();  // what an earlier scene has left
     desktop = std::make_unique<PrivateDesktop>(scene.desktop);
     monitorCount_ = std::max<std::size_t>(scene.desktop.monitors.size(), 1);
     user = std::make_unique<TestUser>(desktop->display());
     if (scene.desktop.accessibility == PrivateDesktop::Accessibility::on)
         reader = std::make_unique<ScreenReader>(*desktop);
-    if (scene.secretService == Scene::SecretService::mute) startMuteSecretService();
+    if (scene.secretService != Scene::SecretService::none) keyring = std::make_unique<Keyring>(*desktop);
+    if (scene.secretService == Scene::SecretService::mute) keyring->freeze();
     Assistant::Setup setup{.program = assistantProgram,
-                           .serviceURL = service.baseURL(),
+                           .serviceURL = scene.modelService == Scene::ModelService::unknown ? "" : service.baseURL(),
                            .standard = scene.standard,
                            .preferences = scene.preferences,
                            .launch = scene.launch};
@@ -43,12 +43,6 @@ void DesktopTest::begin(const Scene& scene) {
             Assistant::shortcut(code, {Assistant::Modifier::super, Assistant::Modifier::shift});
     }
     assistant = std::make_unique<Assistant>(*desktop, *user, setup);
-}
-
-void DesktopTest::startMuteSecretService() {
-    secretService_ = desktop->start({.arguments = {"gnome-keyring-daemon", "--foreground", "--components=secrets"}});
-    waitFor("the secret service", [this] { return desktop->bus().hasOwner("org.freedesktop.secrets"); });
-    secretService_->signal(SIGSTOP);
 }
 
 void DesktopTest::TearDown() {
@@ -60,8 +54,8 @@ void DesktopTest::TearDown() {
     user->savePicture({.width = screen.width_in_pixels, .height = screen.height_in_pixels}, picture);
     std::cerr << "The screen: " << picture.string() << '\n';
     if (reader) {
-        for (const auto& [role, elementName, text, area, isEnabled] : reader->elements(programName))
-            std::cerr << "  " << role << " [" << elementName << "] " << text << '\n';
+        for (const auto& element : reader->elements(programName))
+            std::cerr << "  " << element.role << " [" << element.name << "] " << element.text << '\n';
     }
     if (assistant) std::cerr << "The assistant wrote: " << assistant->log() << '\n';
 }

@@ -16,6 +16,7 @@
 
 #include "base/json.h"
 #include "desktop/assistant.h"
+#include "desktop/keyring.h"
 #include "desktop/picture.h"
 #include "desktop/private_desktop.h"
 #include "desktop/sample_program.h"
@@ -33,8 +34,10 @@ protected:
         std::string standard = "openai-compatible";
         Assistant::Setup::Launch launch = Assistant::Setup::Launch::later;
         json::Value preferences = json::Value::object();
+        // What the assistant is told of the practice service: by its environment, or nothing.
+        enum class ModelService { inEnvironment, unknown } modelService = ModelService::inEnvironment;
         // mute: one runs and answers nobody
-        enum class SecretService { none, mute } secretService = SecretService::none;
+        enum class SecretService { none, unlocked, mute } secretService = SecretService::none;
     };
     void begin(const Scene& scene);
     void begin() { begin(Scene()); }
@@ -84,6 +87,7 @@ protected:
 
     PracticeService service{std::chrono::milliseconds(1)};
     std::unique_ptr<PrivateDesktop> desktop;
+    std::unique_ptr<Keyring> keyring;  // where the scene has one
     std::unique_ptr<TestUser> user;
     std::unique_ptr<ScreenReader> reader;
     std::unique_ptr<Assistant> assistant;
@@ -91,9 +95,7 @@ protected:
 
 private:
     SampleProgram& open(SampleProgram::Kind kind);
-    void startMuteSecretService();
 
-    std::unique_ptr<ChildProcess> secretService_;
     std::size_t monitorCount_ = 1;
 };
 

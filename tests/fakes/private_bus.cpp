@@ -7,10 +7,12 @@ namespace ovrin {
 namespace {
 
 // The standard configuration would start whatever services the machine has installed.
-std::string configurationIn(const std::filesystem::path& directory) {
+std::string configurationIn(const std::filesystem::path& directory, const std::filesystem::path& services) {
+    std::filesystem::create_directory(services);
     const std::filesystem::path path = directory / "bus.conf";
     std::ofstream(path) << "<busconfig><type>session</type><listen>unix:dir=" << directory.string()
-                        << "</listen><policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
+                        << "</listen><servicedir>" << services.string()
+                        << "</servicedir><policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
                            "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>";
     return path.string();
 }
@@ -18,8 +20,9 @@ std::string configurationIn(const std::filesystem::path& directory) {
 }  // namespace
 
 PrivateBus::PrivateBus()
-    : daemon_({.arguments = {"dbus-daemon", "--nofork", "--print-address",
-                             "--config-file=" + configurationIn(directory_.path())},
+    : servicesFolder_(directory_.path() / "services"),
+      daemon_({.arguments = {"dbus-daemon", "--nofork", "--print-address",
+                             "--config-file=" + configurationIn(directory_.path(), servicesFolder_)},
                .environment = {"HOME=" + directory_.path().string()}}),
       address_(daemon_.readLine()) {}
 

@@ -32,14 +32,26 @@ Assistant::Assistant(const PrivateDesktop& desktop, const TestUser& user, const 
     std::filesystem::create_directories(folder);
     std::ofstream(folder / "preferences.json") << json::encoded(preferences);
 
-    process_ = desktop.start({.arguments = {setup.program}, .environment = environment()});
+    start();
+}
+
+void Assistant::start() {
+    process_ = desktop_.start({.arguments = {setup_.program}, .environment = environment()});
     waitFor("the assistant's icon in the tray", [this] {
         if (!process_->isRunning()) throw Error("the assistant ended at once: " + log());
         return desktop_.bus().hasOwner(busName) && isInTray();
     });
 }
 
+void Assistant::restart() {
+    process_->terminate();
+    process_.reset();
+    waitFor("the end of the assistant", [this] { return !desktop_.bus().hasOwner(busName) && !isInTray(); });
+    start();
+}
+
 std::vector<std::string> Assistant::environment() const {
+    if (setup_.serviceURL.empty()) return {};
     return {"OVRIN_BASE_URL=" + setup_.serviceURL, "OVRIN_API_STANDARD=" + setup_.standard,
             std::string("OVRIN_API_KEY=") + practiceKey};
 }
@@ -136,6 +148,11 @@ DesktopWindow Assistant::waitForMenu() const {
         }
         return std::nullopt;
     });
+}
+
+json::Value Assistant::preferences() const {
+    const auto preferences = json::parse(contentOf(desktop_.configurationFolder() / "Ovrin/preferences.json"));
+    return preferences.value_or(json::Value::object());
 }
 
 json::Value Assistant::history() const {

@@ -1,5 +1,4 @@
-// The assistant on a private desktop: the built program, told of a model service by its environment, with preferences
-// of one's own.
+// The assistant on a private desktop: the built program with preferences of one's own.
 #pragma once
 
 #include <cstddef>
@@ -19,8 +18,8 @@ namespace ovrin {
 class Assistant {
 public:
     struct Setup {
-        std::string program;  // path of ovrin
-        std::string serviceURL;
+        std::string program;     // path of ovrin
+        std::string serviceURL;  // its environment tells of the model service there; empty: of none
         std::string standard = "openai-compatible";
         // What the preferences file holds at the start, by stored keys, besides the one that says that the welcome was
         // seen.
@@ -37,6 +36,8 @@ public:
     static std::string shortcut(int keyCode, const std::vector<Modifier>& modifiers);
 
     ChildProcess& process() { return *process_; }
+    // Ends it and starts it again, with what it has stored.
+    void restart();
     // Runs the program with other arguments in the same place: "do", "palette". Returns its exit status.
     int run(const std::vector<std::string>& arguments) const;
 
@@ -53,12 +54,14 @@ public:
     DesktopWindow waitForPalette() const;
     DesktopWindow waitForMenu() const;  // any that it pops up
 
-    // The stored history, newest first.
+    // The stored preferences, and the history, newest first.
+    json::Value preferences() const;
     json::Value history() const;
     // What it wrote to standard error.
     std::string log() const;
 
 private:
+    void start();
     std::vector<std::string> environment() const;
     bool isInTray() const;
 

@@ -177,6 +177,7 @@ fs::path PrivateDesktop::logOf(const std::string& program) const {
 std::unique_ptr<ChildProcess> PrivateDesktop::start(const Program& program) const {
     ChildProcess::Setup setup{.arguments = program.arguments,
                               .environment = environment(),
+                              .input = program.inputText,
                               .afterInput = program.input,
                               .log = logOf(program.arguments.front()),
                               .output = program.output};

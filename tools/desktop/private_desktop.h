@@ -55,6 +55,8 @@ public:
     const std::string& display() const { return display_; }  // such as ":5"
     const BusView& bus() const { return *busView_; }
     const std::string& busAddress() const { return bus_->address(); }
+    // Programs that the bus starts when somebody asks for them (D-Bus service files); nothing is in it.
+    const std::filesystem::path& servicesFolder() const { return bus_->servicesFolder(); }
 
     const std::filesystem::path& home() const { return home_.path(); }
     std::filesystem::path configurationFolder() const { return home() / "config"; }
@@ -67,6 +69,7 @@ public:
     struct Program {
         std::vector<std::string> arguments;      // the program first
         std::vector<std::string> environment{};  // on top of the desktop's
+        std::string inputText{};                 // what it reads from standard input first
         ChildProcess::Input input = ChildProcess::Input::ends;
         ChildProcess::Output output = ChildProcess::Output::log;
     };

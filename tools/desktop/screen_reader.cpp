@@ -1,8 +1,8 @@
 #include "desktop/screen_reader.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <optional>
+#include <iterator>
+#include <ranges>
 #include <utility>
 
 #include "base/error.h"
@@ -17,9 +17,6 @@ constexpr const char* component = "org.a11y.atspi.Component";
 constexpr const char* textInterface = "org.a11y.atspi.Text";
 constexpr std::uint32_t screenCoordinates = 0;
 constexpr int deepest = 40;
-// Numbers of states in the bit set that an element answers with.
-constexpr std::uint32_t enabledState = 8;
-constexpr std::uint32_t showingState = 25;
 
 std::string busAddress(const BusView& sessionBus) {
     const Variant reply = sessionBus.call(
@@ -58,54 +55,95 @@ std::string ScreenReader::textProperty(const Reference& object, const std::strin
     return g_variant_get_string(value.get(), nullptr);
 }
 
-void ScreenReader::collect(const Reference& object, std::vector<Element>& found, int depth) const {
-    const Variant states = bus_->call(method(object, accessible, "GetState"));
-    const Variant bits(g_variant_get_child_value(states.get(), 0));
-    std::uint32_t low = 0;
-    if (g_variant_n_children(bits.get()) > 0) g_variant_get_child(bits.get(), 0, "u", &low);
-    const auto has = [low](std::uint32_t state) { return (low >> state & 1U) != 0; };
-    if (!has(showingState) && depth > 0) return;
+std::string ScreenReader::textOf(const Reference& object) const {
+    const Variant reply = bus_->call(method(object, accessible, "GetInterfaces"));
+    const Variant interfaces(g_variant_get_child_value(reply.get(), 0));
+    for (gsize index = 0; index < g_variant_n_children(interfaces.get()); ++index) {
+        const char* interface = nullptr;
+        g_variant_get_child(interfaces.get(), index, "&s", &interface);
+        if (std::string(interface) != textInterface) continue;
+        const Variant content = bus_->call(method(object, textInterface, "GetText"), g_variant_new("(ii)", 0, -1));
+        const char* text = nullptr;
+        g_variant_get(content.get(), "(&s)", &text);
+        return text;
+    }
+    return {};
+}
 
-    Element element{.role = {}, .name = textProperty(object, accessible, "Name"), .text = {}, .area = {}};
+ScreenReader::States ScreenReader::statesOf(const Reference& object) const {
+    const Variant reply = bus_->call(method(object, accessible, "GetState"));
+    const Variant words(g_variant_get_child_value(reply.get(), 0));
+    States states = 0;
+    if (g_variant_n_children(words.get()) > 0) g_variant_get_child(words.get(), 0, "u", &states);
+    return states;
+}
+
+std::optional<ScreenReader::States> ScreenReader::states(const Reference& reference) const {
+    try {
+        return statesOf(reference);
+    } catch (const Error&) {
+        return std::nullopt;
+    }
+}
+
+// None for what is not shown; depth 0 is the program itself.
+std::optional<ScreenReader::Element> ScreenReader::read(const Reference& object, int depth) const {
+    Element element{.role = {},
+                    .name = {},
+                    .text = {},
+                    .area = {},
+                    .states = statesOf(object),
+                    .reference = object,
+                    .children = {}};
+    if (!element.is(State::showing) && depth > 0) return std::nullopt;
+    element.name = textProperty(object, accessible, "Name");
     const Variant role = bus_->call(method(object, accessible, "GetRoleName"));
     const char* roleName = nullptr;
     g_variant_get(role.get(), "(&s)", &roleName);
     element.role = roleName;
-    element.isEnabled = has(enabledState);
     if (depth > 0) {
         const Variant extents =
             bus_->call(method(object, component, "GetExtents"), g_variant_new("(u)", screenCoordinates));
         g_variant_get(extents.get(), "((iiii))", &element.area.x, &element.area.y, &element.area.width,
                       &element.area.height);
     }
-    const Variant interfaces = bus_->call(method(object, accessible, "GetInterfaces"));
-    const Variant list(g_variant_get_child_value(interfaces.get(), 0));
-    for (gsize index = 0; index < g_variant_n_children(list.get()); ++index) {
-        const char* interface = nullptr;
-        g_variant_get_child(list.get(), index, "&s", &interface);
-        if (std::string(interface) != textInterface) continue;
-        const Variant content = bus_->call(method(object, textInterface, "GetText"), g_variant_new("(ii)", 0, -1));
-        const char* text = nullptr;
-        g_variant_get(content.get(), "(&s)", &text);
-        element.text = text;
+    element.text = textOf(object);
+    if (depth == deepest) return element;
+    for (const Reference& child : children(object)) {
+        if (auto found = read(child, depth + 1)) element.children.push_back(std::move(*found));
     }
-    found.push_back(std::move(element));
-    if (depth == deepest) return;
-    for (const Reference& child : children(object)) collect(child, found, depth + 1);
+    return element;
 }
 
-std::vector<ScreenReader::Element> ScreenReader::elements(const std::string& program) const {
+std::vector<ScreenReader::Element> ScreenReader::windows(const std::string& program) const {
     const Reference desktop{.destination = "org.a11y.atspi.Registry", .path = "/org/a11y/atspi/accessible/root"};
     std::vector<Element> found;
     for (const Reference& application : children(desktop)) {
         try {
-            if (text::equalsIgnoringAsciiCase(textProperty(application, accessible, "Name"), program))
-                collect(application, found, 0);
+            if (!text::equalsIgnoringAsciiCase(textProperty(application, accessible, "Name"), program)) continue;
+            if (auto element = read(application, 0)) std::ranges::move(element->children, std::back_inserter(found));
         } catch (const Error&) {
             found.clear();  // windows and programs end while they are read; the next look sees what is left
         }
     }
     return found;
+}
+
+std::vector<ScreenReader::Element> ScreenReader::elements(const std::string& program) const {
+    std::vector<Element> found;
+    std::vector<Element> left = windows(program);
+    std::ranges::reverse(left);
+    while (!left.empty()) {
+        Element element = std::move(left.back());
+        left.pop_back();
+        std::ranges::move(std::exchange(element.children, {}) | std::views::reverse, std::back_inserter(left));
+        found.push_back(std::move(element));
+    }
+    return found;
+}
+
+bool ScreenReader::Element::says(const std::string& words) const {
+    return name.find(words) != std::string::npos || this->text.find(words) != std::string::npos;
 }
 
 ScreenReader::Element ScreenReader::waitForName(const std::string& program, const std::string& name) const {
@@ -119,8 +157,7 @@ ScreenReader::Element ScreenReader::waitForName(const std::string& program, cons
 ScreenReader::Element ScreenReader::waitForWords(const std::string& program, const std::string& words) const {
     return *waitFor("the words " + words + " in a window of " + program, [&]() -> std::optional<Element> {
         for (const Element& element : elements(program)) {
-            if (element.name.find(words) != std::string::npos || element.text.find(words) != std::string::npos)
-                return element;
+            if (element.says(words)) return element;
         }
         return std::nullopt;
     });
@@ -128,9 +165,7 @@ ScreenReader::Element ScreenReader::waitForWords(const std::string& program, con
 
 bool ScreenReader::shows(const std::string& program, const std::string& words) const {
     const auto all = elements(program);
-    return std::any_of(all.begin(), all.end(), [&](const Element& element) {
-        return element.name.find(words) != std::string::npos || element.text.find(words) != std::string::npos;
-    });
+    return std::ranges::any_of(all, [&](const Element& element) { return element.says(words); });
 }
 
 }  // namespace ovrin

@@ -1,8 +1,10 @@
-// What a screen reader finds in the windows of a program: the names, texts and places of their elements, through the
-// accessibility bus of a desktop that has one. One thread.
+// What a screen reader finds in the windows of a program: the names, texts, states and places of their elements,
+// through the accessibility bus of a desktop that has one. One thread.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,19 +16,45 @@ namespace ovrin {
 
 class ScreenReader {
 public:
+    // Where an element is on the bus.
+    struct Reference {
+        std::string destination;
+        std::string path;
+    };
+    enum class State : std::uint8_t {  // their numbers in the bit set that an element answers with
+        checked = 4,
+        enabled = 8,
+        focusable = 11,
+        focused = 12,
+        selected = 23,
+        showing = 25
+    };
+    using States = std::uint32_t;  // the first of its two words, which holds all of these
+    static bool has(States states, State state) { return (states >> static_cast<unsigned>(state) & 1U) != 0; }
+
     struct Element {
         std::string role;  // such as "push button", "label", "text"
         std::string name;
         std::string text;  // of those that hold text
         PixelArea area;    // on the screen
-        bool isEnabled = false;
+        States states = 0;
+        Reference reference;
+        std::vector<Element> children;
+
+        bool is(State state) const { return has(states, state); }
+        // Whether its name or its text contains the words.
+        bool says(const std::string& words) const;
     };
 
     explicit ScreenReader(const PrivateDesktop& desktop);
 
-    // Everything that the program of that name (in whatever case) shows, windows before what is in them. Empty when it
-    // shows nothing.
+    // What the program of that name (in whatever case) shows: its windows with everything in them. Empty when it shows
+    // nothing.
+    std::vector<Element> windows(const std::string& program) const;
+    // The same without the order of a tree: windows before what is in them, and no element has children.
     std::vector<Element> elements(const std::string& program) const;
+    // The states of an element now; none when it has gone.
+    std::optional<States> states(const Reference& reference) const;
 
     // The first element that is shown under the name.
     Element waitForName(const std::string& program, const std::string& name) const;
@@ -35,13 +63,11 @@ public:
     bool shows(const std::string& program, const std::string& words) const;
 
 private:
-    struct Reference {
-        std::string destination;
-        std::string path;
-    };
     std::vector<Reference> children(const Reference& parent) const;
     std::string textProperty(const Reference& object, const std::string& interface, const std::string& name) const;
-    void collect(const Reference& object, std::vector<Element>& found, int depth) const;
+    std::string textOf(const Reference& object) const;
+    States statesOf(const Reference& object) const;
+    std::optional<Element> read(const Reference& object, int depth) const;
     BusView::Method method(const Reference& object, const std::string& interface, const std::string& name) const;
 
     std::unique_ptr<BusView> bus_;

@@ -1,6 +1,7 @@
 #include "desktop/test_user.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 #include <xcb/xfixes.h>
@@ -104,6 +105,11 @@ void TestUser::click(PixelSpot spot, Button button) const {
 void TestUser::doubleClick(PixelSpot spot) const {
     click(spot);
     click(spot);
+}
+
+void TestUser::scroll(PixelSpot spot, int notches) const {
+    for (int notch = 0; notch < std::abs(notches); ++notch)
+        click(spot, notches < 0 ? Button::wheelUp : Button::wheelDown);
 }
 
 void TestUser::drag(PixelSpot from, PixelSpot to) const {

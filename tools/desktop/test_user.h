@@ -45,6 +45,8 @@ public:
     void release(Button button = Button::left) const;
     void click(PixelSpot spot, Button button = Button::left) const;
     void doubleClick(PixelSpot spot) const;
+    // Turns the wheel by so many notches, downwards when there are more than 0.
+    void scroll(PixelSpot spot, int notches) const;
     // Presses, moves in some steps, and releases.
     void drag(PixelSpot from, PixelSpot to) const;
     // The same without the release.
