@@ -70,6 +70,7 @@ CommandPaletteView::CommandPaletteView(ViewEnvironment& environment, CommandPale
 QWidget* CommandPaletteView::makeHeader() {
     auto* header = new QWidget;
     header->setFixedHeight(headerHeight);
+    field_->setAccessibleName(QStringLiteral("搜索命令"));
     field_->setLeadingIcon(OVIcon::search);
     field_->setFontStyle(queryFont);
     field_->setBackground(OVTextField::Background::none);

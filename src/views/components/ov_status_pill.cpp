@@ -38,6 +38,7 @@ ColorToken colorOf(OVStatusPill::Kind kind) {
 
 OVStatusPill::OVStatusPill(ViewEnvironment& environment, const QString& text, Kind kind, QWidget* parent)
     : OVWidget(environment, parent), kind_(kind) {
+    setAccessibleRole(QAccessible::StaticText);
     setFont(toQFont(pillFont));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     set(text, kind);

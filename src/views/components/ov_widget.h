@@ -1,6 +1,8 @@
-// Base of the program's own widgets: knows the environment and repaints when it changes.
+// Base of the program's own widgets: knows the environment and repaints when it changes. Assistive technology hears of
+// those that are windows as windows, and of others by the role that they give themselves.
 #pragma once
 
+#include <QAccessible>
 #include <QWidget>
 
 #include "views/components/view_environment.h"
@@ -13,12 +15,18 @@ class OVWidget : public QWidget {
 public:
     explicit OVWidget(ViewEnvironment& environment, QWidget* parent = nullptr);
 
+    // None until it has given itself one.
+    QAccessible::Role accessibleRole() const { return accessibleRole_; }
+
 protected:
     ViewEnvironment& environment() const { return environment_; }
     QColor color(theme::ColorToken token) const { return environment_.color(token); }
+    // Before it is shown.
+    void setAccessibleRole(QAccessible::Role role) { accessibleRole_ = role; }
 
 private:
     ViewEnvironment& environment_;
+    QAccessible::Role accessibleRole_ = QAccessible::NoRole;
 };
 
 }  // namespace ovrin

@@ -64,8 +64,10 @@ TEST_F(NotificationsTest, OnlyTheNotificationThatTheUserActivatesIsAnsweredAndOn
     startService();
     std::vector<int> activated;
     for (const int number : {1, 2, 3}) {
-        notifications.add({.identifier = std::to_string(number), .title = "title", .body = "",
-                           .activated = [&activated, number] { activated.push_back(number); }});
+        notifications.add(
+            {.identifier = std::to_string(number), .title = "title", .body = "", .activated = [&activated, number] {
+                 activated.push_back(number);
+             }});
         ASSERT_TRUE(waitUntil([&] { return notified.size() == static_cast<std::size_t>(number); }));
     }
     EXPECT_EQ(notified[0][5].toStringList(), (QStringList{"default", "打开"}));
