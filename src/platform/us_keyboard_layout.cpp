@@ -23,4 +23,8 @@ std::optional<KeyboardShortcuts::Key> USKeyboardLayout::key(std::uint32_t) const
     return std::nullopt;
 }
 
+std::unique_ptr<const KeyboardLayout> USKeyboardLayout::snapshot() const {
+    return std::make_unique<USKeyboardLayout>();
+}
+
 }  // namespace ovrin

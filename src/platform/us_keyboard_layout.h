@@ -11,6 +11,8 @@ public:
 
     // There is no window system, hence no event.
     std::optional<KeyboardShortcuts::Key> key(std::uint32_t nativeCode) const override;
+
+    std::unique_ptr<const KeyboardLayout> snapshot() const override;
 };
 
 }  // namespace ovrin

@@ -51,6 +51,20 @@ TEST(Accelerator, ReadsBothNotations) {
     for (const auto& [text, expected] : joined) EXPECT_EQ(parsePlusAccelerator(text, layout), expected) << text;
 }
 
+// Every question costs a round trip to the display.
+class AskedLayout final : public KeyboardLayout {
+public:
+    int questions() const { return questions_; }
+
+    std::optional<std::string> character(Key key) const override { return ++questions_, letters_.character(key); }
+    std::optional<Key> key(std::uint32_t nativeCode) const override { return letters_.key(nativeCode); }
+    std::unique_ptr<const KeyboardLayout> snapshot() const override { return ++questions_, letters_.snapshot(); }
+
+private:
+    USKeyboardLayout letters_;
+    mutable int questions_ = 0;
+};
+
 class SystemShortcutsTest : public testing::Test {
 protected:
     std::vector<Shortcut> shortcutsOf(const std::string& desktop) {
@@ -60,7 +74,7 @@ protected:
     }
 
     TemporaryDirectory directory;
-    USKeyboardLayout layout;
+    AskedLayout layout;
 };
 
 TEST_F(SystemShortcutsTest, AreReadFromTheShortcutFile) {
@@ -73,6 +87,7 @@ TEST_F(SystemShortcutsTest, AreReadFromTheShortcutFile) {
     EXPECT_EQ(shortcutsOf("KDE"),
               (std::vector<Shortcut>{Shortcut(f4, Modifiers::option), Shortcut(Key::d, Modifiers::command),
                                      Shortcut(Key::d, Modifiers::control | Modifiers::option)}));
+    EXPECT_EQ(layout.questions(), 2);  // once for each reading
 }
 
 TEST_F(SystemShortcutsTest, AreReadFromGSettings) {
@@ -98,6 +113,7 @@ TEST_F(SystemShortcutsTest, AreReadFromGSettings) {
     EXPECT_EQ(shortcutsOf("ubuntu:GNOME"),
               (std::vector<Shortcut>{Shortcut(f4, Modifiers::option), Shortcut(Key::t, Modifiers::command),
                                      Shortcut(Key::d, Modifiers::command)}));
+    EXPECT_EQ(layout.questions(), 1);
     EXPECT_TRUE(shortcutsOf("MATE").empty());
     EXPECT_TRUE(shortcutsOf("sway").empty());
 }

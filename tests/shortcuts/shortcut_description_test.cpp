@@ -14,6 +14,7 @@ class OneKeyLayout final : public KeyboardLayout {
 public:
     explicit OneKeyLayout(std::optional<std::string> character) : character_(std::move(character)) {}
     std::optional<std::string> character(Key) const override { return character_; }
+    std::unique_ptr<const KeyboardLayout> snapshot() const override { return std::make_unique<OneKeyLayout>(*this); }
     std::optional<Key> key(std::uint32_t) const override { return std::nullopt; }
 
 private:

@@ -29,6 +29,7 @@ class PlainLayout final : public KeyboardLayout {
 public:
     std::optional<std::string> character(Key key) const override { return letters.character(key); }
     std::optional<Key> key(std::uint32_t nativeCode) const override { return Key{static_cast<int>(nativeCode)}; }
+    std::unique_ptr<const KeyboardLayout> snapshot() const override { return letters.snapshot(); }
 
 private:
     USKeyboardLayout letters;

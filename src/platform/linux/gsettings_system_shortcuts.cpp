@@ -78,7 +78,8 @@ GSettingsSystemShortcuts::GSettingsSystemShortcuts(std::vector<std::string> sche
 
 Shortcuts GSettingsSystemShortcuts::enabledShortcuts() const {
     Shortcuts shortcuts;
-    for (const auto& schema : schemas_) addSchema(schema, layout_, shortcuts);
+    const auto layout = layout_.snapshot();
+    for (const auto& schema : schemas_) addSchema(schema, *layout, shortcuts);
     return shortcuts;
 }
 

@@ -28,12 +28,13 @@ KdeSystemShortcuts::KdeSystemShortcuts(std::filesystem::path file, const Keyboar
 
 std::vector<KeyboardShortcuts::Shortcut> KdeSystemShortcuts::enabledShortcuts() const {
     std::vector<KeyboardShortcuts::Shortcut> shortcuts;
+    const auto layout = layout_.snapshot();
     std::ifstream file(file_);
     for (std::string line; std::getline(file, line);) {
         auto bindings = currentBindings(line);
         while (!bindings.empty()) {
             const auto end = bindings.find(separatorOfAlternatives);
-            if (const auto shortcut = parsePlusAccelerator(bindings.substr(0, end), layout_)) {
+            if (const auto shortcut = parsePlusAccelerator(bindings.substr(0, end), *layout)) {
                 shortcuts.push_back(*shortcut);
             }
             bindings = end == std::string_view::npos ? std::string_view{}

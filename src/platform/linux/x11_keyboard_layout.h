@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -20,6 +21,7 @@ public:
 
     std::optional<std::string> character(KeyboardShortcuts::Key key) const override;
     std::optional<KeyboardShortcuts::Key> key(std::uint32_t nativeCode) const override;
+    std::unique_ptr<const KeyboardLayout> snapshot() const override;
 
 private:
     // The keyboard as it is now; null when the server has gone.
