@@ -63,7 +63,7 @@ public:
                 .systemShortcuts = *systemShortcuts_,
                 .hotKeys = hotKeys_,
                 .menuItemUsing = [](const KeyboardShortcuts::Shortcut&) { return std::nullopt; }}));
-        return new KeyboardShortcuts::Recorder(environment_, layout_, *viewModels_.back());
+        return new KeyboardShortcuts::Recorder(environment_, layout_, *viewModels_.back(), toQString(title(shortcut)));
     }
 
 private:

@@ -17,11 +17,18 @@ struct HotKeyEvents {
     // One call for one press, however long the keys are held.
     std::function<void(HotKeyId)> keyDown;
     std::function<void(HotKeyId)> keyUp;
-    // The hot key has stopped to work (its place on a changed keyboard is taken, the display went away) and is no
-    // longer registered; the reason is a sentence for the user.
+    // The desktop has given what its answer was pending for.
+    std::function<void(HotKeyId)> granted{};
+    // The hot key has stopped to work (its place on a changed keyboard is taken, the display went away) or a pending
+    // answer was no, and it is no longer registered; the reason is a sentence for the user.
     std::function<void(HotKeyId, const std::string& reason)> failed;
     // The keyboard is another one now: what could not be registered before may be possible.
     std::function<void()> keyboardChanged;
+};
+
+enum class HotKeyAnswer : std::uint8_t {
+    granted,
+    pending,  // the desktop asks its user first: granted() or failed() is called later
 };
 
 // Main thread.
@@ -34,7 +41,7 @@ public:
 
     // Throws Error whose description tells why this combination can't be had: another program holds it, the keyboard
     // lacks the key or a modifier, there is no display. A combination is registered at most once at a time.
-    virtual void registerHotKey(HotKeyId id, const KeyboardShortcuts::Shortcut& shortcut) = 0;
+    virtual HotKeyAnswer registerHotKey(HotKeyId id, const KeyboardShortcuts::Shortcut& shortcut) = 0;
 
     // Gives the combination back to other programs at once; unknown identifiers are ignored. No event of it is
     // delivered afterwards.

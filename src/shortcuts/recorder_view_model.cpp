@@ -67,11 +67,6 @@ std::string RecorderViewModel::tooltip() const {
     return textFor("shortcut_recorder_tooltip");
 }
 
-std::optional<std::string> RecorderViewModel::registrationFailure() const {
-    if (isRecording_.value()) return std::nullopt;
-    return registry_.registrationFailure(name_);
-}
-
 void RecorderViewModel::startRecording() {
     if (isRecording_.value()) return;
     registry_.recorderDidBegin();

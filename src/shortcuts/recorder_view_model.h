@@ -59,9 +59,6 @@ public:
     bool showsClearButton() const { return !text_->empty(); }
     std::string placeholder() const;
     std::string tooltip() const;
-    // Why the desktop refuses the current combination, in a sentence for the user; none when it works or is being
-    // changed.
-    std::optional<std::string> registrationFailure() const;
 
     void startRecording();
     // Escape, the loss of the focus, the window that is no longer key: nothing is changed.

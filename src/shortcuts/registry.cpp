@@ -50,6 +50,7 @@ Registry::Registry(DefaultsStore& defaults, HotKeys& hotKeys, const KeyboardLayo
     hotKeys_.setEvents({
         .keyDown = [this](HotKeyId id) { handleHotKey(KeyDirection::down, id); },
         .keyUp = [this](HotKeyId id) { handleHotKey(KeyDirection::up, id); },
+        .granted = [this](HotKeyId id) { handleGrant(id); },
         .failed = [this](HotKeyId id, const std::string& reason) { handleFailure(id, reason); },
         .keyboardChanged = [this] { synchronize(); },
     });
@@ -84,8 +85,9 @@ void Registry::setShortcut(std::optional<Shortcut> shortcut, const Name& name) {
     const auto old = getShortcut(name);
     if (!shortcut && !old) return;
     store(shortcut, name);
-    if (old) unregisterUnlessHeldByOthers(*old, name);
+    if (old && !isHeldByOthers(*old, name)) unregister(*old);
     if (shortcut && !handlersOf(name).isDisabled) registerIfNeeded(*shortcut);
+    updateStates();
     announce(name);
 }
 
@@ -103,11 +105,13 @@ void Registry::store(const std::optional<Shortcut>& shortcut, const Name& name) 
 void Registry::onKeyDown(const Name& name, Action action) {
     handlersOf(name).keyDown.push_back(std::move(action));
     if (const auto shortcut = getShortcut(name)) registerIfNeeded(*shortcut);
+    updateStates();
 }
 
 void Registry::onKeyUp(const Name& name, Action action) {
     handlersOf(name).keyUp.push_back(std::move(action));
     if (const auto shortcut = getShortcut(name)) registerIfNeeded(*shortcut);
+    updateStates();
 }
 
 void Registry::removeAllHandlers() {
@@ -117,6 +121,7 @@ void Registry::removeAllHandlers() {
         handlers.keyUp.clear();
         if (const auto shortcut = getShortcut(handlers.name)) unregister(*shortcut);
     }
+    updateStates();
 }
 
 void Registry::synchronize() {
@@ -129,12 +134,15 @@ void Registry::synchronize() {
         if (!wanted.contains(shortcut)) unregister(shortcut);
     }
     for (const Shortcut& shortcut : wanted) registerIfNeeded(shortcut);
+    updateStates();
+    announceChangesOfOthers();
 }
 
 void Registry::disable(std::span<const Name> names) {
     for (const auto& name : names) {
         handlersOf(name).isDisabled = true;
-        if (const auto shortcut = getShortcut(name)) unregisterUnlessHeldByOthers(*shortcut, name);
+        const auto shortcut = getShortcut(name);
+        if (shortcut && !isHeldByOthers(*shortcut, name)) giveBack(*shortcut);
     }
 }
 
@@ -143,6 +151,7 @@ void Registry::enable(std::span<const Name> names) {
         handlersOf(name).isDisabled = false;
         if (const auto shortcut = getShortcut(name)) registerIfNeeded(*shortcut);
     }
+    updateStates();
 }
 
 bool Registry::handleKeyEvent(KeyDirection direction, const Shortcut& shortcut) {
@@ -163,22 +172,28 @@ void Registry::recorderDidEnd() {
     isRecorderActive_.set(false);
 }
 
-std::optional<std::string> Registry::registrationFailure(const Name& name) const {
-    const auto shortcut = getShortcut(name);
-    if (!shortcut) return std::nullopt;
-    const auto found = failures_.find(*shortcut);
-    return found == failures_.end() ? std::nullopt : std::optional(found->second);
-}
-
 Registry::Handlers& Registry::handlersOf(const Name& name) {
     const auto found = std::find_if(names_.begin(), names_.end(),
                                     [&](const auto& handlers) { return handlers.name.rawValue == name.rawValue; });
     if (found != names_.end()) return *found;
-    return names_.emplace_back(Handlers{.name = name, .keyDown = {}, .keyUp = {}});
+    auto& handlers = names_.emplace_back();
+    handlers.name = name;
+    handlers.announced = getShortcut(name);
+    handlers.state.set(currentState(name));
+    return handlers;
 }
 
 void Registry::announce(const Name& name) {
+    handlersOf(name).announced = getShortcut(name);
     lastChange_.set({.name = name.rawValue, .number = lastChange_->number + 1});
+}
+
+void Registry::announceChangesOfOthers() {
+    std::vector<Name> changed;
+    for (const auto& handlers : names_) {
+        if (getShortcut(handlers.name) != handlers.announced) changed.push_back(handlers.name);
+    }
+    for (const auto& name : changed) announce(name);
 }
 
 void Registry::registerIfNeeded(const Shortcut& shortcut) {
@@ -188,34 +203,38 @@ void Registry::registerIfNeeded(const Shortcut& shortcut) {
 
 bool Registry::registerWithDesktop(const Shortcut& shortcut) {
     const HotKeyId id{++hotKeyCounter_};
+    HotKeyAnswer answer{};
     try {
-        hotKeys_.registerHotKey(id, shortcut);
+        answer = hotKeys_.registerHotKey(id, shortcut);
     } catch (const Error& error) {
         noteFailure(shortcut, error.errorDescription());
         return false;
     }
     hotKeyTable_.emplace(id, shortcut);
-    failures_.erase(shortcut);
+    if (answer == HotKeyAnswer::granted) answers_[shortcut] = {.kind = RegistrationState::Kind::works};
     return true;
 }
 
 void Registry::unregister(const Shortcut& shortcut) {
+    giveBack(shortcut);
+    answers_.erase(shortcut);
+}
+
+void Registry::giveBack(const Shortcut& shortcut) {
     std::erase_if(hotKeyTable_, [&](const auto& entry) {
         if (entry.second != shortcut) return false;
         hotKeys_.unregisterHotKey(entry.first);
         return true;
     });
     registered_.erase(shortcut);
-    failures_.erase(shortcut);
 }
 
-// Another name may hold the same combination: it goes on working.
-void Registry::unregisterUnlessHeldByOthers(const Shortcut& shortcut, const Name& name) {
-    const bool isHeld = std::any_of(names_.begin(), names_.end(), [&](const auto& handlers) {
+// Another name may have the same combination, which goes on working then.
+bool Registry::isHeldByOthers(const Shortcut& shortcut, const Name& name) const {
+    return std::any_of(names_.begin(), names_.end(), [&](const auto& handlers) {
         return handlers.name.rawValue != name.rawValue && !handlers.isDisabled &&
                getShortcut(handlers.name) == shortcut;
     });
-    if (!isHeld) unregister(shortcut);
 }
 
 void Registry::setEnabled(bool isEnabled) {
@@ -227,11 +246,29 @@ void Registry::setEnabled(bool isEnabled) {
         for (const auto& entry : hotKeyTable_) hotKeys_.unregisterHotKey(entry.first);
         hotKeyTable_.clear();
     }
+    updateStates();
 }
 
+// Trying again what is still refused is no news.
 void Registry::noteFailure(const Shortcut& shortcut, const std::string& reason) {
-    failures_[shortcut] = reason;
+    const RegistrationState refused{.kind = RegistrationState::Kind::refused, .reason = reason};
+    if (std::exchange(answers_[shortcut], refused) == refused) return;
     diagnostics_("Error registering hotkey " + description(shortcut, layout_) + ": " + reason);
+}
+
+RegistrationState Registry::currentState(const Name& name) const {
+    const auto shortcut = getShortcut(name);
+    if (!shortcut) return {};
+    const auto found = answers_.find(*shortcut);
+    return found == answers_.end() ? RegistrationState{.kind = RegistrationState::Kind::unknown} : found->second;
+}
+
+// Those who hear of a state may change the registry, and make names known.
+void Registry::updateStates() {
+    for (std::size_t index = 0; index < names_.size(); ++index) {
+        auto& handlers = names_[index];
+        handlers.state.set(currentState(handlers.name));
+    }
 }
 
 void Registry::handleHotKey(KeyDirection direction, HotKeyId id) {
@@ -241,6 +278,13 @@ void Registry::handleHotKey(KeyDirection direction, HotKeyId id) {
     dispatch(direction, shortcut);
 }
 
+void Registry::handleGrant(HotKeyId id) {
+    const auto found = hotKeyTable_.find(id);
+    if (found == hotKeyTable_.end()) return;
+    answers_[found->second] = {.kind = RegistrationState::Kind::works};
+    updateStates();
+}
+
 void Registry::handleFailure(HotKeyId id, const std::string& reason) {
     const auto found = hotKeyTable_.find(id);
     if (found == hotKeyTable_.end()) return;
@@ -248,6 +292,7 @@ void Registry::handleFailure(HotKeyId id, const std::string& reason) {
     hotKeyTable_.erase(found);
     registered_.erase(shortcut);
     noteFailure(shortcut, reason);
+    updateStates();
 }
 
 void Registry::dispatch(KeyDirection direction, const Shortcut& shortcut) {

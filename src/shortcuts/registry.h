@@ -4,10 +4,12 @@
 // Stored under "KeyboardShortcuts_" + name: the JSON text {"carbonKeyCode":17,"carbonModifiers":768}; the boolean false
 // when the user cleared a shortcut that has a default; nothing when it was never set or has no default to suppress.
 //
-// Main thread. A combination that the desktop refuses stays stored but does not fire; the diagnostics get one line.
+// Main thread. A combination that the desktop refuses stays stored but does not fire; the diagnostics get one line, and
+// the name's state tells why.
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <optional>
@@ -28,7 +30,22 @@ namespace ovrin::KeyboardShortcuts {
 
 enum class KeyDirection { down, up };
 
-// A change made through the registry. Every one is news, also when it set what was there before.
+// What the desktop says about the combination of a name. While shortcuts rest (a recorder is active, the menu is open)
+// it is what the desktop said last.
+struct RegistrationState {
+    enum class Kind : std::uint8_t {
+        none,     // there is no combination
+        unknown,  // the desktop has not been asked or has not answered yet
+        works,
+        refused,
+    };
+    Kind kind = Kind::none;
+    std::string reason{};  // of a refusal: a sentence for the user
+
+    friend bool operator==(const RegistrationState&, const RegistrationState&) = default;
+};
+
+// A change made through the registry or found by it. Every one made is news, also when it set what was there before.
 struct ShortcutChange {
     std::string name;
     std::uint64_t number = 0;
@@ -68,7 +85,8 @@ public:
     void removeAllHandlers();
 
     // Registers what is stored now and gives back what no longer is, where others have changed the preferences or the
-    // keyboard. What the desktop refused before is tried again.
+    // keyboard. What the desktop refused before is tried again. Every combination that others have changed is
+    // announced.
     void synchronize();
 
     // Names that are disabled neither fire nor keep their combination from other programs (while the menu is open).
@@ -85,8 +103,8 @@ public:
     void recorderDidBegin();
     void recorderDidEnd();
 
-    // Why the desktop refuses the name's combination; none when it works or there is none.
-    std::optional<std::string> registrationFailure(const Name& name) const;
+    // Follows every answer of the desktop, and lives as long as the registry. Makes the name known.
+    const Published<RegistrationState>& registrationState(const Name& name) { return handlersOf(name).state; }
 
     const Published<ShortcutChange>& shortcutByNameDidChange() const { return lastChange_; }
     const Published<bool>& recorderActiveStatusDidChange() const { return isRecorderActive_; }
@@ -97,20 +115,27 @@ private:
         std::vector<Action> keyDown;
         std::vector<Action> keyUp;
         bool isDisabled = false;
+        std::optional<Shortcut> announced{};  // the combination that everybody knows of
+        Published<RegistrationState> state{};
     };
 
     Handlers& handlersOf(const Name& name);
     void store(const std::optional<Shortcut>& shortcut, const Name& name);
     void announce(const Name& name);
+    void announceChangesOfOthers();
 
     void registerIfNeeded(const Shortcut& shortcut);
     bool registerWithDesktop(const Shortcut& shortcut);
     void unregister(const Shortcut& shortcut);
-    void unregisterUnlessHeldByOthers(const Shortcut& shortcut, const Name& name);
+    void giveBack(const Shortcut& shortcut);
+    bool isHeldByOthers(const Shortcut& shortcut, const Name& name) const;
     void setEnabled(bool isEnabled);
     void noteFailure(const Shortcut& shortcut, const std::string& reason);
+    RegistrationState currentState(const Name& name) const;
+    void updateStates();
 
     void handleHotKey(KeyDirection direction, HotKeyId id);
+    void handleGrant(HotKeyId id);
     void handleFailure(HotKeyId id, const std::string& reason);
     void dispatch(KeyDirection direction, const Shortcut& shortcut);
 
@@ -119,10 +144,10 @@ private:
     const KeyboardLayout& layout_;
     Diagnostics diagnostics_;
 
-    std::vector<Handlers> names_;               // in the order they became known
-    std::unordered_set<Shortcut> registered_;   // what is to work whenever the registry is enabled
-    std::map<HotKeyId, Shortcut> hotKeyTable_;  // what the desktop has given us
-    std::unordered_map<Shortcut, std::string> failures_;
+    std::deque<Handlers> names_;                               // in the order they became known
+    std::unordered_set<Shortcut> registered_;                  // what is to work whenever the registry is enabled
+    std::map<HotKeyId, Shortcut> hotKeyTable_;                 // what the desktop has given us
+    std::unordered_map<Shortcut, RegistrationState> answers_;  // what it said last about each
     std::uint32_t hotKeyCounter_ = 0;
     bool isEnabled_ = true;
     bool isMenuOpen_ = false;

@@ -22,12 +22,14 @@ public:
 
     std::unordered_set<KeyboardShortcuts::Shortcut> takenByOthers;
     bool isOptionAloneAllowed = true;
+    HotKeyAnswer answer = HotKeyAnswer::granted;
 
     void setEvents(HotKeyEvents events) override { events_ = std::move(events); }
-    void registerHotKey(HotKeyId id, const KeyboardShortcuts::Shortcut& shortcut) override {
+    HotKeyAnswer registerHotKey(HotKeyId id, const KeyboardShortcuts::Shortcut& shortcut) override {
         if (takenByOthers.contains(shortcut)) throw Error("taken");
         registered_.emplace(id, shortcut);
         journal_.add("register " + std::to_string(static_cast<unsigned>(id)) + " " + text(shortcut));
+        return answer;
     }
     void unregisterHotKey(HotKeyId id) override {
         journal_.add("unregister " + text(registered_.at(id)));
@@ -38,6 +40,8 @@ public:
     // Whether the combination is registered; if so, its event is delivered.
     bool press(const KeyboardShortcuts::Shortcut& shortcut) { return deliver(shortcut, events_.keyDown); }
     bool release(const KeyboardShortcuts::Shortcut& shortcut) { return deliver(shortcut, events_.keyUp); }
+
+    void grant(const KeyboardShortcuts::Shortcut& shortcut) { events_.granted(idOf(shortcut).value()); }
 
     void fail(const KeyboardShortcuts::Shortcut& shortcut, const std::string& reason) {
         const auto id = idOf(shortcut).value();

@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+#include <gmock/gmock.h>
+
 #include "shortcut_fixture.h"
 
 namespace ovrin {
@@ -10,12 +12,19 @@ namespace {
 
 using KeyboardShortcuts::KeyDirection;
 using KeyboardShortcuts::Name;
+using KeyboardShortcuts::RegistrationState;
 using KeyboardShortcuts::Shortcut;
 using KeyboardShortcuts::ShortcutChange;
 
 const std::string plainKey = "KeyboardShortcuts_plain";
 const std::string defaultKey = "KeyboardShortcuts_withDefault";
 const std::string storedT = R"({"carbonKeyCode":17,"carbonModifiers":768})";
+
+const RegistrationState works{.kind = RegistrationState::Kind::works};
+
+RegistrationState refused(const std::string& reason) {
+    return {.kind = RegistrationState::Kind::refused, .reason = reason};
+}
 
 using RegistryTest = ShortcutTest;
 
@@ -133,11 +142,11 @@ TEST_F(RegistryTest, ARefusedCombinationIsStoredAndReportedInOneLine) {
     registry.setShortcut(commandShiftT, plain);
     EXPECT_EQ(journal.take(), (Events{"Error registering hotkey Super+Shift+T: taken"}));
     EXPECT_EQ(registry.getShortcut(plain), commandShiftT);
-    EXPECT_EQ(registry.registrationFailure(plain), "taken");
+    EXPECT_EQ(registry.registrationState(plain).value(), refused("taken"));
 
     hotKeys.takenByOthers.clear();
     registry.onKeyDown(plain, add("down"));
-    EXPECT_EQ(registry.registrationFailure(plain), std::nullopt);
+    EXPECT_EQ(registry.registrationState(plain).value(), works);
     EXPECT_TRUE(hotKeys.press(commandShiftT));
 }
 
@@ -146,9 +155,9 @@ TEST_F(RegistryTest, AHotKeyThatStopsWorkingIsReportedAndCanBeHadAgain) {
     journal.take();
     hotKeys.fail(commandShiftT, "display lost");
     EXPECT_EQ(journal.take(), (Events{"Error registering hotkey Super+Shift+T: display lost"}));
-    EXPECT_EQ(registry.registrationFailure(plain), "display lost");
+    EXPECT_EQ(registry.registrationState(plain).value(), refused("display lost"));
     registry.setShortcut(commandShiftT, plain);
-    EXPECT_EQ(registry.registrationFailure(plain), std::nullopt);
+    EXPECT_EQ(registry.registrationState(plain).value(), works);
 }
 
 TEST_F(RegistryTest, ACombinationThatTheKeyboardLackedWorksOnceItHasIt) {
@@ -156,8 +165,52 @@ TEST_F(RegistryTest, ACombinationThatTheKeyboardLackedWorksOnceItHasIt) {
     registry.onKeyDown(plain, add("down"));
     hotKeys.fail(commandShiftT, "no such key");
     hotKeys.changeKeyboard();
-    EXPECT_EQ(registry.registrationFailure(plain), std::nullopt);
+    EXPECT_EQ(registry.registrationState(plain).value(), works);
     EXPECT_TRUE(hotKeys.press(commandShiftT));
+}
+
+TEST_F(RegistryTest, TheStateOfANameFollowsAnswersThatComeLate) {
+    const auto& state = registry.registrationState(plain);
+    EXPECT_EQ(state.value(), RegistrationState());
+    hotKeys.answer = HotKeyAnswer::pending;
+    registry.setShortcut(commandShiftT, plain);
+    registry.onKeyDown(plain, add("down"));
+    EXPECT_EQ(state->kind, RegistrationState::Kind::unknown);
+    hotKeys.grant(commandShiftT);
+    EXPECT_EQ(state.value(), works);
+
+    registry.setShortcut(commandShiftS, plain);
+    EXPECT_EQ(state->kind, RegistrationState::Kind::unknown);
+    hotKeys.fail(commandShiftS, "denied");
+    EXPECT_EQ(state.value(), refused("denied"));
+    // Asking once more is not yet an answer.
+    registry.synchronize();
+    EXPECT_EQ(state.value(), refused("denied"));
+    hotKeys.grant(commandShiftS);
+    EXPECT_EQ(state.value(), works);
+    registry.setShortcut(std::nullopt, plain);
+    EXPECT_EQ(state.value(), RegistrationState());
+}
+
+TEST_F(RegistryTest, TheStateIsTheLastAnswerWhileShortcutsRest) {
+    const std::vector<Name> names{plain};
+    hotKeys.takenByOthers.insert(commandShiftT);
+    registry.onKeyDown(plain, add("down"));
+    registry.setShortcut(commandShiftT, plain);
+    journal.take();
+    const auto subscription = registry.registrationState(plain).onDidChange([&](const auto&) { journal.add("state"); });
+    registry.disable(names);
+    registry.enable(names);
+    registry.recorderDidBegin();
+    registry.recorderDidEnd();
+    EXPECT_EQ(journal.take(), Events());
+
+    // What is recorded counts once the recorder gives the keyboard back.
+    registry.recorderDidBegin();
+    registry.setShortcut(commandShiftS, plain);
+    EXPECT_EQ(registry.registrationState(plain)->kind, RegistrationState::Kind::unknown);
+    registry.recorderDidEnd();
+    EXPECT_EQ(registry.registrationState(plain).value(), works);
 }
 
 TEST_F(RegistryTest, TakesOverWhatAnotherProcessHasStored) {
@@ -167,9 +220,14 @@ TEST_F(RegistryTest, TakesOverWhatAnotherProcessHasStored) {
     DefaultsStore another(file);
     another.setString(plainKey, storedT);
     another.setBoolean(defaultKey, false);
-    registry.synchronize();
-    EXPECT_FALSE(hotKeys.isRegistered(commandShiftS));
     journal.take();
+    const auto subscription =
+        registry.shortcutByNameDidChange().onDidChange([&](const ShortcutChange& change) { journal.add(change.name); });
+    registry.synchronize();
+    EXPECT_THAT(journal.take(), testing::IsSupersetOf({"plain", "withDefault"}));
+    registry.synchronize();
+    EXPECT_EQ(journal.take(), Events());
+    EXPECT_FALSE(hotKeys.isRegistered(commandShiftS));
     EXPECT_TRUE(hotKeys.press(commandShiftT));
     EXPECT_EQ(journal.take(), (Events{"plain"}));
     another.remove({plainKey});

@@ -68,10 +68,11 @@ void X11HotKeys::setEvents(HotKeyEvents events) {
     events_ = std::move(events);
 }
 
-void X11HotKeys::registerHotKey(HotKeyId id, const Shortcut& shortcut) {
+HotKeyAnswer X11HotKeys::registerHotKey(HotKeyId id, const Shortcut& shortcut) {
     auto grabs = grabsFor(shortcut);
     grab(grabs);
     hotKeys_.insert_or_assign(id, HotKey{shortcut, std::move(grabs)});
+    return HotKeyAnswer::granted;
 }
 
 void X11HotKeys::unregisterHotKey(HotKeyId id) {

@@ -33,7 +33,7 @@ public:
     ~X11HotKeys() override;
 
     void setEvents(HotKeyEvents events) override;
-    void registerHotKey(HotKeyId id, const KeyboardShortcuts::Shortcut& shortcut) override;
+    HotKeyAnswer registerHotKey(HotKeyId id, const KeyboardShortcuts::Shortcut& shortcut) override;
     void unregisterHotKey(HotKeyId id) override;
     bool allowsOptionAlone() const override { return true; }
 

@@ -1,5 +1,7 @@
 #include "views/shortcut_recorder/recorder.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
@@ -15,37 +17,74 @@ namespace {
 
 constexpr double cornerRadius = 8;
 constexpr QSize fieldSize{232, 30};  // points; holds Super+Ctrl+Shift+PageDown beside the button
-constexpr double sideWidth = 28;     // of the clear button, and of the warning opposite
-constexpr double glyphSize = 12;
+constexpr int clearMargin = 1;
 
 bool isMovingOn(const QKeyEvent& event) {
     const bool isTab = event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab;
     return isTab && (event.modifiers() & ~Qt::ShiftModifier) == Qt::NoModifier;
 }
 
+// A button whose press starts the recording. Not every screen reader reads the values of buttons: the description,
+// which goes on with what is said beside the recorder, begins with it.
+class AccessibleRecorder final : public QAccessibleWidget {
+public:
+    explicit AccessibleRecorder(Recorder* recorder) : QAccessibleWidget(recorder, QAccessible::Button) {}
+
+    QString text(QAccessible::Text kind) const override {
+        if (kind == QAccessible::Value) return recorder().words();
+        if (kind != QAccessible::Description) return QAccessibleWidget::text(kind);
+        return QStringList({recorder().words(), recorder().accessibleDescription(), recorder().toolTip()})
+            .join(QLatin1Char('\n'));
+    }
+    QAccessible::State state() const override {
+        auto state = QAccessibleWidget::state();
+        state.pressed = recorder().isRecording();
+        return state;
+    }
+    QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
+    void doAction(const QString& name) override {
+        if (name != pressAction()) return QAccessibleWidget::doAction(name);
+        recorder().setFocus();
+        recorder().startRecording();
+    }
+
+private:
+    Recorder& recorder() const { return *static_cast<Recorder*>(widget()); }
+};
+
+QAccessibleInterface* makeAccessibleRecorder(const QString& className, QObject* object) {
+    if (className != QLatin1String("ovrin::KeyboardShortcuts::Recorder")) return nullptr;
+    return new AccessibleRecorder(static_cast<Recorder*>(object));
+}
+
 }  // namespace
 
 Recorder::Recorder(ViewEnvironment& environment, const KeyboardLayout& layout, RecorderViewModel& viewModel,
-                   QWidget* parent)
-    : OVWidget(environment, parent), layout_(layout), viewModel_(viewModel) {
+                   const QString& title, QWidget* parent)
+    : OVWidget(environment, parent),
+      layout_(layout),
+      viewModel_(viewModel),
+      clearButton_(new OVIconButton(environment, OVIcon::close, QStringLiteral("清除“%1”的快捷键").arg(title), this)) {
+    QAccessible::installFactory(&makeAccessibleRecorder);
+    setAccessibleName(title);
     setFocusPolicy(Qt::StrongFocus);
-    setMouseTracking(true);
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setFixedSize(fieldSize);
     setFont(toQFont(theme::font::bodyMedium));
     textChanges_ = viewModel_.text().onDidChange([this](const std::string&) { describe(); });
     recordingChanges_ = viewModel_.isRecording().onDidChange([this](bool) { recordingDidChange(); });
     connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
         if (state != Qt::ApplicationActive && !alert_) viewModel_.endRecording();
     });
+    connect(clearButton_, &OVIconButton::clicked, this, [this] {
+        setFocus();
+        follow(viewModel_.clear());
+    });
+    clearButton_->move(width() - clearButton_->width() - clearMargin, clearMargin);
     describe();
 }
 
 Recorder::~Recorder() {
     viewModel_.endRecording();
-}
-
-QSize Recorder::sizeHint() const {
-    return fieldSize;
 }
 
 // Combinations that would otherwise move the focus or trigger something in this window are for recording.
@@ -82,32 +121,22 @@ void Recorder::recordingDidChange() {
     describe();
 }
 
-void Recorder::describe() {
-    const auto failure = viewModel_.registrationFailure();
-    setToolTip(toQString(failure.value_or(viewModel_.tooltip())));
-    setAccessibleName(toQString(viewModel_.text()->empty() ? viewModel_.placeholder() : viewModel_.text().value()));
-    setAccessibleDescription(toolTip());
-    update();
+QString Recorder::words() const {
+    const bool isEmpty = isRecording() || viewModel_.text()->empty();
+    return toQString(isEmpty ? viewModel_.placeholder() : viewModel_.text().value());
 }
 
-QRectF Recorder::clearButton() const {
-    return {width() - sideWidth, 0, sideWidth, static_cast<double>(height())};
+void Recorder::describe() {
+    setToolTip(toQString(viewModel_.tooltip()));
+    QAccessibleEvent change(this, QAccessible::DescriptionChanged);
+    QAccessible::updateAccessibility(&change);
+    clearButton_->setVisible(viewModel_.showsClearButton() && !isRecording());
+    update();
 }
 
 void Recorder::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
-    if (offersClearing() && clearButton().contains(event->position())) return follow(viewModel_.clear());
     viewModel_.startRecording();
-}
-
-void Recorder::mouseMoveEvent(QMouseEvent* event) {
-    isClearHovered_ = offersClearing() && clearButton().contains(event->position());
-    update();
-}
-
-void Recorder::leaveEvent(QEvent* /*event*/) {
-    isClearHovered_ = false;
-    update();
 }
 
 void Recorder::keyPressEvent(QKeyEvent* event) {
@@ -187,19 +216,10 @@ void Recorder::paintEvent(QPaintEvent* /*event*/) {
     }
 
     const bool isEmpty = isRecording() || viewModel_.text()->empty();
-    const QString words = toQString(isEmpty ? viewModel_.placeholder() : viewModel_.text().value());
     painter.setPen(color(isEmpty ? ColorToken::ink3 : ColorToken::ink));
-    const QRectF room = field.adjusted(sideWidth, 0, -sideWidth, 0);
-    painter.drawText(room, Qt::AlignCenter, QFontMetricsF(font()).elidedText(words, Qt::ElideMiddle, room.width()));
-
-    if (viewModel_.registrationFailure()) {
-        drawIcon(painter, OVIcon::triangleAlert, QRectF(0, 0, sideWidth, height()), glyphSize,
-                 color(ColorToken::orange));
-    }
-    if (offersClearing()) {
-        drawIcon(painter, OVIcon::close, clearButton(), glyphSize,
-                 color(isClearHovered_ ? ColorToken::ink : ColorToken::ink3));
-    }
+    const double side = clearButton_->width() + 2.0 * clearMargin;
+    const QRectF room = field.adjusted(side, 0, -side, 0);
+    painter.drawText(room, Qt::AlignCenter, QFontMetricsF(font()).elidedText(words(), Qt::ElideMiddle, room.width()));
 }
 
 }  // namespace ovrin::KeyboardShortcuts

@@ -1,5 +1,6 @@
 // The control with which the user records the key combination of one shortcut: a field that shows it, records the next
-// combination when it is clicked, and has a button that clears it.
+// combination when it is clicked, and has a button that clears it. Assistive technology hears the title of the shortcut
+// as its name and the combination as its value.
 #pragma once
 
 #include <QPointer>
@@ -7,6 +8,7 @@
 #include "platform/keyboard_layout.h"
 #include "shortcuts/recorder_view_model.h"
 #include "views/components/ov_alert.h"
+#include "views/components/ov_button.h"
 #include "views/components/ov_widget.h"
 
 namespace ovrin::KeyboardShortcuts {
@@ -16,29 +18,27 @@ class Recorder final : public OVWidget {
     Q_OBJECT
 
 public:
-    // All of them outlive it.
+    // All of them outlive it. title: of the shortcut.
     Recorder(ViewEnvironment& environment, const KeyboardLayout& layout, RecorderViewModel& viewModel,
-             QWidget* parent = nullptr);
+             const QString& title, QWidget* parent = nullptr);
     ~Recorder() override;
 
-    QSize sizeHint() const override;
+    bool isRecording() const { return viewModel_.isRecording().value(); }
+    void startRecording() { viewModel_.startRecording(); }
+    // The combination, or what to do when there is none or one is being recorded.
+    QString words() const;
 
 protected:
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void hideEvent(QHideEvent* event) override;
-    void leaveEvent(QEvent* event) override;
 
 private:
-    bool isRecording() const { return viewModel_.isRecording().value(); }
-    bool offersClearing() const { return viewModel_.showsClearButton() && !isRecording(); }
-    QRectF clearButton() const;
     void recordingDidChange();
     void handleIdleKey(const QKeyEvent& event);
     void follow(const RecorderOutcome& outcome);
@@ -48,7 +48,7 @@ private:
     const KeyboardLayout& layout_;
     RecorderViewModel& viewModel_;
     QPointer<OVAlert> alert_;
-    bool isClearHovered_ = false;
+    OVIconButton* clearButton_;
     Subscription textChanges_;
     Subscription recordingChanges_;
 };

@@ -1,0 +1,51 @@
+#include "settings/shortcuts_page_view_model.h"
+
+namespace ovrin {
+
+using KeyboardShortcuts::RecorderRules;
+using KeyboardShortcuts::RegistrationState;
+using KeyboardShortcuts::Registry;
+
+namespace {
+
+std::optional<std::string> reason(const RegistrationState& state) {
+    if (state.kind != RegistrationState::Kind::refused) return std::nullopt;
+    return state.reason;
+}
+
+}  // namespace
+
+ShortcutRow::ShortcutRow(Registry& registry, OvShortcut shortcut, const RecorderRules& rules)
+    : shortcut_(shortcut), recorder_(registry, name(shortcut), rules) {
+    const auto& state = registry.registrationState(name(shortcut));
+    refusal_.set(reason(state.value()));
+    states_ = state.onDidChange([this](const RegistrationState& changed) { refusal_.set(reason(changed)); });
+}
+
+ShortcutsPageViewModel::ShortcutsPageViewModel(Registry& registry, const RecorderRules& rules) : registry_(registry) {
+    for (const auto shortcut : allOvShortcuts) rows_.emplace_back(registry, shortcut, rules);
+    compareRows();
+    changes_ = registry_.shortcutByNameDidChange().onDidChange([this](const auto&) { compareRows(); });
+}
+
+void ShortcutsPageViewModel::didAppear() {
+    registry_.synchronize();
+}
+
+void ShortcutsPageViewModel::compareRows() {
+    for (auto& row : rows_) row.sharing_.set(sharing(row));
+}
+
+std::optional<std::string> ShortcutsPageViewModel::sharing(const ShortcutRow& row) const {
+    const auto combination = registry_.getShortcut(name(row.shortcut()));
+    if (!combination) return std::nullopt;
+    std::string others;
+    for (const auto& other : rows_) {
+        if (&other == &row || registry_.getShortcut(name(other.shortcut())) != combination) continue;
+        others.append(others.empty() ? "“" : "、“").append(title(other.shortcut())).append("”");
+    }
+    if (others.empty()) return std::nullopt;
+    return "与" + others + "相同，按下时一起执行。";
+}
+
+}  // namespace ovrin
