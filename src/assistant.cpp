@@ -58,6 +58,7 @@
 #include "shortcuts/assistant_actions.h"
 #include "shortcuts/command_palette_presenter.h"
 #include "shortcuts/hotkey_manager.h"
+#include "shortcuts/refusal_notice.h"
 #include "shortcuts/registry.h"
 #include "storage/user_directories.h"
 #include "updates/update_controller.h"
@@ -239,6 +240,10 @@ private:
                                               std::fflush(stdout);
                                           }};
     HotkeyManager hotkeyManager_{registry_, settings_.defaults, loop_};
+    RefusalNotice refusalNotice_{
+        {.registry = registry_, .notifications = notifications_, .state = state_, .showShortcuts = [this] {
+             showSettings(SettingsSection::shortcuts);
+         }}};
     CommandPalettePresenter commandPalette_{
         *this, registry_,
         [this](CommandPaletteViewModel& viewModel, std::function<void()> requestClose) {
@@ -329,6 +334,7 @@ void AppDelegate::applicationDidFinishLaunching() {
         .isModelReady = [this] { return readiness_.isReady(); },
         .hasTranslationResult = [this] { return resultPanel_.hasTranslationResult(); }});
     hotkeyManager_.bindAll(*this);
+    refusalNotice_.tell();
     updates_.start();
     notifications_.requestAuthorization({.alerts = true, .sounds = true});
     loop_.postAfter(patienceWithTheTray, [this] { sayIfThereIsNoTray(); });
