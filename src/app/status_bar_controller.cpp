@@ -53,6 +53,16 @@ void StatusBarController::showMenu() {
     surroundings_.statusItem.showMenu(makeMenu());
 }
 
+std::optional<std::string> StatusBarController::itemUsing(const KeyboardShortcuts::Shortcut& shortcut,
+                                                          const KeyboardLayout& layout) const {
+    if (shortcut.modifiers() != KeyboardShortcuts::Modifiers::control) return std::nullopt;
+    const auto character = layout.character(shortcut.key());
+    for (const MenuItem& item : makeMenu()) {
+        if (item.controlKey && character == std::string(1, *item.controlKey)) return item.title;
+    }
+    return std::nullopt;
+}
+
 // The keys of shortcuts that are typed while the menu is open are meant for the menu.
 void StatusBarController::menuWillOpen() {
     isMenuOpen_ = true;

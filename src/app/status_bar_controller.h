@@ -42,6 +42,11 @@ public:
 
     void showMenu();
 
+    // The title of the item that has the combination for itself. Those of global shortcuts, which the menu only hints
+    // at, belong to no item.
+    std::optional<std::string> itemUsing(const KeyboardShortcuts::Shortcut& shortcut,
+                                         const KeyboardLayout& layout) const;
+
 private:
     void configureButton();
     void observeActivity();

@@ -111,6 +111,14 @@ TEST_F(StatusBarControllerTest, WhatThisBuildLacksCannotBeChosen) {
     }
 }
 
+TEST_F(StatusBarControllerTest, OnlyKeysOfItsOwnBelongToAnItem) {
+    using namespace KeyboardShortcuts;
+    constexpr Key comma{43};
+    EXPECT_EQ(controller->itemUsing(Shortcut(comma, Modifiers::control), layout), "设置…");
+    EXPECT_EQ(controller->itemUsing(Shortcut(comma, Modifiers::command), layout), std::nullopt);
+    EXPECT_EQ(controller->itemUsing(commandShiftT, layout), std::nullopt);
+}
+
 TEST_F(StatusBarControllerTest, ALeftClickBringsTheTranslationBackAndARightClickAlwaysOpensTheMenu) {
     statusItem.events.leftClicked();
     EXPECT_EQ(journal.take(), Events{"menu"});
