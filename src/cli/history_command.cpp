@@ -48,8 +48,8 @@ int listHistory(const ListHistory& command, const HistoryStore& history, Termina
         return 0;
     }
     bool isFirst = true;
-    for (const HistoryRecord& record : records) {
-        terminal.write((isFirst ? "" : "\n") + described(record));
+    for (const auto& record : records) {
+        terminal.write((isFirst ? "" : "\n") + described(*record));
         isFirst = false;
     }
     return records.empty() && !command.query.empty() ? 1 : 0;

@@ -15,19 +15,19 @@ bool isAbsent(const json::Value& object, std::string_view name) {
     return found == nullptr || found->is_null();
 }
 
-std::optional<HistoryRecord> decodedRecord(const json::Value& object) {
+std::shared_ptr<const HistoryRecord> decodedRecord(const json::Value& object) {
     const auto id = Uuid::parse(json::string(object, "id").value_or(""));
     const auto createdAt = parseIso8601(json::string(object, "createdAt").value_or(""));
     auto sourceText = json::string(object, "sourceText");
     auto recordType = json::string(object, "recordType");
     auto resultText = json::string(object, "resultText");
-    if (!id || !createdAt || !sourceText || !recordType) return std::nullopt;
-    if (!resultText && !isAbsent(object, "resultText")) return std::nullopt;
-    return HistoryRecord{.id = *id,
-                         .createdAt = *createdAt,
-                         .sourceText = std::move(*sourceText),
-                         .resultText = std::move(resultText),
-                         .recordType = std::move(*recordType)};
+    if (!id || !createdAt || !sourceText || !recordType) return nullptr;
+    if (!resultText && !isAbsent(object, "resultText")) return nullptr;
+    return std::make_shared<const HistoryRecord>(HistoryRecord{.id = *id,
+                                                               .createdAt = *createdAt,
+                                                               .sourceText = std::move(*sourceText),
+                                                               .resultText = std::move(resultText),
+                                                               .recordType = std::move(*recordType)});
 }
 
 json::Value encodedRecord(const HistoryRecord& record) {
@@ -49,18 +49,21 @@ std::optional<HistoryRecords> decodedHistory(std::string_view document) {
     for (const json::Value& object : *array) {
         auto record = decodedRecord(object);
         if (!record) return std::nullopt;
-        records.push_back(std::move(*record));
+        records.push_back(std::move(record));
     }
-    std::stable_sort(records.begin(), records.end(), [](const HistoryRecord& first, const HistoryRecord& second) {
-        return first.createdAt > second.createdAt;
-    });
+    std::stable_sort(records.begin(), records.end(),
+                     [](const auto& first, const auto& second) { return first->createdAt > second->createdAt; });
     return records;
 }
 
+// Record by record: a tree of the whole history would hold every text once more.
 std::string encodedHistory(const HistoryRecords& records) {
-    json::Value array = json::Value::array();
-    for (const HistoryRecord& record : records) array.push_back(encodedRecord(record));
-    return json::encoded(array);
+    std::string document = "[";
+    for (const auto& record : records) {
+        if (document.size() > 1) document += ',';
+        document += json::encoded(encodedRecord(*record));
+    }
+    return document + ']';
 }
 
 }  // namespace ovrin

@@ -7,18 +7,26 @@
 #include <unordered_map>
 #include <utility>
 
+#include "base/worker_executor.h"
+
 namespace ovrin {
 namespace {
 
 constexpr std::size_t maximumFileSize = 256U << 20U;  // bytes
 
-bool isNewer(const HistoryRecord& first, const HistoryRecord& second) {
-    return first.createdAt > second.createdAt;
+bool isNewer(const std::shared_ptr<const HistoryRecord>& first, const std::shared_ptr<const HistoryRecord>& second) {
+    return first->createdAt > second->createdAt;
+}
+
+std::shared_ptr<const HistoryRecord> withResult(const HistoryRecord& record, std::optional<std::string> resultText) {
+    HistoryRecord changed = record;
+    changed.resultText = std::move(resultText);
+    return std::make_shared<const HistoryRecord>(std::move(changed));
 }
 
 std::unordered_set<Uuid> idsOf(const HistoryRecords& records) {
     std::unordered_set<Uuid> ids;
-    for (const HistoryRecord& record : records) ids.insert(record.id);
+    for (const auto& record : records) ids.insert(record->id);
     return ids;
 }
 
@@ -46,11 +54,12 @@ HistoryStore::HistoryStore(std::filesystem::path fileURL, text::CaseRules caseRu
 
 void HistoryStore::save(Entry entry) {
     change([&](HistoryRecords& records) {
-        records.insert(records.begin(), HistoryRecord{.id = Uuid::random(),
-                                                      .createdAt = clock_(),
-                                                      .sourceText = std::move(entry.sourceText),
-                                                      .resultText = std::move(entry.resultText),
-                                                      .recordType = std::string(entry.recordType)});
+        HistoryRecord record{.id = Uuid::random(),
+                             .createdAt = clock_(),
+                             .sourceText = std::move(entry.sourceText),
+                             .resultText = std::move(entry.resultText),
+                             .recordType = std::string(entry.recordType)};
+        records.insert(records.begin(), std::make_shared<const HistoryRecord>(std::move(record)));
         if (records.size() > maximumRecords) records.resize(maximumRecords);
         return true;
     });
@@ -58,30 +67,19 @@ void HistoryStore::save(Entry entry) {
 
 void HistoryStore::updateLatestResult(std::string_view sourceText, std::string resultText) {
     change([&](HistoryRecords& records) {
-        const auto latest = std::find_if(records.begin(), records.end(), [&](const HistoryRecord& record) {
-            return text::canonicallyEqual(record.sourceText, sourceText);
+        const auto latest = std::find_if(records.begin(), records.end(), [&](const auto& record) {
+            return text::canonicallyEqual(record->sourceText, sourceText);
         });
         if (latest == records.end()) return false;
-        latest->resultText = std::move(resultText);
-        unwrittenResults_.insert(latest->id);
+        *latest = withResult(**latest, std::move(resultText));
+        unwrittenResults_.insert((*latest)->id);
         return true;
     });
 }
 
-HistoryRecords HistoryStore::search(std::string_view query) const {
-    const HistoryRecords& records = records_.value();
-    if (text::trimmed(query).empty()) return records;
-    const text::CaseInsensitiveQuery wanted(query, caseRules_);
-    HistoryRecords found;
-    std::copy_if(records.begin(), records.end(), std::back_inserter(found), [&](const HistoryRecord& record) {
-        return wanted.isFoundIn(record.sourceText) || (record.resultText && wanted.isFoundIn(*record.resultText));
-    });
-    return found;
-}
-
 void HistoryStore::deleteRecord(const Uuid& id) {
     change([&](HistoryRecords& records) {
-        std::erase_if(records, [&](const HistoryRecord& record) { return record.id == id; });
+        std::erase_if(records, [&](const auto& record) { return record->id == id; });
         return true;
     });
 }
@@ -100,6 +98,17 @@ void HistoryStore::refresh() {
     records_.set(std::move(records));
 }
 
+Task<void> HistoryStore::refreshOn(WorkerExecutor& worker) {
+    const files::Stamp known = stamp_;
+    if (known.stillHolds(fileURL_)) co_return;
+    auto read = [file = fileURL_](const std::stop_token& /*stop*/) { return contentOf(file); };
+    Content content = co_await worker.run(std::move(read));
+    if (stamp_ != known) co_return;
+    HistoryRecords records = records_.value();
+    takeOver(records, std::move(content));
+    records_.set(std::move(records));
+}
+
 // The file is written before the change is published: observers may take their time, the lock must not wait for them.
 void HistoryStore::change(const Edit& edit) {
     HistoryRecords records = records_.value();
@@ -113,31 +122,44 @@ void HistoryStore::change(const Edit& edit) {
 }
 
 void HistoryStore::takeOver(HistoryRecords& records) {
-    if (stamp_.stillHolds(fileURL_)) return;
-    stamp_ = files::Stamp::of(fileURL_);  // before reading, so that a change in between is noticed next time
-    try {
-        auto fromFile = decodedHistory(files::readFile(fileURL_, maximumFileSize));
-        isUnreadable_ = !fromFile;
-        if (fromFile) merge(records, std::move(*fromFile));
-    } catch (const files::FileError& error) {
-        isUnreadable_ = error.code() != ENOENT && error.code() != ENOTDIR;
-    }
+    if (!stamp_.stillHolds(fileURL_)) takeOver(records, contentOf(fileURL_));
 }
 
-// The file's records, with what this process changed and could not write applied again.
+void HistoryStore::takeOver(HistoryRecords& records, Content content) {
+    stamp_ = content.stamp;
+    isUnreadable_ = content.isUnreadable;
+    if (content.records) merge(records, std::move(*content.records));
+}
+
+HistoryStore::Content HistoryStore::contentOf(const std::filesystem::path& file) {
+    Content content{.stamp = files::Stamp::of(file)};
+    try {
+        content.records = decodedHistory(files::readFile(file, maximumFileSize));
+        content.isUnreadable = !content.records;
+    } catch (const files::FileError& error) {
+        content.isUnreadable = error.code() != ENOENT && error.code() != ENOTDIR;
+    }
+    return content;
+}
+
+// The file's records, with what this process changed and could not write applied again. Those that are as they were
+// stay the same objects.
 void HistoryStore::merge(HistoryRecords& records, HistoryRecords fromFile) {
     const std::unordered_set<Uuid> idsInFile = idsOf(fromFile);
-    std::unordered_map<Uuid, const HistoryRecord*> own;
+    std::unordered_map<Uuid, std::shared_ptr<const HistoryRecord>> own;
     HistoryRecords merged;
-    for (const HistoryRecord& record : records) {
-        own.emplace(record.id, &record);
-        if (!written_.contains(record.id) && !idsInFile.contains(record.id)) merged.push_back(record);
+    for (const auto& record : records) {
+        own.emplace(record->id, record);
+        if (!written_.contains(record->id) && !idsInFile.contains(record->id)) merged.push_back(record);
     }
-    for (HistoryRecord& record : fromFile) {
-        const auto known = own.find(record.id);
-        if (known == own.end() && written_.contains(record.id)) continue;  // deleted here
-        if (unwrittenResults_.contains(record.id) && known != own.end()) record.resultText = known->second->resultText;
-        merged.push_back(std::move(record));
+    for (auto& record : fromFile) {
+        const auto known = own.find(record->id);
+        if (known == own.end()) {
+            if (!written_.contains(record->id)) merged.push_back(std::move(record));  // else it was deleted here
+            continue;
+        }
+        if (unwrittenResults_.contains(record->id)) record = withResult(*record, known->second->resultText);
+        merged.push_back(*record == *known->second ? known->second : std::move(record));
     }
     std::stable_sort(merged.begin(), merged.end(), isNewer);
     records = std::move(merged);

@@ -16,12 +16,16 @@
 #include "base/date_time.h"
 #include "base/files.h"
 #include "base/published.h"
+#include "base/task.h"
 #include "base/text.h"
 #include "base/uuid.h"
 #include "storage/history_format.h"
 #include "storage/history_record.h"
+#include "storage/history_search.h"
 
 namespace ovrin {
+
+class WorkerExecutor;
 
 class HistoryStore {
 public:
@@ -47,19 +51,34 @@ public:
     void updateLatestResult(std::string_view sourceText, std::string resultText);
 
     // The records whose source or result contains the query as it is, letter case aside; all of them for a blank query.
-    HistoryRecords search(std::string_view query) const;
+    HistoryRecords search(std::string_view query) const { return searchFor(query).run(); }
+    // The same search, to be run on another thread: through the records as they are now.
+    HistorySearch searchFor(std::string_view query) const { return {records_.value(), query, caseRules_}; }
 
     void deleteRecord(const Uuid& id);
     void deleteAll();
 
-    // Takes over what another process wrote since; for a window that is about to show the list.
+    // Takes over what another process wrote since. The second reads the file on the worker and leaves the calling
+    // thread free meanwhile; a change of this process in between has taken over everything itself.
     void refresh();
+    Task<void> refreshOn(WorkerExecutor& worker);
+
+    const std::filesystem::path& fileURL() const { return fileURL_; }
 
 private:
+    // What the file holds at one moment.
+    struct Content {
+        files::Stamp stamp;  // from before it was read, so that a change in between is noticed next time
+        std::optional<HistoryRecords> records{};
+        bool isUnreadable = false;
+    };
+    static Content contentOf(const std::filesystem::path& file);  // any thread
+
     using Edit = std::function<bool(HistoryRecords&)>;  // tells whether the list has to be written
 
     void change(const Edit& edit);
     void takeOver(HistoryRecords& records);
+    void takeOver(HistoryRecords& records, Content content);
     void merge(HistoryRecords& records, HistoryRecords fromFile);
     void persist(const HistoryRecords& records);
 

@@ -101,7 +101,7 @@ protected:
         subscriptions_.push_back(
             app_->lastError().onWillChange([this, text](const auto& value) { journal_.add("error: " + text(value)); }));
         subscriptions_.push_back(history_.records().onDidChange([this, text](const HistoryRecords& records) {
-            const HistoryRecord& newest = records.front();
+            const HistoryRecord& newest = *records.front();
             journal_.add("history " + newest.recordType + ": " + newest.sourceText + " => " + text(newest.resultText));
         }));
     }

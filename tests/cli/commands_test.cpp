@@ -113,8 +113,8 @@ TEST_F(Commands, RecognizeSavesWhenAsked) {
     engineReads("kept");
     EXPECT_EQ(recognizeThem({.images = {file("a.png", "1")}, .history = HistoryEntry::save}), 0);
     ASSERT_EQ(history_.records().value().size(), 1U);
-    EXPECT_EQ(history_.records().value().front().sourceText, "kept");
-    EXPECT_EQ(history_.records().value().front().recordType, "capture-ocr");
+    EXPECT_EQ(history_.records().value().front()->sourceText, "kept");
+    EXPECT_EQ(history_.records().value().front()->recordType, "capture-ocr");
 }
 
 TEST_F(Commands, RecognizeStopsWhenNobodyReadsOn) {

@@ -13,6 +13,8 @@
 #include <unistd.h>
 
 #include "base/json.h"
+#include "base/run_loop.h"
+#include "base/worker_executor.h"
 #include "fakes/temporary_directory.h"
 
 namespace ovrin {
@@ -26,7 +28,7 @@ using ::testing::SizeIs;
 std::vector<std::string> sources(const HistoryRecords& records) {
     std::vector<std::string> texts;
     texts.reserve(records.size());
-    for (const auto& record : records) texts.push_back(record.sourceText);
+    for (const auto& record : records) texts.push_back(record->sourceText);
     return texts;
 }
 
@@ -62,10 +64,10 @@ TEST_F(HistoryStoreTest, ASavedRecordIsAtTheFrontAndOnTheDisk) {
     store->save({.sourceText = "one", .resultText = std::nullopt, .recordType = historyRecordType::captureOCR});
     store->save({.sourceText = "译", .resultText = "two", .recordType = historyRecordType::directAI});
     EXPECT_THAT(sources(store->records().value()), ElementsAre("译", "one"));
-    EXPECT_EQ(store->records()->front().createdAt, now);
+    EXPECT_EQ(store->records()->front()->createdAt, now);
 
     const auto written = json::parseOrThrow(content());
-    const Uuid id = store->records()->back().id;
+    const Uuid id = store->records()->back()->id;
     EXPECT_EQ(json::encoded(written[1]), R"({"createdAt":"2026-03-01T09:05:07Z","id":")" + id.text() +
                                              R"(","recordType":"capture-ocr","sourceText":"one"})");
     EXPECT_EQ(json::string(written[0], "resultText"), "two");
@@ -94,8 +96,8 @@ TEST_F(HistoryStoreTest, KeepsTheFiveHundredNewest) {
     EXPECT_THAT(store->records().value(), SizeIs(600));
     save(*store, "new");
     EXPECT_THAT(store->records().value(), SizeIs(500));
-    EXPECT_EQ(store->records()->front().sourceText, "new");
-    EXPECT_EQ(store->records()->back().sourceText, "s498");
+    EXPECT_EQ(store->records()->front()->sourceText, "new");
+    EXPECT_EQ(store->records()->back()->sourceText, "s498");
     EXPECT_THAT(open()->records().value(), SizeIs(500));
 }
 
@@ -136,12 +138,12 @@ TEST_F(HistoryStoreTest, AResultGoesToTheNewestRecordWithTheSameSource) {
     save(*store, "caf\u00E9", "old");
     save(*store, "other");
     save(*store, "cafe\u0301");
-    const auto identity = store->records()->front().id;
+    const auto identity = store->records()->front()->id;
     store->updateLatestResult("caf\u00E9", "new");
-    EXPECT_THAT(store->records()->front().resultText, Optional(std::string("new")));
-    EXPECT_EQ(store->records()->front().id, identity);
-    EXPECT_THAT(store->records()->back().resultText, Optional(std::string("old")));
-    EXPECT_THAT(open()->records()->front().resultText, Optional(std::string("new")));
+    EXPECT_THAT(store->records()->front()->resultText, Optional(std::string("new")));
+    EXPECT_EQ(store->records()->front()->id, identity);
+    EXPECT_THAT(store->records()->back()->resultText, Optional(std::string("old")));
+    EXPECT_THAT(open()->records()->front()->resultText, Optional(std::string("new")));
 
     const auto before = files::Stamp::of(file);
     store->updateLatestResult("cafe", "none");
@@ -168,7 +170,7 @@ TEST_F(HistoryStoreTest, DeletingRewritesTheFileEvenWhenNothingMatched) {
     std::filesystem::remove(file);
     store->deleteRecord(Uuid::random());
     EXPECT_THAT(sources(open()->records().value()), ElementsAre("two", "one"));
-    store->deleteRecord(store->records()->back().id);
+    store->deleteRecord(store->records()->back()->id);
     EXPECT_THAT(sources(open()->records().value()), ElementsAre("two"));
     store->deleteAll();
     EXPECT_THAT(store->records().value(), IsEmpty());
@@ -188,15 +190,35 @@ TEST_F(HistoryStoreTest, TwoStoresOnOneFileLoseNothingOfEachOther) {
     save(*command, "two");
     save(*assistant, "three");
     EXPECT_THAT(sources(assistant->records().value()), ElementsAre("three", "two", "one"));
-    assistant->deleteRecord(assistant->records()->back().id);
+    assistant->deleteRecord(assistant->records()->back()->id);
     save(*command, "four");
     command->updateLatestResult("three", "result");
     assistant->refresh();
     EXPECT_THAT(sources(assistant->records().value()), ElementsAre("four", "three", "two"));
-    EXPECT_THAT(assistant->records().value()[1].resultText, Optional(std::string("result")));
+    EXPECT_THAT(assistant->records().value()[1]->resultText, Optional(std::string("result")));
     assistant->deleteAll();
     command->refresh();
     EXPECT_THAT(command->records().value(), IsEmpty());
+}
+
+TEST_F(HistoryStoreTest, ReadingOnAWorkerGivesWayToAChangeMadeMeanwhile) {
+    const auto assistant = open();
+    save(*assistant, "one");
+    const auto other = open();
+    save(*other, "two");
+    RunLoop loop;
+    WorkerExecutor worker(1);
+    RunningTask reading(loop, assistant->refreshOn(worker));
+    reading.onDone([&] { loop.quit(); });
+    reading.start();
+    EXPECT_THAT(sources(assistant->records().value()), ElementsAre("one"));
+    save(*assistant, "three");
+    loop.run();
+    EXPECT_THAT(sources(assistant->records().value()), ElementsAre("three", "two", "one"));
+
+    save(*other, "four");
+    loop.complete(assistant->refreshOn(worker));
+    EXPECT_THAT(sources(assistant->records().value()), ElementsAre("four", "three", "two", "one"));
 }
 
 TEST_F(HistoryStoreTest, ManyProcessesThatSaveLoseNothing) {
@@ -225,7 +247,7 @@ TEST_F(HistoryStoreTest, ChangesThatCouldNotBeWrittenAreMadeUpFor) {
     save(*store, "one");
     save(*store, "two");
     save(*store, "three");
-    const Uuid two = store->records().value()[1].id;
+    const Uuid two = store->records().value()[1]->id;
 
     std::signal(SIGXFSZ, SIG_IGN);
     rlimit limit{};
@@ -245,7 +267,7 @@ TEST_F(HistoryStoreTest, ChangesThatCouldNotBeWrittenAreMadeUpFor) {
     const std::vector<std::string> all{"mine", "theirs", std::string(3000, 'x'), "three", "one"};
     EXPECT_EQ(sources(store->records().value()), all);
     EXPECT_EQ(sources(open()->records().value()), all);
-    EXPECT_THAT(open()->records()->back().resultText, Optional(std::string("result")));
+    EXPECT_THAT(open()->records()->back()->resultText, Optional(std::string("result")));
 }
 
 TEST_F(HistoryStoreTest, AKillWhileSavingLeavesAWholeHistory) {

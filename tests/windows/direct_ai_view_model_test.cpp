@@ -67,7 +67,7 @@ TEST_F(DirectAIViewModelTest, StreamsAnAnswerAndKeepsItInTheHistory) {
     EXPECT_TRUE(chat.canSend());
     EXPECT_EQ(turns(), Events{"1 + 41?|42 é"});
     ASSERT_EQ(history.records()->size(), 1U);
-    const HistoryRecord& record = history.records()->front();
+    const HistoryRecord& record = *history.records()->front();
     EXPECT_EQ(record.sourceText, "1 + 41?");
     EXPECT_EQ(record.resultText, "42 é");
     EXPECT_EQ(record.recordType, "direct-ai");

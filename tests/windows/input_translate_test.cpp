@@ -46,7 +46,7 @@ TEST_F(InputTranslateViewModelTest, StreamsATranslationAndKeepsTheTrimmedTextInT
     EXPECT_FALSE(window.isStreaming().value());
     EXPECT_EQ(window.inputText().value(), " hello\n");
     ASSERT_EQ(history.records()->size(), 1U);
-    const HistoryRecord& record = history.records()->front();
+    const HistoryRecord& record = *history.records()->front();
     EXPECT_EQ(record.sourceText, "hello");
     EXPECT_EQ(record.resultText, "你好");
     EXPECT_EQ(record.recordType, "input-translation");

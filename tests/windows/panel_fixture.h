@@ -83,7 +83,7 @@ protected:
     std::string lastSystemPrompt() const { return lastMessages()[0]["content"]; }
     std::size_t requests() const { return http.requests().size(); }
 
-    std::optional<std::string> latestResult() const { return history.records()->front().resultText; }
+    std::optional<std::string> latestResult() const { return history.records()->front()->resultText; }
 
     Journal journal;
     VirtualLoop loop;
