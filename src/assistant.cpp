@@ -38,6 +38,7 @@
 #include "platform/linux/qt/desktop_settings.h"
 #include "platform/linux/qt/font_rendering.h"
 #include "platform/linux/qt/freedesktop_notification_center.h"
+#include "platform/linux/qt/inotify_file_watcher.h"
 #include "platform/linux/qt/qt_desktop_layout.h"
 #include "platform/linux/qt/qt_main_loop.h"
 #include "platform/linux/qt/termination_signals.h"
@@ -67,6 +68,7 @@
 #include "views/command_palette/command_palette_view.h"
 #include "views/components/view_environment.h"
 #include "views/direct_ai/qt_direct_ai_panel.h"
+#include "views/history/qt_history_window.h"
 #include "views/input_translate/qt_input_translate_window.h"
 #include "views/mini_popover/mini_popover_panel.h"
 #include "views/result_panel/qt_result_panel_window.h"
@@ -74,6 +76,7 @@
 #include "views/toast/toast_panel.h"
 #include "views/updates/qt_update_window.h"
 #include "windows/direct_ai_window_presenter.h"
+#include "windows/history_window_controller.h"
 #include "windows/input_translate_presenter.h"
 #include "windows/mini_popover_presenter.h"
 #include "windows/result_window_presenter.h"
@@ -136,9 +139,9 @@ public:
     }
 
     bool has(AppWindow window) const override {
-        return window == AppWindow::directAI || window == AppWindow::inputTranslate;
+        return window == AppWindow::directAI || window == AppWindow::inputTranslate || window == AppWindow::history;
     }
-    void showHistory() override { sayThatItIsMissing(); }
+    void showHistory() override { historyWindow_.show(); }
     void showSettings(std::optional<SettingsSection> /*section*/) override { sayThatItIsMissing(); }
     bool isUpdateConfigured() const override { return updates_.isConfigured(); }
     void checkForUpdates() override { updates_.checkForUpdates(); }
@@ -149,6 +152,7 @@ private:
     std::unique_ptr<ToastWindow::Panel> makeToast(const std::string& message, OVIcon icon);
     ResultPanelViewModel::Services resultPanelServices();
     InputTranslateViewModel::Services inputTranslateServices();
+    HistoryViewModel::Services historyServices();
     AppState::Surroundings surroundings();
     UpdateController::Services updateServices();
     void sayIfThereIsNoTray();
@@ -180,6 +184,7 @@ private:
     ModelServices model_{settings_};
     ConversationPrompts prompts_{Environment::ofProcess, secureRandomIndex};
     std::unique_ptr<HistoryStore> history_ = openHistory();
+    InotifyFileWatcher files_;
 
     // The desktop.
     WorkerExecutor screenWorker_{1};
@@ -219,6 +224,10 @@ private:
         [this](DirectAIViewModel& viewModel, const DirectAIPanel::Form& form, DirectAIPanel::Events events) {
             return std::make_unique<QtDirectAIPanel>(environment_, icons_.image(), viewModel, form, std::move(events));
         }};
+    HistoryWindowController historyWindow_{historyServices(), [this](HistoryViewModel& viewModel) {
+                                               return std::make_unique<QtHistoryWindow>(environment_, icons_.image(),
+                                                                                        viewModel);
+                                           }};
     AppState appState_;
 
     // Updates. Their requests run on a thread of their own, which may wait for the disk.
@@ -293,6 +302,16 @@ InputTranslateViewModel::Services AppDelegate::inputTranslateServices() {
             .clipboard = clipboard_,
             .toasts = toasts_,
             .makeSpeech = [this] { return speech_.makeSynthesizer(); }};
+}
+
+HistoryViewModel::Services AppDelegate::historyServices() {
+    return {.loop = loop_,
+            .history = *history_,
+            .files = files_,
+            .resultPanel = resultPanel_,
+            .clipboard = clipboard_,
+            .toasts = toasts_,
+            .environment = Environment::ofProcess()};
 }
 
 AppState::Surroundings AppDelegate::surroundings() {

@@ -57,8 +57,9 @@ OVAlert::OVAlert(ViewEnvironment& environment, const Words& words, QWidget& owne
     page->addLayout(buttons_);
 }
 
-void OVAlert::addChoice(const QString& title, std::function<void()> action) {
-    auto* button = new OVButton(environment(), title, OVButton::Kind::secondary);
+void OVAlert::addChoice(const QString& title, std::function<void()> action, Choice choice) {
+    const auto kind = choice == Choice::destructive ? OVButton::Kind::danger : OVButton::Kind::secondary;
+    auto* button = new OVButton(environment(), title, kind);
     buttons_->insertWidget(buttons_->count() - 1, button);
     connect(button, &QAbstractButton::clicked, this, [this, action = std::move(action)] {
         leave();

@@ -4,6 +4,7 @@
 
 #include <QPointer>
 #include <QString>
+#include <cstdint>
 #include <functional>
 
 #include "views/components/ov_floating_window.h"
@@ -28,7 +29,8 @@ public:
     OVAlert(ViewEnvironment& environment, const Words& words, QWidget& owner);
 
     // A further button. Its action runs once the alert has gone, in place of dismissed().
-    void addChoice(const QString& title, std::function<void()> action);
+    enum class Choice : std::uint8_t { ordinary, destructive };
+    void addChoice(const QString& title, std::function<void()> action, Choice choice = Choice::ordinary);
 
     // Shows it, centred on the window it is about.
     void present();
