@@ -5,6 +5,7 @@
 // Run it on an idle machine. Every figure is the median of some runs; those on the screen are seen from outside, by
 // somebody who looks at it as fast as it can be read.
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -12,6 +13,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -19,6 +21,9 @@
 #include <malloc.h>
 
 #include "base/error.h"
+#include "base/files.h"
+#include "base/text.h"
+#include "base/uuid.h"
 #include "desktop/private_desktop.h"
 #include "desktop/sample_program.h"
 #include "desktop/test_user.h"
@@ -26,6 +31,7 @@
 #include "platform/linux/onnx_text_recognizer.h"
 #include "platform/linux/x11_connection.h"
 #include "practice/practice_service.h"
+#include "storage/history_store.h"
 
 namespace ovrin {
 namespace {
@@ -76,6 +82,41 @@ std::uint32_t pixelAt(const X11View& view, PixelSpot spot) {
     return *reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(reply.get()));
 }
 
+// A history as long as they become: 480 records of 2000 characters and 20 of 20 000, half of them with a result, half
+// of the texts Chinese. No text holds a letter z.
+HistoryRecords longHistory() {
+    unsigned state = 1;
+    const auto random = [&state](unsigned below) { return (state = state * 1'664'525U + 1'013'904'223U) / 7U % below; };
+    const auto text = [&](int length, bool isChinese) {
+        std::string result;
+        for (int count = 0; count < length; ++count) {
+            const unsigned character = 0x4E00 + random(3000);
+            if (!isChinese) {
+                result += count % 6 == 5 ? ' ' : static_cast<char>('a' + random(25));
+            } else {
+                for (const unsigned byte :
+                     {0xE0U | character >> 12U, 0x80U | (character >> 6U & 0x3FU), 0x80U | (character & 0x3FU)}) {
+                    result += static_cast<char>(byte);
+                }
+            }
+        }
+        return result;
+    };
+    constexpr std::array types{historyRecordType::captureOCR, historyRecordType::clipboardTranslation,
+                               historyRecordType::directAI};
+    HistoryRecords records;
+    for (int number = 0; number < 500; ++number) {
+        const int length = number % 25 == 0 ? 20'000 : 2'000;
+        records.push_back(std::make_shared<const HistoryRecord>(
+            HistoryRecord{.id = Uuid::random(),
+                          .createdAt = std::chrono::system_clock::now() - std::chrono::minutes(number),
+                          .sourceText = text(length, number % 2 == 0),
+                          .resultText = number % 4 < 2 ? std::optional(text(length, number % 2 != 0)) : std::nullopt,
+                          .recordType = std::string(types.at(static_cast<std::size_t>(number) % types.size()))}));
+    }
+    return records;
+}
+
 class Bench {
 public:
     Bench() : user_(desktop_.display()) {
@@ -92,6 +133,7 @@ public:
         std::this_thread::sleep_for(6s);  // until it has stopped to wait for a tray
         report("resting memory, before any recognition (PSS)", memory(), "MB", 60);
         report("wake-ups of all threads in 10 idle seconds", wakeUps(10s), "", 0);
+        measureHistory();
         SampleProgram page(desktop_, user_, sampleProgram, SampleProgram::Kind::page);
         const PixelArea window = page.window().area;
         report("shortcut to first dimmed frame", medianOf(9, [this] { return dimmingTime(); }), "ms", 60);
@@ -165,6 +207,130 @@ private:
         return static_cast<double>(count);
     }
 
+    // The history window, with a history as long as they become.
+    void measureHistory() {
+        quit();
+        files::replaceFile(historyFile(), encodedHistory(longHistory()), files::Access::onlyUser);
+        restart();
+        historyFrameTime();  // says where the window comes up
+        closeHistory();
+        const double before = medianOf(3, [this] { return restart(), memory(); });
+        report("history: menu to first frame", medianOf(5, [this] { return restart(), historyFrameTime(); }), "ms",
+               120);
+        closeHistory();
+        const auto again = [this] {
+            const double time = historyFrameTime();
+            closeHistory();
+            return time;
+        };
+        report("history: menu to frame, again", medianOf(7, again), "ms", 40);
+        historyFrameTime();
+        measureHistorySearch();
+        report("history: deletion to the list without it", medianOf(7, [this] { return deletionTime(); }), "ms", 50);
+        std::printf("history: save of another process to the list %.1f ms\n",
+                    medianOf(7, [this] { return savingTime(); }));
+        closeHistory();
+        std::this_thread::sleep_for(6s);
+        report("history: memory after it was closed (PSS), beyond before", memory() - before, "MB", 12);
+        report("wake-ups of all threads in 10 idle seconds after it", wakeUps(10s), "", 0);
+        quit();
+        std::filesystem::remove(historyFile());
+        start();
+    }
+
+    std::filesystem::path historyFile() const { return desktop_.dataFolder() / "Ovrin/history.json"; }
+
+    void restart() {
+        if (program_) quit();
+        start();
+        std::this_thread::sleep_for(6s);
+    }
+
+    // Until the lowest part of the window, where rows are, is on the screen.
+    double historyFrameTime() {
+        const auto icon = waitFor("the tray icon", [this]() -> std::optional<DesktopWindow> {
+            for (DesktopWindow& window : user_.view().embeddedWindows()) {
+                if (window.className == "ovrin") return std::move(window);
+            }
+            return std::nullopt;
+        });
+        user_.click(icon->area.center(), TestUser::Button::right);
+        waitFor("the menu", [this] {
+            return std::ranges::any_of(user_.find({.program = "ovrin"}), [](const DesktopWindow& window) {
+                return window.isOverrideRedirect && window.area.height > 200;
+            });
+        });
+        std::this_thread::sleep_for(300ms);  // until it has the keyboard
+        for (int item = 0; item < 10; ++item) user_.pressKeys("Down");
+        std::this_thread::sleep_for(200ms);
+        const PixelSpot spot{.x = history_.area.center().x, .y = history_.area.y + history_.area.height - 40};
+        const bool isPlaceKnown = history_.id != XCB_WINDOW_NONE;
+        const std::uint32_t desktop = isPlaceKnown ? pixelAt(user_.view(), spot) : 0;
+        const auto begin = Clock::now();
+        user_.pressKeys("Return");
+        if (isPlaceKnown) spinUntil("the rows", [&] { return pixelAt(user_.view(), spot) != desktop; });
+        const double time = milliseconds(Clock::now() - begin);
+        history_ = user_.waitForWindow({.title = "历史记录 — Ovrin", .program = "ovrin"});
+        user_.waitUntilActive(history_.id);
+        std::this_thread::sleep_for(500ms);
+        return time;
+    }
+
+    void closeHistory() {
+        user_.pressKeys("Control_L+w");
+        user_.waitUntilGone(history_.id);
+        std::this_thread::sleep_for(300ms);
+    }
+
+    // The time until something else is on the screen there.
+    double changeTime(const PixelArea& area, const std::function<void()>& act) {
+        const QImage before = user_.picture(area);
+        const auto begin = Clock::now();
+        act();
+        spinUntil("the change", [&] { return user_.picture(area) != before; });
+        return milliseconds(Clock::now() - begin);
+    }
+
+    // The words that stand in the empty search field, away from the caret, and the text of the first row.
+    PixelArea searchHint() const {
+        return {.x = history_.area.x + 560, .y = history_.area.y + 58, .width = 60, .height = 16};
+    }
+    PixelArea firstRow() const {
+        return {.x = history_.area.x + 90, .y = history_.area.y + 136, .width = 500, .height = 40};
+    }
+
+    void measureHistorySearch() {
+        const auto typeAndClear = [this](const PixelArea& area) {
+            const double time = changeTime(area, [this] { user_.pressKeys("z"); });
+            std::this_thread::sleep_for(300ms);
+            user_.pressKeys("Escape");
+            std::this_thread::sleep_for(300ms);
+            return time;
+        };
+        report("history: key in the search to its echo", medianOf(9, [&] { return typeAndClear(searchHint()); }), "ms",
+               17);
+        report("history: key in the search to the right list", medianOf(9, [&] { return typeAndClear(firstRow()); }),
+               "ms", 50);
+    }
+
+    double deletionTime() {
+        user_.pressKeys("Control_L+f");
+        user_.pressKeys("Down");
+        std::this_thread::sleep_for(300ms);
+        return changeTime(firstRow(), [this] { user_.pressKeys("Delete"); });
+    }
+
+    double savingTime() {
+        HistoryStore other(historyFile(), text::CaseRules::general, [] { return std::chrono::system_clock::now(); });
+        user_.pressKeys("Control_L+f");
+        std::this_thread::sleep_for(300ms);
+        return changeTime(firstRow(), [&] {
+            other.save({.sourceText = "Saved by another process " + Uuid::random().text(),
+                        .resultText = {},
+                        .recordType = historyRecordType::directAI});
+        });
+    }
+
     double dimmingTime() {
         constexpr PixelSpot corner{.x = 3, .y = 3};
         const std::uint32_t bright = pixelAt(user_.view(), corner);
@@ -234,6 +400,7 @@ private:
     PrivateDesktop desktop_{{}};
     TestUser user_;
     std::unique_ptr<ChildProcess> program_;
+    DesktopWindow history_;  // where it was last
 };
 
 }  // namespace

@@ -40,6 +40,7 @@ public:
         takeMenu();
         takeCard();
         takeInputTranslation();
+        takeHistory();
         takeChat();
     }
 
@@ -152,6 +153,16 @@ private:
         user_.moveTo({.x = 4, .y = 4});
         saveWindow("input-translation", window);
         choose("关闭");
+        user_.waitUntilGone(window.id);
+    }
+
+    void takeHistory() {
+        assistant_.run({"do", "history"});
+        const DesktopWindow window = user_.waitForWindow({.program = program, .width = 800, .height = 550});
+        user_.waitUntilActive(window.id);
+        user_.moveTo({.x = 4, .y = 4});
+        saveWindow("history", window);
+        user_.pressKeys("Control_L+w");
         user_.waitUntilGone(window.id);
     }
 
