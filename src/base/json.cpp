@@ -5,6 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "base/text.h"
+
 namespace ovrin::json {
 namespace {
 
@@ -58,6 +60,27 @@ Value parseOrThrow(std::string_view document) {
 std::string encoded(const Value& value, Layout layout) {
     const int indentation = layout == Layout::indented ? 2 : -1;
     return value.dump(indentation, ' ', false, Value::error_handler_t::replace);
+}
+
+void appendString(std::string& document, std::string_view text) {
+    if (!text::isValidUtf8(text)) {
+        document += encoded(text);
+        return;
+    }
+    const auto needsEscape = [](char character) {
+        return static_cast<unsigned char>(character) < 0x20 || character == '"' || character == '\\';
+    };
+    document += '"';
+    while (!text.empty()) {
+        const auto plain = static_cast<std::size_t>(std::find_if(text.begin(), text.end(), needsEscape) - text.begin());
+        document.append(text, 0, plain);
+        text.remove_prefix(plain);
+        if (text.empty()) break;
+        const std::string escaped = encoded(text.substr(0, 1));
+        document.append(escaped, 1, escaped.size() - 2);  // without its quotation marks
+        text.remove_prefix(1);
+    }
+    document += '"';
 }
 
 const Value* member(const Value& value, std::string_view name) {

@@ -33,6 +33,9 @@ enum class Layout { compact, indented };
 // UTF-8; characters beyond ASCII are written as they are, ill-formed bytes as U+FFFD.
 std::string encoded(const Value& value, Layout layout = Layout::compact);
 
+// Appends the text as a JSON string, as encoded() writes it: for documents that are too long to build as a tree first.
+void appendString(std::string& document, std::string_view text);
+
 // The member of an object; null when the value is no object or has no such member. Lives as long as the value.
 const Value* member(const Value& value, std::string_view name);
 

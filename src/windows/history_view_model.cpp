@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "base/memory.h"
 #include "base/text.h"
 #include "platform/clipboard_service.h"
 #include "platform/toast_presenter.h"
@@ -114,7 +115,12 @@ void HistoryViewModel::deleteAll() {
 
 void HistoryViewModel::setVisible(bool isVisible) {
     if (isVisible == (watch_ != nullptr)) return;
-    if (!isVisible) return watch_.reset();
+    if (!isVisible) {
+        watch_.reset();
+        // Reading and searching a long history takes a multiple of its size.
+        worker_.post([](const std::stop_token&) { giveBackUnusedMemory(); });
+        return;
+    }
     const auto refresh = [this] { refresh_.replace(services_.history.refreshOn(worker_)); };
     watch_ = services_.files.watch(services_.history.fileURL(), refresh);
     refresh();
