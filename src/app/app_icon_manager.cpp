@@ -4,14 +4,6 @@
 
 namespace ovrin {
 
-namespace {
-
-std::string imageAsset(EntranceIconStyle style) {
-    return style == EntranceIconStyle::dark ? "EntranceIconDark" : "EntranceIconLight";
-}
-
-}  // namespace
-
 AppIconManager::AppIconManager(const AppConfig& config, DefaultsStore& defaults, ApplicationIcon& icon)
     : config_(config), defaults_(defaults), icon_(icon) {
     applySavedIcon();
@@ -29,7 +21,7 @@ void AppIconManager::select(EntranceIconStyle style) {
 
 void AppIconManager::apply(EntranceIconStyle style) {
     style_.set(style);
-    const std::string asset = imageAsset(style);
+    const std::string asset(imageAsset(style));
     if (!icon_.hasImage(asset)) return;
     image_.set(asset);
     icon_.setImage(asset);

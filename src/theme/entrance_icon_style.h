@@ -22,6 +22,11 @@ constexpr std::string_view title(EntranceIconStyle style) {
     return style == EntranceIconStyle::dark ? "深色图标" : "明亮图标";
 }
 
+// The picture of the icon.
+constexpr std::string_view imageAsset(EntranceIconStyle style) {
+    return style == EntranceIconStyle::dark ? "EntranceIconDark" : "EntranceIconLight";
+}
+
 // The style of a raw value; exact and case-sensitive, none for any other text.
 constexpr std::optional<EntranceIconStyle> entranceIconStyle(std::string_view text) {
     for (const EntranceIconStyle style : allEntranceIconStyles) {

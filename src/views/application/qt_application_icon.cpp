@@ -8,6 +8,7 @@ namespace ovrin {
 QString QtApplicationIcon::file(std::string_view asset) {
     if (asset == "EntranceIconLight") return QStringLiteral(":/assets/entrance-icon-light.svg");
     if (asset == "EntranceIconDark") return QStringLiteral(":/assets/entrance-icon-dark.svg");
+    if (asset == "AboutMascot") return QStringLiteral(":/assets/about-mascot.svg");
     return {};
 }
 

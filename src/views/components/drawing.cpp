@@ -14,6 +14,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "views/components/view_environment.h"
+
 namespace ovrin {
 
 namespace {
@@ -124,6 +126,19 @@ void fillRounded(QPainter& painter, const QRectF& rectangle, double radius, cons
     painter.setPen(Qt::NoPen);
     painter.setBrush(color);
     painter.drawRoundedRect(rectangle, radius, radius);
+}
+
+void drawFieldGround(QPainter& painter, const QRectF& rectangle, double radius, bool hasFocus,
+                     const ViewEnvironment& environment) {
+    fillRounded(painter, rectangle, radius, environment.color(theme::ColorToken::inset));
+    // Without a line it would hardly stand out from a card in the dark appearance.
+    QColor line = environment.color(hasFocus ? theme::ColorToken::accent : theme::ColorToken::ink);
+    line.setAlphaF(hasFocus ? 0.8F : environment.isDark() ? 0.10F : 0.05F);
+    const double width = hasFocus ? 1.5 : 1;
+    painter.setPen(QPen(line, width));
+    painter.setBrush(Qt::NoBrush);
+    const double inset = width / 2;
+    painter.drawRoundedRect(rectangle.adjusted(inset, inset, -inset, -inset), radius - inset, radius - inset);
 }
 
 QBitmap roundedShape(const QSize& size, double radius) {

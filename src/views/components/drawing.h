@@ -19,6 +19,8 @@ class QPainter;
 
 namespace ovrin {
 
+class ViewEnvironment;
+
 QColor toQColor(const theme::Color& color);
 
 QString toQString(std::string_view utf8);
@@ -44,6 +46,10 @@ void drawIcon(QPainter& painter, OVIcon icon, const QRectF& rectangle, double si
 
 // Fills a rounded rectangle without outline.
 void fillRounded(QPainter& painter, const QRectF& rectangle, double radius, const QColor& color);
+
+// The ground of what can be typed in, with a ring while it has the keyboard.
+void drawFieldGround(QPainter& painter, const QRectF& rectangle, double radius, bool hasFocus,
+                     const ViewEnvironment& environment);
 
 // A rounded rectangle as the shape of a window, for screens that nothing composites.
 QBitmap roundedShape(const QSize& size, double radius);

@@ -42,7 +42,7 @@ void showEditMenu(ViewEnvironment& environment, QLineEdit& field, const QPoint& 
     showMenu(environment, field,
              {.undo = field.isUndoAvailable(),
               .redo = field.isRedoAvailable(),
-              .copy = field.hasSelectedText(),
+              .copy = field.hasSelectedText() && field.echoMode() == QLineEdit::Normal,
               .paste = true,
               .selectAll = !field.text().isEmpty()},
              place);

@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QRadioButton>
+#include <QSvgRenderer>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -16,7 +17,9 @@ using theme::ColorToken;
 
 namespace {
 
-constexpr int reducedDuration = 140;  // milliseconds
+constexpr int reducedDuration = 140;   // milliseconds
+constexpr double middleOfText = 0.37;  // above the baseline, of capitals and ideographs alike, in font sizes
+constexpr int pictureWidth = 104;      // of a button with a picture, in points
 
 // The measures of a look, in points.
 struct Measures {
@@ -35,9 +38,13 @@ const Measures& measuresOf(OVChoiceBar::Look look) {
                                    2,  13, 6,  {12, theme::FontWeight::medium, theme::FontDesign::standard}};
     static const Measures filters{28, 8, 11, 2, 0, 14, 6, {12, theme::FontWeight::medium, theme::FontDesign::standard}};
     static const Measures sidebar{36, 9, 11, 3, 0, 16, 10, theme::font::bodyMedium};
+    static const Measures pictures{96, 10, 0, 8,
+                                   0,  52, 8, {12, theme::FontWeight::medium, theme::FontDesign::standard}};
     switch (look) {
         case OVChoiceBar::Look::segments:
             return segments;
+        case OVChoiceBar::Look::pictures:
+            return pictures;
         case OVChoiceBar::Look::filters:
             return filters;
         case OVChoiceBar::Look::sidebar:
@@ -56,6 +63,7 @@ class OVChoiceBar::Item final : public QRadioButton {
 public:
     Item(ViewEnvironment& environment, const Choice& choice, Look look)
         : environment_(environment), icon_(choice.icon), look_(look), measures_(measuresOf(look)) {
+        if (!choice.picture.isEmpty()) picture_.load(choice.picture);
         setText(choice.title);
         setFont(toQFont(measures_.font));
         setAttribute(Qt::WA_Hover);
@@ -71,6 +79,7 @@ public:
     }
 
     QSize sizeHint() const override {
+        if (look_ == Look::pictures) return {pictureWidth, measures_.height};
         const double text = QFontMetricsF(font()).horizontalAdvance(this->text());
         return {static_cast<int>(std::ceil(2 * measures_.padding + iconWidth() + text)), measures_.height};
     }
@@ -98,6 +107,27 @@ protected:
             ground.setAlphaF(0.6F);
             fillRounded(painter, rect(), measures_.radius, ground);
         }
+        if (look_ == Look::pictures) {
+            drawPicture(painter);
+        } else {
+            drawLine(painter, isHovered);
+        }
+        if (hasFocus() && showsRing_) drawRing(painter);
+    }
+
+private:
+    void drawPicture(QPainter& painter) {
+        const double textHeight = QFontMetricsF(font()).height();
+        const double top = (height() - measures_.iconSize - measures_.iconGap - textHeight) / 2;
+        picture_.render(&painter,
+                        QRectF((width() - measures_.iconSize) / 2, top, measures_.iconSize, measures_.iconSize));
+        painter.setPen(environment_.color(isChecked() ? ColorToken::ink : ColorToken::ink2));
+        painter.setFont(font());
+        painter.drawText(QRectF(0, top + measures_.iconSize + measures_.iconGap, width(), textHeight), Qt::AlignCenter,
+                         text());
+    }
+
+    void drawLine(QPainter& painter, bool isHovered) {
         const double text = QFontMetricsF(font()).horizontalAdvance(this->text());
         double x = look_ == Look::sidebar ? measures_.padding : (width() - iconWidth() - text) / 2;
         if (icon_) {
@@ -107,16 +137,19 @@ protected:
         }
         painter.setPen(environment_.color(isChecked() || isHovered ? ColorToken::ink : ColorToken::ink2));
         painter.setFont(font());
-        painter.drawText(QRectF(x, 0, text + 1, height()), Qt::AlignVCenter | Qt::AlignLeft, this->text());
-        if (hasFocus() && showsRing_) {
-            painter.setPen(QPen(environment_.color(ColorToken::accent), 1.5));
-            painter.setBrush(Qt::NoBrush);
-            painter.drawRoundedRect(QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75), measures_.radius,
-                                    measures_.radius);
-        }
+        // On one line whichever script they are in: the toolkit would centre Chinese text differently.
+        painter.drawText(QPointF(x, height() / 2.0 + middleOfText * measures_.font.size), this->text());
     }
 
-private:
+    // On a highlight that has an outline of its own, within that.
+    void drawRing(QPainter& painter) {
+        const double inset = look_ == Look::pictures ? 3.75 : 0.75;
+        painter.setPen(QPen(environment_.color(ColorToken::accent), 1.5));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), measures_.radius - inset + 0.75,
+                                measures_.radius - inset + 0.75);
+    }
+
     double iconWidth() const {
         if (!icon_) return 0;
         return measures_.iconSize + (text().isEmpty() ? 0 : measures_.iconGap);
@@ -126,6 +159,7 @@ private:
     std::optional<OVIcon> icon_;
     Look look_;
     const Measures& measures_;
+    QSvgRenderer picture_;
     bool showsRing_ = false;
 };
 
@@ -234,6 +268,10 @@ void OVChoiceBar::paintEvent(QPaintEvent* /*event*/) {
     const Measures& measures = measuresOf(look_);
     if (look_ != Look::segments) {
         fillRounded(painter, highlight(), measures.radius, color(ColorToken::accentTint));
+        if (look_ != Look::pictures) return;
+        painter.setPen(QPen(color(ColorToken::accent), 1.5));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(highlight().adjusted(0.75, 0.75, -0.75, -0.75), measures.radius, measures.radius);
         return;
     }
     fillRounded(painter, rect(), measures.radius + measures.margin, color(ColorToken::inset));

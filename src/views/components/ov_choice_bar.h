@@ -22,11 +22,13 @@ public:
     struct Choice {
         QString title;
         std::optional<OVIcon> icon = {};
+        QString picture = {};  // the file of a vector picture, for the look of that name
     };
     enum class Look : std::uint8_t {
         segments,  // side by side on a track, all of one width
         filters,   // side by side, each as wide as it has to be
-        sidebar    // one above the other, as wide as there is room
+        sidebar,   // one above the other, as wide as there is room
+        pictures   // side by side, large, each with a picture above its title
     };
 
     // label names the group; each button carries it in its accessible name, as in "主题：浅色". It may be empty where

@@ -34,6 +34,11 @@ OVPicker::OVPicker(ViewEnvironment& environment, const QString& label, std::vect
     connect(this, &QAbstractButton::clicked, this, &OVPicker::openMenu);
 }
 
+void OVPicker::setOptions(std::vector<Option> options) {
+    options_ = std::move(options);
+    updateGeometry();
+}
+
 void OVPicker::setCurrent(const Option& current) {
     current_ = current;
     setAccessibleName(label_ + QStringLiteral("：") + current.title);

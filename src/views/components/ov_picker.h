@@ -21,6 +21,7 @@ public:
     OVPicker(ViewEnvironment& environment, const QString& label, std::vector<Option> options,
              QWidget* parent = nullptr);
 
+    void setOptions(std::vector<Option> options);
     // What is shown as chosen. It has a check mark in the menu when its value is that of an option.
     void setCurrent(const Option& current);
 

@@ -1,9 +1,11 @@
 #include "views/components/ov_text_field.h"
 
+#include <QContextMenuEvent>
 #include <QPainter>
 #include <cmath>
 
 #include "views/components/drawing.h"
+#include "views/components/edit_menu.h"
 
 namespace ovrin {
 
@@ -42,6 +44,12 @@ void OVTextField::setBackground(Background background) {
     update();
 }
 
+void OVTextField::setRightInset(int points) {
+    QMargins margins = textMargins();
+    margins.setRight(points);
+    setTextMargins(margins);
+}
+
 QSize OVTextField::sizeHint() const {
     return {QLineEdit::sizeHint().width(), static_cast<int>(std::ceil(QFontMetricsF(font()).height())) + 16};
 }
@@ -58,19 +66,17 @@ void OVTextField::applyColors() {
     setPalette(colors);
 }
 
+void OVTextField::contextMenuEvent(QContextMenuEvent* event) {
+    showEditMenu(environment_, *this, event->globalPos());
+}
+
 void OVTextField::paintEvent(QPaintEvent* event) {
     {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
+        if (!isEnabled()) painter.setOpacity(0.6);
         if (background_ == Background::control) {
-            fillRounded(painter, rect(), cornerRadius, environment_.color(ColorToken::inset));
-            if (hasFocus()) {
-                QColor ring = environment_.color(ColorToken::accent);
-                ring.setAlphaF(0.7F);
-                painter.setPen(QPen(ring, 1.25));
-                painter.setBrush(Qt::NoBrush);
-                painter.drawRoundedRect(QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75), cornerRadius, cornerRadius);
-            }
+            drawFieldGround(painter, rect(), cornerRadius, hasFocus(), environment_);
         }
         if (icon_) {
             drawIcon(painter, *icon_, QRectF(padding, 0, iconSize + 4, height()), iconSize,

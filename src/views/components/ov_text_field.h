@@ -21,10 +21,13 @@ public:
     void setLeadingIcon(OVIcon icon);
     void setFontStyle(const theme::FontStyle& style);
     void setBackground(Background background);
+    // Keeps the text off the right edge, where something lies over the field.
+    void setRightInset(int points);
     QSize sizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
     void applyColors();

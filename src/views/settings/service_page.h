@@ -1,0 +1,41 @@
+// The page 服务: which model service answers, and whether it does.
+#pragma once
+
+#include "settings/settings_view_model.h"
+#include "views/settings/settings_binding.h"
+#include "views/settings/settings_page.h"
+
+namespace ovrin {
+
+class HeaderRows;
+class OVButton;
+class OVTextField;
+class SettingsCard;
+
+class ServicePage final : public SettingsPage {
+    Q_OBJECT
+
+public:
+    // The view model outlives it.
+    ServicePage(ViewEnvironment& environment, SettingsViewModel& viewModel);
+
+private:
+    SettingsCard* makeConnectionCard();
+    SettingsCard* makeHeaderCard();
+    void addStandard(SettingsCard& card);
+    void addKey(SettingsCard& card);
+    void addModel(SettingsCard& card);
+    void addTokens(SettingsCard& card);
+    void addFailure();
+    void fillBar();
+    OVButton* addButton(const QString& title, bool isPrimary, const Published<bool>& isPossible,
+                        std::function<void()> action);
+
+    SettingsViewModel& viewModel_;
+    SettingsStore& store_;
+    OVTextField* url_ = nullptr;
+    OVTextField* model_ = nullptr;
+    SettingsBinding binding_;
+};
+
+}  // namespace ovrin

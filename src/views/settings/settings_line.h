@@ -1,0 +1,45 @@
+// The quiet second line of a setting: a hint that is always there, a note about where the value stands, or in their
+// place what is wrong with it.
+#pragma once
+
+#include "views/components/ov_label.h"
+#include "views/components/ov_widget.h"
+
+namespace ovrin {
+
+class OVAnimatedIcon;
+
+class SettingsLine final : public OVWidget {
+    Q_OBJECT
+
+public:
+    enum class Place : std::uint8_t {
+        asNeeded,  // takes room while there is something to say
+        reserved   // always takes the room of one line, so that nothing moves
+    };
+
+    SettingsLine(ViewEnvironment& environment, const QString& hint, Place place, QWidget* parent = nullptr);
+
+    void setHint(const QString& hint);
+    void setNote(const QString& note);
+    // Shown in place of the rest until it is empty.
+    void setError(const QString& error);
+
+    // All that is shown, for the description of the control.
+    QString words() const;
+
+signals:
+    void changed();
+
+private:
+    void refresh();
+
+    QString hint_;
+    QString note_;
+    QString error_;
+    Place place_;
+    OVAnimatedIcon* warning_;
+    OVLabel* label_;
+};
+
+}  // namespace ovrin
