@@ -53,6 +53,13 @@ void HeaderRow::setNamePlaceholder(const QString& placeholder) {
     name_->setPlaceholderText(placeholder);
 }
 
+QWidget& HeaderRow::followInTabOrder(QWidget& before) {
+    setTabOrder(&before, name_);
+    setTabOrder(name_, value_);
+    setTabOrder(value_, remove_);
+    return *remove_;
+}
+
 void HeaderRow::focusName() {
     name_->setFocus(Qt::TabFocusReason);
 }

@@ -21,6 +21,8 @@ public:
     // Which of the lines it is, from 1 on; its controls are named after that.
     void setNumber(int number);
     void setNamePlaceholder(const QString& placeholder);
+    // Has the Tab key come to its controls from this one; gives the last of them.
+    QWidget& followInTabOrder(QWidget& before);
     void focusName();
     void focusRemoveButton();
 

@@ -52,6 +52,18 @@ void HeaderRows::show(const std::vector<HeaderEntry>& headers) {
         gone->deleteLater();  // it may be handling the very click that removes it
     }
     setVisible(!rows_.empty());
+    orderTabs();
+}
+
+// The toolkit puts what is made later last.
+void HeaderRows::orderTabs() {
+    if (!isVisible() || tabPredecessor_ == nullptr) return;
+    QWidget* before = tabPredecessor_;
+    for (HeaderRow* const row : rows_) before = &row->followInTabOrder(*before);
+}
+
+void HeaderRows::showEvent(QShowEvent* /*event*/) {
+    orderTabs();
 }
 
 // The keyboard goes on to the line that takes the place of the removed one.

@@ -24,6 +24,8 @@ public:
     // Lines stay the widgets they are while their header does, so that the one being typed in is left alone.
     void show(const std::vector<HeaderEntry>& headers);
     void setNamePlaceholder(const QString& placeholder);
+    // The control of the same window from which the Tab key goes on to the first line. It outlives the lines.
+    void setTabPredecessor(QWidget& control) { tabPredecessor_ = &control; }
     // Gives the keyboard to the last line.
     void focusLast();
 
@@ -31,7 +33,11 @@ signals:
     // The last one was removed, which had the keyboard.
     void emptied();
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
+    void orderTabs();
     HeaderRow* makeRow(const Uuid& id);
     void remove(const Uuid& id);
 
@@ -39,6 +45,7 @@ private:
     QVBoxLayout* column_;
     std::vector<HeaderRow*> rows_;
     QString namePlaceholder_;
+    QWidget* tabPredecessor_ = nullptr;
 };
 
 }  // namespace ovrin

@@ -107,11 +107,11 @@ void ServicePage::addModel(SettingsCard& card) {
 }
 
 void ServicePage::addTokens(SettingsCard& card) {
-    auto* tokens = new OVTextField(environment(), {});
-    tokens->setFixedWidth(tokenFieldWidth);
+    tokens_ = new OVTextField(environment(), {});
+    tokens_->setFixedWidth(tokenFieldWidth);
     auto* row =
-        new SettingsRow(environment(), QStringLiteral("最大输出 Token"), {}, tokens, SettingsRow::Layout::field);
-    binding_.text(*tokens, store_.maxOutputTokens(),
+        new SettingsRow(environment(), QStringLiteral("最大输出 Token"), {}, tokens_, SettingsRow::Layout::field);
+    binding_.text(*tokens_, store_.maxOutputTokens(),
                   [this](std::string text) { store_.editMaxOutputTokens(std::move(text)); });
     binding_.line(row->line(), store_.maxOutputTokens());
     card.addRow(row);
@@ -125,6 +125,7 @@ SettingsCard* ServicePage::makeHeaderCard() {
     column->setSpacing(cardGap);
     auto* hint = new OVLabel(environment(), {}, theme::font::caption, theme::ColorToken::ink2, OVLabel::Lines::wrapped);
     auto* rows = new HeaderRows(environment(), store_);
+    rows->setTabPredecessor(*tokens_);
     auto* add =
         new OVButton(environment(), QStringLiteral("添加"), OVButton::Kind::secondary, OVButton::Density::compact);
     add->setOVIcon(OVIcon::plus);

@@ -35,6 +35,7 @@ private:
     SettingsStore& store_;
     OVTextField* url_ = nullptr;
     OVTextField* model_ = nullptr;
+    OVTextField* tokens_ = nullptr;
     SettingsBinding binding_;
 };
 

@@ -1,0 +1,266 @@
+#include <QAccessible>
+#include <QAnimationDriver>
+#include <QApplication>
+#include <QClipboard>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QTextEdit>
+#include <QWheelEvent>
+#include <chrono>
+#include <memory>
+#include <set>
+
+#include <gtest/gtest.h>
+
+#include "app/app_icon_manager.h"
+#include "base/virtual_loop.h"
+#include "base/worker_executor.h"
+#include "fakes/fake_application_actions.h"
+#include "fakes/fake_application_icon.h"
+#include "fakes/fake_http_client.h"
+#include "fakes/fake_keychain.h"
+#include "fakes/fake_login_item.h"
+#include "fakes/fake_presenters.h"
+#include "fakes/fake_synthetic_keyboard.h"
+#include "fakes/temporary_directory.h"
+#include "settings/settings_view_model.h"
+#include "storage/history_store.h"
+#include "views/components/ov_page_stack.h"
+#include "views/components/ov_secure_field.h"
+#include "views/components/ov_text_field.h"
+#include "views/settings/qt_settings_window.h"
+#include "views/settings/settings_page.h"
+
+namespace ovrin {
+namespace {
+
+class SettingsWindowTest : public testing::Test {
+protected:
+    SettingsWindowTest() {
+        settle();
+        window.present();
+        viewModel.store().addHeader();
+        viewModel.store().addHeader();
+        show(SettingsSection::general);
+        journal.take();
+    }
+
+    // Until the keyring has answered.
+    void settle() {
+        bool isDone = false;
+        worker.post([&](const std::stop_token&) { loop.post([&] { isDone = true; }); });
+        loop.runUntil([&] { return isDone; });
+        loop.runPosted();
+    }
+    void show(SettingsSection section) {
+        viewModel.select(section);
+        QApplication::processEvents();
+    }
+    OVPageStack& pages() { return *window.findChild<OVPageStack*>(); }
+    QWidget& named(const QString& name) {
+        for (QWidget* const widget : window.findChildren<QWidget*>()) {
+            const auto* const button = qobject_cast<QAbstractButton*>(widget);
+            const bool isCalledSo = widget->accessibleName() == name || (button != nullptr && button->text() == name);
+            if (isCalledSo && widget->isVisible()) return *widget;
+        }
+        throw Error("nothing is called " + name.toStdString());
+    }
+    static void press(QWidget& widget, int key) {
+        QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(&widget, &down);
+        QKeyEvent up(QEvent::KeyRelease, key, Qt::NoModifier);
+        QApplication::sendEvent(&widget, &up);
+    }
+
+    Journal journal;
+    TemporaryDirectory directory;
+    Environment variables{{}};
+    FakeKeychain keychain;
+    KeychainStore secrets{keychain};
+    DefaultsStore defaults{directory.path() / "preferences.json"};
+    AppConfig config{defaults, [this] { return variables; }, secrets};
+    FakeToastPresenter toasts{journal};
+    FakeLoginItem loginItem{journal};
+    FakeApplicationIcon icon{journal};
+    AppIconManager icons{config, defaults, icon};
+    FakeHTTPClient http;
+    VirtualLoop loop;
+    WorkerExecutor worker{1};
+    FakeSyntheticKeyboard keyboard{journal};
+    FakeApplicationActions actions{journal};
+    HistoryStore history{directory.path() / "history.json", text::caseRules(variables), std::chrono::system_clock::now};
+    ViewEnvironment environment;
+    SettingsViewModel viewModel{{.store = {.loop = loop,
+                                           .worker = worker,
+                                           .ioLoop = loop,
+                                           .http = http,
+                                           .config = config,
+                                           .defaults = defaults,
+                                           .keychain = secrets,
+                                           .toasts = toasts,
+                                           .loginItem = loginItem,
+                                           .icons = icons,
+                                           .environment = [this] { return variables; },
+                                           .applyAppearance = [](AppAppearanceMode) {},
+                                           .applyResultWindowLevel = [] {}},
+                                 .keyboard = keyboard,
+                                 .history = history,
+                                 .application = actions,
+                                 .version = "1"}};
+    QtSettingsWindow window{environment, icons.image(), viewModel};
+};
+
+// What every control of the page says of itself.
+QString values(const QWidget& page) {
+    QString all;
+    for (const QLineEdit* const field : page.findChildren<QLineEdit*>()) all += field->text() + '\n';
+    for (const QTextEdit* const editor : page.findChildren<QTextEdit*>()) all += editor->toPlainText() + '\n';
+    for (const QAbstractButton* const button : page.findChildren<QAbstractButton*>()) {
+        all += button->accessibleName() + (button->isChecked() ? " on\n" : "\n");
+    }
+    return all;
+}
+
+TEST_F(SettingsWindowTest, TheWheelChangesNoControl) {
+    for (const SettingsSection section : allSettingsSections) {
+        show(section);
+        const QString before = values(window);
+        for (QWidget* const widget : pages().currentPage()->findChildren<QWidget*>()) {
+            if (widget->focusPolicy() == Qt::NoFocus) continue;
+            widget->setFocus();
+            for (const int turn : {120, -120, -120}) {
+                QWheelEvent wheel({2, 2}, widget->mapToGlobal(QPointF(2, 2)), {}, {0, turn}, Qt::NoButton,
+                                  Qt::NoModifier, Qt::NoScrollPhase, false);
+                QApplication::sendEvent(widget, &wheel);
+            }
+        }
+        EXPECT_EQ(values(window), before);
+    }
+}
+
+// Time that passes as the test says.
+class Steps final : public QAnimationDriver {
+public:
+    Steps() { install(); }
+    void pass(int milliseconds) {
+        for (int i = 0; i < milliseconds; i += 10) {
+            now_ += 10;
+            QApplication::processEvents();  // which starts animations
+            advance();
+        }
+    }
+    qint64 elapsed() const override { return now_; }
+
+private:
+    qint64 now_ = 0;
+};
+
+TEST_F(SettingsWindowTest, QuickChangesEndOnTheLastPageAndReducedMotionOnlyFades) {
+    using enum SettingsSection;
+    Steps time;
+    for (const bool reducesMotion : {false, true}) {
+        environment.setSettings({.reducesMotion = reducesMotion});
+        bool wasElsewhere = false;
+        for (const SettingsSection section : {about, general, shortcuts, service, advanced, service}) {
+            viewModel.select(section);
+            time.pass(50);
+            wasElsewhere = wasElsewhere || pages().currentPage()->y() != 0;
+        }
+        EXPECT_EQ(wasElsewhere, !reducesMotion);
+        time.pass(2000);
+        const QWidget* const page = pages().currentPage();
+        EXPECT_EQ(page->accessibleName(), "服务");
+        EXPECT_EQ(page->geometry(), pages().rect());
+        EXPECT_EQ(page->graphicsEffect(), nullptr);
+        int shown = 0;
+        for (const auto* const other : pages().findChildren<SettingsPage*>(Qt::FindDirectChildrenOnly)) {
+            shown += other->isVisible() ? 1 : 0;
+        }
+        EXPECT_EQ(shown, 1);
+        EXPECT_TRUE(dynamic_cast<QRadioButton&>(named("服务")).isChecked());
+        viewModel.select(general);
+        time.pass(2000);
+    }
+}
+
+TEST_F(SettingsWindowTest, TheKeyIsHiddenAgainOnceItIsLeftAndHiddenItCannotBeCopied) {
+    show(SettingsSection::service);
+    auto& secure = *window.findChild<OVSecureField*>();
+    QLineEdit& field = secure.field();
+    viewModel.store().editAPIKey("sk-secret");
+    QGuiApplication::clipboard()->setText("before");
+    field.selectAll();
+    field.copy();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), "before");
+
+    auto& eye = dynamic_cast<QAbstractButton&>(named("显示 API Key"));
+    const auto leaveTo = [](QWidget& other) {
+        other.setFocus();
+        QApplication::processEvents();
+    };
+    eye.click();
+    EXPECT_TRUE(secure.isShown());
+    leaveTo(eye);
+    EXPECT_TRUE(secure.isShown()) << "the button belongs to the field";
+    leaveTo(named("模型"));
+    EXPECT_FALSE(secure.isShown());
+    EXPECT_FALSE(eye.isChecked());
+    eye.click();
+    window.hide();
+    EXPECT_FALSE(secure.isShown());
+}
+
+TEST_F(SettingsWindowTest, ReturnPressesTheFocusedButtonAndNothingElse) {
+    show(SettingsSection::service);
+    press(named("连接 URL"), Qt::Key_Return);
+    press(named("删除 Header 1"), Qt::Key_Return);
+    EXPECT_EQ(viewModel.store().customHeaders().value()->size(), 1U);
+    show(SettingsSection::general);
+    press(named("登录时启动"), Qt::Key_Return);
+    EXPECT_TRUE(viewModel.store().launchAtLogin().value().value());
+    EXPECT_TRUE(journal.take().empty()) << "nothing was saved";
+    press(named("保存更改"), Qt::Key_Return);
+    EXPECT_FALSE(journal.take().empty());
+}
+
+// Every element below that the keyboard can come to, in the order in which assistive technology finds them.
+void collectFocusable(QAccessibleInterface* element, std::vector<QAccessibleInterface*>& found) {
+    const QAccessible::State state = element->state();
+    if (state.invisible) return;
+    if (state.focusable && !state.disabled) found.push_back(element);
+    for (int i = 0; i < element->childCount(); ++i) collectFocusable(element->child(i), found);
+}
+
+TEST_F(SettingsWindowTest, AssistiveTechnologyFindsWhatTheKeyboardFindsInTheSameOrder) {
+    for (const SettingsSection section : allSettingsSections) {
+        show(section);
+        std::vector<QAccessibleInterface*> focusable;
+        collectFocusable(QAccessible::queryAccessibleInterface(&window), focusable);
+        std::erase_if(focusable, [&](const auto* element) { return element->object() == &window; });
+        std::set<QString> names;
+        for (QAccessibleInterface* const element : focusable) {
+            const QString name = element->text(QAccessible::Name);
+            EXPECT_FALSE(name.isEmpty()) << element->object()->metaObject()->className();
+            EXPECT_TRUE(names.insert(name).second) << name.toStdString() << " is there twice";
+            EXPECT_NE(element->role(), QAccessible::Client) << name.toStdString();
+            EXPECT_NE(element->role(), QAccessible::NoRole) << name.toStdString();
+            const bool hasState =
+                element->role() == QAccessible::CheckBox || element->role() == QAccessible::RadioButton;
+            EXPECT_TRUE(!hasState || element->state().checkable) << name.toStdString();
+        }
+        // With the Tab key, once round.
+        std::vector<QObject*> visited;
+        qobject_cast<QWidget*>(focusable.front()->object())->setFocus();
+        do {
+            visited.push_back(window.focusWidget());
+            press(*window.focusWidget(), Qt::Key_Tab);
+        } while (window.focusWidget() != visited.front() && visited.size() < 100);
+        std::vector<QObject*> expected;
+        for (const QAccessibleInterface* const element : focusable) expected.push_back(element->object());
+        EXPECT_EQ(visited, expected) << static_cast<int>(section);
+    }
+}
+
+}  // namespace
+}  // namespace ovrin
