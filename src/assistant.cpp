@@ -6,10 +6,12 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <stop_token>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "app/app_icon_manager.h"
@@ -28,6 +30,7 @@
 #include "language/conversation_prompts.h"
 #include "language/selection_translate_service.h"
 #include "platform/linux/application_name.h"
+#include "platform/linux/autostart_login_item.h"
 #include "platform/linux/downloaded_packages.h"
 #include "platform/linux/dpkg_system.h"
 #include "platform/linux/image_decoder.h"
@@ -41,6 +44,7 @@
 #include "platform/linux/qt/inotify_file_watcher.h"
 #include "platform/linux/qt/qt_desktop_layout.h"
 #include "platform/linux/qt/qt_main_loop.h"
+#include "platform/linux/qt/recent_windows.h"
 #include "platform/linux/qt/termination_signals.h"
 #include "platform/linux/qt/x11_screen_capture.h"
 #include "platform/linux/qt/x11_window.h"
@@ -56,6 +60,8 @@
 #include "recognition/idle_releasing_recognizer.h"
 #include "recognition/vision_ocr_engine.h"
 #include "services.h"
+#include "settings/first_launch.h"
+#include "settings/settings_window_controller.h"
 #include "shortcuts/assistant_actions.h"
 #include "shortcuts/command_palette_presenter.h"
 #include "shortcuts/hotkey_manager.h"
@@ -72,6 +78,7 @@
 #include "views/input_translate/qt_input_translate_window.h"
 #include "views/mini_popover/mini_popover_panel.h"
 #include "views/result_panel/qt_result_panel_window.h"
+#include "views/settings/qt_settings_window.h"
 #include "views/status_item/qt_status_item.h"
 #include "views/toast/toast_panel.h"
 #include "views/updates/qt_update_window.h"
@@ -90,15 +97,12 @@ using namespace std::chrono_literals;
 // Panels come up at about the time that programs are started with the session.
 constexpr auto patienceWithTheTray = 5s;
 
-// The windows that the user can go to: not toasts, cards, menus and overlays, nor the icon in the tray.
-QWidgetList visibleWindows() {
-    QWidgetList windows = QApplication::topLevelWidgets();
-    windows.removeIf([](const QWidget* window) {
-        const bool isOrdinary = window->windowType() == Qt::Window || window->windowType() == Qt::Tool;
-        const bool isManaged = !window->windowFlags().testFlag(Qt::BypassWindowManagerHint);
-        return !window->isVisible() || !isOrdinary || !isManaged;
-    });
-    return windows;
+// The file of the running program, whose name is marked once a newer one has taken its place.
+std::filesystem::path ownExecutable() {
+    constexpr std::string_view replaced = " (deleted)";
+    std::string path = std::filesystem::read_symlink("/proc/self/exe").string();
+    if (path.ends_with(replaced)) path.resize(path.size() - replaced.size());
+    return path;
 }
 
 // Settled by the build alone.
@@ -138,11 +142,9 @@ public:
         toasts_.show(std::move(message), std::move(symbol));
     }
 
-    bool has(AppWindow window) const override {
-        return window == AppWindow::directAI || window == AppWindow::inputTranslate || window == AppWindow::history;
-    }
+    bool has(AppWindow /*window*/) const override { return true; }
     void showHistory() override { historyWindow_.show(); }
-    void showSettings(std::optional<SettingsSection> /*section*/) override { sayThatItIsMissing(); }
+    void showSettings(std::optional<SettingsSection> section) override { settingsWindow_.show(section); }
     bool isUpdateConfigured() const override { return updates_.isConfigured(); }
     void checkForUpdates() override { updates_.checkForUpdates(); }
     void reload() override;
@@ -153,6 +155,7 @@ private:
     ResultPanelViewModel::Services resultPanelServices();
     InputTranslateViewModel::Services inputTranslateServices();
     HistoryViewModel::Services historyServices();
+    SettingsViewModel::Services settingsServices();
     AppState::Surroundings surroundings();
     UpdateController::Services updateServices();
     void sayIfThereIsNoTray();
@@ -198,6 +201,8 @@ private:
     QtDesktopLayout layout_;
     SpeechService speech_;
     FreedesktopNotificationCenter notifications_;
+    AutostartLoginItem loginItem_{Environment::ofProcess(), ownExecutable()};
+    RecentWindows recentWindows_;
 
     // Windows and flows.
     ToastWindow toasts_{loop_, [this](const std::string& message, OVIcon icon) { return makeToast(message, icon); }};
@@ -240,6 +245,10 @@ private:
                                   return std::make_unique<QtUpdateWindow>(environment_, icons_.image(), viewModel,
                                                                           std::move(requestClose));
                               }};
+    SettingsWindowController settingsWindow_{settingsServices(), [this](SettingsViewModel& viewModel) {
+                                                 return std::make_unique<QtSettingsWindow>(environment_, icons_.image(),
+                                                                                           viewModel);
+                                             }};
 
     // How they are reached.
     X11HotKeys hotKeys_{loop_, nullptr};
@@ -314,6 +323,26 @@ HistoryViewModel::Services AppDelegate::historyServices() {
             .environment = Environment::ofProcess()};
 }
 
+SettingsViewModel::Services AppDelegate::settingsServices() {
+    return {.store = {.loop = loop_,
+                      .worker = settingsWorker_,
+                      .ioLoop = model_.http.loop(),
+                      .http = model_.http,
+                      .config = settings_.config,
+                      .defaults = settings_.defaults,
+                      .keychain = settings_.keychain,
+                      .toasts = toasts_,
+                      .loginItem = loginItem_,
+                      .icons = icons_,
+                      .environment = Environment::ofProcess,
+                      .applyAppearance = [this](AppAppearanceMode mode) { appearance_.apply(mode); },
+                      .applyResultWindowLevel = [this] { resultPanel_.applyLevel(); }},
+            .keyboard = keyboard_,
+            .history = *history_,
+            .application = *this,
+            .version = updates_.versionDisplay()};
+}
+
 AppState::Surroundings AppDelegate::surroundings() {
     return {.loop = loop_,
             .screen = screen_,
@@ -357,6 +386,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     updates_.start();
     notifications_.requestAuthorization({.alerts = true, .sounds = true});
     loop_.postAfter(patienceWithTheTray, [this] { sayIfThereIsNoTray(); });
+    if (const auto section = takeFirstLaunch(settings_.defaults, settings_.config)) settingsWindow_.show(section);
 }
 
 void AppDelegate::sayIfThereIsNoTray() {
@@ -367,9 +397,8 @@ void AppDelegate::sayIfThereIsNoTray() {
 }
 
 void AppDelegate::applicationShouldHandleReopen() {
-    const QWidgetList windows = visibleWindows();
-    if (windows.isEmpty()) return has(AppWindow::settings) ? showSettings(std::nullopt) : showCommandPalette();
-    for (const QWidget* const window : windows) x11::activate(*window->windowHandle());
+    if (QWindow* const window = recentWindows_.lastUsed()) return x11::activate(*window);
+    settingsWindow_.show();
 }
 
 bool AppDelegate::perform(const std::string& words) {
@@ -386,6 +415,7 @@ void AppDelegate::reload() {
     appearance_.apply(settings_.config.appearanceMode());
     icons_.applySavedIcon();
     resultPanel_.applyLevel();
+    settingsWindow_.reload();
 }
 
 bool AppDelegate::showLatestResult() {

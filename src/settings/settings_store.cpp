@@ -110,6 +110,7 @@ void SettingsStore::loadPreferences() {
 
 void SettingsStore::loadLanguages() {
     std::vector<LanguageOption> options;
+    options.reserve(AppConfig::languageOptions.size() + 1);
     for (const auto& [tag, name] : AppConfig::languageOptions) {
         options.push_back({.tag = std::string(tag), .name = std::string(name)});
     }

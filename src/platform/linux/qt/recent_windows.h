@@ -1,0 +1,25 @@
+// Which of the program's windows the user has worked with last.
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QWindow>
+
+namespace ovrin {
+
+// Main thread, while the QApplication is there. Counts the windows that the user can go to: not toasts, cards, menus
+// and overlays, nor the icon in the tray.
+class RecentWindows {
+public:
+    RecentWindows();
+
+    // None when no window is open; a minimised one is. The program keeps the window.
+    QWindow* lastUsed() const;
+
+private:
+    QList<QPointer<QWindow>> used_;  // the newest last
+    QObject listener_;               // ends the listening with this object
+};
+
+}  // namespace ovrin
