@@ -70,6 +70,7 @@
 #include "storage/user_directories.h"
 #include "updates/update_controller.h"
 #include "views/application/qt_application_icon.h"
+#include "views/application/settings_key.h"
 #include "views/capture/qt_capture_overlays.h"
 #include "views/command_palette/command_palette_view.h"
 #include "views/components/view_environment.h"
@@ -269,6 +270,7 @@ private:
         },
         loop_, text::caseRules(Environment::ofProcess())};
     QtStatusItem statusItem_{environment_, keyboardLayout_, screenshot_};
+    SettingsKey settingsKey_{[this] { showSettings(std::nullopt); }};
     std::optional<StatusBarController> statusBar_;  // from the launch on
 };
 

@@ -23,6 +23,7 @@ namespace ovrin {
 namespace {
 
 constexpr std::array standards{ModelAPIStandard::openAICompatible, ModelAPIStandard::anthropic};
+constexpr qsizetype longestFailure = 400;  // in UTF-16 units: the cards keep most of the page
 constexpr int tokenFieldWidth = 132;
 constexpr int cardGap = 8;
 
@@ -165,7 +166,8 @@ void ServicePage::addFailure() {
     auto* note = new OVErrorNote(environment());
     addAboveBar(note);
     binding_.watch(viewModel_.connectionStatus(), [note](const SettingsViewModel::ConnectionStatus& status) {
-        note->setMessage(status.message.empty() ? std::nullopt : std::optional(status.message));
+        const QString message = beginning(toQString(status.message), longestFailure);
+        note->setMessage(message.isEmpty() ? std::nullopt : std::optional(message.toStdString()));
     });
 }
 
