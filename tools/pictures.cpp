@@ -12,6 +12,7 @@
 #include "base/error.h"
 #include "desktop/assistant.h"
 #include "desktop/picture.h"
+#include "desktop/practice_updates.h"
 #include "desktop/private_desktop.h"
 #include "desktop/sample_program.h"
 #include "desktop/screen_reader.h"
@@ -41,6 +42,7 @@ public:
         takeCard();
         takeInputTranslation();
         takeHistory();
+        takeUpdates();
         takeChat();
     }
 
@@ -183,20 +185,44 @@ private:
         saveWindow("chat", chat);
     }
 
+    void takeUpdates() {
+        assistant_.run({"do", "check-for-updates"});
+        const DesktopWindow window = user_.waitForWindow({.title = "软件更新 — Ovrin"});
+        reader_.waitForName(program, "跳过此版本");
+        user_.moveTo({.x = 4, .y = 4});
+        saveWindow("updates", window);
+        choose("稍后");
+        user_.waitUntilGone(window.id);
+    }
+
+    static constexpr const char* releaseNotes = R"(## 新功能
+
+- **历史记录**可以搜索与筛选，结果随输入更新
+- 小字号的文字识别得更快，长图占用的内存减少三分之一
+- 新命令 `ovrin do settings`
+
+## 修复
+
+1. 没有合成器时，面板的圆角不再有黑边
+2. 多显示器之间拖动时，工具栏留在原处
+)";
+
     static constexpr const char* samplePath = OVRIN_BINARY_DIR "/ovrin_sample_program";
 
     const fs::path folder_;
     const std::string appearance_;
     PracticeService service_;
+    PracticeUpdates updates_{"1.0-12", releaseNotes};
     PrivateDesktop desktop_{{.accessibility = PrivateDesktop::Accessibility::on}};
     TestUser user_{desktop_.display()};
     ScreenReader reader_{desktop_};
     SampleProgram page_{desktop_, user_, samplePath, SampleProgram::Kind::page};
     Assistant assistant_{desktop_,
                          user_,
-                         {.program = OVRIN_BINARY_DIR "/ovrin",
+                         {.program = OVRIN_BINARY_DIR "/ovrin_updating",
                           .serviceURL = service_.baseURL(),
-                          .preferences = {{"ovrin.appearanceMode", appearance_}}}};
+                          .preferences = {{"ovrin.appearanceMode", appearance_}},
+                          .environment = updates_.environment()}};
 };
 
 }  // namespace

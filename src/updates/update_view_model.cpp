@@ -81,7 +81,10 @@ void UpdateViewModel::showCheck(UpdateCheck check) {
 
 void UpdateViewModel::showOffer() {
     std::string message = "当前为" + services_.versionDisplay + "。";
-    if (!canInstall()) message += "\n此 Ovrin 不是由软件包安装的，请从下载页面更新。";
+    if (!canInstall()) {
+        message += "\n此 Ovrin 不是由软件包安装的，请";
+        message += hasPage() ? "从下载页面更新。" : "用安装它的方式更新。";
+    }
     show(UpdatePhase::available, sentence(*check_.update, "可供安装"), std::move(message));
 }
 

@@ -9,7 +9,6 @@ namespace ovrin {
 namespace {
 
 const std::string sampleProgram = OVRIN_BINARY_DIR "/ovrin_sample_program";
-const std::string assistantProgram = OVRIN_BINARY_DIR "/ovrin";
 
 // The names of the shortcuts that have no default, with the stored codes of their letters.
 const std::map<std::string, int> shortcutKeys{
@@ -33,11 +32,12 @@ void DesktopTest::begin(const Scene& scene) {
         reader = std::make_unique<ScreenReader>(*desktop);
     if (scene.secretService != Scene::SecretService::none) keyring = std::make_unique<Keyring>(*desktop);
     if (scene.secretService == Scene::SecretService::mute) keyring->freeze();
-    Assistant::Setup setup{.program = assistantProgram,
+    Assistant::Setup setup{.program = scene.program,
                            .serviceURL = scene.modelService == Scene::ModelService::unknown ? "" : service.baseURL(),
                            .standard = scene.standard,
                            .preferences = scene.preferences,
-                           .launch = scene.launch};
+                           .launch = scene.launch,
+                           .environment = scene.environment};
     for (const auto& [name, code] : shortcutKeys) {
         setup.preferences["KeyboardShortcuts_ovrin." + name] =
             Assistant::shortcut(code, {Assistant::Modifier::super, Assistant::Modifier::shift});

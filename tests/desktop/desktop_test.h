@@ -30,6 +30,8 @@ namespace ovrin {
 class DesktopTest : public testing::Test {
 protected:
     struct Scene {
+        std::string program = OVRIN_BINARY_DIR "/ovrin";
+        std::vector<std::string> environment{};  // of the assistant, on top of what it gets anyway
         PrivateDesktop::Setup desktop{.accessibility = PrivateDesktop::Accessibility::on};
         std::string standard = "openai-compatible";
         Assistant::Setup::Launch launch = Assistant::Setup::Launch::later;

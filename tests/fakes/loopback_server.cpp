@@ -34,7 +34,7 @@ std::size_t contentLength(std::string_view head) {
 }  // namespace
 
 LoopbackServer::LoopbackServer(const Options& options, Script script)
-    : script_(std::move(script)), address_(options.address) {
+    : script_(std::move(script)), address_(options.address), place_(options.place) {
     if (options.identity) useIdentity(*options.identity);
     listen(address_);
     thread_ = std::thread([this] { acceptConnections(); });
@@ -127,10 +127,17 @@ void LoopbackServer::serve(int descriptor) {
         const std::unique_ptr<SSL, decltype(&SSL_free)> tls(tls_ ? SSL_new(tls_.get()) : nullptr, SSL_free);
         if (tls) SSL_set_fd(tls.get(), descriptor);
         Connection connection(*this, descriptor, tls.get());
-        if (!tls || SSL_accept(tls.get()) == 1) script_(connection);
+        if (isReached(descriptor) && (!tls || SSL_accept(tls.get()) == 1)) script_(connection);
         if (tls && SSL_is_init_finished(tls.get())) SSL_shutdown(tls.get());
     }
     didEnd(descriptor);
+}
+
+// A client asks its proxy for a tunnel in clear text, whatever follows in it.
+bool LoopbackServer::isReached(int descriptor) {
+    if (place_ == Place::reachable) return true;
+    Connection proxy(*this, descriptor, nullptr);
+    return proxy.readRequest().starts_with("CONNECT ") && proxy.send("HTTP/1.1 200 OK\r\n\r\n");
 }
 
 void LoopbackServer::didBegin(int descriptor) {

@@ -28,9 +28,12 @@ public:
     using Script = std::function<void(Connection&)>;
 
     enum class Address { ipv4, ipv6 };
+    // behindProxy: it plays the client's proxy first, so that it can be any host
+    enum class Place { reachable, behindProxy };
     struct Options {
         Address address = Address::ipv4;
         std::optional<TestIdentity> identity{};  // with one the server speaks TLS
+        Place place = Place::reachable;
     };
 
     // Throws std::runtime_error when the machine has no such address.
@@ -57,6 +60,7 @@ private:
     void listen(Address address);
     void acceptConnections();
     void serve(int descriptor);
+    bool isReached(int descriptor);
     void didBegin(int descriptor);
     void didEnd(int descriptor);
     void useIdentity(const TestIdentity& identity);
@@ -65,6 +69,7 @@ private:
 
     const Script script_;
     const Address address_;
+    const Place place_;
     int listener_ = -1;
     int port_ = 0;
     std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> tls_{nullptr, SSL_CTX_free};

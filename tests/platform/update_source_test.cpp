@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <csignal>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -13,7 +14,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -128,9 +129,7 @@ protected:
     std::string downloadFailure() {
         return failure([this] { download(); });
     }
-    long fileCount() const {
-        return fs::exists(downloads) ? std::distance(fs::directory_iterator(downloads), {}) : 0;
-    }
+    long fileCount() const { return fs::exists(downloads) ? std::distance(fs::directory_iterator(downloads), {}) : 0; }
 
     UpdateSource source() {
         return {configuration, {.loop = client.loop(), .http = client, .packages = packages, .system = system}};
@@ -170,8 +169,7 @@ TEST_F(UpdateSourceTest, WhatThePublishingScriptSignsArrivesVerifiedInAPrivateFi
     publishVersion("1.0-6");
     const std::shared_ptr<UpdatePackage> package = download();
     EXPECT_EQ(read(package->path()), bytes);
-    EXPECT_EQ(package->control(),
-              (PackageControl{.package = "ovrin", .version = "1.0-6", .architecture = "amd64"}));
+    EXPECT_EQ(package->control(), (PackageControl{.package = "ovrin", .version = "1.0-6", .architecture = "amd64"}));
     struct stat file {};
     struct stat around {};
     ::stat(package->path().c_str(), &file);
@@ -205,6 +203,23 @@ TEST_F(UpdateSourceTest, NothingButTheSignedPackageIsTaken) {
     EXPECT_EQ(downloadFailure(), "此版本的更新公钥无效。");
 }
 
+TEST_F(UpdateSourceTest, ADiskThatTakesNothingIsTold) {
+    publishVersion("1.0-6");
+    fs::create_directories(downloads.parent_path());
+    write(downloads, "a file where the folder should be");
+    EXPECT_THROW(download(), Error);
+    fs::remove(downloads);
+    rlimit before{};
+    ::getrlimit(RLIMIT_FSIZE, &before);
+    rlimit tight = before;
+    tight.rlim_cur = 100;  // bytes; less than the package
+    std::signal(SIGXFSZ, SIG_IGN);
+    ::setrlimit(RLIMIT_FSIZE, &tight);
+    const std::string words = downloadFailure();
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_THAT(words, StartsWith("无法保存安装包："));
+}
+
 TEST_F(UpdateSourceTest, AnOldPackageDoesNotComeBackUnderANewNumber) {
     publishVersion("1.0-4");
     EXPECT_EQ(check().update, std::nullopt);
@@ -215,7 +230,8 @@ TEST_F(UpdateSourceTest, AnOldPackageDoesNotComeBackUnderANewNumber) {
 
 TEST_F(UpdateSourceTest, RedirectsLeadOnlyToServersWithTLSAndNotOnForever) {
     publishVersion("1.0-6");
-    LoopbackServer other({.identity = authority.issue("IP:127.0.0.1")}, [this](auto& connection) { answer(connection); });
+    LoopbackServer other({.identity = authority.issue("IP:127.0.0.1")},
+                         [this](auto& connection) { answer(connection); });
     LoopbackServer open([this](auto& connection) { answer(connection); });
     serve("/moved.xml", httpResponse(feed));
     serve("/feed.xml", redirect(other.url("/moved.xml")));
@@ -226,7 +242,8 @@ TEST_F(UpdateSourceTest, RedirectsLeadOnlyToServersWithTLSAndNotOnForever) {
     serve("/5", redirect("/6"));
     serve("/6", httpResponse(bytes));
     EXPECT_EQ(downloadFailure(), "重定向次数过多。");
-    for (const std::string& target : {open.url("/moved.xml"), std::string("file:///etc/passwd"), std::string("ftp://x/")}) {
+    for (const std::string& target :
+         {open.url("/moved.xml"), std::string("file:///etc/passwd"), std::string("ftp://x/")}) {
         serve("/feed.xml", redirect(target));
         EXPECT_EQ(checkFailure(), "服务器要求转到不安全的地址（不是 HTTPS），已拒绝。") << target;
     }

@@ -51,9 +51,11 @@ void Assistant::restart() {
 }
 
 std::vector<std::string> Assistant::environment() const {
-    if (setup_.serviceURL.empty()) return {};
-    return {"OVRIN_BASE_URL=" + setup_.serviceURL, "OVRIN_API_STANDARD=" + setup_.standard,
-            std::string("OVRIN_API_KEY=") + practiceKey};
+    std::vector<std::string> variables = setup_.environment;
+    if (setup_.serviceURL.empty()) return variables;
+    variables.insert(variables.end(), {"OVRIN_BASE_URL=" + setup_.serviceURL, "OVRIN_API_STANDARD=" + setup_.standard,
+                                       std::string("OVRIN_API_KEY=") + practiceKey});
+    return variables;
 }
 
 std::string Assistant::shortcut(int keyCode, const std::vector<Modifier>& modifiers) {

@@ -25,6 +25,7 @@ public:
         // seen.
         json::Value preferences = json::Value::object();
         enum class Launch : std::uint8_t { first, later } launch = Launch::later;
+        std::vector<std::string> environment{};  // on top of the desktop's and what names the service
     };
 
     // Returns when the program's icon is in the tray: from then on it listens to its shortcuts. Throws Error with what

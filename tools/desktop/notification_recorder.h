@@ -1,14 +1,12 @@
-// A notification daemon that shows nothing and remembers everything. It lives on a private bus as long as the object,
-// on a thread of its own; its end is that of a daemon that crashes.
+// A notification daemon that shows nothing and remembers everything. It lives on a private bus as long as the object.
 #pragma once
 
-#include <memory>
+#include <cstddef>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
-#include <gio/gio.h>
+#include "desktop/bus_service.h"
 
 namespace ovrin {
 
@@ -16,9 +14,6 @@ class NotificationRecorder {
 public:
     // Returns once notifications can be sent. Throws Error when there is no bus or another daemon serves it.
     explicit NotificationRecorder(const std::string& busAddress);
-    NotificationRecorder(const NotificationRecorder&) = delete;
-    NotificationRecorder& operator=(const NotificationRecorder&) = delete;
-    ~NotificationRecorder();
 
     struct Notification {
         std::string program;
@@ -28,16 +23,15 @@ public:
     // In the order in which they came. Any thread.
     std::vector<Notification> notifications() const;
 
+    // The user clicks on the notification of this number, counted from 0.
+    void activate(std::size_t number) const;
+
 private:
-    void serve(const std::string& busAddress);
-    static void handleCall(GDBusConnection* connection, const char* sender, const char* path, const char* interface,
-                           const char* method, GVariant* arguments, GDBusMethodInvocation* invocation, void* recorder);
+    GVariant* answer(const std::string& method, GVariant* arguments);
 
     mutable std::mutex mutex_;
     std::vector<Notification> notifications_;  // guarded by the mutex
-    std::unique_ptr<GMainContext, decltype(&g_main_context_unref)> context_;
-    std::unique_ptr<GMainLoop, decltype(&g_main_loop_unref)> loop_;
-    std::thread thread_;
+    BusService service_;                       // the last member: it ends before what it uses
 };
 
 }  // namespace ovrin

@@ -176,12 +176,14 @@ fs::path PrivateDesktop::logOf(const std::string& program) const {
 
 std::unique_ptr<ChildProcess> PrivateDesktop::start(const Program& program) const {
     ChildProcess::Setup setup{.arguments = program.arguments,
-                              .environment = environment(),
+                              .environment = program.environment,
                               .input = program.inputText,
                               .afterInput = program.input,
                               .log = logOf(program.arguments.front()),
                               .output = program.output};
-    setup.environment.insert(setup.environment.end(), program.environment.begin(), program.environment.end());
+    // Of two values of a variable the first counts.
+    const std::vector<std::string> common = environment();
+    setup.environment.insert(setup.environment.end(), common.begin(), common.end());
     return std::make_unique<ChildProcess>(setup);
 }
 

@@ -68,7 +68,7 @@ public:
     // Starts a program on the desktop. Its standard error, and its output where it is not read, go to logOf() it.
     struct Program {
         std::vector<std::string> arguments;      // the program first
-        std::vector<std::string> environment{};  // on top of the desktop's
+        std::vector<std::string> environment{};  // in place of the desktop's, or beside them
         std::string inputText{};                 // what it reads from standard input first
         ChildProcess::Input input = ChildProcess::Input::ends;
         ChildProcess::Output output = ChildProcess::Output::log;

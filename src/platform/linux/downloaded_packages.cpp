@@ -72,13 +72,19 @@ std::map<std::string, std::string, std::less<>> fields(std::string_view output) 
     return result;
 }
 
+// The user knows nothing of the file; its path says where the disk is meant.
+[[noreturn]] void failToWrite(const fs::path& path, int reason) {
+    if (reason == ENOSPC || reason == EDQUOT) throw Error("磁盘空间不足，无法保存安装包。");
+    throw Error("无法保存安装包：" + files::FileError(path, reason).errorDescription());
+}
+
 class DownloadedPackage final : public UpdatePackage {
 public:
     explicit DownloadedPackage(const fs::path& folder)
         : path_(folder / (std::string(prefix) + "XXXXXX" + std::string(suffix))) {
         std::string name = path_.string();
         descriptor_ = ::mkostemps(name.data(), static_cast<int>(suffix.size()), O_CLOEXEC);  // mode 0600
-        if (descriptor_ < 0) throw files::FileError(folder, errno);
+        if (descriptor_ < 0) failToWrite(folder, errno);
         path_ = name;
         ::flock(descriptor_, LOCK_EX | LOCK_NB);  // nobody else knows the file
     }
@@ -93,7 +99,7 @@ public:
         while (!bytes.empty()) {
             const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
             if (written < 0 && errno == EINTR) continue;
-            if (written < 0) throw files::FileError(path_, errno);
+            if (written < 0) failToWrite(path_, errno);
             bytes.remove_prefix(static_cast<std::size_t>(written));
         }
     }
@@ -153,7 +159,11 @@ bool isDownload(const fs::path& path) {
 DownloadedPackages::DownloadedPackages(fs::path folder) : folder_(std::move(folder)) {}
 
 std::unique_ptr<UpdatePackage> DownloadedPackages::make() {
-    files::makePrivateDirectory(folder_);
+    try {
+        files::makePrivateDirectory(folder_);
+    } catch (const files::FileError& error) {
+        failToWrite(folder_, error.code());
+    }
     return std::make_unique<DownloadedPackage>(folder_);
 }
 
