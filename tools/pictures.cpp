@@ -212,7 +212,7 @@ private:
     const fs::path folder_;
     const std::string appearance_;
     PracticeService service_;
-    PracticeUpdates updates_{"1.0-12", releaseNotes};
+    PracticeUpdates updates_{"1.0-12", releaseNotes, std::size_t{38} << 20U};
     PrivateDesktop desktop_{{.accessibility = PrivateDesktop::Accessibility::on}};
     TestUser user_{desktop_.display()};
     ScreenReader reader_{desktop_};

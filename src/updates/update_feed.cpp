@@ -62,10 +62,11 @@ std::uint64_t packageSize(std::string_view text, const std::string& where) {
     return size;
 }
 
-// RSS writes dates as mails do.
+// RSS writes dates as mails do. What the clock cannot count is none.
 std::optional<Timestamp> date(const std::string& text) {
     const std::time_t seconds = curl_getdate(text.c_str(), nullptr);
-    if (seconds < 0) return std::nullopt;
+    constexpr std::time_t endOfTheYear2200 = 7'289'654'399;
+    if (seconds < 0 || seconds > endOfTheYear2200) return std::nullopt;
     return std::chrono::system_clock::from_time_t(seconds);
 }
 

@@ -39,6 +39,9 @@ TEST(UpdateFeedTest, GivesItsItemsInOrderAndLeavesOutWhatIsNotOurs) {
     EXPECT_EQ(first.page, "https://example.com/page");
     EXPECT_EQ(iso8601Text(first.date.value()), "2026-11-24T10:00:00Z");
     EXPECT_EQ(items.back().build, "");
+    std::string far = feedDocument(feedItem(item));
+    far.replace(far.find("2026 10:00"), 4, "99999");
+    EXPECT_EQ(parseUpdateFeed(far).front().date, std::nullopt);
 }
 
 TEST(UpdateFeedTest, AnItemOfOursThatLacksSomethingMakesItWrong) {

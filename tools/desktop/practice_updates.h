@@ -2,6 +2,7 @@
 // a server with TLS. They are meant for the build ovrin_updating, which knows the key and the feed's name.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -15,8 +16,9 @@ namespace ovrin {
 
 class PracticeUpdates {
 public:
-    // Throws Error when the package cannot be made: dpkg-deb, python3 and openssl are needed.
-    PracticeUpdates(const std::string& packageVersion, std::string_view notes);
+    // size: about how large the package is, in bytes. Throws Error when it cannot be made: dpkg-deb, python3 and
+    // openssl are needed.
+    PracticeUpdates(const std::string& packageVersion, std::string_view notes, std::size_t size = 0);
     PracticeUpdates(const PracticeUpdates&) = delete;
     PracticeUpdates& operator=(const PracticeUpdates&) = delete;
 
