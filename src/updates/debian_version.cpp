@@ -57,7 +57,7 @@ int rank(std::string_view text, std::size_t index) {
 
 std::weak_ordering compareTexts(std::string_view first, std::string_view second) {
     for (std::size_t i = 0; i < std::max(first.size(), second.size()); ++i) {
-        if (const auto order = rank(first, i) <=> rank(second, i); order != 0) return order;
+        if (const auto order = rank(first, i) <=> rank(second, i); std::is_neq(order)) return order;
     }
     return std::weak_ordering::equivalent;
 }
@@ -76,10 +76,10 @@ std::weak_ordering compareAlternating(std::string_view first, std::string_view s
     while (!first.empty() || !second.empty()) {
         const std::string_view firstText = takeWhile(first, isNoDigit);
         const std::string_view secondText = takeWhile(second, isNoDigit);
-        if (const auto order = compareTexts(firstText, secondText); order != 0) return order;
+        if (const auto order = compareTexts(firstText, secondText); std::is_neq(order)) return order;
         const std::string_view firstNumber = takeWhile(first, isDigit);
         const std::string_view secondNumber = takeWhile(second, isDigit);
-        if (const auto order = compareNumbers(firstNumber, secondNumber); order != 0) return order;
+        if (const auto order = compareNumbers(firstNumber, secondNumber); std::is_neq(order)) return order;
     }
     return std::weak_ordering::equivalent;
 }
@@ -95,8 +95,8 @@ bool isDebianVersion(std::string_view text) {
 std::weak_ordering compareDebianVersions(std::string_view first, std::string_view second) {
     const Parts one = parts(first);
     const Parts other = parts(second);
-    if (const auto order = compareNumbers(one.epoch, other.epoch); order != 0) return order;
-    if (const auto order = compareAlternating(one.upstream, other.upstream); order != 0) return order;
+    if (const auto order = compareNumbers(one.epoch, other.epoch); std::is_neq(order)) return order;
+    if (const auto order = compareAlternating(one.upstream, other.upstream); std::is_neq(order)) return order;
     return compareAlternating(one.revision, other.revision);
 }
 

@@ -1,7 +1,6 @@
 #include "updates/update_source.h"
 
-#include <algorithm>
-#include <ranges>
+#include <compare>
 #include <utility>
 #include <vector>
 
@@ -16,7 +15,7 @@ namespace {
 constexpr std::string_view packageName = "ovrin";
 
 bool isNewer(std::string_view version, std::string_view than) {
-    return compareDebianVersions(version, than) > 0;
+    return std::is_gt(compareDebianVersions(version, than));
 }
 
 // No header of ours goes with it: the servers learn the program's name and version, and no more.
@@ -50,13 +49,15 @@ UpdateTarget target(const PackageSystem::Description& machine) {
     return {.distribution = machine.distribution, .release = machine.release, .architecture = machine.architecture};
 }
 
-UpdateCheck judged(std::vector<UpdateItem> items, PackageSystem::Description machine, const std::string& running) {
+UpdateCheck judged(const std::vector<UpdateItem>& items, PackageSystem::Description machine,
+                   const std::string& running) {
     UpdateCheck result;
-    const auto isForThisMachine = [wanted = target(machine)](const UpdateItem& item) { return item.target == wanted; };
-    for (UpdateItem& item : items | std::views::filter(isForThisMachine)) {
+    const UpdateTarget wanted = target(machine);
+    for (const UpdateItem& item : items) {
+        if (item.target != wanted) continue;
         result.isMachineServed = true;
         const std::string newest = result.update ? result.update->packageVersion() : running;
-        if (isNewer(item.packageVersion(), newest)) result.update = std::move(item);
+        if (isNewer(item.packageVersion(), newest)) result.update = item;
     }
     result.machine = std::move(machine);
     return result;

@@ -88,7 +88,7 @@ Task<bool> installByPackageKit(QString path) {
         QStringLiteral("org.freedesktop.PackageKit.Modify2"), QStringLiteral("InstallPackageFiles"));
     // The outcome shows in our own window.
     call << QStringList{path} << QStringLiteral("hide-finished") << QString::fromLatin1(applicationId) << QVariantMap();
-    const QDBusMessage reply = co_await answer(std::move(call), unlimited);
+    const QDBusMessage reply = co_await answer(call, unlimited);
     if (!isError(reply)) co_return true;
     if (isAbsent(reply)) co_return false;
     if (reply.errorName().endsWith(QLatin1String(".Cancelled"))) throw declined();
@@ -107,7 +107,7 @@ Task<bool> openByPortal(QString path) {
         QStringLiteral("org.freedesktop.portal.OpenURI"), QStringLiteral("OpenFile"));
     const QVariantMap options{{QStringLiteral("handle_token"), request.token()}};
     call << QString() << QVariant::fromValue(descriptor) << options;
-    const QDBusMessage reply = co_await answer(std::move(call), patience);
+    const QDBusMessage reply = co_await answer(call, patience);
     if (isError(reply)) co_return false;
     const std::optional<PortalRequest::Response> response = co_await request.response().next();
     if (response == PortalRequest::Response::cancelled) throw declined();
@@ -143,7 +143,7 @@ Task<bool> showInFolder(QString path) {
             QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("/org/freedesktop/FileManager1"),
             QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
         call << QStringList{QUrl::fromLocalFile(path).toString()} << QString();
-        const QDBusMessage reply = co_await answer(std::move(call), patience);
+        const QDBusMessage reply = co_await answer(call, patience);
         if (!isError(reply)) co_return true;
     }
     const bool isOpened = co_await openByDefaultProgram(path.left(path.lastIndexOf(QLatin1Char('/'))));
