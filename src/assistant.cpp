@@ -143,7 +143,6 @@ public:
         toasts_.show(std::move(message), std::move(symbol));
     }
 
-    bool has(AppWindow /*window*/) const override { return true; }
     void showHistory() override { historyWindow_.show(); }
     void showSettings(std::optional<SettingsSection> section) override { settingsWindow_.show(section); }
     bool isUpdateConfigured() const override { return updates_.isConfigured(); }
@@ -160,8 +159,6 @@ private:
     AppState::Surroundings surroundings();
     UpdateController::Services updateServices();
     void sayIfThereIsNoTray();
-    // Shortcuts and the palette name windows that this build has not; the menu does not offer them.
-    void sayThatItIsMissing() { showToast("此版本还没有这个窗口。", "exclamationmark.triangle"); }
 
     std::stop_source closing_;
     QtMainLoop loop_;

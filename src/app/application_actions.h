@@ -1,22 +1,16 @@
 // What the user can have the program itself do, beside the actions on texts: its other windows, updates, the end.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 
 #include "settings/settings_section.h"
 
 namespace ovrin {
 
-enum class AppWindow : std::uint8_t { directAI, inputTranslate, history, settings };
-
 // Main thread. Each operation returns at once.
 class ApplicationActions {
 public:
     virtual ~ApplicationActions() = default;
-
-    // Whether this build has the window. Where it has not, nothing offers it.
-    virtual bool has(AppWindow window) const = 0;
 
     virtual void showHistory() = 0;
     // On that page, or on the one that was on show last.

@@ -126,7 +126,6 @@ MenuItem StatusBarController::item(OvShortcut shortcut, Symbol symbol) const {
             .icon = symbol == Symbol::shown ? std::optional(OVIcon(action.symbolName)) : std::nullopt,
             .keyEquivalent = registry.shortcutDisplay(name(shortcut)).value_or(""),
             .shortcut = registry.getShortcut(name(shortcut)),
-            .isEnabled = isAvailable(shortcut),
             .action = [&actions = surroundings_.actions, shortcut] { perform(shortcut, actions); }};
 }
 
@@ -135,18 +134,8 @@ MenuItem StatusBarController::item(ApplicationCommand command) const {
     return {
         .title = std::string(action.menuTitle()),
         .icon = action.symbolName.empty() ? std::nullopt : std::optional(OVIcon(action.symbolName)),
-        .isEnabled = isAvailable(command),
+        .isEnabled = command != ApplicationCommand::checkForUpdates || surroundings_.application.isUpdateConfigured(),
         .action = [command, &application = surroundings_.application] { perform(command, std::nullopt, application); }};
-}
-
-bool StatusBarController::isAvailable(Action action) const {
-    const ApplicationActions& application = surroundings_.application;
-    if (action == Action(OvShortcut::directAskAI)) return application.has(AppWindow::directAI);
-    if (action == Action(OvShortcut::inputTranslate)) return application.has(AppWindow::inputTranslate);
-    if (action == Action(ApplicationCommand::history)) return application.has(AppWindow::history);
-    if (action == Action(ApplicationCommand::settings)) return application.has(AppWindow::settings);
-    if (action == Action(ApplicationCommand::checkForUpdates)) return application.isUpdateConfigured();
-    return true;
 }
 
 }  // namespace ovrin

@@ -61,7 +61,6 @@ private:
     Menu selectionMenu() const;
     Menu clipboardMenu() const;
     std::optional<MenuItem> statusRow() const;
-    bool isAvailable(Action action) const;
 
     Surroundings surroundings_;
     bool isMenuOpen_ = false;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <optional>
-#include <set>
 #include <string>
 
 #include "app/application_actions.h"
@@ -14,11 +13,8 @@ class FakeApplicationActions final : public ApplicationActions {
 public:
     explicit FakeApplicationActions(Journal& journal) : journal_(journal) {}
 
-    std::set<AppWindow> windows{AppWindow::directAI, AppWindow::inputTranslate, AppWindow::history,
-                                AppWindow::settings};
     bool knowsUpdates = true;
 
-    bool has(AppWindow window) const override { return windows.contains(window); }
     void showHistory() override { journal_.add("showHistory"); }
     void showSettings(std::optional<SettingsSection> section) override {
         journal_.add(section ? "showSettings " + std::string(commandName(*section)) : "showSettings");
