@@ -31,6 +31,7 @@
 #include "language/selection_translate_service.h"
 #include "platform/linux/application_name.h"
 #include "platform/linux/autostart_login_item.h"
+#include "platform/linux/desktop_system_shortcuts.h"
 #include "platform/linux/downloaded_packages.h"
 #include "platform/linux/dpkg_system.h"
 #include "platform/linux/image_decoder.h"
@@ -62,6 +63,7 @@
 #include "services.h"
 #include "settings/first_launch.h"
 #include "settings/settings_window_controller.h"
+#include "settings/shortcuts_page_view_model.h"
 #include "shortcuts/assistant_actions.h"
 #include "shortcuts/command_palette_presenter.h"
 #include "shortcuts/hotkey_manager.h"
@@ -80,6 +82,7 @@
 #include "views/mini_popover/mini_popover_panel.h"
 #include "views/result_panel/qt_result_panel_window.h"
 #include "views/settings/qt_settings_window.h"
+#include "views/settings/shortcuts_page.h"
 #include "views/status_item/qt_status_item.h"
 #include "views/toast/toast_panel.h"
 #include "views/updates/qt_update_window.h"
@@ -156,6 +159,7 @@ private:
     InputTranslateViewModel::Services inputTranslateServices();
     HistoryViewModel::Services historyServices();
     SettingsViewModel::Services settingsServices();
+    std::unique_ptr<SettingsWindow> makeSettingsWindow(SettingsViewModel& viewModel);
     AppState::Surroundings surroundings();
     UpdateController::Services updateServices();
     void sayIfThereIsNoTray();
@@ -243,10 +247,6 @@ private:
                                   return std::make_unique<QtUpdateWindow>(environment_, icons_.image(), viewModel,
                                                                           std::move(requestClose));
                               }};
-    SettingsWindowController settingsWindow_{settingsServices(), [this](SettingsViewModel& viewModel) {
-                                                 return std::make_unique<QtSettingsWindow>(environment_, icons_.image(),
-                                                                                           viewModel);
-                                             }};
 
     // How they are reached.
     X11HotKeys hotKeys_{loop_, nullptr};
@@ -269,6 +269,11 @@ private:
     QtStatusItem statusItem_{environment_, keyboardLayout_, screenshot_};
     SettingsKey settingsKey_{[this] { showSettings(std::nullopt); }};
     std::optional<StatusBarController> statusBar_;  // from the launch on
+    std::unique_ptr<SystemShortcuts> systemShortcuts_ =
+        makeDesktopSystemShortcuts(Environment::ofProcess(), keyboardLayout_);
+    std::optional<ShortcutsPageViewModel> shortcutsPage_;  // from the first look at the settings on
+    SettingsWindowController settingsWindow_{
+        settingsServices(), [this](SettingsViewModel& viewModel) { return makeSettingsWindow(viewModel); }};
 };
 
 AppDelegate::AppDelegate()
@@ -340,6 +345,17 @@ SettingsViewModel::Services AppDelegate::settingsServices() {
             .history = *history_,
             .application = *this,
             .version = updates_.versionDisplay()};
+}
+
+std::unique_ptr<SettingsWindow> AppDelegate::makeSettingsWindow(SettingsViewModel& viewModel) {
+    shortcutsPage_.emplace(registry_, KeyboardShortcuts::RecorderRules{
+                                          .systemShortcuts = *systemShortcuts_,
+                                          .hotKeys = hotKeys_,
+                                          .menuItemUsing = [this](const KeyboardShortcuts::Shortcut& shortcut) {
+                                              return statusBar_->itemUsing(shortcut, keyboardLayout_);
+                                          }});
+    return std::make_unique<QtSettingsWindow>(environment_, icons_.image(), viewModel,
+                                              new ShortcutsPage(environment_, keyboardLayout_, *shortcutsPage_));
 }
 
 AppState::Surroundings AppDelegate::surroundings() {

@@ -42,6 +42,7 @@ void DesktopTest::begin(const Scene& scene) {
         setup.preferences["KeyboardShortcuts_ovrin." + name] =
             Assistant::shortcut(code, {Assistant::Modifier::super, Assistant::Modifier::shift});
     }
+    if (scene.beforeLaunch) scene.beforeLaunch();
     assistant = std::make_unique<Assistant>(*desktop, *user, setup);
 }
 

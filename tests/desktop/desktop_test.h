@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -40,6 +41,7 @@ protected:
         enum class ModelService { inEnvironment, unknown } modelService = ModelService::inEnvironment;
         // mute: one runs and answers nobody
         enum class SecretService { none, unlocked, mute } secretService = SecretService::none;
+        std::function<void()> beforeLaunch{};  // the desktop is there, the assistant not yet
     };
     void begin(const Scene& scene);
     void begin() { begin(Scene()); }

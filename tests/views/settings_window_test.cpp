@@ -108,7 +108,7 @@ protected:
                                  .history = history,
                                  .application = actions,
                                  .version = "1"}};
-    QtSettingsWindow window{environment, icons.image(), viewModel};
+    QtSettingsWindow window{environment, icons.image(), viewModel, new SettingsPage(environment, "快捷键", {})};
 };
 
 // What every control of the page says of itself.

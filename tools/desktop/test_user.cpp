@@ -164,7 +164,7 @@ void TestUser::releaseKeys(std::string_view combination) const {
     std::for_each(codes.rbegin(), codes.rend(), [this](xcb_keycode_t code) { key(code, Press::up); });
 }
 
-bool TestUser::isTaken(std::string_view combination) const {
+TestUser::Grab TestUser::grabOf(std::string_view combination) const {
     xcb_connection_t* const x = view_.connection();
     auto codes = codesOf(combination);
     const xcb_keycode_t key = codes.back();
@@ -177,12 +177,30 @@ bool TestUser::isTaken(std::string_view combination) const {
         const bool isHeld = std::find(codes.begin(), codes.end(), modifierCodes[index]) != codes.end();
         if (isHeld) mask = static_cast<std::uint16_t>(mask | 1U << (index / mapping->keycodes_per_modifier));
     }
+    return {.modifiers = mask, .key = key};
+}
+
+bool TestUser::isTaken(std::string_view combination) const {
+    xcb_connection_t* const x = view_.connection();
+    const auto [mask, key] = grabOf(combination);
     // In one breath: whoever takes the combination at this moment must not find it taken by the question.
     xcb_grab_server(x);
     const auto attempt = xcb_grab_key_checked(x, 0, view_.root(), mask, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
     xcb_ungrab_key(x, key, view_.root(), mask);
     xcb_ungrab_server(x);
     return owned(xcb_request_check(x, attempt)) != nullptr;
+}
+
+void TestUser::takeKeys(std::string_view combination) const {
+    xcb_connection_t* const x = view_.connection();
+    const auto [mask, key] = grabOf(combination);
+    const auto request = xcb_grab_key_checked(x, 0, view_.root(), mask, key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    if (owned(xcb_request_check(x, request))) throw Error("another program has " + std::string(combination));
+}
+
+void TestUser::giveKeysBack(std::string_view combination) const {
+    const auto [mask, key] = grabOf(combination);
+    owned(xcb_request_check(view_.connection(), xcb_ungrab_key_checked(view_.connection(), key, view_.root(), mask)));
 }
 
 void TestUser::type(std::string_view text) const {

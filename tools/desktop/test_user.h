@@ -59,6 +59,9 @@ public:
     void releaseKeys(std::string_view combination) const;
     // Whether some program has the combination for itself, wherever the keyboard is.
     bool isTaken(std::string_view combination) const;
+    // Takes the combination as another program would (while no lock key is on), and gives it back.
+    void takeKeys(std::string_view combination) const;
+    void giveKeysBack(std::string_view combination) const;
     // ASCII, with line breaks as Return. Throws Error for what the keyboard has no key for.
     void type(std::string_view text) const;
 
@@ -97,6 +100,11 @@ private:
         bool isShifted = false;
     };
     Stroke strokeOf(std::uint32_t keysym) const;
+    struct Grab {
+        std::uint16_t modifiers = 0;
+        xcb_keycode_t key = 0;
+    };
+    Grab grabOf(std::string_view combination) const;
     std::vector<xcb_keycode_t> codesOf(std::string_view combination) const;
 
     void handleEvents();

@@ -1,7 +1,5 @@
 #include "views/settings/qt_settings_window.h"
 
-#include "settings/settings_section.h"
-#include "views/components/drawing.h"
 #include "views/settings/settings_page.h"
 #include "views/settings/settings_view.h"
 
@@ -15,10 +13,6 @@ constexpr QSize smallestFrame{760, 620};
 QtSettingsWindow::QtSettingsWindow(ViewEnvironment& environment, const Published<std::string>& brandImage,
                                    SettingsViewModel& viewModel, SettingsPage* shortcutsPage)
     : OVStandardWindow(environment, QStringLiteral("Ovrin 设置"), initialFrame, smallestFrame) {
-    if (shortcutsPage == nullptr) {
-        shortcutsPage = new SettingsPage(environment, toQString(title(SettingsSection::shortcuts)),
-                                         toQString(subtitle(SettingsSection::shortcuts)));
-    }
     view_ = new SettingsView(environment, brandImage, viewModel, shortcutsPage);
     setContent(view_);
     view_->focusSidebar();  // where the keyboard goes first; later it stays where the user had it

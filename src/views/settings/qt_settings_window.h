@@ -18,9 +18,9 @@ class QtSettingsWindow final : public OVStandardWindow, public SettingsWindow {
 
 public:
     // For MakeSettingsWindow. The environment, the name of the brand's picture and the view model outlive it. Takes
-    // ownership of the page with the shortcuts; without one that page only has its title.
+    // ownership of the page with the shortcuts.
     QtSettingsWindow(ViewEnvironment& environment, const Published<std::string>& brandImage,
-                     SettingsViewModel& viewModel, SettingsPage* shortcutsPage = nullptr);
+                     SettingsViewModel& viewModel, SettingsPage* shortcutsPage);
 
     void present() override;
 
