@@ -15,7 +15,7 @@ struct FeedItem {
     std::string url = "https://example.com/ovrin.deb";
     std::string length = "3";
     std::string signature = "c2lnbmF0dXJl";
-    std::string notes = "";
+    std::string notes{};
 };
 
 inline std::string escapedXML(std::string_view text) {
@@ -33,9 +33,10 @@ inline std::string escapedXML(std::string_view text) {
 }
 
 inline std::string feedItem(const FeedItem& item) {
-    std::string text = "<item><title>Ovrin</title><link>https://example.com/page</link>"
-                       "<pubDate>Tue, 24 Nov 2026 10:00:00 +0000</pubDate><enclosure url=\"" +
-                       escapedXML(item.url) + "\" length=\"" + item.length + "\" type=\"x\"/>";
+    std::string text =
+        "<item><title>Ovrin</title><link>https://example.com/page</link>"
+        "<pubDate>Tue, 24 Nov 2026 10:00:00 +0000</pubDate><enclosure type='x' url='" +
+        escapedXML(item.url) + "' length='" + item.length + "'/>";
     const auto add = [&text](const char* name, const std::string& value) {
         text.append("<o:").append(name).append(">").append(escapedXML(value)).append("</o:").append(name).append(">");
     };
@@ -50,8 +51,8 @@ inline std::string feedItem(const FeedItem& item) {
 }
 
 inline std::string feedDocument(std::string_view items) {
-    return "<rss version=\"2.0\" xmlns:o=\"com.quel.ovrin:updates\"><channel><title>Ovrin</title>" +
-           std::string(items) + "</channel></rss>";
+    return "<rss version='2.0' xmlns:o='com.quel.ovrin:updates'><channel><title>Ovrin</title>" + std::string(items) +
+           "</channel></rss>";
 }
 
 }  // namespace ovrin

@@ -77,8 +77,10 @@ TEST(UpdateFeedTest, HostileDocumentsAreRefused) {
     EXPECT_EQ(failure("<!DOCTYPE rss [<!ENTITY f SYSTEM \"file:///etc/passwd\">]>" + body), noDoctype);
     std::string laughs = "<!DOCTYPE rss [<!ENTITY l0 \"ha\">";
     for (int i = 1; i < 20; ++i) {
-        const std::string previous = "&l" + std::to_string(i - 1) + ";";
-        laughs += "<!ENTITY l" + std::to_string(i) + " \"" + previous + previous + previous + previous + "\">";
+        const std::string name = std::to_string(i - 1);
+        laughs.append("<!ENTITY l").append(std::to_string(i)).append(" '");
+        for (int times = 0; times < 10; ++times) laughs.append("&l").append(name).append(";");
+        laughs.append("'>");
     }
     EXPECT_EQ(failure(laughs + "]><rss>&l19;</rss>"), noDoctype);
 

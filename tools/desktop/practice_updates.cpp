@@ -81,10 +81,10 @@ void PracticeUpdates::publish(const std::string& packageVersion) const {
                                         "\nArchitecture: amd64\nMaintainer: Test <test@localhost>\n"
                                         "Description: Nothing but a name\n");
     run({"dpkg-deb", "-Znone", "--root-owner-group", "--build", file("package")});
-    run({"python3", OVRIN_SOURCE_DIR "/tools/make_update_feed", "add", file("feed.xml"), file("package.deb"), "--key",
-         file("key.pem"), "--url", "https://" + host + "/package.deb", "--distribution",
-         osInformation(G_OS_INFO_KEY_ID), "--release", osInformation(G_OS_INFO_KEY_VERSION_ID), "--notes",
-         file("notes.md")});
+    const std::string script = OVRIN_SOURCE_DIR "/tools/make_update_feed";
+    run({"python3", script, "add", file("feed.xml"), file("package.deb"), "--key", file("key.pem"), "--url",
+         "https://" + host + "/package.deb", "--distribution", osInformation(G_OS_INFO_KEY_ID), "--release",
+         osInformation(G_OS_INFO_KEY_VERSION_ID), "--notes", file("notes.md")});
 }
 
 void PracticeUpdates::answer(LoopbackServer::Connection& connection) const {
