@@ -1,33 +1,41 @@
-# Finds ONNX Runtime's C++ API: the distribution's package where there is one, else the files that the npm package
-# com.github.asus4.onnxruntime brought into node_modules (headers in its xcframework, the library under Plugins/Linux).
+# Finds ONNX Runtime's C++ API: the distribution's package where there is one that is new enough, else the files that
+# tools/fetch_recognition_files placed into OVRIN_RECOGNITION_FILES.
 #
 #   ONNXRuntime::ONNXRuntime   imported target
 #   ONNXRuntime_LIBRARY        the shared library; ONNXRuntime_BUNDLED is true when it has to be installed with Ovrin
+#   ONNXRuntime_VERSION        1.N, N being the version of the headers' interface
 
-set(_npm "${CMAKE_SOURCE_DIR}/node_modules/com.github.asus4.onnxruntime/Plugins")
-if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
-  set(_npm_arch "Linux/x64")
-else()
-  set(_npm_arch "Linux/arm64")
-endif()
-file(GLOB _npm_headers "${_npm}/iOS~/onnxruntime.xcframework/ios-arm64/onnxruntime.framework/Headers")
+set(OVRIN_RECOGNITION_FILES "${CMAKE_SOURCE_DIR}/recognition_files" CACHE PATH "Networks and the runtime for them")
 
+function(_onnxruntime_version header variable)
+  file(STRINGS "${header}" line REGEX "^#define ORT_API_VERSION +[0-9]+" LIMIT_COUNT 1)
+  string(REGEX REPLACE ".*ORT_API_VERSION +([0-9]+).*" "1.\\1" version "${line}")
+  set(${variable} "${version}" PARENT_SCOPE)
+endfunction()
+
+set(ONNXRuntime_BUNDLED FALSE)
 find_path(ONNXRuntime_INCLUDE_DIR onnxruntime_cxx_api.h PATH_SUFFIXES onnxruntime onnxruntime/core/session)
-if(NOT ONNXRuntime_INCLUDE_DIR AND _npm_headers)
-  set(ONNXRuntime_INCLUDE_DIR "${_npm_headers}" CACHE PATH "ONNX Runtime headers" FORCE)
+find_library(ONNXRuntime_LIBRARY onnxruntime)
+if(ONNXRuntime_INCLUDE_DIR AND ONNXRuntime_LIBRARY)
+  _onnxruntime_version("${ONNXRuntime_INCLUDE_DIR}/onnxruntime_c_api.h" ONNXRuntime_VERSION)
 endif()
-find_library(ONNXRuntime_LIBRARY onnxruntime PATHS "${_npm}/${_npm_arch}")
+if(NOT ONNXRuntime_VERSION OR ONNXRuntime_VERSION VERSION_LESS ONNXRuntime_FIND_VERSION)
+  set(_fetched "${OVRIN_RECOGNITION_FILES}/onnxruntime")
+  set(ONNXRuntime_INCLUDE_DIR "${_fetched}/include")
+  set(ONNXRuntime_LIBRARY "${_fetched}/${CMAKE_SYSTEM_PROCESSOR}/libonnxruntime.so.1")
+  set(ONNXRuntime_VERSION "")
+  if(EXISTS "${ONNXRuntime_INCLUDE_DIR}/onnxruntime_c_api.h" AND EXISTS "${ONNXRuntime_LIBRARY}")
+    _onnxruntime_version("${ONNXRuntime_INCLUDE_DIR}/onnxruntime_c_api.h" ONNXRuntime_VERSION)
+    set(ONNXRuntime_BUNDLED TRUE)
+  else()
+    set(ONNXRuntime_LIBRARY "ONNXRuntime_LIBRARY-NOTFOUND")
+  endif()
+endif()
 
 include(FindPackageHandleStandardArgs)
 find_package_handle_standard_args(ONNXRuntime REQUIRED_VARS ONNXRuntime_LIBRARY ONNXRuntime_INCLUDE_DIR
-  REASON_FAILURE_MESSAGE "install the distribution's libonnxruntime-dev, or run 'npm ci' in the project's folder")
-
-string(FIND "${ONNXRuntime_LIBRARY}" "${CMAKE_SOURCE_DIR}/node_modules" _position)
-if(_position EQUAL 0)
-  set(ONNXRuntime_BUNDLED TRUE)
-else()
-  set(ONNXRuntime_BUNDLED FALSE)
-endif()
+  VERSION_VAR ONNXRuntime_VERSION
+  REASON_FAILURE_MESSAGE "install the distribution's libonnxruntime-dev, or run tools/install_dependencies")
 
 if(ONNXRuntime_FOUND AND NOT TARGET ONNXRuntime::ONNXRuntime)
   add_library(ONNXRuntime::ONNXRuntime SHARED IMPORTED)

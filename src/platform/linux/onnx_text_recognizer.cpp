@@ -19,7 +19,8 @@
 #include "platform/linux/recognition/library_pages.h"
 #include "platform/linux/recognition/line_piece.h"
 #include "platform/linux/recognition/parallel.h"
-#include "platform/linux/recognition/piece_reader.h"
+#include "platform/linux/recognition/line_recognizer.h"
+#include "platform/linux/recognition/tesseract_reader.h"
 #include "platform/linux/recognition/reading_order.h"
 #include "platform/linux/recognition/text_detector.h"
 #include "platform/linux/recognition/word_spaces.h"
@@ -27,38 +28,13 @@
 namespace ovrin {
 namespace {
 
-constexpr const char* detectionModel = "ch_PP-OCRv4_det_infer.onnx";
-constexpr const char* recognitionModel = "ch_PP-OCRv4_rec_infer.onnx";
-constexpr const char* characterList = "ppocr_keys_v1.txt";
+constexpr const char* detectionModel = "PP-OCRv6_det_tiny.onnx";
+constexpr const char* recognitionModel = "PP-OCRv6_rec_small.onnx";
 
 // What is read with less confidence is the texture of a picture, not text; a character or two needs more.
 bool isText(const Reading& reading) {
     const double confidence = meanConfidence(reading);
     return !reading.empty() && confidence >= (reading.size() <= 2 ? 0.65 : 0.5);
-}
-
-// Tesseract's languages for what was requested and the network can't read; those whose data is not there are left out.
-PieceReader::Languages otherLanguages(const std::vector<std::string>& tags, const TesseractReader& tesseract) {
-    const auto isRequested = [&](std::initializer_list<const char*> prefixes) {
-        return std::any_of(tags.begin(), tags.end(), [&](const std::string& tag) {
-            return std::any_of(prefixes.begin(), prefixes.end(),
-                               [&](const char* prefix) { return tag.starts_with(prefix); });
-        });
-    };
-    PieceReader::Languages languages;
-    const auto add = [&](const char* name, std::initializer_list<const char*> prefixes) {
-        if (isRequested(prefixes) && tesseract.hasLanguage(name)) languages.otherScripts.emplace_back(name);
-    };
-    add("chi_tra", {"zh-Hant", "zh-TW", "zh-HK", "zh-MO"});
-    add("jpn", {"ja"});
-    add("kor", {"ko"});
-    // English texts hold words and names of its neighbours: one of them brings all.
-    for (const char* name : {"fra", "deu", "spa"}) {
-        if (!isRequested({"en", "fr", "de", "es"}) || !tesseract.hasLanguage(name)) continue;
-        if (!languages.markedLetters.empty()) languages.markedLetters += '+';
-        languages.markedLetters += name;
-    }
-    return languages;
 }
 
 Rect unitBox(const cv::Rect& box, const Image& image) {
@@ -137,8 +113,7 @@ private:
         Models models;
         parallelFor(2, 2, [&](std::size_t index) {
             if (index == 0) {
-                models.lineRecognizer = std::make_unique<LineRecognizer>(files_.modelFolder / recognitionModel,
-                                                                         files_.modelFolder / characterList);
+                models.lineRecognizer = std::make_unique<LineRecognizer>(files_.modelFolder / recognitionModel);
             } else {
                 models.detector = std::make_unique<TextDetector>(files_.modelFolder / detectionModel);
             }
@@ -167,7 +142,7 @@ OnnxTextRecognizer::OnnxTextRecognizer(RecognitionFiles files)
 
 OnnxTextRecognizer::~OnnxTextRecognizer() = default;
 
-std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRequest& request, const Image& image,
+std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRequest& /*request*/, const Image& image,
                                                          std::stop_token stop) {
     if (stop.stop_requested()) throw CancellationError();
     if (image.isEmpty()) return {};
@@ -182,9 +157,9 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
                 [&](std::size_t index) { pieces[index] = cutLinePiece(picture, regions[index].box); });
     std::erase_if(pieces, [](const LinePiece& piece) { return piece.runs.empty(); });
 
-    const PieceReader reader(*models.lineRecognizer, *models.tesseract,
-                             otherLanguages(request.recognitionLanguages, *models.tesseract));
-    const auto readings = reader.read(pieces, stop);
+    std::vector<Reading> readings(pieces.size());
+    parallelFor(pieces.size(), recognitionThreads(),
+                [&](std::size_t index) { readings[index] = models.lineRecognizer->read(pieces[index].color, stop); });
 
     std::vector<LinePiece> textPieces;
     std::vector<Reading> textReadings;
@@ -197,9 +172,6 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
         textPieces.push_back(std::move(pieces[i]));
     }
     placeSpaces(textReadings, textPieces);
-    if (request.usesLanguageCorrection) {
-        for (auto& reading : textReadings) correctLetterShapes(reading);
-    }
     return observations(textPieces, textReadings, image);
 }
 

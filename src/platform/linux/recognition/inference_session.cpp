@@ -43,20 +43,26 @@ struct InferenceSession::Runtime {
     std::string outputName;
 };
 
-InferenceSession::InferenceSession(const std::filesystem::path& modelFile) {
+InferenceSession::InferenceSession(const std::filesystem::path& modelFile) : file_(modelFile) {
     std::error_code status;
     if (!std::filesystem::is_regular_file(modelFile, status))
-        throw Error("The recognition model " + modelFile.string() + " is missing.");
+        throw Error("缺少文字识别模型文件 " + modelFile.string() + "。");
     try {
         runtime_ = std::make_unique<Runtime>(modelFile);
     } catch (const Ort::Exception& failure) {
-        throw Error("The recognition model " + modelFile.string() + " can't be loaded: " + firstLine(failure.what()));
+        throw Error("无法载入文字识别模型文件 " + modelFile.string() + "：" + firstLine(failure.what()));
     }
 }
 
 InferenceSession::~InferenceSession() = default;
 
-Tensor InferenceSession::run(const Tensor& input, const std::stop_token& stop) const {
+std::string InferenceSession::metadata(const std::string& key) const {
+    const auto value =
+        runtime_->session.GetModelMetadata().LookupCustomMetadataMapAllocated(key.c_str(), runtime_->allocator);
+    return value ? value.get() : "";
+}
+
+void InferenceSession::run(const Tensor& input, const std::stop_token& stop, const OutputReader& read) const {
     if (stop.stop_requested()) throw CancellationError();
     Ort::RunOptions options;
     const std::stop_callback terminate(stop, [&options] { options.SetTerminate(); });
@@ -66,15 +72,16 @@ Tensor InferenceSession::run(const Tensor& input, const std::stop_token& stop) c
                                                         input.values.size(), input.shape.data(), input.shape.size());
     const char* inputName = runtime_->inputName.c_str();
     const char* outputName = runtime_->outputName.c_str();
+    std::vector<Ort::Value> outputs;
     try {
-        const auto outputs = runtime_->session.Run(options, &inputName, &tensor, 1, &outputName, 1);
-        const auto information = outputs.front().GetTensorTypeAndShapeInfo();
-        const auto* first = outputs.front().GetTensorData<float>();
-        return {information.GetShape(), {first, first + information.GetElementCount()}};
+        outputs = runtime_->session.Run(options, &inputName, &tensor, 1, &outputName, 1);
     } catch (const Ort::Exception& failure) {
         if (stop.stop_requested()) throw CancellationError();
-        throw Error("The recognition model failed: " + firstLine(failure.what()));
+        throw Error("文字识别模型 " + file_.string() + " 运行失败：" + firstLine(failure.what()));
     }
+    const auto information = outputs.front().GetTensorTypeAndShapeInfo();
+    const auto shape = information.GetShape();
+    read(shape, {outputs.front().GetTensorData<float>(), information.GetElementCount()});
 }
 
 }  // namespace ovrin

@@ -6,8 +6,11 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
+#include <span>
 #include <stop_token>
+#include <string>
 #include <vector>
 
 namespace ovrin {
@@ -20,18 +23,27 @@ struct Tensor {
 
 class InferenceSession {
 public:
+    // Takes the output where the runtime left it: both are valid only during the call.
+    using OutputReader = std::function<void(std::span<const std::int64_t> shape, std::span<const float> values)>;
+
     // Loads the model. Throws Error that names the file and the cause.
     explicit InferenceSession(const std::filesystem::path& modelFile);
     ~InferenceSession();
     InferenceSession(const InferenceSession&) = delete;
     InferenceSession& operator=(const InferenceSession&) = delete;
 
-    // Runs the network on its single input and gives its single output. A stop request interrupts the run between two
-    // layers: CancellationError. Throws Error when the network can't work on this input.
-    Tensor run(const Tensor& input, const std::stop_token& stop) const;
+    // An entry of what the model says about itself; empty where it says nothing.
+    std::string metadata(const std::string& key) const;
+
+    // Runs the network on its single input and hands its single output to `read`. A stop request interrupts the run
+    // between two layers: CancellationError. Throws Error when the network can't work on this input.
+    void run(const Tensor& input, const std::stop_token& stop, const OutputReader& read) const;
+
+    const std::filesystem::path& file() const { return file_; }
 
 private:
     struct Runtime;
+    std::filesystem::path file_;
     std::unique_ptr<Runtime> runtime_;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 
 #include <opencv2/imgproc.hpp>
 
@@ -11,8 +12,6 @@ namespace {
 
 constexpr int levelsPerChannel = 8;
 constexpr double flatShare = 0.3;    // of the pixels that have about the background's colour, text being the rest
-constexpr double marginShare = 0.2;  // of the text's height, background above and below it for the readers
-constexpr double sideShare = 0.4;    // and beside it: wide punctuation is told from narrow by its blank
 constexpr int inkLevel = 96;         // of 255: from here on a pixel belongs to a stroke
 
 struct Background {
@@ -172,6 +171,9 @@ LinePiece noisyPiece(const cv::Mat& picture, cv::Rect box) {
 
 }  // namespace
 
+static bool cutB() { static const bool b = std::getenv("OVRIN_CUT") && *std::getenv("OVRIN_CUT") == 'B'; return b; }
+static double margins() { static const double m = std::getenv("OVRIN_MARGIN") ? std::atof(std::getenv("OVRIN_MARGIN")) : 0.2; return m; }
+static double sides() { static const double m = std::getenv("OVRIN_SIDE") ? std::atof(std::getenv("OVRIN_SIDE")) : 0.4; return m; }
 LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box) {
     const int aside = box.height;
     const int above = std::max(1, box.height / 6);
@@ -205,8 +207,13 @@ LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box) {
     }
     const cv::Rect text(piece.runs.front().left, rows.left, piece.runs.back().right - piece.runs.front().left,
                         rows.width());
-    const int margin = std::max(2, static_cast<int>(std::lround(marginShare * text.height)));
-    const int side = std::max(2, static_cast<int>(std::lround(sideShare * text.height)));
+    int margin = std::max(2, static_cast<int>(std::lround(margins() * text.height)));
+    int side = std::max(2, static_cast<int>(std::lround(sides() * text.height)));
+    if (cutB()) {
+        const int want = std::max(box.height, text.height);
+        margin = std::max(2, static_cast<int>(std::lround((want - text.height) / 2.0 + margins() * text.height)));
+        side = std::max(2, static_cast<int>(std::lround(sides() * want)));
+    }
     cv::Mat around = background(text);
     cv::copyMakeBorder(bgr(text), piece.color, margin, margin, side, side, cv::BORDER_CONSTANT | cv::BORDER_ISOLATED,
                        cv::mean(around));

@@ -1,10 +1,8 @@
-// Reads one piece of a line with the Chinese and English network.
+// Reads one piece of a line with the recognition network: Chinese, Japanese, and languages in Latin letters.
 #pragma once
 
 #include <filesystem>
 #include <stop_token>
-#include <string>
-#include <unordered_set>
 #include <vector>
 
 #include <opencv2/core.hpp>
@@ -16,18 +14,18 @@ namespace ovrin {
 
 class LineRecognizer {
 public:
-    LineRecognizer(const std::filesystem::path& modelFile, const std::filesystem::path& characterFile);
+    // Throws Error that names the file when it is no such network. The characters that it knows are named by itself.
+    explicit LineRecognizer(const std::filesystem::path& modelFile);
 
-    // line: the piece cut out, three bytes a pixel (blue, green, red).
+    // line: text on one line cut out, upright, three bytes a pixel (blue, green, red). Of a line much longer than high
+    // the parts between its widest gaps are read one after the other.
     Reading read(const cv::Mat& line, const std::stop_token& stop) const;
 
-    // Whether the network can name this character at all.
-    bool knows(char32_t character) const { return known_.contains(character); }
-
 private:
+    Reading readPart(const cv::Mat& line, const std::stop_token& stop) const;
+
     InferenceSession network_;
-    std::vector<char32_t> characters_;  // by the network's class, from class 1; the last one is the space
-    std::unordered_set<char32_t> known_;
+    std::vector<char32_t> characters_;  // by the network's class; 0 for the blank
 };
 
 }  // namespace ovrin

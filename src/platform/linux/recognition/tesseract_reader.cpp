@@ -95,9 +95,11 @@ Reading TesseractReader::read(const LinePiece& piece, const std::string& languag
                 // Only Korean has words; elsewhere they are the engine's own.
                 const double space = language == "kor" && symbol->IsAtBeginningOf(tesseract::RIL_WORD) ? 1 : 0;
                 for (int i = 0; i < characters.length(); i = characters.moveIndex32(i, 1)) {
-                    reading.push_back({static_cast<char32_t>(characters.char32At(i)),
-                                       symbol->Confidence(tesseract::RIL_SYMBOL) / 100.0F, (left - whiteBorder) / scale,
-                                       (right - whiteBorder) / scale, i == 0 ? space : 0});
+                    reading.push_back({.code = static_cast<char32_t>(characters.char32At(i)),
+                                       .confidence = symbol->Confidence(tesseract::RIL_SYMBOL) / 100.0F,
+                                       .left = (left - whiteBorder) / scale,
+                                       .right = (right - whiteBorder) / scale,
+                                       .spaceBefore = i == 0 ? space : 0});
                 }
             } while (symbol->Next(tesseract::RIL_SYMBOL));
         }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 
 #include <opencv2/imgproc.hpp>
 
@@ -12,7 +13,7 @@ namespace ovrin {
 namespace {
 
 constexpr int strideOfNetwork = 32;  // its input sides are multiples of this
-constexpr int tileWidth = 1088;      // bounds the memory of one run
+constexpr int tileWidth = 1088;      // columns that the network sees; bounds the memory of one run
 constexpr int tileHeight = 512;
 constexpr int leastTileHeight = 96;  // below, splitting for another core costs more than it gains
 constexpr int overlap = 24;          // text that touches the border of a tile or crop is not seen otherwise
@@ -20,6 +21,8 @@ constexpr int leastContrast = 10;    // between neighbouring pixels, levels of 2
 constexpr float textThreshold = 0.3F;
 constexpr float minimumScore = 0.5F;
 constexpr double growth = 1.6;  // the network marks a shrunken core of each line
+constexpr double slantedDrift = 0.5;
+constexpr double slantedDegrees = 2;
 
 int roundedUp(int value, int multiple) {
     return (value + multiple - 1) / multiple * multiple;
@@ -73,55 +76,95 @@ Tensor networkInput(const cv::Mat& bgr) {
 
 // Where words stand closely the network's regions run into each other: one piece is read better than two halves.
 std::vector<TextRegion> joinOverlapping(std::vector<TextRegion> regions) {
-    for (std::size_t i = 0; i < regions.size(); ++i) {
-        for (std::size_t j = i + 1; j < regions.size();) {
-            const cv::Rect& a = regions[i].box;
-            const cv::Rect& b = regions[j].box;
-            const int sharedHeight = std::min(a.br().y, b.br().y) - std::max(a.y, b.y);
-            const int gap = std::max(a.x, b.x) - std::min(a.br().x, b.br().x);
-            const bool join = sharedHeight > 0.6 * std::max(a.height, b.height) && gap < 0;
-            if (!join) {
-                ++j;
-                continue;
-            }
-            regions[i].box |= b;
-            regions[i].score = std::max(regions[i].score, regions[j].score);
-            regions.erase(regions.begin() + static_cast<std::ptrdiff_t>(j));
-            j = i + 1;
+    std::ranges::sort(regions, {}, [](const TextRegion& region) { return region.box.x; });
+    std::vector<TextRegion> joined;
+    for (auto& region : regions) {
+        const auto overlaps = [&](const TextRegion& other) {
+            const int sharedHeight =
+                std::min(region.box.br().y, other.box.br().y) - std::max(region.box.y, other.box.y);
+            return other.box.br().x > region.box.x && region.slant.size.empty() && other.slant.size.empty() &&
+                   sharedHeight > 0.6 * std::max(region.box.height, other.box.height);
+        };
+        const auto found = std::ranges::find_if(joined, overlaps);
+        if (found == joined.end()) {
+            joined.push_back(region);
+        } else {
+            found->box |= region.box;
+            found->score = std::max(found->score, region.score);
         }
     }
-    return regions;
+    return joined;
+}
+
+// The region around one outline of the map, whose pixels are `scale` times those of the picture.
+TextRegion regionOf(const std::vector<cv::Point>& contour, double scale) {
+    const cv::Rect core = cv::boundingRect(contour);
+    TextRegion region;
+    cv::RotatedRect slant = cv::minAreaRect(contour);
+    if (slant.size.width < slant.size.height) {
+        std::swap(slant.size.width, slant.size.height);
+        slant.angle -= 90;
+    }
+    while (slant.angle > 90) slant.angle -= 180;
+    while (slant.angle < -90) slant.angle += 180;
+    const double tilt = std::min(std::abs(slant.angle), 90 - std::abs(slant.angle));
+    // How far the ends of the line stand off the horizontal or vertical, in its own heights.
+    const double drift = std::sin(tilt * CV_PI / 180) * slant.size.width / std::max(1.0F, slant.size.height);
+    if (drift > slantedDrift && tilt > slantedDegrees) {
+        const auto grow = static_cast<float>(slant.size.area() * growth / (slant.size.width + slant.size.height));
+        slant.size += cv::Size2f(grow, grow);
+        slant.center /= scale;
+        slant.size = slant.size / static_cast<float>(scale);
+        region.slant = slant;
+    }
+    const double grow = core.area() * growth / (2.0 * (core.width + core.height));
+    region.box = cv::Rect(cv::Point(static_cast<int>(std::floor((core.x - grow) / scale)),
+                                    static_cast<int>(std::floor((core.y - grow) / scale))),
+                          cv::Point(static_cast<int>(std::ceil((core.br().x + grow) / scale)),
+                                    static_cast<int>(std::ceil((core.br().y + grow) / scale))));
+    return region;
 }
 
 }  // namespace
 
 TextDetector::TextDetector(const std::filesystem::path& modelFile) : network_(modelFile) {}
 
-cv::Mat TextDetector::textProbability(const cv::Mat& picture, const cv::Rect& area, const std::stop_token& stop) const {
-    const int columns = (area.width + tileWidth - 1) / tileWidth;
+cv::Mat TextDetector::textProbability(const cv::Mat& picture, const cv::Rect& area, double scale,
+                                      const std::stop_token& stop) const {
+    const cv::Size size(std::max(1, static_cast<int>(std::lround(area.width * scale))),
+                        std::max(1, static_cast<int>(std::lround(area.height * scale))));
+    const int columns = (size.width + tileWidth - 1) / tileWidth;
     const int wantedRows = columns > 1 ? 1 : static_cast<int>(recognitionThreads());
     const int rows =
-        std::max((area.height + tileHeight - 1) / tileHeight, std::clamp(area.height / leastTileHeight, 1, wantedRows));
-    cv::Mat probability(area.size(), CV_32F, cv::Scalar(0));
+        std::max((size.height + tileHeight - 1) / tileHeight, std::clamp(size.height / leastTileHeight, 1, wantedRows));
+    cv::Mat probability(size, CV_32F, cv::Scalar(0));
     const auto count = static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns);
     parallelFor(count, recognitionThreads(), [&](std::size_t index) {
         const int row = static_cast<int>(index) / columns;
         const int column = static_cast<int>(index) % columns;
-        const cv::Rect tile(cv::Point(area.width * column / columns, area.height * row / rows),
-                            cv::Point(area.width * (column + 1) / columns, area.height * (row + 1) / rows));
+        const cv::Rect tile(cv::Point(size.width * column / columns, size.height * row / rows),
+                            cv::Point(size.width * (column + 1) / columns, size.height * (row + 1) / rows));
         // Around the tile, what the network needs to see of its surroundings; at the picture's edge, more of the edge.
-        const cv::Rect wanted(tile.x + area.x - overlap, tile.y + area.y - overlap,
-                              roundedUp(tile.width + 2 * overlap, strideOfNetwork),
+        const cv::Rect wanted(tile.x - overlap, tile.y - overlap, roundedUp(tile.width + 2 * overlap, strideOfNetwork),
                               roundedUp(tile.height + 2 * overlap, strideOfNetwork));
-        const cv::Rect there = wanted & cv::Rect({}, picture.size());
-        if (activeArea(picture(there)).empty()) return;
+        const cv::Rect source = cv::Rect(cv::Point(static_cast<int>(std::floor(wanted.x / scale)) + area.x,
+                                                   static_cast<int>(std::floor(wanted.y / scale)) + area.y),
+                                         cv::Point(static_cast<int>(std::ceil(wanted.br().x / scale)) + area.x,
+                                                   static_cast<int>(std::ceil(wanted.br().y / scale)) + area.y)) &
+                                cv::Rect({}, picture.size());
+        if (activeArea(picture(source)).empty()) return;
         cv::Mat bgr;
-        cv::cvtColor(picture(there), bgr, cv::COLOR_BGRA2BGR);
-        cv::copyMakeBorder(bgr, bgr, there.y - wanted.y, wanted.br().y - there.br().y, there.x - wanted.x,
-                           wanted.br().x - there.br().x, cv::BORDER_REPLICATE);
-        Tensor output = network_.run(networkInput(bgr), stop);
-        const cv::Mat map(bgr.rows, bgr.cols, CV_32F, output.values.data());
-        map(cv::Rect(overlap, overlap, tile.width, tile.height)).copyTo(probability(tile));
+        cv::cvtColor(picture(source), bgr, cv::COLOR_BGRA2BGR);
+        // From the network's pixels back to those of the cut-out part, centre on centre.
+        const double offset = 0.5 / scale - 0.5;
+        const cv::Matx23d back(1 / scale, 0, wanted.x / scale + area.x - source.x + offset,  //
+                               0, 1 / scale, wanted.y / scale + area.y - source.y + offset);
+        cv::Mat scaled;
+        cv::warpAffine(bgr, scaled, back, wanted.size(), cv::INTER_LINEAR | cv::WARP_INVERSE_MAP, cv::BORDER_REPLICATE);
+        network_.run(networkInput(scaled), stop, [&](auto /*shape*/, std::span<const float> values) {
+            const cv::Mat map(scaled.rows, scaled.cols, CV_32F, const_cast<float*>(values.data()));
+            map(cv::Rect(overlap, overlap, tile.width, tile.height)).copyTo(probability(tile));
+        });
     });
     return probability;
 }
@@ -129,7 +172,9 @@ cv::Mat TextDetector::textProbability(const cv::Mat& picture, const cv::Rect& ar
 std::vector<TextRegion> TextDetector::detect(const cv::Mat& picture, const std::stop_token& stop) const {
     const cv::Rect area = activeArea(picture);
     if (area.empty()) return {};
-    const cv::Mat probability = textProbability(picture, area, stop);
+    const char* wish = std::getenv("OVRIN_SCALE");
+    const double scale = wish != nullptr ? std::atof(wish) : 1.5;
+    const cv::Mat probability = textProbability(picture, area, scale, stop);
     const cv::Mat mask = probability > textThreshold;
     std::vector<std::vector<cv::Point>> contours;
     cv::findContours(mask, contours, cv::RETR_EXTERNAL, cv::CHAIN_APPROX_SIMPLE);
@@ -140,12 +185,15 @@ std::vector<TextRegion> TextDetector::detect(const cv::Mat& picture, const std::
         if (std::min(core.width, core.height) < 3) continue;
         const auto score = static_cast<float>(cv::mean(probability(core), mask(core))[0]);
         if (score < minimumScore) continue;
-        const double grow = core.area() * growth / (2.0 * (core.width + core.height));
-        const cv::Point corner(static_cast<int>(std::floor(core.x - grow)),
-                               static_cast<int>(std::floor(core.y - grow)));
-        const cv::Point opposite(static_cast<int>(std::ceil(core.br().x + grow)),
-                                 static_cast<int>(std::ceil(core.br().y + grow)));
-        regions.push_back({(cv::Rect(corner, opposite) + area.tl()) & cv::Rect({}, picture.size()), score});
+        TextRegion region = regionOf(contour, scale);
+        region.score = score;
+        region.box = (region.box + area.tl()) & cv::Rect({}, picture.size());
+        region.slant.center += cv::Point2f(area.tl());
+        if (!region.box.empty()) regions.push_back(region);
+    }
+    if (regions.size() > mostRegions) {
+        std::ranges::nth_element(regions, regions.begin() + mostRegions, std::greater(), &TextRegion::score);
+        regions.resize(mostRegions);
     }
     return joinOverlapping(std::move(regions));
 }
