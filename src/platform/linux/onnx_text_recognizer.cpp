@@ -14,12 +14,14 @@
 #include <opencv2/core.hpp>
 
 #include "base/error.h"
+#include "platform/linux/recognition/control_marks.h"
 #include "platform/linux/recognition/glyph_places.h"
 #include "platform/linux/recognition/letter_shapes.h"
 #include "platform/linux/recognition/library_pages.h"
 #include "platform/linux/recognition/line_piece.h"
 #include "platform/linux/recognition/parallel.h"
 #include "platform/linux/recognition/line_recognizer.h"
+#include "platform/linux/recognition/piece_reader.h"
 #include "platform/linux/recognition/tesseract_reader.h"
 #include "platform/linux/recognition/reading_order.h"
 #include "platform/linux/recognition/text_detector.h"
@@ -35,6 +37,32 @@ constexpr const char* recognitionModel = "PP-OCRv6_rec_small.onnx";
 bool isText(const Reading& reading) {
     const double confidence = meanConfidence(reading);
     return !reading.empty() && confidence >= (reading.size() <= 2 ? 0.65 : 0.5);
+}
+
+static void dumpClusters(Reading reading, const LinePiece& piece) {
+    placeOnInk(reading, piece);
+    std::vector<ColumnRun> words;
+    for (const auto& run : piece.runs) {
+        if (words.empty() || run.left - words.back().right > 0.22 * piece.em) words.push_back(run);
+        else words.back().right = run.right;
+    }
+    const auto rows = [&](ColumnRun c) {
+        int top = piece.ink.rows, bottom = 0;
+        for (int y = 0; y < piece.ink.rows; ++y)
+            for (int x = c.left; x < c.right; ++x) if (piece.ink.at<std::uint8_t>(y, x) >= 96) { top = std::min(top, y); bottom = std::max(bottom, y + 1); }
+        return std::pair(top, bottom);
+    };
+    for (std::size_t w = 0; w < words.size(); ++w) {
+        Reading part;
+        for (auto& c : reading) { const double m = (c.left + c.right) / 2; if (m >= words[w].left && m < words[w].right) { part.push_back(c); part.back().spaceBefore = 0; } }
+        if (part.size() > 2 || (part.empty() && words.size() > 1 && false)) continue;
+        const auto [t, b] = rows(words[w]);
+        int rt = 999, rb = 0;
+        for (std::size_t v = 0; v < words.size(); ++v) if (v != w) { const auto [a, c] = rows(words[v]); rt = std::min(rt, a); rb = std::max(rb, c); }
+        std::string confs; for (auto& c : part) confs += std::to_string(c.confidence).substr(0, 4) + "/" + std::to_string(c.secondConfidence).substr(0, 4) + " ";
+        std::printf("CL %s| %s| word %zu/%zu width %d rows %d-%d rest %d-%d box %dx%d em %.0f gapL %.2f gapR %.2f flat %d :: %s\n", textOf(part).c_str(), confs.c_str(), w, words.size(), words[w].width(), t, b, rt, rb, piece.box.width, piece.box.height, piece.em,
+            w ? (words[w].left - words[w-1].right) / piece.em : -1.0, w + 1 < words.size() ? (words[w+1].left - words[w].right) / piece.em : -1.0, piece.flatBackground, textOf(reading).c_str());
+    }
 }
 
 Rect unitBox(const cv::Rect& box, const Image& image) {
@@ -85,7 +113,7 @@ public:
     struct Models {
         std::unique_ptr<TextDetector> detector;
         std::unique_ptr<LineRecognizer> lineRecognizer;
-        std::unique_ptr<TesseractReader> tesseract;
+        std::vector<std::unique_ptr<SecondReader>> secondReaders;
     };
 
     explicit Resources(RecognitionFiles files) : files_(std::move(files)) {}
@@ -118,7 +146,7 @@ private:
                 models.detector = std::make_unique<TextDetector>(files_.modelFolder / detectionModel);
             }
         });
-        models.tesseract = std::make_unique<TesseractReader>(files_.tesseractFolder);
+        models.secondReaders = TesseractReader::readersFor({"ko"}, true, files_.tesseractFolder);
         return models;
     }
 
@@ -160,13 +188,18 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
     std::vector<Reading> readings(pieces.size());
     parallelFor(pieces.size(), recognitionThreads(),
                 [&](std::size_t index) { readings[index] = models.lineRecognizer->read(pieces[index].color, stop); });
+    if (std::getenv("OVRIN_DUMP")) {
+        for (std::size_t i = 0; i < pieces.size(); ++i) dumpClusters(readings[i], pieces[i]);
+    }
+    readOtherScripts(readings, pieces, models.secondReaders, stop);
 
     std::vector<LinePiece> textPieces;
     std::vector<Reading> textReadings;
     for (std::size_t i = 0; i < pieces.size(); ++i) {
+        placeOnInk(readings[i], pieces[i]);
+        removeControlMarks(readings[i], pieces[i]);
         if (!isText(readings[i])) continue;
         textReadings.push_back(readings[i]);
-        placeOnInk(textReadings.back(), pieces[i]);
         restoreRepeatedMarks(textReadings.back(), pieces[i]);
         if (pieces[i].flatBackground) widenMarksByGaps(textReadings.back(), pieces[i].em);
         textPieces.push_back(std::move(pieces[i]));

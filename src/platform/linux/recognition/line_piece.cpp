@@ -171,8 +171,8 @@ LinePiece noisyPiece(const cv::Mat& picture, cv::Rect box) {
 
 }  // namespace
 
-static bool cutB() { static const bool b = std::getenv("OVRIN_CUT") && *std::getenv("OVRIN_CUT") == 'B'; return b; }
-static double margins() { static const double m = std::getenv("OVRIN_MARGIN") ? std::atof(std::getenv("OVRIN_MARGIN")) : 0.2; return m; }
+static bool cutB() { static const bool b = !std::getenv("OVRIN_CUT") || *std::getenv("OVRIN_CUT") != 'A'; return b; }
+static double margins() { static const double m = std::getenv("OVRIN_MARGIN") ? std::atof(std::getenv("OVRIN_MARGIN")) : 0.0; return m; }
 static double sides() { static const double m = std::getenv("OVRIN_SIDE") ? std::atof(std::getenv("OVRIN_SIDE")) : 0.4; return m; }
 LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box) {
     const int aside = box.height;

@@ -1,90 +1,120 @@
 #include "platform/linux/recognition/tesseract_reader.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstdlib>
+#include <utility>
 
 #include <omp.h>
 #include <opencv2/imgproc.hpp>
 #include <tesseract/baseapi.h>
+#include <tesseract/ocrclass.h>
 #include <tesseract/resultiterator.h>
 #include <unicode/unistr.h>
 
-#include "platform/linux/recognition/letter_shapes.h"
+#include "base/error.h"
 
 namespace ovrin {
 namespace {
 
-constexpr int readingHeight = 48;  // of the whole piece, pixels
-constexpr int whiteBorder = 12;
+// Of the heights from 32 to 56 pixels the one at which Korean lines of screenshots were read best.
+static double env(const char* n, double d) { const char* v = std::getenv(n); return v ? std::atof(v) : d; }
+const double readingHeight = env("T_H", 32);
+constexpr const char* latin = "eng";
+constexpr int border = 10;
 
-// Grey, dark on light, at the size that Tesseract reads best.
-cv::Mat preparedPicture(const LinePiece& piece, double scale) {
-    cv::Mat source;
-    if (piece.flatBackground) {
-        source = 255 - piece.ink;
+struct Language {
+    const char* tag;
+    const char* name;
+    Script script;
+};
+
+constexpr Language languages[] = {{"ko", "kor", Script::hangul},   {"ru", "rus", Script::cyrillic},
+                                  {"el", "ell", Script::greek},    {"th", "tha", Script::thai},
+                                  {"ar", "ara", Script::arabic},   {"hi", "hin", Script::devanagari}};
+
+bool hasData(const std::filesystem::path& folder, const std::string& name) {
+    std::error_code status;
+    return std::filesystem::is_regular_file(folder / (name + ".traineddata"), status);
+}
+
+// Grey, dark on light.
+cv::Mat preparedPicture(const LinePiece& piece, const ColumnRun& columns, double scale) {
+    cv::Mat grey;
+    if (piece.flatBackground && env("T_INK", 1) > 0) {
+        grey = 255 - piece.ink.colRange(columns.left, columns.right);
     } else {
-        cv::cvtColor(piece.color, source, cv::COLOR_BGR2GRAY);
+        cv::cvtColor(piece.color.colRange(columns.left, columns.right), grey, cv::COLOR_BGR2GRAY);
         cv::Mat mask;
-        cv::threshold(source, mask, 0, 255, cv::THRESH_BINARY | cv::THRESH_OTSU);
-        if (cv::mean(mask)[0] < 128) source = 255 - source;
-        cv::normalize(source, source, 0, 255, cv::NORM_MINMAX);
+        cv::threshold(grey, mask, 0, 255, cv::THRESH_BINARY | cv::THRESH_OTSU);
+        if (cv::mean(mask)[0] < 128) grey = 255 - grey;
     }
     cv::Mat scaled;
-    cv::resize(source, scaled, {}, scale, scale, scale < 1 ? cv::INTER_AREA : cv::INTER_CUBIC);
-    cv::copyMakeBorder(scaled, scaled, whiteBorder, whiteBorder, whiteBorder, whiteBorder, cv::BORDER_CONSTANT,
-                       cv::Scalar(255));
+    cv::resize(grey, scaled, {}, scale, scale, scale < 1 ? cv::INTER_AREA : cv::INTER_CUBIC);
+    cv::copyMakeBorder(scaled, scaled, border, border, border, border, cv::BORDER_REPLICATE);
     return scaled;
 }
 
 }  // namespace
 
-TesseractReader::TesseractReader(std::filesystem::path dataFolder) : dataFolder_(std::move(dataFolder)) {}
+std::vector<std::unique_ptr<SecondReader>> TesseractReader::readersFor(const std::vector<std::string>& tags,
+                                                                       bool detectsLanguages,
+                                                                       const std::filesystem::path& dataFolder) {
+    std::vector<std::unique_ptr<SecondReader>> readers;
+    for (const auto& language : languages) {
+        const bool isRequested =
+            std::ranges::any_of(tags, [&](const std::string& tag) { return tag.starts_with(language.tag); });
+        const bool isDetected = detectsLanguages && language.script != Script::hangul;
+        if ((isRequested || isDetected) && hasData(dataFolder, language.name))
+            readers.push_back(std::make_unique<TesseractReader>(dataFolder, language.name, language.script));
+    }
+    return readers;
+}
+
+TesseractReader::TesseractReader(std::filesystem::path dataFolder, std::string language, Script script)
+    : dataFolder_(std::move(dataFolder)), language_(std::move(language)), script_(script) {}
+
 TesseractReader::~TesseractReader() {
     idle_.clear();
     tesseract::TessBaseAPI::ClearPersistentCache();  // dictionaries, which it keeps for engines to come
 }
 
-bool TesseractReader::hasLanguage(const std::string& language) const {
-    std::error_code status;
-    return std::filesystem::is_regular_file(dataFolder_ / (language + ".traineddata"), status);
-}
-
-TesseractReader::Engine TesseractReader::takeEngine(const std::string& language) {
+TesseractReader::Engine TesseractReader::takeEngine(const std::string& languages) {
     {
         const std::lock_guard lock(mutex_);
-        auto& engines = idle_[language];
-        if (!engines.empty()) {
-            Engine engine = std::move(engines.back());
-            engines.pop_back();
+        auto& idle = idle_[languages];
+        if (!idle.empty()) {
+            Engine engine = std::move(idle.back());
+            idle.pop_back();
             return engine;
         }
     }
     auto engine = std::make_unique<tesseract::TessBaseAPI>();
     const std::vector<std::string> names = {"debug_file", "invert_threshold", "user_defined_dpi"};
     const std::vector<std::string> values = {"/dev/null", "0", "300"};
-    if (engine->Init(dataFolder_.c_str(), language.c_str(), tesseract::OEM_LSTM_ONLY, nullptr, 0, &names, &values,
+    if (engine->Init(dataFolder_.c_str(), languages.c_str(), tesseract::OEM_LSTM_ONLY, nullptr, 0, &names, &values,
                      false) != 0)
         return nullptr;
     engine->SetPageSegMode(tesseract::PSM_SINGLE_LINE);
     return engine;
 }
 
-void TesseractReader::giveBack(const std::string& language, Engine engine) {
-    engine->Clear();
-    const std::lock_guard lock(mutex_);
-    idle_[language].push_back(std::move(engine));
-}
-
-Reading TesseractReader::read(const LinePiece& piece, const std::string& language) {
+Reading TesseractReader::read(const LinePiece& piece, const ColumnRun& columns, bool latinToo,
+                              const std::stop_token& stop) {
     // Its own threads only get into each other's way: lines are read in parallel instead.
     omp_set_max_active_levels(0);
-    Engine engine = takeEngine(language);
+    const std::string languages = latinToo && hasData(dataFolder_, latin) ? language_ + "+" + latin : language_;
+    Engine engine = takeEngine(languages);
     if (!engine) return {};
-    const double scale = readingHeight / static_cast<double>(piece.ink.rows);
-    const cv::Mat picture = preparedPicture(piece, scale);
+    const double scale = readingHeight / piece.glyphHeight();
+    const cv::Mat picture = preparedPicture(piece, columns, scale);
     engine->SetImage(picture.data, picture.cols, picture.rows, 1, static_cast<int>(picture.step));
+    tesseract::ETEXT_DESC monitor;
+    monitor.cancel_this = const_cast<std::stop_token*>(&stop);
+    monitor.cancel = [](void* token, int /*words*/) {
+        return static_cast<const std::stop_token*>(token)->stop_requested();
+    };
     Reading reading;
-    if (engine->Recognize(nullptr) == 0) {
+    if (engine->Recognize(&monitor) == 0) {
         const std::unique_ptr<tesseract::ResultIterator> symbol(engine->GetIterator());
         if (symbol && !symbol->Empty(tesseract::RIL_SYMBOL)) {
             do {
@@ -92,20 +122,19 @@ Reading TesseractReader::read(const LinePiece& piece, const std::string& languag
                 int left = 0, top = 0, right = 0, bottom = 0;
                 if (!text || !symbol->BoundingBox(tesseract::RIL_SYMBOL, &left, &top, &right, &bottom)) continue;
                 const auto characters = icu::UnicodeString::fromUTF8(text.get());
-                // Only Korean has words; elsewhere they are the engine's own.
-                const double space = language == "kor" && symbol->IsAtBeginningOf(tesseract::RIL_WORD) ? 1 : 0;
                 for (int i = 0; i < characters.length(); i = characters.moveIndex32(i, 1)) {
                     reading.push_back({.code = static_cast<char32_t>(characters.char32At(i)),
                                        .confidence = symbol->Confidence(tesseract::RIL_SYMBOL) / 100.0F,
-                                       .left = (left - whiteBorder) / scale,
-                                       .right = (right - whiteBorder) / scale,
-                                       .spaceBefore = i == 0 ? space : 0});
+                                       .left = (left - border) / scale + columns.left,
+                                       .right = (right - border) / scale + columns.left});
                 }
             } while (symbol->Next(tesseract::RIL_SYMBOL));
         }
     }
-    giveBack(language, std::move(engine));
-    if (language != "kor") widenMarks(reading);
+    engine->Clear();
+    const std::lock_guard lock(mutex_);
+    idle_[languages].push_back(std::move(engine));
+    if (stop.stop_requested()) throw CancellationError();
     return reading;
 }
 

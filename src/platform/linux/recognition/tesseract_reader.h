@@ -1,4 +1,4 @@
-// Reads one piece of a line with Tesseract, for scripts that the network doesn't know.
+// Reads a part of a line with Tesseract in one language.
 #pragma once
 
 #include <filesystem>
@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/recognition/line_piece.h"
-#include "platform/linux/recognition/reading.h"
+#include "platform/linux/recognition/script.h"
+#include "platform/linux/recognition/second_reader.h"
 
 namespace tesseract {
 class TessBaseAPI;
@@ -17,28 +17,32 @@ class TessBaseAPI;
 
 namespace ovrin {
 
-class TesseractReader {
+class TesseractReader : public SecondReader {
 public:
-    explicit TesseractReader(std::filesystem::path dataFolder);
-    ~TesseractReader();
+    // The readers for the languages (BCP-47 tags) whose script the network does not know and whose data is in the
+    // folder. With `detectsLanguages` also those that nobody named.
+    static std::vector<std::unique_ptr<SecondReader>> readersFor(const std::vector<std::string>& tags,
+                                                                 bool detectsLanguages,
+                                                                 const std::filesystem::path& dataFolder);
+
+    TesseractReader(std::filesystem::path dataFolder, std::string language, Script script);
+    ~TesseractReader() override;
     TesseractReader(const TesseractReader&) = delete;
     TesseractReader& operator=(const TesseractReader&) = delete;
 
-    // Whether the data of the language (Tesseract's name, e.g. "jpn") is there.
-    bool hasLanguage(const std::string& language) const;
-
-    // Any thread, several at once: each gets an engine of its own. Nothing read when the language's data is damaged.
-    Reading read(const LinePiece& piece, const std::string& language);
+    bool isOwn(char32_t character) const override { return scriptOf(character) == script_; }
+    Reading read(const LinePiece& piece, const ColumnRun& columns, bool latinToo, const std::stop_token& stop) override;
 
 private:
     using Engine = std::unique_ptr<tesseract::TessBaseAPI>;
 
-    Engine takeEngine(const std::string& language);
-    void giveBack(const std::string& language, Engine engine);
+    Engine takeEngine(const std::string& languages);
 
     std::filesystem::path dataFolder_;
+    std::string language_;  // by Tesseract's name
+    Script script_;
     std::mutex mutex_;
-    std::map<std::string, std::vector<Engine>> idle_;
+    std::map<std::string, std::vector<Engine>> idle_;  // by the languages that they read
 };
 
 }  // namespace ovrin

@@ -1,0 +1,229 @@
+#include "platform/linux/recognition/piece_reader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+#include "platform/linux/recognition/parallel.h"
+#include "platform/linux/recognition/script.h"
+
+namespace ovrin {
+namespace {
+
+static double env(const char* n, double d) { const char* v = std::getenv(n); return v ? std::atof(v) : d; }
+const double wordGap = env("K_GAP", 0.22);
+const double sureHan = env("K_HAN", 0.985);
+const double sureNetwork = env("K_SURE", 0.88);
+const double mostUnexplained = env("K_UNEX", 0.2);
+const double establishing = env("K_EST", 0.85);
+const double following = env("K_FOL", 0.7);
+constexpr float sureLetter = 0.9F;
+const int latinLetters = (int)env("K_LATIN", 2);
+constexpr std::size_t mostAttempts = 4;
+constexpr double fewestGlyphs = 2.5;
+
+double centerOf(const ReadCharacter& character) {
+    return (character.left + character.right) / 2;
+}
+
+// Words side by side that the network could not read.
+struct Stretch {
+    std::size_t piece = 0;
+    ColumnRun columns;
+    double glyphs = 0;  // how many squares would fill it
+};
+
+std::vector<ColumnRun> wordsOf(const LinePiece& piece) {
+    std::vector<ColumnRun> words;
+    for (const auto& run : piece.runs) {
+        if (words.empty() || run.left - words.back().right > wordGap * piece.em) {
+            words.push_back(run);
+        } else {
+            words.back().right = run.right;
+        }
+    }
+    return words;
+}
+
+bool isIn(const ReadCharacter& character, const ColumnRun& columns, double tolerance) {
+    return centerOf(character) > columns.left - tolerance && centerOf(character) < columns.right + tolerance;
+}
+
+// How sure the network has to be of a word. Of Hangul it makes Chinese characters that look alike.
+double sureOf(const Reading& word, bool established) {
+    const bool han = std::ranges::all_of(
+        word, [](const ReadCharacter& character) { return scriptOf(character.code) == Script::han; });
+    return established && han ? sureHan : sureNetwork;
+}
+
+bool isRead(const Reading& reading, const LinePiece& piece, const ColumnRun& word, bool established) {
+    Reading part;
+    for (const auto& character : reading) {
+        if (isIn(character, word, 0.15 * piece.em)) part.push_back(character);
+    }
+    const double glyphs = word.width() / piece.em;
+    const double unexplained = unexplainedInk(part, piece, word);
+    return meanConfidence(part) >= sureOf(part, established) && (unexplained < mostUnexplained || unexplained * glyphs < 0.35);
+}
+
+std::vector<Stretch> unreadStretches(const Reading& reading, const LinePiece& piece, std::size_t index,
+                                     bool established) {
+    std::vector<Stretch> stretches;
+    bool open = false;
+    for (const auto& word : wordsOf(piece)) {
+        const bool unread = !isRead(reading, piece, word, established);
+        if (unread && open) {
+            stretches.back().columns.right = word.right;
+        } else if (unread) {
+            stretches.push_back({index, word, 0});
+        }
+        open = unread;
+    }
+    for (auto& stretch : stretches) stretch.glyphs = stretch.columns.width() / piece.em;
+    return stretches;
+}
+
+// What a reader made of a stretch, and how far that can be believed: 0 where it is not of the reader's script or the
+// picture does not support it.
+double credibility(const Reading& reading, const Stretch& stretch, const LinePiece& piece, const SecondReader& reader) {
+    double own = 0, others = 0, width = 0;
+    for (const auto& character : reading) {
+        const Script script = scriptOf(character.code);
+        if (reader.isOwn(character.code)) {
+            ++own;
+        } else if (script != Script::mark && script != Script::digit) {
+            ++others;
+        }
+        width += isWide(character.code) ? 0.95 : 0.5;
+    }
+    if (own == 0 || own < others) return 0;
+    const double ratio = width * piece.glyphHeight() / stretch.columns.width();
+    if (ratio < 0.55 || ratio > 1.7) return 0;
+    if (unexplainedInk(reading, piece, stretch.columns) > 0.35) return 0;
+    return meanConfidence(reading);
+}
+
+void replace(Reading& reading, const Stretch& stretch, const LinePiece& piece, const Reading& other) {
+    const double tolerance = 0.15 * piece.em;
+    std::erase_if(reading, [&](const ReadCharacter& character) { return isIn(character, stretch.columns, tolerance); });
+    const auto at = std::ranges::find_if(
+        reading, [&](const ReadCharacter& character) { return centerOf(character) > stretch.columns.left; });
+    reading.insert(at, other.begin(), other.end());
+}
+
+class OtherScript {
+public:
+    OtherScript(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces, SecondReader& reader,
+                const std::stop_token& stop)
+        : readings_(readings), pieces_(pieces), reader_(reader), stop_(stop) {}
+
+    void run() {
+        if (!isEstablished()) return;
+        const auto stretches = unreadStretches(true);
+        std::vector<Reading> others(stretches.size());
+        parallelFor(stretches.size(), recognitionThreads(), [&](std::size_t k) { others[k] = read(stretches[k]); });
+        for (std::size_t k = 0; k < stretches.size(); ++k) {
+            const Stretch& stretch = stretches[k];
+            const LinePiece& piece = pieces_[stretch.piece];
+            // A single character amid others is as likely a mark of another kind.
+            const bool amidOthers = stretch.columns.width() < 0.8 * piece.inkBox.width;
+            if (ownCount(others[k]) < 2 && amidOthers && !hasNeighbours(stretches, others, k)) continue;
+            if (credibility(others[k], stretch, piece, reader_) >= following)
+                replace(readings_[stretch.piece], stretch, piece, others[k]);
+        }
+    }
+
+private:
+    std::vector<Stretch> unreadStretches(bool established) const {
+        std::vector<Stretch> stretches;
+        for (std::size_t i = 0; i < pieces_.size(); ++i) {
+            for (const auto& stretch : ovrin::unreadStretches(readings_[i], pieces_[i], i, established))
+                stretches.push_back(stretch);
+        }
+        std::ranges::sort(stretches, std::greater(), &Stretch::glyphs);
+        return stretches;
+    }
+
+    // Does one of the longest stretches show the reader's script beyond doubt?
+    bool isEstablished() {
+        auto stretches = unreadStretches(false);
+        stretches.resize(std::min(mostAttempts, stretches.size()));
+        std::erase_if(stretches, [](const Stretch& stretch) { return stretch.glyphs < fewestGlyphs; });
+        std::vector<char> established(stretches.size());
+        parallelFor(stretches.size(), recognitionThreads(),
+                    [&](std::size_t k) { established[k] = establishes(read(stretches[k]), stretches[k]); });
+        return std::ranges::any_of(established, [](char one) { return one != 0; });
+    }
+
+    // Does another stretch of the same piece hold the reader's script?
+    bool hasNeighbours(const std::vector<Stretch>& stretches, const std::vector<Reading>& others, std::size_t k) const {
+        for (std::size_t other = 0; other < stretches.size(); ++other) {
+            if (other != k && stretches[other].piece == stretches[k].piece && ownCount(others[other]) > 1) return true;
+        }
+        return false;
+    }
+
+    Reading read(const Stretch& stretch) {
+        const LinePiece& piece = pieces_[stretch.piece];
+        const int margin = static_cast<int>(std::lround(0.2 * piece.em));
+        const ColumnRun columns{std::max(0, stretch.columns.left - margin),
+                                std::min(piece.color.cols, stretch.columns.right + margin)};
+        // Where it may read either, Tesseract takes the one script for the other.
+        const auto latin = std::ranges::count_if(readings_[stretch.piece], [&](const ReadCharacter& character) {
+            return character.confidence > sureLetter && scriptOf(character.code) == Script::latin &&
+                   isIn(character, stretch.columns, 0);
+        });
+        Reading result = reader_.read(piece, columns, latin >= latinLetters, stop_);
+        if (std::getenv("K_DEBUG")) {
+            std::fprintf(stderr, "  [%d %d] %d..%d %.1f glyphs: net '%s' %.2f -> '%s' %.2f cred %.2f unex %.2f\n", piece.box.x, piece.box.y,
+                         stretch.columns.left, stretch.columns.right, stretch.glyphs,
+                         textOf(readings_[stretch.piece]).c_str(), meanConfidence(readings_[stretch.piece]),
+                         textOf(result).c_str(), meanConfidence(result), credibility(result, stretch, piece, reader_),
+                         unexplainedInk(result, piece, stretch.columns));
+        }
+        return result;
+    }
+
+    std::size_t ownCount(const Reading& reading) const {
+        return static_cast<std::size_t>(std::ranges::count_if(
+            reading, [&](const ReadCharacter& character) { return reader_.isOwn(character.code); }));
+    }
+
+    bool establishes(const Reading& reading, const Stretch& stretch) const {
+        return ownCount(reading) >= 3 && credibility(reading, stretch, pieces_[stretch.piece], reader_) >= establishing;
+    }
+
+    std::vector<Reading>& readings_;
+    const std::vector<LinePiece>& pieces_;
+    SecondReader& reader_;
+    const std::stop_token& stop_;
+};
+
+}  // namespace
+
+double unexplainedInk(const Reading& reading, const LinePiece& piece, const ColumnRun& columns) {
+    const double height = piece.glyphHeight();
+    int total = 0;
+    int unexplained = 0;
+    std::size_t next = 0;
+    for (const auto& run : piece.runs) {
+        for (int x = std::max(run.left, columns.left); x < std::min(run.right, columns.right); ++x) {
+            ++total;
+            while (next + 1 < reading.size() &&
+                   std::abs(centerOf(reading[next + 1]) - x) <= std::abs(centerOf(reading[next]) - x)) {
+                ++next;
+            }
+            const double reach = reading.empty() ? 0 : isWide(reading[next].code) ? 0.65 * height : 0.5 * height;
+            if (reading.empty() || std::abs(centerOf(reading[next]) - x) > reach) ++unexplained;
+        }
+    }
+    return total == 0 ? 0 : unexplained / static_cast<double>(total);
+}
+
+void readOtherScripts(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces,
+                      std::span<const std::unique_ptr<SecondReader>> readers, const std::stop_token& stop) {
+    for (const auto& reader : readers) OtherScript(readings, pieces, *reader, stop).run();
+}
+
+}  // namespace ovrin
