@@ -171,8 +171,7 @@ LinePiece noisyPiece(const cv::Mat& picture, cv::Rect box) {
 
 }  // namespace
 
-static bool cutB() { static const bool b = !std::getenv("OVRIN_CUT") || *std::getenv("OVRIN_CUT") != 'A'; return b; }
-static double margins() { static const double m = std::getenv("OVRIN_MARGIN") ? std::atof(std::getenv("OVRIN_MARGIN")) : 0.0; return m; }
+static double tallestBox() { static const double m = std::getenv("OVRIN_TALL") ? std::atof(std::getenv("OVRIN_TALL")) : 1.7; return m; }
 static double sides() { static const double m = std::getenv("OVRIN_SIDE") ? std::atof(std::getenv("OVRIN_SIDE")) : 0.4; return m; }
 LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box) {
     const int aside = box.height;
@@ -207,13 +206,12 @@ LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box) {
     }
     const cv::Rect text(piece.runs.front().left, rows.left, piece.runs.back().right - piece.runs.front().left,
                         rows.width());
-    int margin = std::max(2, static_cast<int>(std::lround(margins() * text.height)));
-    int side = std::max(2, static_cast<int>(std::lround(sides() * text.height)));
-    if (cutB()) {
-        const int want = std::max(box.height, text.height);
-        margin = std::max(2, static_cast<int>(std::lround((want - text.height) / 2.0 + margins() * text.height)));
-        side = std::max(2, static_cast<int>(std::lround(sides() * want)));
-    }
+    // The network likes the height of the box that was found, unless neighbouring lines have stretched that.
+    const auto widest = std::ranges::max_element(piece.runs, {}, &ColumnRun::width);
+    const double height =
+        std::clamp<double>(box.height, text.height, std::max(tallestBox() * text.height, 1.0 * widest->width()));
+    const int margin = std::max(2, static_cast<int>(std::lround((height - text.height) / 2)));
+    const int side = std::max(2, static_cast<int>(std::lround(sides() * height)));
     cv::Mat around = background(text);
     cv::copyMakeBorder(bgr(text), piece.color, margin, margin, side, side, cv::BORDER_CONSTANT | cv::BORDER_ISOLATED,
                        cv::mean(around));
@@ -221,7 +219,7 @@ LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box) {
                        cv::Scalar(0));
     piece.box = text + strip.tl();
     // Text without capitals or descenders covers less than the font's size; the detected box knows better then.
-    piece.em = std::max(1.08 * text.height, 0.75 * box.height);
+    piece.em = std::max(1.08 * text.height, 0.75 * height);
     piece.inkBox = {side, margin, text.width, text.height};
     for (auto& run : piece.runs) run = {run.left - text.x + side, run.right - text.x + side};
     return piece;

@@ -191,7 +191,7 @@ private:
     }
 
     bool establishes(const Reading& reading, const Stretch& stretch) const {
-        return ownCount(reading) >= 3 && credibility(reading, stretch, pieces_[stretch.piece], reader_) >= establishing;
+        return ownCount(reading) >= 3 && ownCount(reading) * 3 >= reading.size() * 2 && credibility(reading, stretch, pieces_[stretch.piece], reader_) >= establishing;
     }
 
     std::vector<Reading>& readings_;
