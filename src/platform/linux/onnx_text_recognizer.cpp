@@ -16,7 +16,7 @@
 #include "base/error.h"
 #include "platform/linux/recognition/control_marks.h"
 #include "platform/linux/recognition/glyph_places.h"
-#include "platform/linux/recognition/letter_shapes.h"
+#include "platform/linux/recognition/letter_choice.h"
 #include "platform/linux/recognition/library_pages.h"
 #include "platform/linux/recognition/line_piece.h"
 #include "platform/linux/recognition/parallel.h"
@@ -191,7 +191,7 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
     if (std::getenv("OVRIN_DUMP")) {
         for (std::size_t i = 0; i < pieces.size(); ++i) dumpClusters(readings[i], pieces[i]);
     }
-    readOtherScripts(readings, pieces, models.secondReaders, stop);
+    readOtherScripts(readings, pieces, *models.lineRecognizer, models.secondReaders, stop);
 
     std::vector<LinePiece> textPieces;
     std::vector<Reading> textReadings;
@@ -199,6 +199,7 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
         placeOnInk(readings[i], pieces[i]);
         removeControlMarks(readings[i], pieces[i]);
         if (!isText(readings[i])) continue;
+        chooseByNeighbours(readings[i]);
         textReadings.push_back(readings[i]);
         restoreRepeatedMarks(textReadings.back(), pieces[i]);
         if (pieces[i].flatBackground) widenMarksByGaps(textReadings.back(), pieces[i].em);

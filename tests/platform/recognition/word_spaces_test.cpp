@@ -60,25 +60,3 @@ TEST(GlyphPlacesTest, DashesThatTheNetworkMergedComeBack) {
     EXPECT_EQ(textOf(reading), "x---x");
 }
 
-TEST(LetterShapesTest, NeighboursTellLettersOfOneShapeApart) {
-    const auto corrected = [](std::u32string_view text) {
-        Reading reading = readingOf(text, 0, 10);
-        correctLetterShapes(reading);
-        return textOf(reading);
-    };
-    EXPECT_EQ(corrected(U"OpenAl"), "OpenAI");
-    EXPECT_EQ(corrected(U"Al"), "Al");
-    EXPECT_EQ(corrected(U"m0dified"), "modified");
-    EXPECT_EQ(corrected(U"7f3a0c2"), "7f3a0c2");
-    EXPECT_EQ(corrected(U"85°℃"), "85℃");
-    EXPECT_EQ(corrected(U"学生丶商店"), "学生、商店");
-}
-
-TEST(LetterShapesTest, MarksBetweenChineseCharactersAreWide) {
-    Reading reading = readingOf(U"傘,說(a)!", 0, 10);
-    widenMarks(reading);
-    EXPECT_EQ(textOf(reading), "傘，說(a)!");
-}
-
-}  // namespace
-}  // namespace ovrin

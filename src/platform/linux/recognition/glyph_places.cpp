@@ -38,6 +38,13 @@ double widestGlyph(char32_t character) {
         case U'@':
         case U'%':
             return 1.2;
+        case U'-':
+            return 0.6;
+        case U'.':
+        case U',':
+        case U':':
+        case U'|':
+            return 0.4;
         default:
             return scriptOf(character) == Script::mark ? 0.9 : 0.95;
     }

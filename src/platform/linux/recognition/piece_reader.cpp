@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "platform/linux/recognition/glyph_places.h"
 #include "platform/linux/recognition/parallel.h"
 #include "platform/linux/recognition/script.h"
 
@@ -16,10 +17,9 @@ const double wordGap = env("K_GAP", 0.22);
 const double sureHan = env("K_HAN", 0.985);
 const double sureNetwork = env("K_SURE", 0.88);
 const double mostUnexplained = env("K_UNEX", 0.2);
-const double establishing = env("K_EST", 0.85);
-const double following = env("K_FOL", 0.7);
+const double establishing = env("K_EST", 0.95);
+const double following = env("K_FOL", 0.9);
 constexpr float sureLetter = 0.9F;
-const int latinLetters = (int)env("K_LATIN", 2);
 constexpr std::size_t mostAttempts = 4;
 constexpr double fewestGlyphs = 2.5;
 
@@ -50,6 +50,18 @@ bool isIn(const ReadCharacter& character, const ColumnRun& columns, double toler
     return centerOf(character) > columns.left - tolerance && centerOf(character) < columns.right + tolerance;
 }
 
+Reading partOf(const Reading& reading, const ColumnRun& columns, double tolerance) {
+    Reading part;
+    std::ranges::copy_if(reading, std::back_inserter(part),
+                         [&](const ReadCharacter& character) { return isIn(character, columns, tolerance); });
+    return part;
+}
+
+bool isLetterOrDigit(char32_t character) {
+    const Script script = scriptOf(character);
+    return script != Script::mark && script != Script::wideMark;
+}
+
 // How sure the network has to be of a word. Of Hangul it makes Chinese characters that look alike.
 double sureOf(const Reading& word, bool established) {
     const bool han = std::ranges::all_of(
@@ -58,22 +70,41 @@ double sureOf(const Reading& word, bool established) {
 }
 
 bool isRead(const Reading& reading, const LinePiece& piece, const ColumnRun& word, bool established) {
-    Reading part;
-    for (const auto& character : reading) {
-        if (isIn(character, word, 0.15 * piece.em)) part.push_back(character);
-    }
+    const Reading part = partOf(reading, word, 0.15 * piece.em);
     const double glyphs = word.width() / piece.em;
     const double unexplained = unexplainedInk(part, piece, word);
-    return meanConfidence(part) >= sureOf(part, established) && (unexplained < mostUnexplained || unexplained * glyphs < 0.35);
+    return meanConfidence(part) >= sureOf(part, established) && (unexplained < mostUnexplained || unexplained * glyphs < (established ? 0.2 : 0.35));
+}
+
+// Where the part of a word begins that the network could not read: Korean puts its endings right behind words in Latin
+// letters, which the network reads. The reading must be on its ink.
+int unreadColumn(const Reading& reading, const ColumnRun& word) {
+    int column = word.left;
+    std::size_t letters = 0;
+    for (const auto& character : reading) {
+        if (!isIn(character, word, 0)) continue;
+        const Script script = scriptOf(character.code);
+        const bool foreign = script == Script::latin || script == Script::digit || script == Script::mark;
+        if (!foreign || character.confidence < sureLetter) break;
+        if (script != Script::latin) continue;
+        ++letters;
+        column = static_cast<int>(std::lround(character.right));
+    }
+    return letters >= 2 && column < word.right ? column : word.left;
 }
 
 std::vector<Stretch> unreadStretches(const Reading& reading, const LinePiece& piece, std::size_t index,
                                      bool established) {
     std::vector<Stretch> stretches;
     bool open = false;
-    for (const auto& word : wordsOf(piece)) {
+    Reading placed = reading;
+    placeOnInk(placed, piece);
+    for (auto word : wordsOf(piece)) {
         const bool unread = !isRead(reading, piece, word, established);
-        if (unread && open) {
+        const int column = unread ? unreadColumn(placed, word) : word.left;
+        const bool continues = open && column == word.left;
+        word.left = column;
+        if (unread && continues) {
             stretches.back().columns.right = word.right;
         } else if (unread) {
             stretches.push_back({index, word, 0});
@@ -86,7 +117,8 @@ std::vector<Stretch> unreadStretches(const Reading& reading, const LinePiece& pi
 
 // What a reader made of a stretch, and how far that can be believed: 0 where it is not of the reader's script or the
 // picture does not support it.
-double credibility(const Reading& reading, const Stretch& stretch, const LinePiece& piece, const SecondReader& reader) {
+double credibility(const Reading& reading, const LinePiece& piece, const ColumnRun& columns,
+                   const SecondReader& reader) {
     double own = 0, others = 0, width = 0;
     for (const auto& character : reading) {
         const Script script = scriptOf(character.code);
@@ -98,25 +130,25 @@ double credibility(const Reading& reading, const Stretch& stretch, const LinePie
         width += isWide(character.code) ? 0.95 : 0.5;
     }
     if (own == 0 || own < others) return 0;
-    const double ratio = width * piece.glyphHeight() / stretch.columns.width();
+    const double ratio = width * piece.glyphHeight() / columns.width();
     if (ratio < 0.55 || ratio > 1.7) return 0;
-    if (unexplainedInk(reading, piece, stretch.columns) > 0.35) return 0;
+    if (unexplainedInk(reading, piece, columns) > 0.35) return 0;
     return meanConfidence(reading);
 }
 
-void replace(Reading& reading, const Stretch& stretch, const LinePiece& piece, const Reading& other) {
+void replace(Reading& reading, const LinePiece& piece, const ColumnRun& columns, const Reading& other) {
     const double tolerance = 0.15 * piece.em;
-    std::erase_if(reading, [&](const ReadCharacter& character) { return isIn(character, stretch.columns, tolerance); });
+    std::erase_if(reading, [&](const ReadCharacter& character) { return isIn(character, columns, tolerance); });
     const auto at = std::ranges::find_if(
-        reading, [&](const ReadCharacter& character) { return centerOf(character) > stretch.columns.left; });
+        reading, [&](const ReadCharacter& character) { return centerOf(character) > columns.left; });
     reading.insert(at, other.begin(), other.end());
 }
 
 class OtherScript {
 public:
-    OtherScript(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces, SecondReader& reader,
-                const std::stop_token& stop)
-        : readings_(readings), pieces_(pieces), reader_(reader), stop_(stop) {}
+    OtherScript(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces, const LineRecognizer& network,
+                SecondReader& reader, const std::stop_token& stop)
+        : readings_(readings), pieces_(pieces), network_(network), reader_(reader), stop_(stop) {}
 
     void run() {
         if (!isEstablished()) return;
@@ -129,12 +161,57 @@ public:
             // A single character amid others is as likely a mark of another kind.
             const bool amidOthers = stretch.columns.width() < 0.8 * piece.inkBox.width;
             if (ownCount(others[k]) < 2 && amidOthers && !hasNeighbours(stretches, others, k)) continue;
-            if (credibility(others[k], stretch, piece, reader_) >= following)
-                replace(readings_[stretch.piece], stretch, piece, others[k]);
+            for (const auto& word : wordsOf(piece)) {
+                if (word.right <= stretch.columns.left || word.left >= stretch.columns.right) continue;
+                takeWord(readings_[stretch.piece], piece, {std::max(word.left, stretch.columns.left), word.right},
+                         others[k]);
+            }
         }
     }
 
 private:
+    // Puts the other reader's part of a word into the reading where it is of its script. What else it makes of letters is
+    // worth nothing: the network reads those when it sees the word alone.
+    void takeWord(Reading& reading, const LinePiece& piece, const ColumnRun& word, const Reading& other) const {
+        Reading part = partOf(other, word, 0);
+        const auto isForeign = [&](const ReadCharacter& character) {
+            return !reader_.isOwn(character.code) && isLetterOrDigit(character.code);
+        };
+        ColumnRun rest = word;
+        Reading alone;
+        if (std::ranges::any_of(part, isForeign)) {
+            alone = readAlone(piece, word);
+            if (!alone.empty()) alone.front().spaceBefore = 1;
+            if (ownCount(part) == 0) {
+                if (isRead(alone, piece, word, true)) replace(reading, piece, word, alone);
+                return;
+            }
+            rest.left = unreadColumn(alone, word);
+            std::erase_if(alone, [&](const ReadCharacter& character) { return centerOf(character) > rest.left; });
+            std::erase_if(part, [&](const ReadCharacter& character) { return centerOf(character) < rest.left; });
+        } else if (ownCount(part) == 0) {
+            // Marks that the network left out.
+            if (partOf(reading, word, 0).empty() && meanConfidence(part) >= following) replace(reading, piece, word, part);
+            return;
+        }
+        if (credibility(part, piece, rest, reader_) < following) return;
+        part.insert(part.begin(), alone.begin(), alone.end());
+        replace(reading, piece, word, part);
+    }
+
+    Reading readAlone(const LinePiece& piece, const ColumnRun& word) const {
+        const int margin = static_cast<int>(std::lround(0.2 * piece.em));
+        const int left = std::max(0, word.left - margin);
+        Reading reading =
+            network_.read(piece.color.colRange(left, std::min(piece.color.cols, word.right + margin)).clone(), stop_);
+        for (auto& character : reading) {
+            character.left += left;
+            character.right += left;
+        }
+        placeOnInk(reading, piece);
+        return reading;
+    }
+
     std::vector<Stretch> unreadStretches(bool established) const {
         std::vector<Stretch> stretches;
         for (std::size_t i = 0; i < pieces_.size(); ++i) {
@@ -169,17 +246,12 @@ private:
         const int margin = static_cast<int>(std::lround(0.2 * piece.em));
         const ColumnRun columns{std::max(0, stretch.columns.left - margin),
                                 std::min(piece.color.cols, stretch.columns.right + margin)};
-        // Where it may read either, Tesseract takes the one script for the other.
-        const auto latin = std::ranges::count_if(readings_[stretch.piece], [&](const ReadCharacter& character) {
-            return character.confidence > sureLetter && scriptOf(character.code) == Script::latin &&
-                   isIn(character, stretch.columns, 0);
-        });
-        Reading result = reader_.read(piece, columns, latin >= latinLetters, stop_);
+        Reading result = reader_.read(piece, columns, stop_);
         if (std::getenv("K_DEBUG")) {
             std::fprintf(stderr, "  [%d %d] %d..%d %.1f glyphs: net '%s' %.2f -> '%s' %.2f cred %.2f unex %.2f\n", piece.box.x, piece.box.y,
                          stretch.columns.left, stretch.columns.right, stretch.glyphs,
                          textOf(readings_[stretch.piece]).c_str(), meanConfidence(readings_[stretch.piece]),
-                         textOf(result).c_str(), meanConfidence(result), credibility(result, stretch, piece, reader_),
+                         textOf(result).c_str(), meanConfidence(result), credibility(result, piece, stretch.columns, reader_),
                          unexplainedInk(result, piece, stretch.columns));
         }
         return result;
@@ -190,12 +262,17 @@ private:
             reading, [&](const ReadCharacter& character) { return reader_.isOwn(character.code); }));
     }
 
+    // Enough of the script, little else, where the network saw next to nothing.
     bool establishes(const Reading& reading, const Stretch& stretch) const {
-        return ownCount(reading) >= 3 && ownCount(reading) * 3 >= reading.size() * 2 && credibility(reading, stretch, pieces_[stretch.piece], reader_) >= establishing;
+        const Reading network = partOf(readings_[stretch.piece], stretch.columns, 0);
+        const bool blank = meanConfidence(network) < 0.6 ||
+                           unexplainedInk(network, pieces_[stretch.piece], stretch.columns) > 0.5;
+        return blank && ownCount(reading) >= 3 && ownCount(reading) * 3 >= reading.size() * 2 && credibility(reading, pieces_[stretch.piece], stretch.columns, reader_) >= establishing;
     }
 
     std::vector<Reading>& readings_;
     const std::vector<LinePiece>& pieces_;
+    const LineRecognizer& network_;
     SecondReader& reader_;
     const std::stop_token& stop_;
 };
@@ -222,8 +299,9 @@ double unexplainedInk(const Reading& reading, const LinePiece& piece, const Colu
 }
 
 void readOtherScripts(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces,
-                      std::span<const std::unique_ptr<SecondReader>> readers, const std::stop_token& stop) {
-    for (const auto& reader : readers) OtherScript(readings, pieces, *reader, stop).run();
+                      const LineRecognizer& network, std::span<const std::unique_ptr<SecondReader>> readers,
+                      const std::stop_token& stop) {
+    for (const auto& reader : readers) OtherScript(readings, pieces, network, *reader, stop).run();
 }
 
 }  // namespace ovrin

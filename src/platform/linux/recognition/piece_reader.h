@@ -21,6 +21,7 @@ double unexplainedInk(const Reading& reading, const LinePiece& piece, const Colu
 // Replaces readings of the network (one for each piece) by those of the second readers where they are right. Of a piece
 // whole words go over to the other reader.
 void readOtherScripts(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces,
-                      std::span<const std::unique_ptr<SecondReader>> readers, const std::stop_token& stop);
+                      const LineRecognizer& network, std::span<const std::unique_ptr<SecondReader>> readers,
+                      const std::stop_token& stop);
 
 }  // namespace ovrin

@@ -1,7 +1,6 @@
 #include "platform/linux/recognition/tesseract_reader.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 #include <omp.h>
@@ -16,10 +15,8 @@
 namespace ovrin {
 namespace {
 
-// Of the heights from 32 to 56 pixels the one at which Korean lines of screenshots were read best.
-static double env(const char* n, double d) { const char* v = std::getenv(n); return v ? std::atof(v) : d; }
-const double readingHeight = env("T_H", 32);
-constexpr const char* latin = "eng";
+// Of the ink, in pixels: of the heights from 28 to 48 the one at which Korean lines of screenshots were read best.
+constexpr double readingHeight = 32;
 constexpr int border = 10;
 
 struct Language {
@@ -40,7 +37,7 @@ bool hasData(const std::filesystem::path& folder, const std::string& name) {
 // Grey, dark on light.
 cv::Mat preparedPicture(const LinePiece& piece, const ColumnRun& columns, double scale) {
     cv::Mat grey;
-    if (piece.flatBackground && env("T_INK", 1) > 0) {
+    if (piece.flatBackground ) {
         grey = 255 - piece.ink.colRange(columns.left, columns.right);
     } else {
         cv::cvtColor(piece.color.colRange(columns.left, columns.right), grey, cv::COLOR_BGR2GRAY);
@@ -78,32 +75,29 @@ TesseractReader::~TesseractReader() {
     tesseract::TessBaseAPI::ClearPersistentCache();  // dictionaries, which it keeps for engines to come
 }
 
-TesseractReader::Engine TesseractReader::takeEngine(const std::string& languages) {
+TesseractReader::Engine TesseractReader::takeEngine() {
     {
         const std::lock_guard lock(mutex_);
-        auto& idle = idle_[languages];
-        if (!idle.empty()) {
-            Engine engine = std::move(idle.back());
-            idle.pop_back();
+        if (!idle_.empty()) {
+            Engine engine = std::move(idle_.back());
+            idle_.pop_back();
             return engine;
         }
     }
     auto engine = std::make_unique<tesseract::TessBaseAPI>();
     const std::vector<std::string> names = {"debug_file", "invert_threshold", "user_defined_dpi"};
     const std::vector<std::string> values = {"/dev/null", "0", "300"};
-    if (engine->Init(dataFolder_.c_str(), languages.c_str(), tesseract::OEM_LSTM_ONLY, nullptr, 0, &names, &values,
+    if (engine->Init(dataFolder_.c_str(), language_.c_str(), tesseract::OEM_LSTM_ONLY, nullptr, 0, &names, &values,
                      false) != 0)
         return nullptr;
     engine->SetPageSegMode(tesseract::PSM_SINGLE_LINE);
     return engine;
 }
 
-Reading TesseractReader::read(const LinePiece& piece, const ColumnRun& columns, bool latinToo,
-                              const std::stop_token& stop) {
+Reading TesseractReader::read(const LinePiece& piece, const ColumnRun& columns, const std::stop_token& stop) {
     // Its own threads only get into each other's way: lines are read in parallel instead.
     omp_set_max_active_levels(0);
-    const std::string languages = latinToo && hasData(dataFolder_, latin) ? language_ + "+" + latin : language_;
-    Engine engine = takeEngine(languages);
+    Engine engine = takeEngine();
     if (!engine) return {};
     const double scale = readingHeight / piece.glyphHeight();
     const cv::Mat picture = preparedPicture(piece, columns, scale);
@@ -133,7 +127,7 @@ Reading TesseractReader::read(const LinePiece& piece, const ColumnRun& columns, 
     }
     engine->Clear();
     const std::lock_guard lock(mutex_);
-    idle_[languages].push_back(std::move(engine));
+    idle_.push_back(std::move(engine));
     if (stop.stop_requested()) throw CancellationError();
     return reading;
 }

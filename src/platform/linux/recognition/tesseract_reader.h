@@ -2,7 +2,6 @@
 #pragma once
 
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -31,18 +30,18 @@ public:
     TesseractReader& operator=(const TesseractReader&) = delete;
 
     bool isOwn(char32_t character) const override { return scriptOf(character) == script_; }
-    Reading read(const LinePiece& piece, const ColumnRun& columns, bool latinToo, const std::stop_token& stop) override;
+    Reading read(const LinePiece& piece, const ColumnRun& columns, const std::stop_token& stop) override;
 
 private:
     using Engine = std::unique_ptr<tesseract::TessBaseAPI>;
 
-    Engine takeEngine(const std::string& languages);
+    Engine takeEngine();
 
     std::filesystem::path dataFolder_;
     std::string language_;  // by Tesseract's name
     Script script_;
     std::mutex mutex_;
-    std::map<std::string, std::vector<Engine>> idle_;  // by the languages that they read
+    std::vector<Engine> idle_;
 };
 
 }  // namespace ovrin

@@ -1,0 +1,105 @@
+#include "platform/linux/recognition/letter_choice.h"
+
+#include <string_view>
+
+#include <unicode/uchar.h>
+
+#include "platform/linux/recognition/script.h"
+
+namespace ovrin {
+namespace {
+
+// The reader hesitates when its second choice has at least this share of the first one's probability.
+constexpr float hesitation = 1.0F / 3;
+
+bool isOneOf(char32_t character, std::u32string_view set) {
+    return set.find(character) != std::u32string_view::npos;
+}
+bool isLower(char32_t character) {
+    return u_islower(static_cast<UChar32>(character)) != 0;
+}
+bool isUpper(char32_t character) {
+    return u_isupper(static_cast<UChar32>(character)) != 0;
+}
+bool isDigit(char32_t character) {
+    return character >= U'0' && character <= U'9';
+}
+bool isKana(char32_t character) {
+    return scriptOf(character) == Script::kana;
+}
+
+// How well a character fits between its neighbours (0 at a line's end): 1 well, -1 badly, 0 neither.
+int fit(char32_t character, char32_t before, char32_t after) {
+    const bool besideDigit = isDigit(before) || isDigit(after);
+    const bool besideLetter = scriptOf(before) == Script::latin || scriptOf(after) == Script::latin;
+    if (isOneOf(character, U"01")) return besideDigit && !besideLetter ? 1 : besideLetter && !besideDigit ? -1 : 0;
+    if (isOneOf(character, U"OI")) {
+        if (besideDigit && !besideLetter) return -1;
+        return isUpper(before) && !isLower(after) ? 1 : isLower(before) && isLower(after) ? -1 : 0;
+    }
+    if (isOneOf(character, U"ol")) {
+        if (besideDigit && !besideLetter) return -1;
+        return isLower(before) && isLower(after) ? 1 : isUpper(before) && !isLower(after) ? -1 : 0;
+    }
+    if (isOneOf(character, U"-—一|")) return isKana(before) ? -1 : 0;
+    if (character == U'ー') return isKana(before) ? 1 : -1;
+    // Small kana make one syllable with what stands before them.
+    if (isOneOf(character, U"ゃゅょャュョ")) return isOneOf(before, U"きぎしじちにひびぴみりキギシジチニヒビピミリ") ? 1 : -1;
+    if (isOneOf(character, U"っッ"))
+        return isKana(before) && isOneOf(after, U"かきくけこさしすせそたちつてとぱぴぷぺぽカキクケコサシスセソタチツテトパピプペポドグ")
+                   ? 1
+                   : -1;
+    return 0;
+}
+
+bool isEastAsian(char32_t character) {
+    return isWide(character) && scriptOf(character) != Script::hangul;
+}
+
+// Of the marks that have a narrow and a wide form; any other character stays as it is.
+char32_t wideForm(char32_t character) {
+    constexpr std::u32string_view narrow = U",:;!?()";
+    constexpr std::u32string_view wide = U"，：；！？（）";
+    const auto mark = narrow.find(character);
+    return mark == std::u32string_view::npos ? character : wide[mark];
+}
+
+}  // namespace
+
+void chooseByNeighbours(Reading& reading) {
+    for (std::size_t i = 0; i < reading.size(); ++i) {
+        auto& character = reading[i];
+        if (character.secondConfidence < hesitation * character.confidence) continue;
+        const char32_t before = i == 0 ? 0 : reading[i - 1].code;
+        const char32_t after = i + 1 == reading.size() ? 0 : reading[i + 1].code;
+        if (fit(character.second, before, after) > fit(character.code, before, after))
+            character.code = character.second;
+    }
+}
+
+void widenMarksByGaps(Reading& reading, double em) {
+    constexpr double blankOfMark = 0.42;  // ems; a space beside a narrow mark leaves about 0.3
+    constexpr double blankOfBrace = 0.5;
+    bool open = false;
+    for (std::size_t i = 0; i < reading.size(); ++i) {
+        auto& character = reading[i];
+        const char32_t wide = wideForm(character.code);
+        if (character.code == U'（') open = true;
+        if (wide == character.code) continue;
+        const double before = i == 0 ? 0 : (character.left - reading[i - 1].right) / em;
+        const double after = i + 1 == reading.size() ? 0 : (reading[i + 1].left - character.right) / em;
+        const bool beside =
+            (i > 0 && isEastAsian(reading[i - 1].code)) || (i + 1 < reading.size() && isEastAsian(reading[i + 1].code));
+        if (character.code == U')') {
+            if (open || (beside && after > blankOfBrace)) character.code = wide;
+            open = false;
+        } else if (character.code == U'(') {
+            open = beside && before > blankOfBrace;
+            if (open) character.code = wide;
+        } else if (beside && after > blankOfMark) {
+            character.code = wide;
+        }
+    }
+}
+
+}  // namespace ovrin
