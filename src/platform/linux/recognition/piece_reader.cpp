@@ -57,6 +57,14 @@ Reading partOf(const Reading& reading, const ColumnRun& columns, double toleranc
     return part;
 }
 
+// The piece as if only these columns of it held ink.
+LinePiece partOf(LinePiece piece, const ColumnRun& columns) {
+    std::erase_if(piece.runs, [&](const ColumnRun& run) {
+        return run.left + run.right < 2 * columns.left || run.left + run.right > 2 * columns.right;
+    });
+    return piece;
+}
+
 bool isLetterOrDigit(char32_t character) {
     const Script script = scriptOf(character);
     return script != Script::mark && script != Script::wideMark;
@@ -73,6 +81,11 @@ bool isRead(const Reading& reading, const LinePiece& piece, const ColumnRun& wor
     const Reading part = partOf(reading, word, 0.15 * piece.em);
     const double glyphs = word.width() / piece.em;
     const double unexplained = unexplainedInk(part, piece, word);
+    const auto letters = std::ranges::count_if(part, [](const ReadCharacter& character) {
+        return scriptOf(character.code) == Script::latin && character.confidence > sureLetter;
+    });
+    // A word in a frame: its letters are beyond doubt, the frame's ink is nobody's.
+    if (letters >= 3 && static_cast<std::size_t>(letters) == part.size() && unexplained < 0.5) return true;
     return meanConfidence(part) >= sureOf(part, established) && (unexplained < mostUnexplained || unexplained * glyphs < (established ? 0.2 : 0.35));
 }
 
@@ -208,7 +221,7 @@ private:
             character.left += left;
             character.right += left;
         }
-        placeOnInk(reading, piece);
+        placeOnInk(reading, partOf(piece, word));
         return reading;
     }
 
@@ -247,6 +260,7 @@ private:
         const ColumnRun columns{std::max(0, stretch.columns.left - margin),
                                 std::min(piece.color.cols, stretch.columns.right + margin)};
         Reading result = reader_.read(piece, columns, stop_);
+        placeOnInk(result, partOf(piece, stretch.columns));
         if (std::getenv("K_DEBUG")) {
             std::fprintf(stderr, "  [%d %d] %d..%d %.1f glyphs: net '%s' %.2f -> '%s' %.2f cred %.2f unex %.2f\n", piece.box.x, piece.box.y,
                          stretch.columns.left, stretch.columns.right, stretch.glyphs,
