@@ -14,18 +14,11 @@
 #include <opencv2/core.hpp>
 
 #include "base/error.h"
-#include "platform/linux/recognition/control_marks.h"
-#include "platform/linux/recognition/glyph_places.h"
-#include "platform/linux/recognition/letter_choice.h"
 #include "platform/linux/recognition/library_pages.h"
-#include "platform/linux/recognition/line_piece.h"
+#include "platform/linux/recognition/page_reader.h"
 #include "platform/linux/recognition/parallel.h"
-#include "platform/linux/recognition/line_recognizer.h"
-#include "platform/linux/recognition/piece_reader.h"
 #include "platform/linux/recognition/tesseract_reader.h"
 #include "platform/linux/recognition/reading_order.h"
-#include "platform/linux/recognition/text_detector.h"
-#include "platform/linux/recognition/word_spaces.h"
 
 namespace ovrin {
 namespace {
@@ -33,36 +26,11 @@ namespace {
 constexpr const char* detectionModel = "PP-OCRv6_det_tiny.onnx";
 constexpr const char* recognitionModel = "PP-OCRv6_rec_small.onnx";
 
-// What is read with less confidence is the texture of a picture, not text; a character or two needs more.
-bool isText(const Reading& reading) {
-    const double confidence = meanConfidence(reading);
-    return !reading.empty() && confidence >= (reading.size() <= 2 ? 0.65 : 0.5);
-}
-
-static void dumpClusters(Reading reading, const LinePiece& piece) {
-    placeOnInk(reading, piece);
-    std::vector<ColumnRun> words;
-    for (const auto& run : piece.runs) {
-        if (words.empty() || run.left - words.back().right > 0.22 * piece.em) words.push_back(run);
-        else words.back().right = run.right;
-    }
-    const auto rows = [&](ColumnRun c) {
-        int top = piece.ink.rows, bottom = 0;
-        for (int y = 0; y < piece.ink.rows; ++y)
-            for (int x = c.left; x < c.right; ++x) if (piece.ink.at<std::uint8_t>(y, x) >= 96) { top = std::min(top, y); bottom = std::max(bottom, y + 1); }
-        return std::pair(top, bottom);
-    };
-    for (std::size_t w = 0; w < words.size(); ++w) {
-        Reading part;
-        for (auto& c : reading) { const double m = (c.left + c.right) / 2; if (m >= words[w].left && m < words[w].right) { part.push_back(c); part.back().spaceBefore = 0; } }
-        if (part.size() > 2 || (part.empty() && words.size() > 1 && false)) continue;
-        const auto [t, b] = rows(words[w]);
-        int rt = 999, rb = 0;
-        for (std::size_t v = 0; v < words.size(); ++v) if (v != w) { const auto [a, c] = rows(words[v]); rt = std::min(rt, a); rb = std::max(rb, c); }
-        std::string confs; for (auto& c : part) confs += std::to_string(c.confidence).substr(0, 4) + "/" + std::to_string(c.secondConfidence).substr(0, 4) + " ";
-        std::printf("CL %s| %s| word %zu/%zu width %d rows %d-%d rest %d-%d box %dx%d em %.0f gapL %.2f gapR %.2f flat %d :: %s\n", textOf(part).c_str(), confs.c_str(), w, words.size(), words[w].width(), t, b, rt, rb, piece.box.width, piece.box.height, piece.em,
-            w ? (words[w].left - words[w-1].right) / piece.em : -1.0, w + 1 < words.size() ? (words[w+1].left - words[w].right) / piece.em : -1.0, piece.flatBackground, textOf(reading).c_str());
-    }
+// Languages are asked for by name; those besides the program's own also where the language is to be found out.
+bool isWanted(const TesseractReader& reader, const TextRecognitionRequest& request) {
+    const auto& tags = request.recognitionLanguages;
+    return std::ranges::any_of(tags, [&](const std::string& tag) { return tag.starts_with(reader.tag()); }) ||
+           (request.automaticallyDetectsLanguage && reader.tag() != "ko");
 }
 
 Rect unitBox(const cv::Rect& box, const Image& image) {
@@ -72,27 +40,57 @@ Rect unitBox(const cv::Rect& box, const Image& image) {
         .x = box.x / width, .y = 1 - box.br().y / height, .width = box.width / width, .height = box.height / height};
 }
 
-std::vector<TextObservation> observations(const std::vector<LinePiece>& pieces, const std::vector<Reading>& readings,
-                                          const Image& image) {
+// Where the piece lies once the picture is turned as it was.
+cv::Rect turnedBox(const LinePiece& piece, const Image& image) {
+    const cv::Rect& box = piece.box;
+    switch (piece.turn) {
+        case Turn::none:
+            break;
+        case Turn::counterclockwise:
+            return {box.y, image.width() - box.br().x, box.height, box.width};
+        case Turn::clockwise:
+            return {image.height() - box.br().y, box.x, box.height, box.width};
+        case Turn::half:
+            return {image.width() - box.br().x, image.height() - box.br().y, box.width, box.height};
+    }
+    return box;
+}
+
+// The lines of one group of pieces that were turned alike.
+void addLines(std::vector<TextObservation>& lines, const Page& page, const std::vector<std::size_t>& group,
+              const Image& image) {
+    if (group.empty()) return;
     std::vector<cv::Rect> boxes;
-    boxes.reserve(pieces.size());
-    for (const auto& piece : pieces) boxes.push_back(piece.box);
-    std::vector<TextObservation> lines;
+    boxes.reserve(group.size());
+    for (const std::size_t index : group) boxes.push_back(turnedBox(page.pieces[index], image));
     for (const auto& row : readingOrder(boxes)) {
         std::string text;
         double confidence = 0;
         double characters = 0;
         cv::Rect box;
-        for (const std::size_t index : row) {
-            const Reading& reading = readings[index];
+        for (const std::size_t position : row) {
+            const Reading& reading = page.readings[group[position]];
+            const cv::Rect& covered = page.pieces[group[position]].box;
             if (!text.empty()) text += ' ';
             text += textOf(reading);
             confidence += meanConfidence(reading) * static_cast<double>(reading.size());
             characters += static_cast<double>(reading.size());
-            box = box.empty() ? boxes[index] : box | boxes[index];
+            box = box.empty() ? covered : box | covered;
         }
         lines.push_back({.candidates = {{.string = text, .confidence = static_cast<float>(confidence / characters)}},
                          .boundingBox = unitBox(box, image)});
+    }
+}
+
+// Lines on their side come after the upright ones.
+std::vector<TextObservation> observations(const Page& page, const Image& image) {
+    std::vector<TextObservation> lines;
+    for (const Turn turn : {Turn::none, Turn::half, Turn::counterclockwise, Turn::clockwise}) {
+        std::vector<std::size_t> group;
+        for (std::size_t i = 0; i < page.pieces.size(); ++i) {
+            if (page.pieces[i].turn == turn) group.push_back(i);
+        }
+        addLines(lines, page, group, image);
     }
     return lines;
 }
@@ -113,7 +111,7 @@ public:
     struct Models {
         std::unique_ptr<TextDetector> detector;
         std::unique_ptr<LineRecognizer> lineRecognizer;
-        std::vector<std::unique_ptr<SecondReader>> secondReaders;
+        std::vector<std::unique_ptr<TesseractReader>> secondReaders;
     };
 
     explicit Resources(RecognitionFiles files) : files_(std::move(files)) {}
@@ -146,7 +144,7 @@ private:
                 models.detector = std::make_unique<TextDetector>(files_.modelFolder / detectionModel);
             }
         });
-        models.secondReaders = TesseractReader::readersFor({"ko"}, true, files_.tesseractFolder);
+        models.secondReaders = TesseractReader::installed(files_.tesseractFolder);
         return models;
     }
 
@@ -170,7 +168,7 @@ OnnxTextRecognizer::OnnxTextRecognizer(RecognitionFiles files)
 
 OnnxTextRecognizer::~OnnxTextRecognizer() = default;
 
-std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRequest& /*request*/, const Image& image,
+std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRequest& request, const Image& image,
                                                          std::stop_token stop) {
     if (stop.stop_requested()) throw CancellationError();
     if (image.isEmpty()) return {};
@@ -179,34 +177,13 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
     // OpenCV's pictures are mutable; nothing here writes into this one.
     const cv::Mat picture(image.height(), image.width(), CV_8UC4, const_cast<std::uint8_t*>(image.data()));
 
-    const auto regions = models.detector->detect(picture, stop);
-    std::vector<LinePiece> pieces(regions.size());
-    parallelFor(regions.size(), recognitionThreads(),
-                [&](std::size_t index) { pieces[index] = cutLinePiece(picture, regions[index].box); });
-    std::erase_if(pieces, [](const LinePiece& piece) { return piece.runs.empty(); });
-
-    std::vector<Reading> readings(pieces.size());
-    parallelFor(pieces.size(), recognitionThreads(),
-                [&](std::size_t index) { readings[index] = models.lineRecognizer->read(pieces[index].color, stop); });
-    if (std::getenv("OVRIN_DUMP")) {
-        for (std::size_t i = 0; i < pieces.size(); ++i) dumpClusters(readings[i], pieces[i]);
+    std::vector<SecondReader*> secondReaders;
+    for (const auto& reader : models.secondReaders) {
+        if (isWanted(*reader, request)) secondReaders.push_back(reader.get());
     }
-    readOtherScripts(readings, pieces, *models.lineRecognizer, models.secondReaders, stop);
-
-    std::vector<LinePiece> textPieces;
-    std::vector<Reading> textReadings;
-    for (std::size_t i = 0; i < pieces.size(); ++i) {
-        placeOnInk(readings[i], pieces[i]);
-        removeControlMarks(readings[i], pieces[i]);
-        if (!isText(readings[i])) continue;
-        chooseByNeighbours(readings[i]);
-        textReadings.push_back(readings[i]);
-        restoreRepeatedMarks(textReadings.back(), pieces[i]);
-        if (pieces[i].flatBackground) widenMarksByGaps(textReadings.back(), pieces[i].em);
-        textPieces.push_back(std::move(pieces[i]));
-    }
-    placeSpaces(textReadings, textPieces);
-    return observations(textPieces, textReadings, image);
+    const Page page = readPage(
+        picture, {.detector = *models.detector, .network = *models.lineRecognizer, .secondReaders = secondReaders}, stop);
+    return observations(page, image);
 }
 
 void OnnxTextRecognizer::prepare() {

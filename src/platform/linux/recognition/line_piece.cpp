@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 #include <opencv2/imgproc.hpp>
 
@@ -169,11 +170,9 @@ LinePiece noisyPiece(const cv::Mat& picture, cv::Rect box) {
     return piece;
 }
 
-}  // namespace
-
 static double tallestBox() { static const double m = std::getenv("OVRIN_TALL") ? std::atof(std::getenv("OVRIN_TALL")) : 1.7; return m; }
 static double sides() { static const double m = std::getenv("OVRIN_SIDE") ? std::atof(std::getenv("OVRIN_SIDE")) : 0.4; return m; }
-LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box) {
+LinePiece cutUpright(const cv::Mat& picture, cv::Rect box) {
     const int aside = box.height;
     const int above = std::max(1, box.height / 6);
     cv::Rect strip = cv::Rect(box.x - aside, box.y - above, box.width + 2 * aside, box.height + 2 * above) &
@@ -222,6 +221,54 @@ LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box) {
     piece.em = std::max(1.08 * text.height, 0.75 * height);
     piece.inkBox = {side, margin, text.width, text.height};
     for (auto& run : piece.runs) run = {run.left - text.x + side, run.right - text.x + side};
+    return piece;
+}
+
+// A part of the picture in which the region's text is upright, and the text's box in it.
+std::pair<cv::Mat, cv::Rect> uprightPart(const cv::Mat& picture, const TextRegion& region, Turn turn) {
+    if (!region.slant.size.empty()) {
+        const cv::Size2f& size = region.slant.size;
+        const int margin = static_cast<int>(std::ceil(size.height));
+        const cv::Rect box(margin, margin, static_cast<int>(std::ceil(size.width)),
+                           static_cast<int>(std::ceil(size.height)));
+        cv::Mat turned = cv::getRotationMatrix2D(region.slant.center, region.slant.angle, 1);
+        turned.at<double>(0, 2) += box.x + size.width / 2.0 - region.slant.center.x;
+        turned.at<double>(1, 2) += box.y + size.height / 2.0 - region.slant.center.y;
+        cv::Mat part;
+        cv::warpAffine(picture, part, turned, {box.width + 2 * margin, box.height + 2 * margin}, cv::INTER_CUBIC,
+                       cv::BORDER_REPLICATE);
+        return {part, box};
+    }
+    const int margin = std::min(region.box.width, region.box.height);
+    const cv::Rect around = cv::Rect(region.box.x - margin, region.box.y - margin, region.box.width + 2 * margin,
+                                     region.box.height + 2 * margin) &
+                            cv::Rect({}, picture.size());
+    const cv::Rect box = region.box - around.tl();
+    cv::Mat part;
+    switch (turn) {
+        case Turn::none:
+            return {picture(around), box};
+        case Turn::counterclockwise:
+            cv::rotate(picture(around), part, cv::ROTATE_90_COUNTERCLOCKWISE);
+            return {part, {box.y, around.width - box.br().x, box.height, box.width}};
+        case Turn::clockwise:
+            cv::rotate(picture(around), part, cv::ROTATE_90_CLOCKWISE);
+            return {part, {around.height - box.br().y, box.x, box.height, box.width}};
+        case Turn::half:
+            cv::rotate(picture(around), part, cv::ROTATE_180);
+            return {part, {around.width - box.br().x, around.height - box.br().y, box.width, box.height}};
+    }
+    return {};
+}
+
+}  // namespace
+
+LinePiece cutLinePiece(const cv::Mat& picture, const TextRegion& region, Turn turn) {
+    if (turn == Turn::none && region.slant.size.empty()) return cutUpright(picture, region.box);
+    const auto [part, box] = uprightPart(picture, region, turn);
+    LinePiece piece = cutUpright(part, box);
+    piece.turn = turn;
+    piece.box = region.box;
     return piece;
 }
 

@@ -6,6 +6,8 @@
 
 #include <opencv2/core.hpp>
 
+#include "platform/linux/recognition/text_detector.h"
+
 namespace ovrin {
 
 // Columns from left up to right, pixels from the piece's left edge.
@@ -15,8 +17,12 @@ struct ColumnRun {
     int width() const { return right - left; }
 };
 
+// How a line has to be turned to be read: not at all, by a quarter, or by half a turn.
+enum class Turn { none, counterclockwise, clockwise, half };
+
 struct LinePiece {
     cv::Rect box;                 // what the text covers, pixels of the whole picture
+    Turn turn = Turn::none;       // what made it upright
     cv::Mat color;                // blue, green, red: the text with a margin of background around it
     cv::Mat ink;                  // of the same size, one byte a pixel, 0 background to 255 text
     cv::Rect inkBox;              // what the text covers, pixels of these two; may be empty
@@ -27,8 +33,8 @@ struct LinePiece {
     double glyphHeight() const { return inkBox.height > 0 ? inkBox.height : std::max(1, color.rows); }
 };
 
-// Cuts the text that was found in the box (pixels) out of a picture of four bytes a pixel. Parts of other lines are
-// painted over; ink that the box's sides cut through, or leave just outside, is taken in.
-LinePiece cutLinePiece(const cv::Mat& picture, cv::Rect box);
+// Cuts the text that was found in the region out of a picture of four bytes a pixel, upright once it is turned. Parts of
+// other lines are painted over; ink that the region's sides cut through, or leave just outside, is taken in.
+LinePiece cutLinePiece(const cv::Mat& picture, const TextRegion& region, Turn turn = Turn::none);
 
 }  // namespace ovrin

@@ -29,11 +29,6 @@ constexpr Language languages[] = {{"ko", "kor", Script::hangul},   {"ru", "rus",
                                   {"el", "ell", Script::greek},    {"th", "tha", Script::thai},
                                   {"ar", "ara", Script::arabic},   {"hi", "hin", Script::devanagari}};
 
-bool hasData(const std::filesystem::path& folder, const std::string& name) {
-    std::error_code status;
-    return std::filesystem::is_regular_file(folder / (name + ".traineddata"), status);
-}
-
 // Grey, dark on light.
 cv::Mat preparedPicture(const LinePiece& piece, const ColumnRun& columns, double scale) {
     cv::Mat grey;
@@ -53,22 +48,20 @@ cv::Mat preparedPicture(const LinePiece& piece, const ColumnRun& columns, double
 
 }  // namespace
 
-std::vector<std::unique_ptr<SecondReader>> TesseractReader::readersFor(const std::vector<std::string>& tags,
-                                                                       bool detectsLanguages,
-                                                                       const std::filesystem::path& dataFolder) {
-    std::vector<std::unique_ptr<SecondReader>> readers;
+std::vector<std::unique_ptr<TesseractReader>> TesseractReader::installed(const std::filesystem::path& dataFolder) {
+    std::vector<std::unique_ptr<TesseractReader>> readers;
     for (const auto& language : languages) {
-        const bool isRequested =
-            std::ranges::any_of(tags, [&](const std::string& tag) { return tag.starts_with(language.tag); });
-        const bool isDetected = detectsLanguages && language.script != Script::hangul;
-        if ((isRequested || isDetected) && hasData(dataFolder, language.name))
-            readers.push_back(std::make_unique<TesseractReader>(dataFolder, language.name, language.script));
+        std::error_code status;
+        const auto file = dataFolder / (std::string(language.name) + ".traineddata");
+        if (std::filesystem::is_regular_file(file, status))
+            readers.push_back(
+                std::make_unique<TesseractReader>(dataFolder, language.tag, language.name, language.script));
     }
     return readers;
 }
 
-TesseractReader::TesseractReader(std::filesystem::path dataFolder, std::string language, Script script)
-    : dataFolder_(std::move(dataFolder)), language_(std::move(language)), script_(script) {}
+TesseractReader::TesseractReader(std::filesystem::path dataFolder, std::string tag, std::string language, Script script)
+    : dataFolder_(std::move(dataFolder)), tag_(std::move(tag)), language_(std::move(language)), script_(script) {}
 
 TesseractReader::~TesseractReader() {
     idle_.clear();

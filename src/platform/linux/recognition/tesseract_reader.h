@@ -18,17 +18,16 @@ namespace ovrin {
 
 class TesseractReader : public SecondReader {
 public:
-    // The readers for the languages (BCP-47 tags) whose script the network does not know and whose data is in the
-    // folder. With `detectsLanguages` also those that nobody named.
-    static std::vector<std::unique_ptr<SecondReader>> readersFor(const std::vector<std::string>& tags,
-                                                                 bool detectsLanguages,
-                                                                 const std::filesystem::path& dataFolder);
+    // A reader for each language whose script the network does not know and whose data is in the folder.
+    static std::vector<std::unique_ptr<TesseractReader>> installed(const std::filesystem::path& dataFolder);
 
-    TesseractReader(std::filesystem::path dataFolder, std::string language, Script script);
+    // tag: BCP-47; language: Tesseract's name of it.
+    TesseractReader(std::filesystem::path dataFolder, std::string tag, std::string language, Script script);
     ~TesseractReader() override;
     TesseractReader(const TesseractReader&) = delete;
     TesseractReader& operator=(const TesseractReader&) = delete;
 
+    const std::string& tag() const { return tag_; }
     bool isOwn(char32_t character) const override { return scriptOf(character) == script_; }
     Reading read(const LinePiece& piece, const ColumnRun& columns, const std::stop_token& stop) override;
 
@@ -38,7 +37,8 @@ private:
     Engine takeEngine();
 
     std::filesystem::path dataFolder_;
-    std::string language_;  // by Tesseract's name
+    std::string tag_;
+    std::string language_;
     Script script_;
     std::mutex mutex_;
     std::vector<Engine> idle_;

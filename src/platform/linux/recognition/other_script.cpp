@@ -1,4 +1,4 @@
-#include "platform/linux/recognition/piece_reader.h"
+#include "platform/linux/recognition/other_script.h"
 
 #include <algorithm>
 #include <cmath>
@@ -312,10 +312,9 @@ double unexplainedInk(const Reading& reading, const LinePiece& piece, const Colu
     return total == 0 ? 0 : unexplained / static_cast<double>(total);
 }
 
-void readOtherScripts(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces,
-                      const LineRecognizer& network, std::span<const std::unique_ptr<SecondReader>> readers,
-                      const std::stop_token& stop) {
-    for (const auto& reader : readers) OtherScript(readings, pieces, network, *reader, stop).run();
+void readOtherScript(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces, const LineRecognizer& network,
+                     SecondReader& reader, const std::stop_token& stop) {
+    OtherScript(readings, pieces, network, reader, stop).run();
 }
 
 }  // namespace ovrin

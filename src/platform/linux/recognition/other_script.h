@@ -1,9 +1,6 @@
-// Reads the pieces of one picture: with the network first, then, where the picture shows that it could not, with a second
-// reader.
+// Has a second reader read what the network could not.
 #pragma once
 
-#include <memory>
-#include <span>
 #include <stop_token>
 #include <vector>
 
@@ -18,10 +15,9 @@ namespace ovrin {
 // network that can't read a script leaves its ink unexplained while it is sure of the rest.
 double unexplainedInk(const Reading& reading, const LinePiece& piece, const ColumnRun& columns);
 
-// Replaces readings of the network (one for each piece) by those of the second readers where they are right. Of a piece
-// whole words go over to the other reader.
-void readOtherScripts(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces,
-                      const LineRecognizer& network, std::span<const std::unique_ptr<SecondReader>> readers,
-                      const std::stop_token& stop);
+// Replaces readings of the network (one for each piece) by those of the second reader where the picture shows that they
+// are right. Words go over as a whole, but for endings right behind a word in Latin letters.
+void readOtherScript(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces, const LineRecognizer& network,
+                     SecondReader& reader, const std::stop_token& stop);
 
 }  // namespace ovrin

@@ -1,0 +1,135 @@
+#include "platform/linux/recognition/page_reader.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+#include "platform/linux/recognition/control_marks.h"
+#include "platform/linux/recognition/glyph_places.h"
+#include "platform/linux/recognition/letter_choice.h"
+#include "platform/linux/recognition/parallel.h"
+#include "platform/linux/recognition/other_script.h"
+#include "platform/linux/recognition/word_spaces.h"
+
+namespace ovrin {
+namespace {
+
+constexpr double tall = 1.5;   // times as high as wide: a column, or a line of a page that lies on its side
+constexpr double column = 3;   // so high it is no single character
+constexpr double doubtful = 0.8;  // below, a line may be turned otherwise
+
+bool isTall(const TextRegion& region, double ratio) {
+    return region.slant.size.empty() && region.box.height > ratio * region.box.width;
+}
+
+struct ReadPiece {
+    LinePiece piece;
+    Reading reading;
+};
+
+class PagePass {
+public:
+    PagePass(const cv::Mat& picture, const PageReaders& readers, const std::stop_token& stop)
+        : picture_(picture), readers_(readers), stop_(stop), regions_(readers.detector.detect(picture, stop)) {}
+
+    Page run() {
+        // The widest first, so that the cores end together.
+        std::ranges::sort(regions_, std::greater(), [](const TextRegion& region) {
+            return static_cast<double>(std::max(region.box.width, region.box.height)) /
+                   std::min(region.box.width, region.box.height);
+        });
+        auto read = readAll(Turn::none);
+        if (isUpsideDown(read)) read = readAll(Turn::half);
+        Page page;
+        for (auto& [piece, reading] : read) {
+            if (piece.runs.empty()) continue;
+            page.pieces.push_back(std::move(piece));
+            page.readings.push_back(std::move(reading));
+        }
+        for (SecondReader* reader : readers_.secondReaders)
+            readOtherScript(page.readings, page.pieces, readers_.network, *reader, stop_);
+        return finished(std::move(page));
+    }
+
+private:
+    ReadPiece readTurned(const TextRegion& region, Turn turn) const {
+        ReadPiece read{cutLinePiece(picture_, region, turn), {}};
+        if (!read.piece.runs.empty()) read.reading = readers_.network.read(read.piece.color, stop_);
+        return read;
+    }
+
+    // Vertical writing is read like lines that lie on their right side: the network has learned that.
+    ReadPiece readRegion(const TextRegion& region, Turn turn) const {
+        if (!isTall(region, tall)) return readTurned(region, turn);
+        std::vector<Turn> turns = {Turn::counterclockwise, Turn::clockwise};
+        if (!isTall(region, column)) turns.insert(turns.begin(), turn);
+        ReadPiece best;
+        for (const Turn one : turns) {
+            ReadPiece read = readTurned(region, one);
+            const double confidence = meanConfidence(read.reading);
+            if (best.piece.runs.empty() || confidence > meanConfidence(best.reading)) best = std::move(read);
+            if (confidence >= doubtful) break;
+        }
+        return best;
+    }
+
+    std::vector<ReadPiece> readAll(Turn turn) const {
+        std::vector<ReadPiece> read(regions_.size());
+        parallelFor(regions_.size(), recognitionThreads(),
+                    [&](std::size_t index) { read[index] = readRegion(regions_[index], turn); });
+        return read;
+    }
+
+    // When most of the text is read badly and the longest lines are read well from the other side.
+    bool isUpsideDown(const std::vector<ReadPiece>& read) const {
+        constexpr std::size_t samples = 3;
+        constexpr double convincing = 0.9;
+        double characters = 0, confidence = 0;
+        for (const auto& one : read) {
+            characters += static_cast<double>(one.reading.size());
+            confidence += meanConfidence(one.reading) * static_cast<double>(one.reading.size());
+        }
+        if (characters > 0 && confidence / characters >= doubtful) return false;
+        double turned = 0, count = 0;
+        for (std::size_t i = 0; i < std::min(samples, regions_.size()); ++i) {
+            if (isTall(regions_[i], tall)) continue;
+            const Reading reading = readTurned(regions_[i], Turn::half).reading;
+            constexpr std::size_t enough = 3;
+            if (reading.size() < enough) return false;
+            turned += meanConfidence(reading);
+            ++count;
+        }
+        return count > 0 && turned / count >= convincing;
+    }
+
+    static Page finished(Page page) {
+        Page text;
+        for (std::size_t i = 0; i < page.pieces.size(); ++i) {
+            LinePiece& piece = page.pieces[i];
+            Reading& reading = page.readings[i];
+            placeOnInk(reading, piece);
+            removeControlMarks(reading, piece);
+            if (reading.empty()) continue;
+            chooseByNeighbours(reading);
+            restoreRepeatedMarks(reading, piece);
+            if (piece.flatBackground) widenMarksByGaps(reading, piece.em);
+            text.pieces.push_back(std::move(piece));
+            text.readings.push_back(std::move(reading));
+        }
+        placeSpaces(text.readings, text.pieces);
+        return text;
+    }
+
+    const cv::Mat& picture_;
+    const PageReaders& readers_;
+    const std::stop_token& stop_;
+    std::vector<TextRegion> regions_;
+};
+
+}  // namespace
+
+Page readPage(const cv::Mat& picture, const PageReaders& readers, const std::stop_token& stop) {
+    return PagePass(picture, readers, stop).run();
+}
+
+}  // namespace ovrin
