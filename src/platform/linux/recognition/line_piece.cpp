@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdlib>
 #include <utility>
 
 #include <opencv2/imgproc.hpp>
@@ -13,6 +12,8 @@ namespace {
 
 constexpr int levelsPerChannel = 8;
 constexpr double flatShare = 0.3;    // of the pixels that have about the background's colour, text being the rest
+constexpr double sideShare = 0.4;     // of the height, background beside the text: less costs words at their ends
+constexpr double tallestBox = 1.7;    // times the ink's height; a higher box has been stretched by its neighbours
 constexpr int inkLevel = 96;         // of 255: from here on a pixel belongs to a stroke
 
 struct Background {
@@ -170,8 +171,6 @@ LinePiece noisyPiece(const cv::Mat& picture, cv::Rect box) {
     return piece;
 }
 
-static double tallestBox() { static const double m = std::getenv("OVRIN_TALL") ? std::atof(std::getenv("OVRIN_TALL")) : 1.7; return m; }
-static double sides() { static const double m = std::getenv("OVRIN_SIDE") ? std::atof(std::getenv("OVRIN_SIDE")) : 0.4; return m; }
 LinePiece cutUpright(const cv::Mat& picture, cv::Rect box) {
     const int aside = box.height;
     const int above = std::max(1, box.height / 6);
@@ -208,9 +207,9 @@ LinePiece cutUpright(const cv::Mat& picture, cv::Rect box) {
     // The network likes the height of the box that was found, unless neighbouring lines have stretched that.
     const auto widest = std::ranges::max_element(piece.runs, {}, &ColumnRun::width);
     const double height =
-        std::clamp<double>(box.height, text.height, std::max(tallestBox() * text.height, 1.0 * widest->width()));
+        std::clamp<double>(box.height, text.height, std::max(tallestBox * text.height, 1.0 * widest->width()));
     const int margin = std::max(2, static_cast<int>(std::lround((height - text.height) / 2)));
-    const int side = std::max(2, static_cast<int>(std::lround(sides() * height)));
+    const int side = std::max(2, static_cast<int>(std::lround(sideShare * height)));
     cv::Mat around = background(text);
     cv::copyMakeBorder(bgr(text), piece.color, margin, margin, side, side, cv::BORDER_CONSTANT | cv::BORDER_ISOLATED,
                        cv::mean(around));
