@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -69,6 +70,47 @@ TEST(ImageDecoderTest, DecodesEveryFormat) {
     }
 }
 
+TEST(ImageDecoderTest, LightDrawingsOnTransparencyLieOnBlack) {
+    for (const int level : {0, 255}) {
+        const PixPointer picture(pixCreate(10, 10, 32));
+        const PixPointer alpha(pixCreate(10, 10, 8));
+        for (int y = 0; y < 10; ++y) {
+            pixSetRGBPixel(picture.get(), 5, y, level, level, level);
+            pixSetPixel(alpha.get(), 5, y, 255);
+        }
+        pixSetRGBComponent(picture.get(), alpha.get(), L_ALPHA_CHANNEL);
+        pixSetSpp(picture.get(), 4);
+        const Image image = LinuxImageDecoder().decode(encoded(picture.get(), IFF_PNG));
+        EXPECT_EQ(pixelAt(image, 1, 5)[0], 255 - level);
+        EXPECT_EQ(pixelAt(image, 5, 5)[0], level);
+    }
+}
+
+// The same JPEG with a note of how the camera was held.
+std::vector<std::byte> withOrientation(std::vector<std::byte> jpeg, std::uint8_t orientation) {
+    const std::vector<std::uint8_t> note = {0xff, 0xe1, 0, 34,   'E', 'x', 'i', 'f', 0, 0, 'M', 'M',         0, 42, 0, 0, 0, 8,
+                                            0,    1,    1, 0x12, 0,   3,   0,   0,   0, 1, 0,   orientation, 0, 0,  0, 0, 0, 0};
+    const auto bytes = std::as_bytes(std::span(note));
+    jpeg.insert(jpeg.begin() + 2, bytes.begin(), bytes.end());
+    return jpeg;
+}
+
+TEST(ImageDecoderTest, PhotosAreTurnedAsTheyWereHeld) {
+    const auto jpeg = encoded(twoColors(40, 20).get(), IFF_JFIF_JPEG);
+    // Where the red half comes to lie, by the eight notes.
+    const std::vector<std::string> sides = {"left", "right", "right", "left", "top", "top", "bottom", "bottom"};
+    for (std::size_t i = 0; i < sides.size(); ++i) {
+        const Image image = LinuxImageDecoder().decode(withOrientation(jpeg, static_cast<std::uint8_t>(i + 1)));
+        const bool lies = i < 4;
+        ASSERT_EQ(image.width(), lies ? 40 : 20) << i;
+        const auto isRed = [&](int x, int y) { return pixelAt(image, x, y)[2] > 200; };
+        const bool first = lies ? isRed(4, 10) : isRed(10, 4);
+        const bool last = lies ? isRed(36, 10) : isRed(10, 36);
+        EXPECT_EQ(first, sides[i] == "left" || sides[i] == "top") << i;
+        EXPECT_NE(first, last) << i;
+    }
+}
+
 TEST(ImageDecoderTest, TransparentPartsLieOnWhite) {
     const PixPointer picture = twoColors(10, 10);
     const PixPointer alpha(pixCreate(10, 10, 8));  // nothing is opaque
@@ -91,10 +133,10 @@ TEST(ImageDecoderTest, DepthsAndPalettesComeOutAsColor) {
 }
 
 TEST(ImageDecoderTest, NamesWhatIsNoPicture) {
-    EXPECT_EQ(failureOf({}), "The picture is empty.");
-    EXPECT_EQ(failureOf(std::vector<std::byte>(5)), "The file is not a picture, or of a kind that can't be read.");
+    EXPECT_EQ(failureOf({}), "图片文件是空的。");
+    EXPECT_EQ(failureOf(std::vector<std::byte>(5)), "文件不是图片，或是无法识别的图片格式。");
     EXPECT_EQ(failureOf(std::vector<std::byte>(500, std::byte{'a'})),
-              "The file is not a picture, or of a kind that can't be read.");
+              "文件不是图片，或是无法识别的图片格式。");
 }
 
 TEST(ImageDecoderTest, RefusesPicturesThatBreakOff) {
@@ -105,7 +147,7 @@ TEST(ImageDecoderTest, RefusesPicturesThatBreakOff) {
         auto bytes = encoded(picture.get(), format);
         bytes.resize(bytes.size() / 2);
         const std::string failure = failureOf(bytes);
-        EXPECT_TRUE(failure.starts_with("The picture is damaged")) << format << ": " << failure;
+        EXPECT_TRUE(failure.starts_with("图片已损坏")) << format << ": " << failure;
     }
 }
 
@@ -117,7 +159,7 @@ TEST(ImageDecoderTest, RefusesHugePicturesByTheirHeader) {
     put(18, 20000);
     put(22, 20000);
     const std::string failure = failureOf(bytes);
-    EXPECT_EQ(failure, "The picture is too large: 20000 x 20000 pixels, at most 120 million can be handled.");
+    EXPECT_EQ(failure, "图片过大：20000 × 20000 像素，最多支持 12000 万像素。");
 }
 
 }  // namespace

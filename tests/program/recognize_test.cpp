@@ -80,16 +80,16 @@ TEST_F(RecognizeProgram, BadPicturesAreNamedWithTheirCause) {
         const std::string path = file(name, bytes);
         EXPECT_THAT(failureOf(path), testing::AllOf(StartsWith(path + ": "), HasSubstr(cause)));
     };
-    expectFailure("notes.txt", "this is no picture at all", "not a picture");
-    expectFailure("empty.png", "", "empty");
-    expectFailure("cut.png", whole.substr(0, whole.size() / 2), "damaged or cut short");
-    expectFailure("head.png", whole.substr(0, 20), "damaged");
+    expectFailure("notes.txt", "this is no picture at all", "不是图片");
+    expectFailure("empty.png", "", "是空的");
+    expectFailure("cut.png", whole.substr(0, whole.size() / 2), "图片已损坏或不完整");
+    expectFailure("head.png", whole.substr(0, 20), "图片已损坏");
     expectFailure("dot.bmp", bitmap(1, 1, std::string(4, '\xff')), "");
-    expectFailure("huge.bmp", bitmap(20000, 20000, std::string(64, '\xff')), "too large: 20000 x 20000");
+    expectFailure("huge.bmp", bitmap(20000, 20000, std::string(64, '\xff')), "图片过大：20000 × 20000");
     EXPECT_THAT(failureOf(pictures_.path() / "none.png"), HasSubstr("none.png: No such file"));
     EXPECT_THAT(failureOf(pictures_.path().string()), HasSubstr("Is a directory"));
     EXPECT_THAT(failureOf({.arguments = {"recognize", "-"}, .input = "no picture, from a pipe"}),
-                HasSubstr("not a picture"));
+                HasSubstr("不是图片"));
 }
 
 TEST_F(RecognizeProgram, ReadsTheOthersAroundABrokenOne) {
@@ -109,6 +109,14 @@ TEST_F(RecognizeProgram, WithoutLanguagePacksOnlyTheirScriptsAreLost) {
     EXPECT_EQ(outcome.status, 0);
 }
 
+// The runtime would keep a record of its use in the cache folder.
+TEST_F(RecognizeProgram, NothingIsRecordedForItsMakers) {
+    const auto outcome = runProgram(home_, {.arguments = {"recognize", file("a.png", picture("Quarterly report"))},
+                                            .environment = {"ORT_DISABLE_TELEMETRY=0"}});
+    EXPECT_EQ(outcome.output, "Quarterly report\n");
+    EXPECT_TRUE(home_.files().empty());
+}
+
 TEST_F(RecognizeProgram, MissingAndDamagedModelsAreNamed) {
     const TemporaryDirectory installation;
     const fs::path program = installation.path() / "ovrin";
@@ -118,13 +126,13 @@ TEST_F(RecognizeProgram, MissingAndDamagedModelsAreNamed) {
     fs::copy_file(OVRIN_BINARY_DIR "/ovrin", program);
     const RunningProgram::Setup setup{.arguments = {"recognize", file("a.png", picture("Quarterly report"))},
                                       .program = program};
-    for (const char* const name : {"ch_PP-OCRv4_det_infer.onnx", "ch_PP-OCRv4_rec_infer.onnx", "ppocr_keys_v1.txt"}) {
+    for (const char* const name : {"PP-OCRv6_det_tiny.onnx", "PP-OCRv6_rec_small.onnx"}) {
         for (const auto& entry : fs::directory_iterator(original))
             fs::copy_file(entry, models / entry.path().filename(), fs::copy_options::overwrite_existing);
         fs::resize_file(models / name, fs::file_size(models / name) / 8);
         EXPECT_THAT(failureOf(setup), HasSubstr(name));
         fs::remove(models / name);
-        EXPECT_THAT(failureOf(setup), testing::AllOf(HasSubstr(name), HasSubstr("is missing")));
+        EXPECT_THAT(failureOf(setup), testing::AllOf(HasSubstr(name), HasSubstr("缺少文字识别模型文件")));
     }
 }
 

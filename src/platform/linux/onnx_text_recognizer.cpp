@@ -154,12 +154,17 @@ private:
     std::optional<Models> models_;
 };
 
+void OnnxTextRecognizer::forbidTelemetry() {
+    // Builds of ONNX Runtime keep a record of their use in the user's cache folder and send it home. Their own switch in
+    // the environment is read when the library makes its first environment.
+    constexpr const char* noTelemetry = "ORT_DISABLE_TELEMETRY";
+    const char* value = std::getenv(noTelemetry);
+    if (value == nullptr || std::string_view(value) != "1") ::setenv(noTelemetry, "1", 1);
+}
+
 OnnxTextRecognizer::OnnxTextRecognizer(RecognitionFiles files)
     : resources_(std::make_unique<Resources>(std::move(files))) {
-    // Builds of ONNX Runtime exist that keep a record of their use in the user's cache folder and send it home. Its own
-    // switch in the environment turns that off only when it is set before the library makes its first environment.
-    constexpr const char* noTelemetry = "ORT_DISABLE_TELEMETRY";
-    if (std::getenv(noTelemetry) == nullptr) ::setenv(noTelemetry, "1", 1);
+    forbidTelemetry();
     // From pass to pass the C library keeps the memory, which would otherwise have to be found page by page again;
     // release() gives it back. The second figure is the largest that the library takes.
     mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());

@@ -1,5 +1,5 @@
-// The text recogniser: PP-OCR networks in ONNX Runtime find and read lines of Chinese and English, Tesseract reads the
-// scripts that they can't.
+// The text recogniser: PP-OCR networks in ONNX Runtime find and read lines of Chinese, Japanese and the languages in Latin
+// letters, Tesseract reads the scripts that they don't know.
 #pragma once
 
 #include <filesystem>
@@ -11,7 +11,7 @@ namespace ovrin {
 
 // Where the recogniser's files lie.
 struct RecognitionFiles {
-    std::filesystem::path modelFolder;      // the networks and the character list
+    std::filesystem::path modelFolder;      // the networks
     std::filesystem::path tesseractFolder;  // *.traineddata
 
     // Those that came with this program: share/ovrin/models beside the executable (where it was built) or one folder
@@ -21,8 +21,11 @@ struct RecognitionFiles {
 
 class OnnxTextRecognizer : public TextRecognizer {
 public:
-    // Loads nothing yet. Changes the process environment, to keep the inference runtime from reporting on the user:
-    // made before other threads read that.
+    // Keeps the inference runtime from reporting on the user, whatever the process environment says, by changing that:
+    // call it before there is a second thread. A recogniser made without does it itself.
+    static void forbidTelemetry();
+
+    // Loads nothing yet.
     explicit OnnxTextRecognizer(RecognitionFiles files);
     ~OnnxTextRecognizer() override;
 

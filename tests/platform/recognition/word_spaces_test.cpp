@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "platform/linux/recognition/glyph_places.h"
-#include "platform/linux/recognition/letter_shapes.h"
 #include "platform/recognition/synthetic_reading.h"
 
 namespace ovrin {
@@ -60,3 +59,5 @@ TEST(GlyphPlacesTest, DashesThatTheNetworkMergedComeBack) {
     EXPECT_EQ(textOf(reading), "x---x");
 }
 
+}  // namespace
+}  // namespace ovrin

@@ -34,7 +34,9 @@ struct InferenceSession::Runtime {
         : environment(ORT_LOGGING_LEVEL_FATAL, "ovrin"),
           session(environment, modelFile.c_str(), sessionOptions()),
           inputName(session.GetInputNameAllocated(0, allocator).get()),
-          outputName(session.GetOutputNameAllocated(0, allocator).get()) {}
+          outputName(session.GetOutputNameAllocated(0, allocator).get()) {
+        environment.DisableTelemetryEvents();
+    }
 
     Ort::Env environment;
     Ort::Session session;
