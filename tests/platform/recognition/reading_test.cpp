@@ -21,7 +21,7 @@ std::string chosen(std::u32string_view text, std::size_t position, char32_t seco
 
 TEST(LetterChoiceTest, NeighboursDecideWhereTheReaderHesitates) {
     EXPECT_EQ(chosen(U"2O24", 1, U'0'), "2024");
-    EXPECT_EQ(chosen(U"heIlo", 2, U'l'), "hello");
+    EXPECT_EQ(chosen(U"HTMlX", 3, U'I'), "HTMIX");
     EXPECT_EQ(chosen(U"ネットワ-ク", 4, U'ー'), "ネットワーク");
     EXPECT_EQ(chosen(U"キヤプチャ", 1, U'ャ'), "キャプチャ");
     EXPECT_EQ(chosen(U"かつた", 1, U'っ'), "かった");

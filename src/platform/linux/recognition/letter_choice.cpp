@@ -15,8 +15,8 @@ constexpr float hesitation = 1.0F / 3;
 bool isOneOf(char32_t character, std::u32string_view set) {
     return set.find(character) != std::u32string_view::npos;
 }
-bool isLower(char32_t character) {
-    return u_islower(static_cast<UChar32>(character)) != 0;
+bool isLetter(char32_t character) {
+    return scriptOf(character) == Script::latin;
 }
 bool isUpper(char32_t character) {
     return u_isupper(static_cast<UChar32>(character)) != 0;
@@ -30,17 +30,11 @@ bool isKana(char32_t character) {
 
 // How well a character fits between its neighbours (0 at a line's end): 1 well, -1 badly, 0 neither.
 int fit(char32_t character, char32_t before, char32_t after) {
-    const bool besideDigit = isDigit(before) || isDigit(after);
-    const bool besideLetter = scriptOf(before) == Script::latin || scriptOf(after) == Script::latin;
-    if (isOneOf(character, U"01")) return besideDigit && !besideLetter ? 1 : besideLetter && !besideDigit ? -1 : 0;
-    if (isOneOf(character, U"OI")) {
-        if (besideDigit && !besideLetter) return -1;
-        return isUpper(before) && !isLower(after) ? 1 : isLower(before) && isLower(after) ? -1 : 0;
-    }
-    if (isOneOf(character, U"ol")) {
-        if (besideDigit && !besideLetter) return -1;
-        return isLower(before) && isLower(after) ? 1 : isUpper(before) && !isLower(after) ? -1 : 0;
-    }
+    const bool amongDigits = (isDigit(before) || isDigit(after)) && !isLetter(before) && !isLetter(after);
+    if (isOneOf(character, U"01")) return amongDigits ? 1 : 0;
+    // Names in programs mix cases and digits at will: only capitals on both sides tell something.
+    if (isOneOf(character, U"OI")) return amongDigits ? -1 : isUpper(before) && isUpper(after) ? 1 : 0;
+    if (isOneOf(character, U"ol")) return amongDigits || (isUpper(before) && isUpper(after)) ? -1 : 0;
     if (isOneOf(character, U"-—一|")) return isKana(before) ? -1 : 0;
     if (character == U'ー') return isKana(before) ? 1 : -1;
     // Small kana make one syllable with what stands before them.
@@ -81,10 +75,13 @@ void widenMarksByGaps(Reading& reading, double em) {
     constexpr double blankOfMark = 0.42;  // ems; a space beside a narrow mark leaves about 0.3
     constexpr double blankOfBrace = 0.5;
     bool open = false;
+    ReadCharacter* narrow = nullptr;  // an opening brace with a blank before it, until its partner shows its width
     for (std::size_t i = 0; i < reading.size(); ++i) {
         auto& character = reading[i];
         const char32_t wide = wideForm(character.code);
         if (character.code == U'（') open = true;
+        if (character.code == U'）' && narrow != nullptr) narrow->code = U'（';
+        if (character.code == U'）') narrow = nullptr;
         if (wide == character.code) continue;
         const double before = i == 0 ? 0 : (character.left - reading[i - 1].right) / em;
         const double after = i + 1 == reading.size() ? 0 : (reading[i + 1].left - character.right) / em;
@@ -96,6 +93,7 @@ void widenMarksByGaps(Reading& reading, double em) {
         } else if (character.code == U'(') {
             open = beside && before > blankOfBrace;
             if (open) character.code = wide;
+            narrow = !open && before > blankOfMark ? &character : nullptr;
         } else if (beside && after > blankOfMark) {
             character.code = wide;
         }
