@@ -1,6 +1,7 @@
 #include "platform/linux/recognition/control_marks.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <string_view>
 #include <utility>
@@ -17,10 +18,12 @@ namespace {
 // of what the network makes of icons, two in three have.
 constexpr double sureOfFew = 0.9;    // of one or two characters
 constexpr double sureOfMany = 0.75;  // of more
+constexpr double sureOfOne = 0.97;   // of a character without any other on its line
 constexpr double sureOfMark = 0.5;   // of punctuation that stands by a word
 
 // In ems. A mark of the user interface stands off the text beside it as a word does.
 constexpr double wordGap = 0.3;
+constexpr double iconGap = 0.45;  // a letter before a word stands closer
 constexpr double farFromText = 0.6;
 
 struct Word {
@@ -56,7 +59,7 @@ bool isPictorial(char32_t character) {
 // What check boxes, rings, crosses, chevrons, lenses and bars are read as.
 bool isShape(char32_t character) {
     return isPictorial(character) ||
-           std::u32string_view(U"OoQ0〇XxVv×VC口囗日目田回三二工くへ凸品吕<>〈〉《》«»^~=+-—–―_|丨丶…°*")
+           std::u32string_view(U"OoQ0〇XxVv×VCⅡ个口囗日目田回三二工くへ凸品吕<>〈〉《》«»^~=+-—–―_|丨丶…°*")
                    .find(character) != std::u32string_view::npos;
 }
 
@@ -91,16 +94,53 @@ private:
         if (allPictorial && isAtEnd) return false;
         if (letters == 0) return isPunctuation(index, isAlone, isAtEnd);
         const bool few = letters <= 2;
+        if (reading_.size() == 1) return isCharacter();
         if (confidence / letters < (few ? sureOfFew : sureOfMany)) return false;
         return !(word.size() == 1 && isAtEnd && isShape(reading_[word.first].code) && standsOut(index, isAlone));
+    }
+
+    // Is the only character of its line one, and no drawing of that shape?
+    bool isCharacter() const {
+        const ReadCharacter& character = reading_.front();
+        if (character.confidence < sureOfOne || isShape(character.code)) return false;
+        // The arms of a plus are of one length; those of 十 are not.
+        if (character.code == U'十') return std::abs(heaviestRow() - 0.5) > 0.03;
+        return true;
+    }
+
+    // Where the row with most ink lies, 0 at the top of the ink and 1 at its foot.
+    double heaviestRow() const {
+        const cv::Mat ink = piece_.ink(piece_.inkBox);
+        double sum = 0, most = 0, weighted = 0;
+        for (int y = 0; y < ink.rows; ++y) most = std::max(most, cv::sum(ink.row(y))[0]);
+        for (int y = 0; y < ink.rows; ++y) {
+            const double row = cv::sum(ink.row(y))[0];
+            if (row < 0.7 * most) continue;
+            sum += row;
+            weighted += row * (y + 0.5);
+        }
+        return sum == 0 ? 0.5 : weighted / sum / ink.rows;
     }
 
     bool isPunctuation(std::size_t index, bool isAlone, bool isAtEnd) const {
         const Word& word = words_[index];
         const bool shape = word.size() == 1 && isShape(reading_[word.first].code);
         if (isAlone) return word.size() > 1 && reading_[word.first].confidence >= sureOfFew;
-        if (isAtEnd && shape && gapBeside(index) > wordGap) return reading_[word.first].confidence > 0.95;
+        if (isAtEnd && shape && gapBeside(index) > wordGap)
+            return reading_[word.first].confidence > 0.95 && !isLargeMark(word) && !isPlusBeforeWord(word);
         return reading_[word.first].confidence >= (gapBeside(index) > farFromText ? sureOfFew : sureOfMark);
+    }
+
+    // Chevrons and the like are as high as capitals, signs are not.
+    bool isLargeMark(const Word& word) const {
+        const auto [top, bottom] = rowsOf(word);
+        return std::u32string_view(U"<>+=~^«»").find(reading_[word.first].code) != std::u32string_view::npos &&
+               bottom - top > 0.62 * piece_.em;
+    }
+
+    bool isPlusBeforeWord(const Word& word) const {
+        return reading_[word.first].code == U'+' && word.first == 0 && word.last < reading_.size() &&
+               scriptOf(reading_[word.last].code) != Script::digit;
     }
 
     // The narrower gap to a neighbouring word, in ems.
@@ -127,7 +167,7 @@ private:
         }
         const double tolerance = std::max(1.0, 0.06 * piece_.em);
         return top < textTop - tolerance || bottom > textBottom + tolerance ||
-               reading_[words_[index].first].confidence < sureOfFew || gapBeside(index) > farFromText;
+               reading_[words_[index].first].confidence < sureOfFew || gapBeside(index) > iconGap;
     }
 
     // The rows that the ink of a word covers.

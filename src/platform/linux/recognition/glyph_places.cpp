@@ -24,6 +24,12 @@ double centerOf(const ReadCharacter& character) {
     return (character.left + character.right) / 2;
 }
 
+// Readers are off by a few pixels, never by a whole character.
+double distanceCost(double pixels, double height) {
+    const double distance = std::abs(pixels) / height;
+    return 0.5 * distance + 2 * std::max(0.0, distance - 0.6);
+}
+
 // The widest that the ink of a character gets, in heights of the line.
 double widestGlyph(char32_t character) {
     if (isWide(character)) return 1.25;
@@ -95,7 +101,7 @@ void placeOnInk(Reading& reading, const LinePiece& piece) {
                 double inner = 0;
                 for (std::size_t k = 1; k < taken; ++k)
                     inner += std::max(0.0, (runs[j + k].left - runs[j + k - 1].right) / height - 0.1);
-                const double distance = 0.5 * std::abs(centerOf(reading[i]) - (span.left + span.right) / 2.0) / height;
+                const double distance = distanceCost(centerOf(reading[i]) - (span.left + span.right) / 2.0, height);
                 const bool square = isWide(reading[i].code) && scriptOf(reading[i].code) != Script::wideMark;
                 const double thin = square ? 0.4 * std::max(0.0, 0.8 - span.width() / height) : 0;
                 offer(i, j,
@@ -110,10 +116,8 @@ void placeOnInk(Reading& reading, const LinePiece& piece) {
                 const double width = runs[j].width() / static_cast<double>(together);
                 if (width < 0.15 * height) break;
                 for (std::size_t k = 0; k < together; ++k) {
-                    cost +=
-                        0.5 *
-                        std::abs(centerOf(reading[i + k]) - (runs[j].left + (static_cast<double>(k) + 0.5) * width)) /
-                        height;
+                    cost += distanceCost(
+                        centerOf(reading[i + k]) - (runs[j].left + (static_cast<double>(k) + 0.5) * width), height);
                 }
                 offer(i, j, cost, together, 1);
             }

@@ -22,6 +22,24 @@ bool isTall(const TextRegion& region, double ratio) {
     return region.slant.size.empty() && region.box.height > ratio * region.box.width;
 }
 
+// A bar alone is a capital I or the character for one, when it is as thick as letters are: a text cursor is thinner, a
+// bullet thicker, a rule longer. The network takes it for whatever has that shape.
+void nameBar(Reading& reading, const LinePiece& piece) {
+    if (piece.runs.size() != 1 || reading.size() > 1 || !piece.flatBackground || piece.inkBox.empty()) return;
+    constexpr double full = 0.65;
+    if (cv::mean(piece.ink(piece.inkBox))[0] < full * 255) return;
+    const double shape = static_cast<double>(piece.inkBox.width) / piece.inkBox.height;
+    const bool upright = piece.turn == Turn::none || piece.turn == Turn::half;
+    const bool isCapital = upright && 1 / shape > 4 && 1 / shape < 12.5;
+    const bool isOne = upright && shape > 7 && shape < 16;
+    reading.clear();
+    if (!isCapital && !isOne) return;
+    reading.push_back({.code = isCapital ? U'I' : U'一',
+                       .confidence = 0.98F,
+                       .left = static_cast<double>(piece.inkBox.x),
+                       .right = static_cast<double>(piece.inkBox.br().x)});
+}
+
 struct ReadPiece {
     LinePiece piece;
     Reading reading;
@@ -63,6 +81,11 @@ private:
         if (!isTall(region, tall)) return readTurned(region, turn);
         std::vector<Turn> turns = {Turn::counterclockwise, Turn::clockwise};
         if (!isTall(region, column)) turns.insert(turns.begin(), turn);
+        ReadPiece upright{cutLinePiece(picture_, region, turn), {}};
+        if (upright.piece.runs.size() == 1 && upright.piece.inkBox.height > tall * upright.piece.inkBox.width) {
+            upright.reading = readers_.network.read(upright.piece.color, stop_);
+            return upright;  // a single narrow glyph
+        }
         ReadPiece best;
         for (const Turn one : turns) {
             ReadPiece read = readTurned(region, one);
@@ -107,6 +130,7 @@ private:
         for (std::size_t i = 0; i < page.pieces.size(); ++i) {
             LinePiece& piece = page.pieces[i];
             Reading& reading = page.readings[i];
+            nameBar(reading, piece);
             placeOnInk(reading, piece);
             removeControlMarks(reading, piece);
             if (reading.empty()) continue;

@@ -203,7 +203,7 @@ std::vector<TextRegion> TextDetector::detect(const cv::Mat& picture, const std::
     std::vector<TextRegion> regions;
     for (const auto& contour : contours) {
         const cv::Rect core = cv::boundingRect(contour);
-        if (std::min(core.width, core.height) < 3) continue;
+        if (std::min(core.width, core.height) < 2) continue;
         const auto score = static_cast<float>(cv::mean(probability(core), mask(core))[0]);
         if (score < minimumScore) continue;
         TextRegion region = regionOf(contour, scale);

@@ -1,0 +1,241 @@
+// The recogniser on pictures that are drawn here: every fault that these found had once been in it.
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+#include <QPainterPath>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "base/error.h"
+#include "platform/linux/onnx_text_recognizer.h"
+
+namespace ovrin {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+// The drawing toolkit wants an application, though none of its windows.
+void needDrawing() {
+    static int count = 1;
+    static char name[] = "test";
+    static char* arguments[] = {name, nullptr};
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    static const QGuiApplication application(count, arguments);
+}
+
+OnnxTextRecognizer& recognizer() {
+    static OnnxTextRecognizer shared({.modelFolder = OVRIN_BINARY_DIR "/share/ovrin/models",
+                                      .tesseractFolder = RecognitionFiles::ofThisProgram().tesseractFolder});
+    return shared;
+}
+
+std::vector<TextObservation> observationsOf(const QImage& picture) {
+    const QImage pixels = picture.convertToFormat(QImage::Format_RGB32);
+    const Image image(pixels.width(), pixels.height(),
+                      {pixels.constBits(), pixels.constBits() + static_cast<std::ptrdiff_t>(pixels.sizeInBytes())});
+    return recognizer().perform({.usesLanguageCorrection = true,
+                                 .automaticallyDetectsLanguage = true,
+                                 .recognitionLanguages = {"zh-Hans", "zh-Hant", "en-US", "ja-JP", "ko-KR"}},
+                                image, {});
+}
+
+std::string read(const QImage& picture) {
+    std::string text;
+    for (const auto& observation : observationsOf(picture))
+        text += (text.empty() ? "" : "\n") + observation.candidates.front().string;
+    return text;
+}
+
+struct Look {
+    QColor paper = Qt::white;
+    QColor ink = Qt::black;
+};
+const Look dark{QColor(30, 32, 36), QColor(225, 225, 225)};
+
+class Canvas {
+public:
+    Canvas(int width, int height, Look look = {}) : image_(width, height, QImage::Format_RGB32), look_(look) {
+        needDrawing();
+        image_.fill(look.paper);
+    }
+
+    Canvas& text(int x, int baseline, const char* text, int pixels, const char* family = "Noto Sans CJK SC") {
+        QPainter painter(&image_);
+        QFont font(family);
+        font.setPixelSize(pixels);
+        painter.setFont(font);
+        painter.setPen(look_.ink);
+        painter.drawText(x, baseline, QString::fromUtf8(text));
+        return *this;
+    }
+
+    Canvas& draw(const QRectF& place, const std::function<void(QPainter&)>& draw) {
+        QPainter painter(&image_);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.translate(place.topLeft());
+        painter.scale(place.width() / 24, place.height() / 24);
+        painter.setPen(QPen(look_.ink, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        draw(painter);
+        return *this;
+    }
+
+    const QImage& image() const { return image_; }
+
+private:
+    QImage image_;
+    Look look_;
+};
+
+using Control = std::function<void(QPainter&)>;
+
+Control lines(std::vector<std::vector<QPointF>> strokes) {
+    return [strokes = std::move(strokes)](QPainter& painter) {
+        for (const auto& stroke : strokes) painter.drawPolyline(stroke.data(), static_cast<int>(stroke.size()));
+    };
+}
+
+Control filled(std::vector<QPointF> corners) {
+    return [corners = std::move(corners)](QPainter& painter) {
+        painter.setBrush(painter.pen().color());
+        painter.drawPolygon(corners.data(), static_cast<int>(corners.size()));
+    };
+}
+
+Control ring(double radius, double dot = 0, QColor fill = {}) {
+    return [=](QPainter& painter) {
+        if (fill.isValid()) painter.setBrush(fill);
+        painter.drawEllipse(QPointF(12, 12), radius, radius);
+        if (dot == 0) return;
+        painter.setBrush(painter.pen().color());
+        painter.drawEllipse(QPointF(12, 12), dot, dot);
+    };
+}
+
+Control together(std::vector<Control> parts) {
+    return [parts = std::move(parts)](QPainter& painter) {
+        for (const auto& part : parts) {
+            painter.save();
+            part(painter);
+            painter.restore();
+        }
+    };
+}
+
+Control box(double left, double top, double width, double height, QColor fill = {}) {
+    return [=](QPainter& painter) {
+        if (fill.isValid()) {
+            painter.setBrush(fill);
+            painter.setPen(Qt::NoPen);
+        }
+        painter.drawRoundedRect(QRectF(left, top, width, height), 2, 2);
+    };
+}
+
+// In a square of 24.
+const std::map<std::string, Control>& controls() {
+    const QColor blue(40, 110, 240);
+    static const Control tick = lines({{{7, 12}, {11, 16}, {18, 8}}});
+    static const std::map<std::string, Control> all = {
+        {"check box", box(3, 3, 18, 18)},
+        {"ticked box", together({box(3, 3, 18, 18), tick})},
+        {"filled ticked box", together({box(3, 3, 18, 18, blue), tick})},
+        {"tick", tick},
+        {"radio button", ring(9)},
+        {"chosen radio button", ring(9, 4)},
+        {"bullet", ring(3, 3)},
+        {"open bullet", ring(4)},
+        {"square bullet", filled({{9, 9}, {15, 9}, {15, 15}, {9, 15}})},
+        {"heart", filled({{12, 20}, {3, 11}, {3, 6}, {7, 4}, {12, 8}, {17, 4}, {21, 6}, {21, 11}})},
+        {"arrow left", lines({{{20, 12}, {4, 12}}, {{10, 6}, {4, 12}, {10, 18}}})},
+        {"arrow right", lines({{{4, 12}, {20, 12}}, {{14, 6}, {20, 12}, {14, 18}}})},
+        {"arrow up", lines({{{12, 20}, {12, 4}}, {{6, 10}, {12, 4}, {18, 10}}})},
+        {"arrow down", lines({{{12, 4}, {12, 20}}, {{6, 14}, {12, 20}, {18, 14}}})},
+        {"chevron left", lines({{{15, 5}, {8, 12}, {15, 19}}})},
+        {"chevron right", lines({{{9, 5}, {16, 12}, {9, 19}}})},
+        {"chevron up", lines({{{5, 15}, {12, 8}, {19, 15}}})},
+        {"chevron down", lines({{{5, 9}, {12, 16}, {19, 9}}})},
+        {"triangle right", filled({{8, 5}, {18, 12}, {8, 19}})},
+        {"triangle down", filled({{5, 8}, {19, 8}, {12, 18}})},
+        {"cross", lines({{{6, 6}, {18, 18}}, {{18, 6}, {6, 18}}})},
+        {"plus", lines({{{5, 12}, {19, 12}}, {{12, 5}, {12, 19}}})},
+        {"menu", lines({{{4, 6}, {20, 6}}, {{4, 12}, {20, 12}}, {{4, 18}, {20, 18}}})},
+        {"dots across", lines({{{5, 12}, {5, 12}}, {{12, 12}, {12, 12}}, {{19, 12}, {19, 12}}})},
+        {"dots down", lines({{{12, 5}, {12, 5}}, {{12, 12}, {12, 12}}, {{12, 19}, {12, 19}}})},
+        {"lens", together({lines({{{16, 16}, {21, 21}}}),
+                           [](QPainter& painter) { painter.drawEllipse(QPointF(10.5, 10.5), 7, 7); }})},
+        {"clock", together({ring(9), lines({{{12, 7}, {12, 12}, {15, 14}}})})},
+        {"information", together({ring(9), lines({{{12, 11}, {12, 16}}, {{12, 8}, {12, 8}}})})},
+        {"star", filled({{12, 3}, {14.5, 9}, {21, 9.5}, {16, 14}, {18, 20.5}, {12, 17}, {6, 20.5}, {8, 14}, {3, 9.5}, {9.5, 9}})},
+        {"pause", together({filled({{7, 5}, {9, 5}, {9, 19}, {7, 19}}), filled({{15, 5}, {17, 5}, {17, 19}, {15, 19}})})},
+        {"stop", filled({{6, 6}, {18, 6}, {18, 18}, {6, 18}})},
+        {"cursor bar", lines({{{12, 2}, {12, 22}}})},
+        {"house", lines({{{3, 12}, {12, 4}, {21, 12}}, {{6, 10}, {6, 20}, {18, 20}, {18, 10}}})},
+        {"folder", lines({{{3, 19}, {3, 5}, {9, 5}, {11, 8}, {21, 8}, {21, 19}, {3, 19}}})},
+        {"letter", together({box(3, 5, 18, 14), lines({{{3, 7}, {12, 13}, {21, 7}}})})},
+        {"person", together({lines({{{5, 21}, {6, 16}, {12, 14}, {18, 16}, {19, 21}}}),
+                             [](QPainter& painter) { painter.drawEllipse(QPointF(12, 8), 4, 4); }})},
+        {"download", lines({{{12, 3}, {12, 15}}, {{7, 10}, {12, 15}, {17, 10}}, {{4, 20}, {20, 20}}})},
+        {"emoji", together({ring(9, 0, QColor(250, 205, 60)), lines({{{9, 10}, {9, 10}}, {{15, 10}, {15, 10}}, {{8, 14}, {12, 17}, {16, 14}}})})},
+        {"logo", together({box(2, 2, 20, 20, QColor(230, 70, 50)),
+                           [](QPainter& painter) {
+                               painter.setPen(Qt::NoPen);
+                               painter.setBrush(Qt::white);
+                               painter.drawPie(QRectF(6, 6, 12, 12), 45 * 16, 270 * 16);
+                           }})},
+        {"switch", together({box(1, 6, 22, 12, QColor(50, 180, 90)),
+                             [](QPainter& painter) {
+                                 painter.setPen(Qt::NoPen);
+                                 painter.setBrush(Qt::white);
+                                 painter.drawEllipse(QPointF(17, 12), 5, 5);
+                             }})},
+    };
+    return all;
+}
+
+TEST(DrawnPicturesTest, ControlsAreNoText) {
+    ASSERT_EQ(controls().size(), 40U);
+    int alone = 0, beside = 0, drawn = 0;
+    std::string wrong;
+    for (const auto& [name, control] : controls()) {
+        for (const int size : {16, 24, 32}) {
+            for (const Look& look : {Look{}, dark}) {
+                ++drawn;
+                const QRectF place(24, 40 - size / 2.0, size, size);
+                const std::string single = read(Canvas(160, 80, look).draw(place, control).image());
+                const std::string word = size % 3 == 0 ? "Settings" : "设置";
+                const std::string both = read(Canvas(240, 80, look)
+                                                  .draw(place, control)
+                                                  .text(24 + size * 3 / 2, 40 + size * 3 / 10, word.c_str(), size * 3 / 4)
+                                                  .image());
+                alone += single.empty() ? 1 : 0;
+                beside += both == word ? 1 : 0;
+                if (!single.empty()) wrong += name + " of " + std::to_string(size) + " alone: " + single + "\n";
+                if (both != word) wrong += name + " of " + std::to_string(size) + " beside: " + both + "\n";
+            }
+        }
+    }
+    EXPECT_GE(alone, drawn) << wrong;
+    EXPECT_GE(beside, drawn) << wrong;
+}
+
+TEST(DrawnPicturesTest, ALetterOnALineOfItsOwnIsRead) {
+    std::string wrong;
+    for (const char* letter : {"A", "B", "I", "K", "R", "g", "5", "一", "十", "文", "あ"}) {
+        for (const int size : {16, 24, 40}) {
+            for (const Look& look : {Look{}, dark}) {
+                const std::string text = read(Canvas(200, 90, look).text(30, 60, letter, size).image());
+                if (text != letter) wrong += letter + (" of " + std::to_string(size)) + ": " + text + "\n";
+            }
+        }
+    }
+    EXPECT_EQ(wrong, "");
+}
+
+}  // namespace
+}  // namespace ovrin
