@@ -2,9 +2,10 @@
 """Recognition beside its peers, in one run: bench/compare_recognition.py CORPUS_DIR [RUNS]
 
 The picture is a typical capture of 960x560 pixels with ten lines, put together from two pictures of the corpus. Peers are
-@gutenye/ocr-node (the same networks under Node), installed into build/peers, and the tesseract command with
-chi_sim+eng. Warm times are those of a loaded engine, cold times those of whole processes; both are medians.
-Needs node, npm, tesseract and ImageMagick, and a release build (./run --version).
+the RapidOCR Python package with its defaults (networks of the same family), installed into build/peers, and the tesseract
+command with chi_sim+eng. Warm times are those of a loaded engine, cold times those of whole processes; both are medians.
+All pictures of the corpus are read in one process too. Needs tesseract with chi_sim, ImageMagick and a release build
+(./run --version).
 """
 import json
 import pathlib
@@ -18,15 +19,15 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 BUILD = ROOT / "build/release"
 PEERS = ROOT / "build/peers"
 
-NODE_SCRIPT = """
-import Ocr from '@gutenye/ocr-node';
-const [picture, runs] = [process.argv[2], Number(process.argv[3])];
-const ocr = await Ocr.create();
-for (let run = 0; run <= runs; run++) {
-  const start = performance.now();
-  await ocr.detect(picture);
-  console.log(performance.now() - start);
-}
+PEER_SCRIPT = """
+import sys, time
+from rapidocr import RapidOCR
+engine, runs, pictures = RapidOCR(), int(sys.argv[1]), sys.argv[2:]
+for run in range(runs + 1):
+    start = time.monotonic()
+    for picture in pictures:
+        engine(picture)
+    print("time", (time.monotonic() - start) * 1000)
 """
 
 
@@ -35,12 +36,11 @@ def output_of(*command):
 
 
 def install_peers():
-    if not (PEERS / "node_modules/@gutenye/ocr-node").exists():
-        PEERS.mkdir(parents=True, exist_ok=True)
-        (PEERS / "package.json").write_text(json.dumps({"private": True, "type": "module"}))
-        subprocess.run(["npm", "install", "--ignore-scripts", "--no-audit", "--no-fund", "@gutenye/ocr-node@1.4.8"],
-                       cwd=PEERS, check=True, stdout=subprocess.DEVNULL)
-    (PEERS / "warm.mjs").write_text(NODE_SCRIPT)
+    if not (PEERS / "bin/rapidocr").exists():
+        PEERS.parent.mkdir(parents=True, exist_ok=True)
+        subprocess.run([sys.executable, "-m", "venv", PEERS], check=True)
+        subprocess.run([PEERS / "bin/pip", "install", "--quiet", "rapidocr==3.10.0", "onnxruntime==1.32.0"], check=True)
+    (PEERS / "warm.py").write_text(PEER_SCRIPT)
 
 
 def typical_capture(corpus):
@@ -50,14 +50,19 @@ def typical_capture(corpus):
     return picture
 
 
-def warm_ovrin(picture, runs):
-    subprocess.run([ROOT / "tools/build", "release", "recognize_lines"], check=True)
-    text = output_of(BUILD / "recognize_lines", "--times", str(runs + 1), picture)
-    return [float(ms) for ms in re.findall(r": ([0-9.]+) ms", text)][1:]
+def warm_ovrin(pictures, runs):
+    """Each run reads all pictures in one process that has read one before."""
+    folder = ROOT / "build/compare-recognition"
+    folder.mkdir(parents=True, exist_ok=True)
+    truth = [{"image": str(picture), "lang": "any", "lines": []} for picture in pictures]
+    (folder / "truth.json").write_text(json.dumps(truth))
+    subprocess.run([ROOT / "tools/build", "release", "ovrin_score"], check=True)
+    return [float(output_of(BUILD / "ovrin_score", folder, folder / "out").split()[-1]) for _ in range(runs)]
 
 
-def warm_node(picture, runs):
-    return [float(line) for line in output_of("node", PEERS / "warm.mjs", picture, str(runs)).split()][1:]
+def warm_peer(pictures, runs):
+    text = output_of(PEERS / "bin/python", PEERS / "warm.py", str(runs), *pictures)
+    return [float(ms) for ms in re.findall(r"time ([0-9.]+)", text)][1:]
 
 
 def cold(command, runs):
@@ -87,8 +92,8 @@ def main():
     ovrin = [BUILD / "ovrin", "recognize", picture]
     tesseract = ["tesseract", picture, "-", "-l", "chi_sim+eng"]
 
-    rows = [("ovrin, warm", warm_ovrin(picture, runs), None),
-            ("@gutenye/ocr-node, warm", warm_node(picture, runs), 0.5),
+    rows = [("ovrin, warm", warm_ovrin([picture], runs), None),
+            ("RapidOCR, warm", warm_peer([picture], runs), None),
             ("ovrin recognize, cold", cold(ovrin, runs), None),
             ("tesseract chi_sim+eng, cold", cold(tesseract, runs), None)]
     warm = statistics.median(rows[0][1])
@@ -96,6 +101,10 @@ def main():
     for name, times, _ in rows:
         median = statistics.median(times)
         print(f"{name:32} {median:6.0f} ms {min(times):6.0f} ms {max(times):6.0f} ms   {warm / median:.2f}")
+    pictures = [corpus / item["image"] for item in json.loads((corpus / "truth.json").read_text())]
+    ours, theirs = warm_ovrin(pictures, 3), warm_peer(pictures, 1)
+    print(f"all {len(pictures)} pictures in one process: {statistics.median(ours):.0f} ms, RapidOCR "
+          f"{statistics.median(theirs):.0f} ms, {statistics.median(ours) / statistics.median(theirs):.2f} of it")
     tiled = ROOT / "build/text-4k.png"
     output_of("montage", *[picture] * 12, "-tile", "3x4", "-geometry", "1280x540+0+0", tiled)
     for name, path in (("4K, few large lines", large), ("4K full of text", tiled)):

@@ -1,4 +1,7 @@
 // Scores the text recogniser on a folder of pictures with their truth; tools/score says how.
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -9,9 +12,6 @@
 #include <string>
 #include <vector>
 
-#include <QGuiApplication>
-#include <QImage>
-#include <QPainter>
 #include <nlohmann/json.hpp>
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
@@ -28,9 +28,9 @@ using Characters = std::map<char32_t, int>;
 
 // What is compared: without white space, with typographic and full-width forms made plain.
 std::u32string plain(const std::string& text) {
-    static const std::map<char32_t, const char16_t*> forms = {
-        {U'“', u"\""}, {U'”', u"\""}, {U'‘', u"'"}, {U'’', u"'"},   {U'—', u"-"},
-        {U'–', u"-"},  {U'−', u"-"},  {U'·', u"."}, {U'…', u"..."}, {U'×', u"x"}};
+    static const std::map<char32_t, const char16_t*> forms = {{U'“', u"\""},  {U'”', u"\""}, {U'‘', u"'"}, {U'’', u"'"},
+                                                              {U'—', u"-"},   {U'–', u"-"},  {U'−', u"-"}, {U'·', u"."},
+                                                              {U'…', u"..."}, {U'×', u"x"}};
     UErrorCode status = U_ZERO_ERROR;
     icu::UnicodeString result;
     const auto source = icu::UnicodeString::fromUTF8(text);
@@ -172,10 +172,11 @@ Figures scored(OnnxTextRecognizer& recognizer, const Truth& truth, const fs::pat
     const std::vector<char> bytes{std::istreambuf_iterator<char>(input), {}};
     const Image image = LinuxImageDecoder().decode(std::as_bytes(std::span(bytes)));
     const auto start = std::chrono::steady_clock::now();
-    const auto observations = recognizer.perform({.usesLanguageCorrection = true,
-                                                  .automaticallyDetectsLanguage = true,
-                                                  .recognitionLanguages = {"zh-Hans", "zh-Hant", "en-US", "ja-JP", "ko-KR"}},
-                                                 image, {});
+    const auto observations =
+        recognizer.perform({.usesLanguageCorrection = true,
+                            .automaticallyDetectsLanguage = true,
+                            .recognitionLanguages = {"zh-Hans", "zh-Hant", "en-US", "ja-JP", "ko-KR"}},
+                           image, {});
     Figures figures;
     figures.milliseconds = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
     figures.pictures = 1;

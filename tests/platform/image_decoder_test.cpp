@@ -88,8 +88,9 @@ TEST(ImageDecoderTest, LightDrawingsOnTransparencyLieOnBlack) {
 
 // The same JPEG with a note of how the camera was held.
 std::vector<std::byte> withOrientation(std::vector<std::byte> jpeg, std::uint8_t orientation) {
-    const std::vector<std::uint8_t> note = {0xff, 0xe1, 0, 34,   'E', 'x', 'i', 'f', 0, 0, 'M', 'M',         0, 42, 0, 0, 0, 8,
-                                            0,    1,    1, 0x12, 0,   3,   0,   0,   0, 1, 0,   orientation, 0, 0,  0, 0, 0, 0};
+    const std::vector<std::uint8_t> note = {0xff, 0xe1, 0, 34, 'E', 'x',         'i', 'f', 0, 0,    'M', 'M',
+                                            0,    42,   0, 0,  0,   8,           0,   1,   1, 0x12, 0,   3,
+                                            0,    0,    0, 1,  0,   orientation, 0,   0,   0, 0,    0,   0};
     const auto bytes = std::as_bytes(std::span(note));
     jpeg.insert(jpeg.begin() + 2, bytes.begin(), bytes.end());
     return jpeg;
@@ -135,8 +136,7 @@ TEST(ImageDecoderTest, DepthsAndPalettesComeOutAsColor) {
 TEST(ImageDecoderTest, NamesWhatIsNoPicture) {
     EXPECT_EQ(failureOf({}), "图片文件是空的。");
     EXPECT_EQ(failureOf(std::vector<std::byte>(5)), "文件不是图片，或是无法识别的图片格式。");
-    EXPECT_EQ(failureOf(std::vector<std::byte>(500, std::byte{'a'})),
-              "文件不是图片，或是无法识别的图片格式。");
+    EXPECT_EQ(failureOf(std::vector<std::byte>(500, std::byte{'a'})), "文件不是图片，或是无法识别的图片格式。");
 }
 
 TEST(ImageDecoderTest, RefusesPicturesThatBreakOff) {

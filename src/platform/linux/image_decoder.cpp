@@ -134,8 +134,8 @@ std::span<const l_uint8> cameraTags(std::span<const l_uint8> file, l_int32 forma
     const auto at = static_cast<std::size_t>(found.begin() - file.begin());
     if (found.empty() || at < 4 || at + 8 > file.size()) return {};
     const auto body = file.subspan(format == IFF_PNG ? at + 4 : at + 8);
-    return std::equal(mark.begin(), mark.end(), body.begin(), body.begin() + static_cast<std::ptrdiff_t>(
-                                                                  std::min(mark.size(), body.size())))
+    return std::equal(mark.begin(), mark.end(), body.begin(),
+                      body.begin() + static_cast<std::ptrdiff_t>(std::min(mark.size(), body.size())))
                ? body.subspan(mark.size())
                : body;
 }
@@ -148,8 +148,7 @@ int orientationOf(std::span<const l_uint8> tags) {
     const bool littleEndian = tags[0] == 'I';
     const auto number = [&](std::size_t at, std::size_t bytes) {
         std::size_t value = 0;
-        for (std::size_t i = 0; i < bytes; ++i)
-            value = value << 8 | tags[littleEndian ? at + bytes - 1 - i : at + i];
+        for (std::size_t i = 0; i < bytes; ++i) value = value << 8 | tags[littleEndian ? at + bytes - 1 - i : at + i];
         return value;
     };
     const std::size_t directory = number(4, 4);

@@ -14,8 +14,8 @@ public:
     // Leptonica writes its complaints to standard error unless told not to, process-wide.
     LinuxImageDecoder();
 
-    // Transparent parts come out as if they lay on white paper, or on black where what is drawn on them is light, so that
-    // text on them stays readable. A photo is turned as its camera noted that it was held.
+    // Transparent parts come out as if they lay on white paper, or on black where what is drawn on them is light, so
+    // that text on them stays readable. A photo is turned as its camera noted that it was held.
     Image decode(std::span<const std::byte> bytes) const override;
 };
 

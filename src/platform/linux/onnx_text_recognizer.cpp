@@ -17,8 +17,8 @@
 #include "platform/linux/recognition/library_pages.h"
 #include "platform/linux/recognition/page_reader.h"
 #include "platform/linux/recognition/parallel.h"
-#include "platform/linux/recognition/tesseract_reader.h"
 #include "platform/linux/recognition/reading_order.h"
+#include "platform/linux/recognition/tesseract_reader.h"
 
 namespace ovrin {
 namespace {
@@ -155,8 +155,8 @@ private:
 };
 
 void OnnxTextRecognizer::forbidTelemetry() {
-    // Builds of ONNX Runtime keep a record of their use in the user's cache folder and send it home. Their own switch in
-    // the environment is read when the library makes its first environment.
+    // Builds of ONNX Runtime keep a record of their use in the user's cache folder and send it home. Their own switch
+    // in the environment is read when the library makes its first environment.
     constexpr const char* noTelemetry = "ORT_DISABLE_TELEMETRY";
     const char* value = std::getenv(noTelemetry);
     if (value == nullptr || std::string_view(value) != "1") ::setenv(noTelemetry, "1", 1);
@@ -187,7 +187,8 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
         if (isWanted(*reader, request)) secondReaders.push_back(reader.get());
     }
     const Page page = readPage(
-        picture, {.detector = *models.detector, .network = *models.lineRecognizer, .secondReaders = secondReaders}, stop);
+        picture, {.detector = *models.detector, .network = *models.lineRecognizer, .secondReaders = secondReaders},
+        stop);
     return observations(page, image);
 }
 

@@ -1,5 +1,5 @@
-// The text recogniser: PP-OCR networks in ONNX Runtime find and read lines of Chinese, Japanese and the languages in Latin
-// letters, Tesseract reads the scripts that they don't know.
+// The text recogniser: PP-OCR networks in ONNX Runtime find and read lines of Chinese, Japanese and the languages in
+// Latin letters, Tesseract reads the scripts that they don't know.
 #pragma once
 
 #include <filesystem>

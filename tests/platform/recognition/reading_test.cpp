@@ -32,7 +32,8 @@ TEST(LetterChoiceTest, NeighboursDecideWhereTheReaderHesitates) {
 }
 
 TEST(LetterChoiceTest, WhatTheReaderIsSureOfStays) {
-    for (const auto* text : {U"LinkedIn", U"parseInt", U"userId", U"getInstance", U"HCl", U"McIntyre", U"deadb0ef", U"file0name"}) {
+    for (const auto* text :
+         {U"LinkedIn", U"parseInt", U"userId", U"getInstance", U"HCl", U"McIntyre", U"deadb0ef", U"file0name"}) {
         Reading reading = readingOf(text, 0, 10);
         for (auto& character : reading) {
             character.second = U'l';

@@ -14,8 +14,7 @@
 namespace ovrin {
 namespace {
 
-// Measured on the words of 29 screenshots of strangers: of text, one word in a thousand has less confidence than this;
-// of what the network makes of icons, two in three have.
+// Mean confidence of a word. Chosen on 29 screenshots of strangers and on forty drawn controls.
 constexpr double sureOfFew = 0.9;    // of one or two characters
 constexpr double sureOfMany = 0.75;  // of more
 constexpr double sureOfOne = 0.97;   // of a character without any other on its line
@@ -46,8 +45,8 @@ bool isLetter(const ReadCharacter& character) {
     return script != Script::mark && script != Script::wideMark;
 }
 
-// Arrows, boxes, bullets, stars, emoji: drawn things that Unicode has a place for. Signs that belong to a text (°, ©, ℃,
-// №) are none.
+// Arrows, boxes, bullets, stars, emoji: drawn things that Unicode has a place for. Signs that belong to a text (°, ©,
+// ℃, №) are none.
 bool isPictorial(char32_t character) {
     if (character == U'•' || character == U'·' || character == U'√' || character == U'≡') return true;
     if (character < 0x2190) return false;
@@ -148,8 +147,7 @@ private:
         const Word& word = words_[index];
         double gap = 1000;
         if (word.first > 0) gap = std::min(gap, reading_[word.first].left - reading_[word.first - 1].right);
-        if (word.last < reading_.size())
-            gap = std::min(gap, reading_[word.last].left - reading_[word.last - 1].right);
+        if (word.last < reading_.size()) gap = std::min(gap, reading_[word.last].left - reading_[word.last - 1].right);
         return gap / piece_.em;
     }
 

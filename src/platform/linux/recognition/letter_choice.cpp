@@ -38,9 +38,12 @@ int fit(char32_t character, char32_t before, char32_t after) {
     if (isOneOf(character, U"-—一|")) return isKana(before) ? -1 : 0;
     if (character == U'ー') return isKana(before) ? 1 : -1;
     // Small kana make one syllable with what stands before them.
-    if (isOneOf(character, U"ゃゅょャュョ")) return isOneOf(before, U"きぎしじちにひびぴみりキギシジチニヒビピミリ") ? 1 : -1;
+    if (isOneOf(character, U"ゃゅょャュョ"))
+        return isOneOf(before, U"きぎしじちにひびぴみりキギシジチニヒビピミリ") ? 1 : -1;
     if (isOneOf(character, U"っッ"))
-        return isKana(before) && isOneOf(after, U"かきくけこさしすせそたちつてとぱぴぷぺぽカキクケコサシスセソタチツテトパピプペポドグ")
+        return isKana(before) &&
+                       isOneOf(after,
+                               U"かきくけこさしすせそたちつてとぱぴぷぺぽカキクケコサシスセソタチツテトパピプペポドグ")
                    ? 1
                    : -1;
     return 0;

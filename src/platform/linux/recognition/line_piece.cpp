@@ -11,10 +11,10 @@ namespace ovrin {
 namespace {
 
 constexpr int levelsPerChannel = 8;
-constexpr double flatShare = 0.3;    // of the pixels that have about the background's colour, text being the rest
-constexpr double sideShare = 0.4;     // of the height, background beside the text: less costs words at their ends
-constexpr double tallestBox = 1.7;    // times the ink's height; a higher box has been stretched by its neighbours
-constexpr int inkLevel = 96;         // of 255: from here on a pixel belongs to a stroke
+constexpr double flatShare = 0.3;   // of the pixels that have about the background's colour, text being the rest
+constexpr double sideShare = 0.4;   // of the height, background beside the text: less costs words at their ends
+constexpr double tallestBox = 1.7;  // times the ink's height; a higher box has been stretched by its neighbours
+constexpr int inkLevel = 96;        // of 255: from here on a pixel belongs to a stroke
 
 struct Background {
     cv::Scalar color;

@@ -33,8 +33,8 @@ struct LinePiece {
     double glyphHeight() const { return inkBox.height > 0 ? inkBox.height : std::max(1, color.rows); }
 };
 
-// Cuts the text that was found in the region out of a picture of four bytes a pixel, upright once it is turned. Parts of
-// other lines are painted over; ink that the region's sides cut through, or leave just outside, is taken in.
+// Cuts the text that was found in the region out of a picture of four bytes a pixel, upright once it is turned. Parts
+// of other lines are painted over; ink that the region's sides cut through, or leave just outside, is taken in.
 LinePiece cutLinePiece(const cv::Mat& picture, const TextRegion& region, Turn turn = Turn::none);
 
 }  // namespace ovrin

@@ -58,7 +58,8 @@ int cutColumn(const cv::Mat& line) {
     for (int x = line.cols / 4; x < line.cols * 3 / 4; ++x) {
         double least = 0, most = 0;
         cv::minMaxLoc(line.col(x).clone().reshape(1), &least, &most);
-        constexpr double plain = 40;  // levels of 255 between the darkest and the lightest, compression's noise included
+        constexpr double plain =
+            40;  // levels of 255 between the darkest and the lightest, compression's noise included
         run = most - least < plain ? run + 1 : 0;
         if (run > widest) {
             widest = run;

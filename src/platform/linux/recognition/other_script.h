@@ -17,7 +17,7 @@ double unexplainedInk(const Reading& reading, const LinePiece& piece, const Colu
 
 // Replaces readings of the network (one for each piece) by those of the second reader where the picture shows that they
 // are right. Words go over as a whole, but for endings right behind a word in Latin letters.
-void readOtherScript(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces, const LineRecognizer& network,
-                     SecondReader& reader, const std::stop_token& stop);
+void readOtherScript(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces,
+                     const LineRecognizer& network, SecondReader& reader, const std::stop_token& stop);
 
 }  // namespace ovrin

@@ -7,15 +7,15 @@
 #include "platform/linux/recognition/control_marks.h"
 #include "platform/linux/recognition/glyph_places.h"
 #include "platform/linux/recognition/letter_choice.h"
-#include "platform/linux/recognition/parallel.h"
 #include "platform/linux/recognition/other_script.h"
+#include "platform/linux/recognition/parallel.h"
 #include "platform/linux/recognition/word_spaces.h"
 
 namespace ovrin {
 namespace {
 
-constexpr double tall = 1.5;   // times as high as wide: a column, or a line of a page that lies on its side
-constexpr double column = 3;   // so high it is no single character
+constexpr double tall = 1.5;      // times as high as wide: a column, or a line of a page that lies on its side
+constexpr double column = 3;      // so high it is no single character
 constexpr double doubtful = 0.8;  // below, a line may be turned otherwise
 
 bool isTall(const TextRegion& region, double ratio) {

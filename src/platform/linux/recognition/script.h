@@ -7,7 +7,8 @@ namespace ovrin {
 
 enum class Script { latin, digit, han, kana, hangul, cyrillic, greek, thai, arabic, devanagari, wideMark, mark };
 
-// latin: letters of every alphabet that has no name of its own here; wideMark: punctuation as wide as a Chinese character; mark: everything else.
+// latin: letters of every alphabet that has no name of its own here; wideMark: punctuation as wide as a Chinese
+// character; mark: everything else.
 Script scriptOf(char32_t character);
 
 // Han, kana, hangul and wide marks: characters that fill a square.

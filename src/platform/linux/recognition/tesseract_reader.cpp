@@ -25,14 +25,14 @@ struct Language {
     Script script;
 };
 
-constexpr Language languages[] = {{"ko", "kor", Script::hangul},   {"ru", "rus", Script::cyrillic},
-                                  {"el", "ell", Script::greek},    {"th", "tha", Script::thai},
-                                  {"ar", "ara", Script::arabic},   {"hi", "hin", Script::devanagari}};
+constexpr Language languages[] = {{"ko", "kor", Script::hangul}, {"ru", "rus", Script::cyrillic},
+                                  {"el", "ell", Script::greek},  {"th", "tha", Script::thai},
+                                  {"ar", "ara", Script::arabic}, {"hi", "hin", Script::devanagari}};
 
 // Grey, dark on light.
 cv::Mat preparedPicture(const LinePiece& piece, const ColumnRun& columns, double scale) {
     cv::Mat grey;
-    if (piece.flatBackground ) {
+    if (piece.flatBackground) {
         grey = 255 - piece.ink.colRange(columns.left, columns.right);
     } else {
         cv::cvtColor(piece.color.colRange(columns.left, columns.right), grey, cv::COLOR_BGR2GRAY);

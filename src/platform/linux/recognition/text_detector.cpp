@@ -27,8 +27,8 @@ constexpr int largeArea = 200'000;  // pixels; in less, the glance costs more th
 constexpr float textThreshold = 0.3F;
 constexpr float minimumScore = 0.5F;
 constexpr double growth = 1.6;  // the network marks a shrunken core of each line
-// Lines that run aslant by less than both of these are read as they are: the ends of the line stand off by this share of
-// its height, and its angle in degrees.
+// Lines that run aslant by less than both of these are read as they are: the ends of the line stand off by this share
+// of its height, and its angle in degrees.
 constexpr double slantedDrift = 0.5;
 constexpr double slantedDegrees = 2;
 

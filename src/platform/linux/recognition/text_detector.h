@@ -13,9 +13,9 @@ namespace ovrin {
 
 // A piece of one line. Pixels of the whole picture, origin at its upper-left corner.
 struct TextRegion {
-    cv::Rect box;          // upright, around the text
+    cv::Rect box;           // upright, around the text
     cv::RotatedRect slant;  // of a line that runs aslant: its own box, the angle within 45 degrees; else of no size
-    float score = 0;       // 0..1, how sure the network is that this is text
+    float score = 0;        // 0..1, how sure the network is that this is text
 };
 
 class TextDetector {
