@@ -32,8 +32,10 @@ void needDrawing() {
 }
 
 OnnxTextRecognizer& recognizer() {
-    static OnnxTextRecognizer shared({.modelFolder = OVRIN_BINARY_DIR "/share/ovrin/models",
-                                      .tesseractFolder = RecognitionFiles::ofThisProgram().tesseractFolder});
+    // Never destroyed: Tesseract's own statics, which came later, go first.
+    static OnnxTextRecognizer& shared =
+        *new OnnxTextRecognizer({.modelFolder = OVRIN_BINARY_DIR "/share/ovrin/models",
+                                 .tesseractFolder = RecognitionFiles::ofThisProgram().tesseractFolder});
     return shared;
 }
 

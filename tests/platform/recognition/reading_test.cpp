@@ -65,7 +65,7 @@ TEST(ControlMarksTest, DrawnThingsAndDoubtfulOnesBesideAWordAreNoText) {
 }
 
 TEST(ControlMarksTest, ALetterAloneIsText) {
-    for (const char32_t character : {U'A', U'I', U'一', U'十', U'5'}) {
+    for (const char32_t character : {U'A', U'I', U'一', U'文', U'5'}) {
         Reading reading = {{character, 0.98F, 0, 10, 0}};
         removeControlMarks(reading, pieceOf({{0, 10}}, 16));
         EXPECT_EQ(reading.size(), 1U) << static_cast<unsigned>(character);

@@ -29,7 +29,8 @@ const RecognitionFiles& recognitionFiles() {
 }
 
 OnnxTextRecognizer& sharedRecognizer() {
-    static OnnxTextRecognizer recognizer(recognitionFiles());
+    // Never destroyed: Tesseract's own statics, which came later, go first.
+    static OnnxTextRecognizer& recognizer = *new OnnxTextRecognizer(recognitionFiles());
     return recognizer;
 }
 
