@@ -77,6 +77,7 @@ void chooseByNeighbours(Reading& reading) {
 void widenMarksByGaps(Reading& reading, double em) {
     constexpr double blankOfMark = 0.42;  // ems; a space beside a narrow mark leaves about 0.3
     constexpr double blankOfBrace = 0.5;
+    constexpr double blankOfPair = 0.33;  // where the partner is wide
     bool open = false;
     ReadCharacter* narrow = nullptr;  // an opening brace with a blank before it, until its partner shows its width
     for (std::size_t i = 0; i < reading.size(); ++i) {
@@ -96,7 +97,7 @@ void widenMarksByGaps(Reading& reading, double em) {
         } else if (character.code == U'(') {
             open = beside && before > blankOfBrace;
             if (open) character.code = wide;
-            narrow = !open && before > blankOfMark ? &character : nullptr;
+            narrow = !open && before > blankOfPair ? &character : nullptr;
         } else if (beside && after > blankOfMark) {
             character.code = wide;
         }
