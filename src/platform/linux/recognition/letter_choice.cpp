@@ -80,19 +80,25 @@ void widenMarksByGaps(Reading& reading, double em) {
     constexpr double blankOfPair = 0.33;  // where the partner is wide
     bool open = false;
     ReadCharacter* narrow = nullptr;  // an opening brace with a blank before it, until its partner shows its width
+    const auto widenPartner = [&] {
+        if (narrow != nullptr) narrow->code = U'（';
+        narrow = nullptr;
+    };
     for (std::size_t i = 0; i < reading.size(); ++i) {
         auto& character = reading[i];
         const char32_t wide = wideForm(character.code);
         if (character.code == U'（') open = true;
-        if (character.code == U'）' && narrow != nullptr) narrow->code = U'（';
-        if (character.code == U'）') narrow = nullptr;
+        if (character.code == U'）') widenPartner();
         if (wide == character.code) continue;
         const double before = i == 0 ? 0 : (character.left - reading[i - 1].right) / em;
         const double after = i + 1 == reading.size() ? 0 : (reading[i + 1].left - character.right) / em;
         const bool beside =
             (i > 0 && isEastAsian(reading[i - 1].code)) || (i + 1 < reading.size() && isEastAsian(reading[i + 1].code));
         if (character.code == U')') {
-            if (open || (beside && after > blankOfBrace)) character.code = wide;
+            if (open || (beside && after > blankOfBrace)) {
+                character.code = wide;
+                widenPartner();
+            }
             open = false;
         } else if (character.code == U'(') {
             open = beside && before > blankOfBrace;
