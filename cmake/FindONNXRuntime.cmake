@@ -14,6 +14,12 @@ function(_onnxruntime_version header variable)
 endfunction()
 
 set(ONNXRuntime_BUNDLED FALSE)
+# A build folder remembers where the files were; those may have gone since.
+foreach(_remembered ONNXRuntime_INCLUDE_DIR ONNXRuntime_LIBRARY)
+  if(${_remembered} AND NOT EXISTS "${${_remembered}}")
+    unset(${_remembered} CACHE)
+  endif()
+endforeach()
 find_path(ONNXRuntime_INCLUDE_DIR onnxruntime_cxx_api.h PATH_SUFFIXES onnxruntime onnxruntime/core/session)
 find_library(ONNXRuntime_LIBRARY onnxruntime)
 if(ONNXRuntime_INCLUDE_DIR AND ONNXRuntime_LIBRARY)
