@@ -47,6 +47,7 @@
 #include "platform/linux/qt/qt_main_loop.h"
 #include "platform/linux/qt/recent_windows.h"
 #include "platform/linux/qt/termination_signals.h"
+#include "platform/linux/qt/window_memory.h"
 #include "platform/linux/qt/x11_screen_capture.h"
 #include "platform/linux/qt/x11_window.h"
 #include "platform/linux/speech_service.h"
@@ -205,6 +206,7 @@ private:
     FreedesktopNotificationCenter notifications_;
     AutostartLoginItem loginItem_{Environment::ofProcess(), ownExecutable()};
     RecentWindows recentWindows_;
+    WindowMemory windowMemory_{[this] { return recentWindows_.lastUsed() != nullptr; }};
 
     // Windows and flows.
     ToastWindow toasts_{loop_, [this](const std::string& message, OVIcon icon) { return makeToast(message, icon); }};

@@ -94,8 +94,8 @@ private:
     HistoryRecords found_;  // by the last search that was completed
     Subscription changes_;
     std::unique_ptr<FileWatch> watch_;  // while the window is visible
-    WorkerExecutor worker_{1};
-    TaskSlot search_;  // the last members: they end before what they use
+    WorkerExecutor worker_{2};          // a search does not wait for a slow disk
+    TaskSlot search_;                   // the last members: they end before what they use
     TaskSlot refresh_;
 };
 
