@@ -30,8 +30,10 @@ constexpr int shadow = 32;  // pixels around a window
 
 class PictureSet {
 public:
-    PictureSet(fs::path folder, std::string appearance)
-        : folder_(std::move(folder)), appearance_(std::move(appearance)) {}
+    enum class ModelService { inEnvironment, unknown };
+
+    PictureSet(fs::path folder, std::string appearance, ModelService modelService)
+        : folder_(std::move(folder)), appearance_(std::move(appearance)), modelService_(modelService) {}
 
     void take() {
         takeSelectionAndToast();
@@ -44,6 +46,17 @@ public:
         takeHistory();
         takeUpdates();
         takeChat();
+    }
+
+    // As somebody sees them who has not set anything yet.
+    void takeSettings() {
+        for (const char* const page : {"general", "service", "shortcuts", "advanced", "about"}) {
+            assistant_.run({"do", "settings", page});
+            const DesktopWindow window = user_.waitForWindow({.program = program, .width = 820, .height = 660});
+            user_.waitUntilActive(window.id);
+            user_.moveTo({.x = 4, .y = 4});
+            saveWindow(std::string("settings-") + page, window);
+        }
     }
 
 private:
@@ -211,6 +224,7 @@ private:
 
     const fs::path folder_;
     const std::string appearance_;
+    const ModelService modelService_;
     PracticeService service_;
     PracticeUpdates updates_{"1.0-12", releaseNotes, std::size_t{38} << 20U};
     PrivateDesktop desktop_{{.accessibility = PrivateDesktop::Accessibility::on}};
@@ -220,7 +234,7 @@ private:
     Assistant assistant_{desktop_,
                          user_,
                          {.program = OVRIN_BINARY_DIR "/ovrin_updating",
-                          .serviceURL = service_.baseURL(),
+                          .serviceURL = modelService_ == ModelService::inEnvironment ? service_.baseURL() : "",
                           .preferences = {{"ovrin.appearanceMode", appearance_}},
                           .environment = updates_.environment()}};
 };
@@ -236,7 +250,9 @@ int main(int count, char** arguments) {
     try {
         std::filesystem::create_directories(arguments[1]);
         for (const char* const appearance : {"light", "dark"}) {
-            ovrin::PictureSet(arguments[1], appearance).take();
+            using Pictures = ovrin::PictureSet;
+            Pictures(arguments[1], appearance, Pictures::ModelService::inEnvironment).take();
+            Pictures(arguments[1], appearance, Pictures::ModelService::unknown).takeSettings();
         }
         return EXIT_SUCCESS;
     } catch (const std::exception& error) {

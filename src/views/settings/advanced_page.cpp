@@ -93,7 +93,8 @@ void AdvancedPage::askToClearHistory() {
                                .informativeText = QStringLiteral("清除后无法恢复"),
                                .dismissButton = QStringLiteral("取消")},
                               *this);
-    alert->addChoice(QStringLiteral("清除"), [this] { viewModel_.clearHistory(); });
+    alert->addChoice(
+        QStringLiteral("清除"), [this] { viewModel_.clearHistory(); }, OVAlert::Choice::destructive);
     alert->present();
 }
 

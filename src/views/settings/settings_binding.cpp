@@ -18,7 +18,13 @@ void SettingsBinding::text(OVTextField& control, const SettingsField<std::string
 }
 
 void SettingsBinding::text(OVTextEditor& control, const SettingsField<std::string>& field, EditText edit) {
-    watch(field.value(), [&control](const std::string& value) { control.replaceText(toQString(value)); });
+    watch(field.value(), [&control](const std::string& value) {
+        const QString text = toQString(value);
+        if (text == control.toPlainText()) return;
+        control.replaceText(text);
+        if (!control.hasFocus()) control.moveCursor(QTextCursor::Start);  // which shows its beginning
+    });
+    control.document()->clearUndoRedoStacks();  // what was stored is no edit
     QObject::connect(&control, &QTextEdit::textChanged, &control, [&control, &field, edit = std::move(edit)] {
         const std::string text = control.toPlainText().toStdString();
         if (text != field.value().value()) edit(text);
