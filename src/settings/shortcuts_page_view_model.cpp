@@ -1,5 +1,7 @@
 #include "settings/shortcuts_page_view_model.h"
 
+#include "base/watch.h"
+
 namespace ovrin {
 
 using KeyboardShortcuts::RecorderRules;
@@ -16,14 +18,16 @@ std::optional<std::string> reason(const RegistrationState& state) {
 }  // namespace
 
 ShortcutRow::ShortcutRow(Registry& registry, OvShortcut shortcut, const RecorderRules& rules)
-    : shortcut_(shortcut), recorder_(registry, name(shortcut), rules) {
-    const auto& state = registry.registrationState(name(shortcut));
-    refusal_.set(reason(state.value()));
-    states_ = state.onDidChange([this](const RegistrationState& changed) { refusal_.set(reason(changed)); });
-}
+    : shortcut_(shortcut), recorder_(registry, name(shortcut), rules) {}
 
 ShortcutsPageViewModel::ShortcutsPageViewModel(Registry& registry, const RecorderRules& rules) : registry_(registry) {
-    for (const auto shortcut : allOvShortcuts) rows_.emplace_back(registry, shortcut, rules);
+    for (const auto shortcut : allOvShortcuts) {
+        ShortcutRow& row = rows_.emplace_back(registry, shortcut, rules);
+        row.states_ = watch(registry.registrationState(name(shortcut)), [this, &row](const RegistrationState& state) {
+            row.refusal_.set(reason(state));
+            row.sharing_.set(sharing(row));
+        });
+    }
     compareRows();
     changes_ = registry_.shortcutByNameDidChange().onDidChange([this](const auto&) { compareRows(); });
 }
@@ -45,7 +49,7 @@ std::optional<std::string> ShortcutsPageViewModel::sharing(const ShortcutRow& ro
         others.append(others.empty() ? "“" : "、“").append(title(other.shortcut())).append("”");
     }
     if (others.empty()) return std::nullopt;
-    return "与" + others + "相同，按下时一起执行。";
+    return "与" + others + (row.refusal().value() ? "相同。" : "相同，按下时一起执行。");
 }
 
 }  // namespace ovrin

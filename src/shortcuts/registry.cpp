@@ -265,7 +265,7 @@ RegistrationState Registry::currentState(const Name& name) const {
 
 // Those who hear of a state may change the registry, and make names known.
 void Registry::updateStates() {
-    for (std::size_t index = 0; index < names_.size(); ++index) {
+    for (std::size_t index = 0; index < names_.size(); ++index) {  // NOLINT: a new name ends iterators, not references
         auto& handlers = names_[index];
         handlers.state.set(currentState(handlers.name));
     }

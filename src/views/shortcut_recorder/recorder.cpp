@@ -16,8 +16,10 @@ using theme::ColorToken;
 namespace {
 
 constexpr double cornerRadius = 8;
-constexpr QSize fieldSize{232, 30};  // points; holds Super+Ctrl+Shift+PageDown beside the button
+constexpr QSize fieldSize{240, 30};  // points; holds four modifiers and PageDown beside the button
 constexpr int clearMargin = 1;
+constexpr double textMargin = 8;
+constexpr double ringWidth = 1.5;
 
 bool isMovingOn(const QKeyEvent& event) {
     const bool isTab = event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab;
@@ -208,18 +210,24 @@ void Recorder::paintEvent(QPaintEvent* /*event*/) {
     const QRectF field(rect());
     fillRounded(painter, field, cornerRadius, color(ColorToken::inset));
     if (hasFocus() || isRecording()) {
-        QColor ring = color(ColorToken::accent);
-        ring.setAlphaF(isRecording() ? 1.0F : 0.5F);
-        painter.setPen(QPen(ring, 1.25));
+        constexpr double inset = ringWidth / 2;
+        painter.setPen(QPen(color(ColorToken::accent), ringWidth));
         painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(field.adjusted(0.75, 0.75, -0.75, -0.75), cornerRadius, cornerRadius);
+        painter.drawRoundedRect(field.adjusted(inset, inset, -inset, -inset), cornerRadius, cornerRadius);
     }
 
     const bool isEmpty = isRecording() || viewModel_.text()->empty();
-    painter.setPen(color(isEmpty ? ColorToken::ink3 : ColorToken::ink));
+    const ColorToken quiet = isRecording() ? ColorToken::accentInk : ColorToken::ink3;
+    painter.setPen(color(isEmpty ? quiet : ColorToken::ink));
+    // In the middle of the field; long words are smaller and take the room up to its left edge.
     const double side = clearButton_->width() + 2.0 * clearMargin;
-    const QRectF room = field.adjusted(side, 0, -side, 0);
-    painter.drawText(room, Qt::AlignCenter, QFontMetricsF(font()).elidedText(words(), Qt::ElideMiddle, room.width()));
+    QRectF room = field.adjusted(side, 0, -side, 0);
+    if (QFontMetricsF(font()).horizontalAdvance(words()) > room.width()) {
+        room.setLeft(textMargin);
+        painter.setFont(toQFont(theme::font::caption));
+    }
+    painter.drawText(room, Qt::AlignCenter,
+                     QFontMetricsF(painter.font()).elidedText(words(), Qt::ElideMiddle, room.width()));
 }
 
 }  // namespace ovrin::KeyboardShortcuts
