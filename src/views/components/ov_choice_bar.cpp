@@ -78,6 +78,12 @@ public:
         setFocusPolicy(isCurrent ? Qt::TabFocus : Qt::NoFocus);
     }
 
+    bool showsRing() const { return showsRing_; }
+    void showRing() {
+        showsRing_ = true;
+        update();
+    }
+
     QSize sizeHint() const override {
         if (look_ == Look::pictures) return {pictureWidth, measures_.height};
         const double text = QFontMetricsF(font()).horizontalAdvance(this->text());
@@ -200,7 +206,7 @@ void OVChoiceBar::setCurrent(int index) {
     Item* const now = items_.at(static_cast<std::size_t>(index));
     const bool hadFocus = before->hasFocus();
     now->setCurrent(true);
-    if (hadFocus) now->setFocus(Qt::TabFocusReason);
+    if (hadFocus) now->setFocus(before->showsRing() ? Qt::TabFocusReason : Qt::OtherFocusReason);
     before->setCurrent(false);
     if (isVisible()) {
         position_.animateTo(index);
@@ -245,7 +251,10 @@ bool OVChoiceBar::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress) {
         const auto* const press = static_cast<QKeyEvent*>(event);
         const Qt::KeyboardModifiers held = press->modifiers() & ~Qt::KeypadModifier;
-        if (held == Qt::NoModifier && handleKey(press->key())) return true;
+        if (held == Qt::NoModifier && handleKey(press->key())) {
+            items_.at(static_cast<std::size_t>(current_))->showRing();  // from now on the keyboard is in use
+            return true;
+        }
     }
     return OVWidget::eventFilter(watched, event);
 }
