@@ -468,7 +468,6 @@ int runAssistant(ApplicationBus::SecondStart secondStart) {
     const Application application(argumentCount, arguments.data());
     drawOutlinesAsDesigned();
     QApplication::setApplicationName("ovrin");
-    QApplication::setApplicationDisplayName("Ovrin");
     QApplication::setApplicationVersion(OVRIN_VERSION);
     QApplication::setDesktopFileName(applicationId);
     QApplication::setQuitOnLastWindowClosed(false);

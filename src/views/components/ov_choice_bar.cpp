@@ -67,7 +67,6 @@ public:
         setText(choice.title);
         setFont(toQFont(measures_.font));
         setAttribute(Qt::WA_Hover);
-        setAutoExclusive(false);  // the bar chooses
         const bool isColumn = look == Look::sidebar;
         setSizePolicy(isColumn ? QSizePolicy::Expanding : QSizePolicy::Fixed, QSizePolicy::Fixed);
     }

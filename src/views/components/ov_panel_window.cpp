@@ -37,6 +37,12 @@ Qt::CursorShape cursorFor(Qt::Edges edges) {
     return edges & (Qt::LeftEdge | Qt::RightEdge) ? Qt::SizeHorCursor : Qt::SizeVerCursor;
 }
 
+// Says whose window it is. The toolkit's own way would name the program twice in titles that begin with it.
+QString titleInTaskBar(const QString& title) {
+    const QString program = QStringLiteral("Ovrin");
+    return title.startsWith(program) ? title : title + QStringLiteral(" — ") + program;
+}
+
 }  // namespace
 
 // An invisible strip along an edge, or square at a corner, that resizes the window.
@@ -70,7 +76,7 @@ OVPanelWindow::OVPanelWindow(ViewEnvironment& environment, const QString& title,
     : OVWidget(environment), minimumFrame_(minimumSize) {
     setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint);
     setAttribute(Qt::WA_TranslucentBackground);
-    setWindowTitle(title);
+    setWindowTitle(titleInTaskBar(title));
     const std::array<Qt::Edges, 8> all{Qt::LeftEdge,
                                        Qt::RightEdge,
                                        Qt::TopEdge,

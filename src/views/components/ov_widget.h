@@ -21,7 +21,6 @@ public:
 protected:
     ViewEnvironment& environment() const { return environment_; }
     QColor color(theme::ColorToken token) const { return environment_.color(token); }
-    // Before it is shown.
     void setAccessibleRole(QAccessible::Role role) { accessibleRole_ = role; }
 
 private:
