@@ -180,7 +180,7 @@ private:
             judgeSwitch(*next);
             stop = next;
         }
-        faults_.push_back("Tab does not come around");
+        faults_.emplace_back("Tab does not come around");
         return visited;
     }
 
@@ -192,7 +192,7 @@ private:
                 faults_.push_back("Tab does not reach " + described(*stop));
         }
         if (visited.empty()) return;
-        std::ranges::rotate(expected, std::ranges::find(expected, visited.front()));
+        std::rotate(expected.begin(), std::ranges::find(expected, visited.front()), expected.end());
         const auto [went, read] = std::ranges::mismatch(visited, expected);
         if (went == visited.end() || read == expected.end()) return;
         faults_.push_back("Tab goes from " + described(**std::prev(went)) + " to " + described(**went) +

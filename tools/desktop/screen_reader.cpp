@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <ranges>
 #include <utility>
 
 #include "base/error.h"
@@ -118,13 +117,13 @@ std::optional<ScreenReader::Element> ScreenReader::read(const Reference& object,
 std::vector<ScreenReader::Element> ScreenReader::windows(const std::string& program) const {
     const Reference desktop{.destination = "org.a11y.atspi.Registry", .path = "/org/a11y/atspi/accessible/root"};
     std::vector<Element> found;
-    for (const Reference& application : children(desktop)) {
-        try {
+    try {
+        for (const Reference& application : children(desktop)) {
             if (!text::equalsIgnoringAsciiCase(textProperty(application, accessible, "Name"), program)) continue;
             if (auto element = read(application, 0)) std::ranges::move(element->children, std::back_inserter(found));
-        } catch (const Error&) {
-            found.clear();  // windows and programs end while they are read; the next look sees what is left
         }
+    } catch (const Error&) {
+        found.clear();  // windows and programs come and go while they are read; the next look sees what is left
     }
     return found;
 }
@@ -136,7 +135,8 @@ std::vector<ScreenReader::Element> ScreenReader::elements(const std::string& pro
     while (!left.empty()) {
         Element element = std::move(left.back());
         left.pop_back();
-        std::ranges::move(std::exchange(element.children, {}) | std::views::reverse, std::back_inserter(left));
+        std::move(element.children.rbegin(), element.children.rend(), std::back_inserter(left));
+        element.children.clear();
         found.push_back(std::move(element));
     }
     return found;
@@ -150,6 +150,15 @@ ScreenReader::Element ScreenReader::waitForName(const std::string& program, cons
     return *waitFor(name + " in a window of " + program, [&]() -> std::optional<Element> {
         const auto all = elements(program);
         const auto found = std::find_if(all.begin(), all.end(), [&](const auto& one) { return one.name == name; });
+        return found == all.end() ? std::nullopt : std::optional(*found);
+    });
+}
+
+ScreenReader::Element ScreenReader::waitForControl(const std::string& program, const std::string& name) const {
+    return *waitFor("a control " + name + " in a window of " + program, [&]() -> std::optional<Element> {
+        const auto all = elements(program);
+        const auto found =
+            std::ranges::find_if(all, [&](const auto& one) { return one.name == name && one.is(State::focusable); });
         return found == all.end() ? std::nullopt : std::optional(*found);
     });
 }

@@ -56,8 +56,9 @@ public:
     // The states of an element now; none when it has gone.
     std::optional<States> states(const Reference& reference) const;
 
-    // The first element that is shown under the name.
+    // The first element that is shown under the name, and the first that takes the keyboard under it.
     Element waitForName(const std::string& program, const std::string& name) const;
+    Element waitForControl(const std::string& program, const std::string& name) const;
     // The first element whose name or text contains the words.
     Element waitForWords(const std::string& program, const std::string& words) const;
     bool shows(const std::string& program, const std::string& words) const;
