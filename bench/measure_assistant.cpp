@@ -1,6 +1,6 @@
 // The speed and the memory of the whole program on a private desktop of 1920x1080, beside their limits:
 //
-//   build/bench/bench/measure_assistant
+//   build/bench/bench/measure_assistant [windows]
 //
 // Run it on an idle machine. Every figure is the median of some runs; those on the screen are seen from outside, by
 // somebody who looks at it as fast as it can be read.
@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -28,6 +29,7 @@
 #include "desktop/sample_program.h"
 #include "desktop/test_user.h"
 #include "desktop/wait.h"
+#include "frame_watch.h"
 #include "platform/linux/onnx_text_recognizer.h"
 #include "platform/linux/x11_connection.h"
 #include "practice/practice_service.h"
@@ -125,6 +127,13 @@ public:
             << R"({"ovrin.didDismissWelcome": true, "ovrin.targetLanguage": "zh-Hans"})";
     }
 
+    // Those of the windows alone.
+    void runWindows() {
+        start();
+        measureWindows();
+        quit();
+    }
+
     void run() {
         start();  // the files of the program get into the page cache
         quit();
@@ -133,7 +142,7 @@ public:
         std::this_thread::sleep_for(6s);  // until it has stopped to wait for a tray
         report("resting memory, before any recognition (PSS)", memory(), "MB", 60);
         report("wake-ups of all threads in 10 idle seconds", wakeUps(10s), "", 0);
-        measureHistory();
+        measureWindows();
         SampleProgram page(desktop_, user_, sampleProgram, SampleProgram::Kind::page);
         const PixelArea window = page.window().area;
         report("shortcut to first dimmed frame", medianOf(9, [this] { return dimmingTime(); }), "ms", 60);
@@ -152,18 +161,19 @@ private:
     void start() {
         program_ = desktop_.start({.arguments = {assistant},
                                    .environment = {"OVRIN_BASE_URL=" + service_.baseURL(), "OVRIN_API_KEY=practice"}});
-        spinUntil("the tray icon", [this] { return hasTrayIcon(); });
+        spinUntil("the tray icon", [this] { return trayIcon().has_value(); });
     }
 
     void quit() {
         program_->terminate();
         program_.reset();
-        waitFor("the end of the tray icon", [this] { return !hasTrayIcon(); });
+        waitFor("the end of the tray icon", [this] { return !trayIcon(); });
     }
 
-    bool hasTrayIcon() const {
-        return std::ranges::any_of(user_.view().embeddedWindows(),
-                                   [](const DesktopWindow& window) { return window.className == "ovrin"; });
+    std::optional<DesktopWindow> trayIcon() const {
+        const auto windows = user_.view().embeddedWindows();
+        const auto icon = std::ranges::find(windows, "ovrin", &DesktopWindow::className);
+        return icon == windows.end() ? std::nullopt : std::optional(*icon);
     }
 
     double startTime() {
@@ -207,31 +217,50 @@ private:
         return static_cast<double>(count);
     }
 
-    // The history window, with a history as long as they become.
-    void measureHistory() {
+    // A window, and how the menu of the tray icon opens it.
+    struct MenuWindow {
+        const char* name;
+        const char* title;
+        const char* key;  // pressed in the menu so often
+        int presses;
+        PixelArea inside;  // a large part of it: windows come up in the middle
+    };
+    static constexpr MenuWindow settingsWindow{.name = "settings",
+                                               .title = "Ovrin 设置",
+                                               .key = "Up",  // from the end: 退出 Ovrin, 设置…
+                                               .presses = 2,
+                                               .inside = {.x = 590, .y = 250, .width = 740, .height = 540}};
+    static constexpr MenuWindow historyWindow{.name = "history",
+                                              .title = "历史记录 — Ovrin",
+                                              .key = "Down",
+                                              .presses = 10,
+                                              .inside = {.x = 600, .y = 300, .width = 720, .height = 450}};
+
+    // With a history as long as they become.
+    void measureWindows() {
         quit();
         files::replaceFile(historyFile(), encodedHistory(longHistory()), files::Access::onlyUser);
-        restart();
-        historyFrameTime();  // says where the window comes up
-        closeHistory();
         const double before = medianOf(3, [this] { return restart(), memory(); });
-        report("history: menu to first frame", medianOf(5, [this] { return restart(), historyFrameTime(); }), "ms",
-               120);
-        closeHistory();
-        const auto again = [this] {
-            const double time = historyFrameTime();
-            closeHistory();
-            return time;
-        };
-        report("history: menu to frame, again", medianOf(7, again), "ms", 40);
-        historyFrameTime();
+        for (const MenuWindow& window : {settingsWindow, historyWindow}) {
+            const std::string what = std::string(window.name) + ": menu to first complete frame";
+            const auto open = [&] {
+                const double time = openingTime(window);
+                close();
+                return time;
+            };
+            report(what.c_str(), medianOf(5, [&] { return restart(), open(); }), "ms", 120);
+            report((what + ", again").c_str(), medianOf(7, open), "ms", 40);
+        }
+        openingTime(settingsWindow);
+        close();
+        openingTime(historyWindow);
         measureHistorySearch();
         report("history: deletion to the list without it", medianOf(7, [this] { return deletionTime(); }), "ms", 50);
         std::printf("history: save of another process to the list %.1f ms\n",
                     medianOf(7, [this] { return savingTime(); }));
-        closeHistory();
+        close();
         std::this_thread::sleep_for(6s);
-        report("history: memory after it was closed (PSS), beyond before", memory() - before, "MB", 12);
+        report("memory after both were closed (PSS), beyond before", memory() - before, "MB", 12);
         report("wake-ups of all threads in 10 idle seconds after it", wakeUps(10s), "", 0);
         quit();
         std::filesystem::remove(historyFile());
@@ -246,39 +275,26 @@ private:
         std::this_thread::sleep_for(6s);
     }
 
-    // Until the lowest part of the window, where rows are, is on the screen.
-    double historyFrameTime() {
-        const auto icon = waitFor("the tray icon", [this]() -> std::optional<DesktopWindow> {
-            for (DesktopWindow& window : user_.view().embeddedWindows()) {
-                if (window.className == "ovrin") return std::move(window);
-            }
-            return std::nullopt;
-        });
-        user_.click(icon->area.center(), TestUser::Button::right);
+    // Leaves it open, with the keyboard.
+    double openingTime(const MenuWindow& window) {
+        user_.click(trayIcon()->area.center(), TestUser::Button::right);
         waitFor("the menu", [this] {
-            return std::ranges::any_of(user_.find({.program = "ovrin"}), [](const DesktopWindow& window) {
-                return window.isOverrideRedirect && window.area.height > 200;
+            return std::ranges::any_of(user_.find({.program = "ovrin"}), [](const DesktopWindow& shown) {
+                return shown.isOverrideRedirect && shown.area.height > 200;
             });
         });
         std::this_thread::sleep_for(300ms);  // until it has the keyboard
-        for (int item = 0; item < 10; ++item) user_.pressKeys("Down");
+        for (int press = 0; press < window.presses; ++press) user_.pressKeys(window.key);
         std::this_thread::sleep_for(200ms);
-        const PixelSpot spot{.x = history_.area.center().x, .y = history_.area.y + history_.area.height - 40};
-        const bool isPlaceKnown = history_.id != XCB_WINDOW_NONE;
-        const std::uint32_t desktop = isPlaceKnown ? pixelAt(user_.view(), spot) : 0;
-        const auto begin = Clock::now();
-        user_.pressKeys("Return");
-        if (isPlaceKnown) spinUntil("the rows", [&] { return pixelAt(user_.view(), spot) != desktop; });
-        const double time = milliseconds(Clock::now() - begin);
-        history_ = user_.waitForWindow({.title = "历史记录 — Ovrin", .program = "ovrin"});
-        user_.waitUntilActive(history_.id);
-        std::this_thread::sleep_for(500ms);
-        return time;
+        const auto time = timeToComplete(user_.view(), window.inside, [this] { user_.pressKeys("Return"); });
+        opened_ = user_.waitForWindow({.title = window.title, .program = "ovrin"});
+        user_.waitUntilActive(opened_.id);
+        return time.count();
     }
 
-    void closeHistory() {
+    void close() {
         user_.pressKeys("Control_L+w");
-        user_.waitUntilGone(history_.id);
+        user_.waitUntilGone(opened_.id);
         std::this_thread::sleep_for(300ms);
     }
 
@@ -293,10 +309,10 @@ private:
 
     // The words that stand in the empty search field, away from the caret, and the text of the first row.
     PixelArea searchHint() const {
-        return {.x = history_.area.x + 560, .y = history_.area.y + 58, .width = 60, .height = 16};
+        return {.x = opened_.area.x + 560, .y = opened_.area.y + 58, .width = 60, .height = 16};
     }
     PixelArea firstRow() const {
-        return {.x = history_.area.x + 90, .y = history_.area.y + 136, .width = 500, .height = 40};
+        return {.x = opened_.area.x + 90, .y = opened_.area.y + 136, .width = 500, .height = 40};
     }
 
     void measureHistorySearch() {
@@ -400,16 +416,22 @@ private:
     PrivateDesktop desktop_{{}};
     TestUser user_;
     std::unique_ptr<ChildProcess> program_;
-    DesktopWindow history_;  // where it was last
+    DesktopWindow opened_;  // the last of its windows
 };
 
 }  // namespace
 }  // namespace ovrin
 
-int main() {
+int main(int argc, char** argv) {
+    const bool isOfWindows = argc == 2 && std::string_view(argv[1]) == "windows";
+    if (argc > 1 && !isOfWindows) {
+        std::fputs("measure_assistant [windows]\n", stderr);
+        return 2;
+    }
     mallopt(M_ARENA_MAX, 2);  // as in the assistant
     try {
-        ovrin::Bench().run();
+        ovrin::Bench bench;
+        isOfWindows ? bench.runWindows() : bench.run();
         return 0;
     } catch (const ovrin::Error& error) {
         std::fprintf(stderr, "measure_assistant: %s\n", error.errorDescription().c_str());
