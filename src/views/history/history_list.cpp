@@ -315,8 +315,8 @@ void HistoryList::deleteRecord(const HistoryRow& row) {
 void HistoryList::showMenu(HistoryRow& row, const QPoint& place) {
     auto* const menu = new OVMenu(environment(), this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    // The row may be gone by the time that something is chosen.
-    const auto record = row.record();
+    // The entries keep the record: the row may be gone by the time that something is chosen.
+    const auto& record = row.record();
     menu->add(QStringLiteral("打开"), OVMenu::Entry::available, [this, record] { viewModel_.open(*record); });
     menu->add(QStringLiteral("复制"), OVMenu::Entry::available, [this, record] { viewModel_.copy(*record); });
     menu->addSeparator();

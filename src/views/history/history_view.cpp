@@ -34,6 +34,7 @@ constexpr double emptyIconSize = 30;
 
 std::vector<OVChoiceBar::Choice> filterChoices() {
     std::vector<OVChoiceBar::Choice> choices;
+    choices.reserve(historyFilters.size());
     for (const HistoryFilter filter : historyFilters) choices.push_back({toQString(label(filter))});
     return choices;
 }

@@ -36,7 +36,9 @@ void giveBackPagesOfFonts() {
         std::array<char, 5> rights{};
         const int read = std::sscanf(line.c_str(), "%" SCNxPTR "-%" SCNxPTR " %4s", &begin, &end, rights.data());
         const bool isReadOnly = read == 3 && rights[1] == '-';
-        if (isReadOnly && isFontFile(line)) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_DONTNEED);
+        if (!isReadOnly || !isFontFile(line)) continue;
+        auto* const pages = reinterpret_cast<void*>(begin);  // NOLINT(performance-no-int-to-ptr): read as a number
+        madvise(pages, end - begin, MADV_DONTNEED);
     }
 }
 
