@@ -22,6 +22,7 @@
 #include "app/remote_command.h"
 #include "app/status_bar_controller.h"
 #include "app/toast_window.h"
+#include "base/secure_random.h"
 #include "base/text.h"
 #include "base/uuid.h"
 #include "base/watch.h"

@@ -17,6 +17,7 @@
 #include "base/environment.h"
 #include "base/error.h"
 #include "base/run_loop.h"
+#include "base/secure_random.h"
 #include "base/worker_executor.h"
 #include "cli/answer_commands.h"
 #include "cli/arguments.h"

@@ -1,7 +1,6 @@
 #include "services.h"
 
 #include <chrono>
-#include <random>
 #include <utility>
 
 #include "base/text.h"
@@ -19,11 +18,6 @@ LinuxKeychain openKeychain(std::stop_token closing) {
 }
 
 }  // namespace
-
-std::size_t secureRandomIndex(std::size_t count) {
-    std::random_device source;
-    return std::uniform_int_distribution<std::size_t>(0, count - 1)(source);
-}
 
 std::unique_ptr<HistoryStore> openHistory() {
     const Environment environment = Environment::ofProcess();

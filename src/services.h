@@ -1,7 +1,6 @@
 // What the command line and the desktop assistant are both composed of.
 #pragma once
 
-#include <cstddef>
 #include <memory>
 #include <stop_token>
 
@@ -17,8 +16,6 @@
 #include "storage/keychain_store.h"
 
 namespace ovrin {
-
-std::size_t secureRandomIndex(std::size_t count);
 
 std::unique_ptr<HistoryStore> openHistory();
 
