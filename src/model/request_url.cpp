@@ -2,7 +2,6 @@
 
 #include <memory>
 #include <new>
-#include <stdexcept>
 #include <utility>
 
 #include <curl/curl.h>
@@ -22,8 +21,8 @@ public:
         if (!handle_) throw std::bad_alloc();
     }
 
-    bool set(CURLUPart part, const std::string& text, unsigned int flags = 0) {
-        return curl_url_set(handle_.get(), part, text.c_str(), flags) == CURLUE_OK;
+    bool set(const std::string& url) {
+        return curl_url_set(handle_.get(), CURLUPART_URL, url.c_str(), parseFlags) == CURLUE_OK;
     }
 
     std::string get(CURLUPart part) const {
@@ -59,7 +58,7 @@ std::string withSchemeOf(std::string_view original, const std::string& url) {
 std::optional<RequestURL> RequestURL::parse(std::string_view text) {
     if (schemeLength(text) == 0 || text.find('\0') != std::string_view::npos) return std::nullopt;
     Parser parser;
-    if (!parser.set(CURLUPART_URL, std::string(text), parseFlags)) return std::nullopt;
+    if (!parser.set(std::string(text))) return std::nullopt;
     if (parser.get(CURLUPART_HOST).empty()) return std::nullopt;
     const std::string url = parser.get(CURLUPART_URL);
     if (url.empty()) return std::nullopt;
@@ -73,15 +72,16 @@ bool RequestURL::pathEndsWith(std::string_view suffix) const {
     return path.ends_with(text::asciiLowercased(suffix));
 }
 
+// The path is cut out and put in as text: the parser would turn the percent escapes of a path that it is given alone
+// into lower case.
 RequestURL RequestURL::appendingPathComponent(std::string_view component) const {
     const auto end = path_.find_last_not_of('/');
     std::string path = path_.substr(0, end == std::string::npos ? 0 : end + 1);
     path.append("/").append(component);
-    Parser parser;
-    if (!parser.set(CURLUPART_URL, string_, parseFlags) || !parser.set(CURLUPART_PATH, path)) {
-        throw std::logic_error("a parsed URL does not parse again");
-    }
-    return {withSchemeOf(string_, parser.get(CURLUPART_URL)), std::move(path)};
+    std::string url = string_;
+    const auto authority = url.find("://") + 3;
+    url.replace(url.find('/', authority), path_.size(), path);
+    return {std::move(url), std::move(path)};
 }
 
 }  // namespace ovrin

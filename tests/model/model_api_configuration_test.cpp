@@ -75,6 +75,8 @@ TEST(ModelAPIConfiguration, KeepsTheOtherPartsOfTheURL) {
     EXPECT_EQ(endpoint("https://user:p%20w@[::1]:8443/v1"), "https://user:p%20w@[::1]:8443/v1/chat/completions");
     EXPECT_EQ(endpoint("https://例子.测试/路"), "https://例子.测试/%e8%b7%af/chat/completions");
     EXPECT_EQ(endpoint("https://h.example/a b"), "https://h.example/a%20b/chat/completions");
+    EXPECT_EQ(endpoint("https://h.example/%E4%BD%A0/"), "https://h.example/%E4%BD%A0/chat/completions");
+    EXPECT_EQ(endpoint("https://h.example?version=1"), "https://h.example/chat/completions?version=1");
     EXPECT_EQ(endpoint("HTTP://localhost"), "HTTP://localhost/chat/completions");
 }
 
