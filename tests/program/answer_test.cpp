@@ -108,6 +108,21 @@ TEST_P(EitherProtocol, AsksAQuestion) {
 INSTANTIATE_TEST_SUITE_P(Both, EitherProtocol, testing::Values(openAI, anthropic),
                          [](const auto& test) { return test.param.standard == "anthropic" ? "Anthropic" : "OpenAI"; });
 
+// The limit on core dumps does not count where the kernel pipes them to a program.
+TEST(Answer, LeavesNothingOfItsMemoryInCoreDumps) {
+    std::promise<void> isAsked;
+    LoopbackServer server([&isAsked](LoopbackServer::Connection& connection) {
+        if (!connection.readRequest().empty()) isAsked.set_value();
+        connection.readRequest();
+    });
+    const TestHome home;
+    RunningProgram program(home, {.arguments = {"ask", "?"}, .environment = service(server.url("/v1"))});
+    isAsked.get_future().wait();
+    std::string filter;
+    std::ifstream("/proc/" + std::to_string(program.id()) + "/coredump_filter") >> filter;
+    EXPECT_EQ(filter, "00000000");
+}
+
 TEST(Answer, StoredTargetLanguageIsTheDefault) {
     LoopbackServer server(answering(streamHead + openAI.end()));
     const TestHome home;
