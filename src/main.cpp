@@ -209,6 +209,7 @@ int main(int argc, char** argv) {
     ovrin::occupyClosedChannels();
     ovrin::forbidCoreDumps();
     ovrin::OnnxTextRecognizer::forbidTelemetry();
+    ovrin::Environment::withholdSecretsFromChildren();
     // Few heaps, because what recognition leaves behind in many could not be given back; two, because its two threads
     // would wait for each other at one.
     mallopt(M_ARENA_MAX, 2);

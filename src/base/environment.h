@@ -20,6 +20,10 @@ public:
     // The variables of this process as they are now. Any thread, as long as nobody changes them (nobody here does).
     static Environment ofProcess();
 
+    // Takes the API keys (every variable whose name ends in _API_KEY) out of what children of the process inherit.
+    // ofProcess() still has them. Called once, before the first thread starts.
+    static void withholdSecretsFromChildren();
+
     // The value as it was set, untrimmed; none when the variable is unset or empty.
     std::optional<std::string> value(std::string_view name) const;
 
