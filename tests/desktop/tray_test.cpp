@@ -105,7 +105,7 @@ TEST_F(TrayTest, ASecondStartAndOtherProcessesReachTheRunningOne) {
     waitFor("the end of the overlay", [&] { return assistant->overlays().empty(); });
     // Without a window it shows the settings, else the window that was used last.
     EXPECT_EQ(assistant->run({}), 0);
-    user->waitUntilActive(user->waitForWindow({.title = "Ovrin 设置 — Ovrin", .program = "ovrin"}).id);
+    user->waitUntilActive(user->waitForWindow({.title = "Ovrin 设置", .program = "ovrin"}).id);
     EXPECT_EQ(assistant->run({"do", "input-translate"}), 0);
     const DesktopWindow used = user->waitForWindow({.title = "输入翻译 — Ovrin", .program = "ovrin"});
     user->waitUntilActive(used.id);
