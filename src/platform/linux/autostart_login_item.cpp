@@ -105,7 +105,7 @@ bool isThere(const fs::path& path) {
 }
 
 // A word of the key Exec (Desktop Entry Specification, "The Exec key"): in quotes whatever it holds, because some
-// desktops split at more than the specification's reserved characters.
+// desktops split at more than the characters that are reserved there.
 std::string quoted(const std::string& word) {
     std::string text = "\"";
     for (const char character : word) {
