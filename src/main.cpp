@@ -1,5 +1,6 @@
 // The composition root: the one place where adapters meet logic. Builds what the command needs, and nothing more, so
 // that a command in a terminal starts at once.
+#include <clocale>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
@@ -210,6 +211,8 @@ int main(int argc, char** argv) {
     ovrin::forbidCoreDumps();
     ovrin::OnnxTextRecognizer::forbidTelemetry();
     ovrin::Environment::withholdSecretsFromChildren();
+    // curl reads host names of other scripts in the encoding of the locale; all text here is UTF-8.
+    std::setlocale(LC_CTYPE, "C.UTF-8");
     // Few heaps, because what recognition leaves behind in many could not be given back; two, because its two threads
     // would wait for each other at one.
     mallopt(M_ARENA_MAX, 2);

@@ -24,15 +24,14 @@ Task<HTTPBytes> open(HTTPClientProtocol& httpClient, HTTPRequest request) {
     }
 }
 
-// An error body is cut at its bound, and not in the middle of a character.
+// An error body is cut at its bound, and not in the middle of a character. The client may have cut it there already.
 std::string boundedErrorBody(std::string body) {
     if (body.size() < maximumErrorBodySize) return body;
-    std::size_t size = maximumErrorBodySize;
-    const auto isContinuation = [&](std::size_t index) {
-        return index < body.size() && (static_cast<unsigned char>(body[index]) & 0xC0U) == 0x80U;
-    };
-    while (size > 0 && isContinuation(size)) --size;
-    body.resize(size);
+    body.resize(maximumErrorBodySize);
+    const auto isContinuation = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; };
+    std::size_t lastCharacter = body.size() - 1;
+    while (lastCharacter > 0 && isContinuation(body[lastCharacter])) --lastCharacter;
+    if (!text::isValidUtf8(std::string_view(body).substr(lastCharacter))) body.resize(lastCharacter);
     return body;
 }
 

@@ -289,6 +289,12 @@ TEST_F(ModelClientTest, BoundsAnErrorBodyThatNeverEnds) {
     EXPECT_LE(error->payload().body->size(), maximumErrorBodySize);
     EXPECT_GT(error->payload().body->size(), maximumErrorBodySize - 3);
     EXPECT_TRUE(http.isBodyDropped());
+
+    // Collected, it comes cut by the client: in the middle of a character.
+    std::string body;
+    while (body.size() < maximumErrorBodySize) body += chunk;
+    http.willAnswer({.statusCode = 500, .chunks = {body.substr(0, maximumErrorBodySize)}});
+    EXPECT_EQ(complete().error(), error);
 }
 
 TEST_F(ModelClientTest, FailsOnALineThatNeverEnds) {

@@ -119,6 +119,10 @@ TEST_F(Response, BodiesAreDecoded) {
     }
     LoopbackServer server(answering(httpResponse("no gzip at all", "200 OK", "Content-Encoding: gzip\r\n")));
     EXPECT_EQ(outcome(get(server.url())).error, "响应的压缩数据无法解码。");
+
+    const std::string one = "1f8b0800000000000203cbcf4b0500f1866c7a03000000";
+    LoopbackServer twoMembers(answering(httpResponse(fromHex(one + one), "200 OK", "Content-Encoding: gzip\r\n")));
+    EXPECT_EQ(outcome(get(twoMembers.url())).error, "响应的压缩数据无法解码。");
 }
 
 TEST_F(Response, ChunkedBodiesLoseTheirFramingAndTrailers) {

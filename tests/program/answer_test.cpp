@@ -123,6 +123,16 @@ TEST(Answer, LeavesNothingOfItsMemoryInCoreDumps) {
     EXPECT_EQ(filter, "00000000");
 }
 
+TEST(Answer, ComesFromHostsNamedInAnyScript) {
+    LoopbackServer proxy(answering(streamHead + openAI.piece("四十二") + openAI.end()));
+    const TestHome home;
+    auto environment = service("http://例子.测试/v1");
+    environment.insert(environment.end(), {"http_proxy=" + proxy.url(""), "no_proxy=localhost"});
+    const auto outcome = runProgram(home, {.arguments = {"ask", "?"}, .environment = environment});
+    EXPECT_EQ(outcome.output, "四十二") << outcome.error;
+    EXPECT_THAT(proxy.requests(), testing::ElementsAre(HasSubstr("POST http://xn--fsqu00a.xn--0zwm56d/v1/chat/")));
+}
+
 TEST(Answer, StoredTargetLanguageIsTheDefault) {
     LoopbackServer server(answering(streamHead + openAI.end()));
     const TestHome home;

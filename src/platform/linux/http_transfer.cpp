@@ -271,6 +271,7 @@ void HTTPTransfer::deliverHead(HTTPResponse response) {
 
 void HTTPTransfer::didEnd(CURLcode result) {
     if (redirectTarget_) return followRedirect();
+    if (headerSize_ > maximumHeaderSize) return fail(headersTooLongError());
     const bool isNoHTTP =
         result == CURLE_OK || result == CURLE_UNSUPPORTED_PROTOCOL || result == CURLE_WEIRD_SERVER_REPLY;
     if (!isHeadDelivered_ && isNoHTTP) {

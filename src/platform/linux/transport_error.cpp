@@ -98,15 +98,15 @@ std::string describe(CURLcode code, CURL* handle, const std::string& host) {
         case CURLE_HTTP2_STREAM:
             return describeInterruption(handle);
         case CURLE_BAD_CONTENT_ENCODING:
+        case CURLE_WRITE_ERROR:  // curl's own decoders, at what follows the end of the compressed data
             return "响应的压缩数据无法解码。";
         case CURLE_UNSUPPORTED_PROTOCOL:
         case CURLE_WEIRD_SERVER_REPLY:
             return "服务器的回答不是有效的 HTTP 响应。";
         case CURLE_URL_MALFORMAT:
             return invalidURLError().errorDescription();
-        case CURLE_WRITE_ERROR:    // the transfer refuses more of them
-        case CURLE_OUT_OF_MEMORY:  // curl refuses a single one that is too long
-            return "响应的标头过长。";
+        case CURLE_OUT_OF_MEMORY:  // curl refuses a single header that is too long
+            return headersTooLongError().errorDescription();
         default:
             return curl_easy_strerror(code);
     }
@@ -128,6 +128,10 @@ Error invalidHeaderError() {
 
 Error timeoutError() {
     return Error("请求超时：服务器长时间没有响应。");
+}
+
+Error headersTooLongError() {
+    return Error("响应的标头过长。");
 }
 
 Error tooManyRedirectsError() {

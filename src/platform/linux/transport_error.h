@@ -17,6 +17,7 @@ Error transportError(CURLcode code, CURL* handle, const std::string& host);
 Error invalidURLError();
 Error invalidHeaderError();
 Error timeoutError();
+Error headersTooLongError();
 Error tooManyRedirectsError();
 // To what is no https URL, where nothing else may be followed.
 Error insecureRedirectError();
