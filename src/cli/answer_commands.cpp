@@ -51,7 +51,7 @@ public:
 
 private:
     void print(const std::string& text) {
-        terminal_.write(text);
+        terminal_.writeForeign(text);
         needsLineFeed_ = !text.ends_with('\n');
     }
 

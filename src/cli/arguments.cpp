@@ -272,6 +272,7 @@ Options:
 
 Pictures may be PNG, JPEG, WebP, BMP, GIF or TIFF.
 The model service comes from the preferences, or from OVRIN_BASE_URL, OVRIN_API_KEY and OVRIN_API_STANDARD.
+OVRIN_APPEARANCE (system, light or dark) goes before the preference ovrin.appearanceMode.
 Exit status: 0 done, 1 failed, 2 wrong usage, 130 interrupted.
 )";
 }

@@ -1,5 +1,6 @@
 #include "cli/config_command.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <optional>
@@ -10,6 +11,7 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "model/deep_seek_error.h"
+#include "shortcuts/action.h"
 #include "storage/app_config.h"
 #include "storage/defaults_store.h"
 #include "storage/keychain_store.h"
@@ -23,6 +25,17 @@ PreferenceType requireType(std::string_view key) {
     const std::optional<PreferenceType> type = preferenceType(key);
     if (!type) throw Error("there is no preference " + std::string(key));
     return *type;
+}
+
+// For a change: of the shortcuts, only those that an action reads can be set. What older versions left can be removed.
+PreferenceType requireTypeOfReadKey(std::string_view key) {
+    const auto isShortcutOf = [&](const ActionDescription& action) {
+        return !action.shortcutName.empty() && key.substr(preference::shortcutPrefix.size()) == action.shortcutName;
+    };
+    if (key.starts_with(preference::shortcutPrefix) && std::ranges::none_of(allActions(), isShortcutOf)) {
+        throw Error("there is no preference " + std::string(key));
+    }
+    return requireType(key);
 }
 
 // What is stored as text; none when nothing is. A secret is named but not shown.
@@ -74,6 +87,7 @@ std::string checkedText(const std::string& key, const std::string& value) {
         if (tag.empty()) throw Error(key + " takes a language tag such as zh-Hans, en or ja");
         return tag;
     }
+    if (key == preference::connectionURL || key == preference::model) return std::string(text::trimmed(value));
     for (const Choice& choice : choices) {
         if (key != choice.key) continue;
         const std::string all = ' ' + std::string(choice.values) + ' ';
@@ -103,7 +117,7 @@ int showPreferences(const ConfigGet& command, const DefaultsStore& defaults, Ter
 }
 
 int changePreference(const ConfigSet& command, DefaultsStore& defaults) {
-    switch (requireType(command.key)) {
+    switch (requireTypeOfReadKey(command.key)) {
         case PreferenceType::boolean:
             defaults.setBoolean(command.key, parsedBoolean(command.key, command.value));
             break;

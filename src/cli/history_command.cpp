@@ -49,10 +49,10 @@ int listHistory(const ListHistory& command, const HistoryStore& history, Termina
     }
     bool isFirst = true;
     for (const auto& record : records) {
-        terminal.write((isFirst ? "" : "\n") + described(*record));
+        terminal.writeForeign((isFirst ? "" : "\n") + described(*record));
         isFirst = false;
     }
-    return records.empty() && !command.query.empty() ? 1 : 0;
+    return 0;
 }
 
 }  // namespace ovrin::cli

@@ -10,7 +10,7 @@ class HistoryStore;
 
 namespace ovrin::cli {
 
-// Returns the exit status: 1 when a query matched nothing. Throws OutputClosed and Error from the terminal.
+// Returns the exit status, also 0 when a query matched nothing. Throws OutputClosed and Error from the terminal.
 int listHistory(const ListHistory& command, const HistoryStore& history, Terminal& terminal);
 
 }  // namespace ovrin::cli

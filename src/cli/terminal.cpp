@@ -37,6 +37,32 @@ int writeFully(int descriptor, std::string_view text) {
     return 0;
 }
 
+void appendControlPicture(std::string& text, unsigned char control) {
+    constexpr unsigned char deletion = 0x7F;
+    constexpr unsigned char firstPicture = 0x80;  // U+2400 is E2 90 80
+    text += "\xE2\x90";
+    text += static_cast<char>(firstPicture + (control == deletion ? 0x21 : control));
+}
+
+// U+0000 to U+001F and U+007F become Unicode's pictures of them. U+0080 to U+009F have none, and become U+FFFD.
+std::string withVisibleControls(std::string_view text) {
+    std::string visible;
+    visible.reserve(text.size());
+    for (std::size_t index = 0; index < text.size(); ++index) {
+        const auto byte = static_cast<unsigned char>(text[index]);
+        const auto next = static_cast<unsigned char>(index + 1 < text.size() ? text[index + 1] : '\0');
+        if ((byte < 0x20 && byte != '\n' && byte != '\t') || byte == 0x7F) {
+            appendControlPicture(visible, byte);
+        } else if (byte == 0xC2 && next >= 0x80 && next <= 0x9F) {
+            visible += "\uFFFD";
+            ++index;
+        } else {
+            visible += text[index];
+        }
+    }
+    return visible;
+}
+
 constexpr std::size_t longestSecret = 65536;  // bytes
 
 // Reads whose wait a stop request ends.
@@ -95,8 +121,13 @@ void Terminal::write(std::string_view text) const {
     if (failure != 0) throw Error("standard output: " + reason(failure));
 }
 
+void Terminal::writeForeign(std::string_view text) const {
+    if (!outputIsTerminal()) return write(text);
+    write(withVisibleControls(text));
+}
+
 void Terminal::writeError(std::string_view line) const {
-    std::string whole(line);
+    std::string whole = ::isatty(error_) == 1 ? withVisibleControls(line) : std::string(line);
     whole += '\n';
     writeFully(error_, whole);
 }

@@ -23,7 +23,12 @@ public:
     // Writes the bytes as they are, at once. Throws OutputClosed when the reader has gone, Error when the device fails.
     void write(std::string_view text) const;
 
-    // One line on standard error; failures are ignored, there is nowhere left to tell them.
+    // The same for text that a service wrote: a terminal shows its control characters as symbols instead of obeying
+    // them, but for line feeds and tabs.
+    void writeForeign(std::string_view text) const;
+
+    // One line on standard error, with its control characters as writeForeign() has them, because services have a say
+    // in errors; failures are ignored, there is nowhere left to tell them.
     void writeError(std::string_view line) const;
 
     // Everything up to the end of standard input. Throws Error when it cannot be read or exceeds maximumBytes, and

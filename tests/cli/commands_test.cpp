@@ -130,7 +130,7 @@ TEST_F(Commands, HistoryListsNewestFirstAndSearches) {
     now_ += std::chrono::minutes(1);
     history_.save({.sourceText = "newer", .resultText = std::nullopt, .recordType = historyRecordType::captureOCR});
     EXPECT_EQ(listHistory({}, history_, channels_.terminal), 0);
-    EXPECT_EQ(listHistory({.query = "absent"}, history_, channels_.terminal), 1);
+    EXPECT_EQ(listHistory({.query = "absent"}, history_, channels_.terminal), 0);
     const std::string text = output();
     EXPECT_LT(text.find("    newer\n"), text.find("    older\n  > one\n  > two\n"));
 
@@ -143,11 +143,15 @@ TEST_F(Commands, ConfigKeepsTheTypeOfEachPreference) {
     changePreference({.key = "ovrin.launchAtLogin", .value = "true"}, defaults_);
     changePreference({.key = "ovrin.maxOutputTokens", .value = "8192"}, defaults_);
     changePreference({.key = "ovrin.targetLanguage", .value = " ZH-hant-TW"}, defaults_);
-    changePreference({.key = "KeyboardShortcuts_captureOCR", .value = "x"}, defaults_);
+    changePreference({.key = "ovrin.connectionURL", .value = " https://h.example/v1\n"}, defaults_);
+    changePreference({.key = "ovrin.model", .value = " some model "}, defaults_);
+    changePreference({.key = "KeyboardShortcuts_ovrin.captureOCR", .value = "x"}, defaults_);
     EXPECT_TRUE(defaults_.boolean(preference::launchAtLogin));
     EXPECT_EQ(defaults_.integer(preference::maxOutputTokens), 8192);
     showPreferences({}, defaults_, channels_.terminal);
-    EXPECT_EQ(output(), "ovrin.targetLanguage=zh-Hant\novrin.maxOutputTokens=8192\novrin.launchAtLogin=true\n");
+    EXPECT_EQ(output(),
+              "ovrin.targetLanguage=zh-Hant\novrin.connectionURL=https://h.example/v1\novrin.model=some model\n"
+              "ovrin.maxOutputTokens=8192\novrin.launchAtLogin=true\n");
 }
 
 TEST_F(Commands, ConfigRefusesWhatNothingReads) {
@@ -155,6 +159,7 @@ TEST_F(Commands, ConfigRefusesWhatNothingReads) {
         return messageOf([&] { changePreference({.key = key, .value = value}, defaults_); });
     };
     EXPECT_EQ(refusal("ovrin.colour", "red"), "there is no preference ovrin.colour");
+    EXPECT_EQ(refusal("KeyboardShortcuts_ovrin.none", "x"), "there is no preference KeyboardShortcuts_ovrin.none");
     EXPECT_EQ(refusal("ovrin.launchAtLogin", "1"), "ovrin.launchAtLogin takes true or false");
     EXPECT_EQ(refusal("ovrin.maxOutputTokens", "12x"), "ovrin.maxOutputTokens takes a whole number");
     EXPECT_EQ(refusal("ovrin.maxOutputTokens", "0"), "最大输出 Token 必须大于 0。");

@@ -1,6 +1,7 @@
 #include "cli/terminal.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <string>
 #include <thread>
 
@@ -43,6 +44,23 @@ TEST_F(TerminalTest, TellsAReaderThatHasGoneFromADeviceThatFails) {
     Terminal terminal(channels_.input.reading(), full, channels_.error.writing());
     EXPECT_THROW(terminal.write("x"), Error);
     ::close(full);
+}
+
+TEST_F(TerminalTest, ATerminalDoesNotObeyWhatOthersWrote) {
+    const std::string text = "译\t\x1B[2J\x7F\u009B31m\u00A0";
+    channels_.terminal.writeForeign(text);
+    EXPECT_EQ(channels_.output.drained(), text);
+
+    const int screen = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_EQ(::grantpt(screen) + ::unlockpt(screen), 0);
+    const int device = ::open(::ptsname(screen), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    const Terminal terminal(channels_.input.reading(), device, device);
+    std::array<char, 100> shown{};
+    terminal.writeForeign(text);
+    EXPECT_GT(::read(screen, shown.data(), shown.size()), 0);
+    EXPECT_STREQ(shown.data(), "译\t␛[2J␡\uFFFD31m\u00A0");
+    ::close(device);
+    ::close(screen);
 }
 
 TEST_F(TerminalTest, ReadsNoMoreThanItsBound) {

@@ -1,27 +1,29 @@
 // ovrin config as several processes at once use it.
 #include <csignal>
 #include <deque>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "fakes/silent_bus.h"
 #include "program/running_program.h"
+#include "shortcuts/action.h"
 
 namespace ovrin {
 namespace {
 
 TEST(ConfigProgram, ChangesOfProcessesAtTheSameTimeAreAllKept) {
-    constexpr int count = 12;
+    std::vector<std::string> keys;
+    for (const ActionDescription& action : allActions())
+        if (!action.shortcutName.empty()) keys.push_back("KeyboardShortcuts_" + std::string(action.shortcutName));
     const TestHome home;
-    const auto key = [](int number) { return "KeyboardShortcuts_action" + std::to_string(number); };
     std::deque<RunningProgram> programs;
-    for (int number = 0; number < count; ++number)
-        programs.emplace_back(
-            home, RunningProgram::Setup{.arguments = {"config", "set", key(number), "value" + std::to_string(number)}});
+    for (const std::string& key : keys)
+        programs.emplace_back(home, RunningProgram::Setup{.arguments = {"config", "set", key, "value of " + key}});
     for (RunningProgram& program : programs) EXPECT_EQ(program.finish().status, 0);
-    for (int number = 0; number < count; ++number)
-        EXPECT_EQ(runProgram(home, {.arguments = {"config", "get", key(number)}}).output,
-                  "value" + std::to_string(number) + "\n");
+    for (const std::string& key : keys)
+        EXPECT_EQ(runProgram(home, {.arguments = {"config", "get", key}}).output, "value of " + key + "\n");
 }
 
 TEST(ConfigProgram, InterruptedWhileItWaitsForTheKeyItStoresNothing) {
