@@ -1,4 +1,4 @@
-// Where the program keeps its files for the user. Nothing here touches the disk.
+// Where the program keeps its files for the user. The home is $HOME, else the one in the password database.
 #pragma once
 
 #include <filesystem>
@@ -7,20 +7,25 @@
 
 namespace ovrin {
 
-// That of all programs: $XDG_CONFIG_HOME, else ~/.config; the temporary directory when the environment names no home.
+// That of all programs: $XDG_CONFIG_HOME, else ~/.config. Without a home a folder that does not exist, so that nobody
+// else's preferences are read.
 std::filesystem::path userConfigurationDirectory(const Environment& environment);
 
-// $XDG_CONFIG_HOME/Ovrin, else ~/.config/Ovrin; under the temporary directory when the environment names no home.
+// Ovrin in the folder above.
 std::filesystem::path configurationDirectory(const Environment& environment);
 
-// $XDG_DATA_HOME/Ovrin, else ~/.local/share/Ovrin; under the temporary directory when the environment names no home.
+// $XDG_DATA_HOME/Ovrin, else ~/.local/share/Ovrin; without a home the private temporary directory, as the next two.
 std::filesystem::path applicationSupportDirectory(const Environment& environment);
 
-// $XDG_STATE_HOME/Ovrin, else ~/.local/state/Ovrin; under the temporary directory when the environment names no home.
+// $XDG_STATE_HOME/Ovrin, else ~/.local/state/Ovrin.
 std::filesystem::path stateDirectory(const Environment& environment);
 
-// $XDG_CACHE_HOME/Ovrin, else ~/.cache/Ovrin; under the temporary directory when the environment names no home.
+// $XDG_CACHE_HOME/Ovrin, else ~/.cache/Ovrin.
 std::filesystem::path cacheDirectory(const Environment& environment);
+
+// Makes the folder Ovrin in the temporary directory, open to the user alone. Where somebody else has put something in
+// its place, a folder that does not exist. The only one here to touch the disk.
+std::filesystem::path privateTemporaryDirectory(const Environment& environment);
 
 std::filesystem::path preferencesFile(const Environment& environment);
 std::filesystem::path historyFile(const Environment& environment);

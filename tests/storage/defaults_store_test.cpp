@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -152,8 +153,19 @@ TEST(UserDirectoriesTest, FollowTheBaseDirectoryVariables) {
     EXPECT_EQ(preferencesFile(relative), "/h/.config/Ovrin/preferences.json");
     EXPECT_EQ(historyFile(relative), "/h/.local/share/Ovrin/history.json");
     EXPECT_EQ(stateFile(relative), "/h/.local/state/Ovrin/state.json");
-    EXPECT_EQ(historyFile(Environment(Environment::Variables{{"TMPDIR", "/t"}})), "/t/Ovrin/history.json");
-    EXPECT_EQ(historyFile(Environment()), "/tmp/Ovrin/history.json");
+    EXPECT_EQ(historyFile(Environment()),
+              std::filesystem::path(::getpwuid(::getuid())->pw_dir) / ".local/share/Ovrin/history.json");
+}
+
+TEST(UserDirectoriesTest, NothingOfOthersInTheTemporaryDirectoryIsTrusted) {
+    const TemporaryDirectory directory;
+    const std::filesystem::path own = directory.path() / "Ovrin";
+    const Environment environment(Environment::Variables{{"TMPDIR", directory.path()}});
+    EXPECT_EQ(privateTemporaryDirectory(environment), own);
+    EXPECT_EQ(std::filesystem::status(own).permissions(), std::filesystem::perms::owner_all);
+    std::filesystem::rename(own, directory.path() / "elsewhere");
+    std::filesystem::create_symlink("elsewhere", own);
+    EXPECT_EQ(privateTemporaryDirectory(environment), "/nonexistent/Ovrin");
 }
 
 TEST(PreferencesTest, EveryKeyHasItsType) {
