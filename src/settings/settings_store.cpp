@@ -332,6 +332,9 @@ void SettingsStore::saveService() {
 Task<void> SettingsStore::saveAndShow(PressedSave pressed) {
     const std::optional<std::string> failure = co_await store(std::move(pressed));
     if (failure) co_return failConnection(*failure);
+    // What had failed before is made good.
+    const bool hadFailed = connectionState_->kind == ConnectionState::Kind::failed;
+    if (hadFailed && !isKeyringUnread()) connectionState_.set({});
     showSaved("服务配置已保存");
 }
 

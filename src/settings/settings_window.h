@@ -15,6 +15,8 @@ public:
 
     // Shows it if it is hidden, brings it to the front and gives it the keyboard.
     virtual void present() = 0;
+
+    virtual bool isVisible() const = 0;
 };
 
 // The view model outlives the window.

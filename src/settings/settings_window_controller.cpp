@@ -11,6 +11,7 @@ SettingsWindowController::~SettingsWindowController() = default;
 
 void SettingsWindowController::show(std::optional<SettingsSection> section) {
     if (!viewModel_) viewModel_ = std::make_unique<SettingsViewModel>(services_);
+    if (std::exchange(isOutdated_, false)) viewModel_->store().reload();
     viewModel_->refresh();
     if (section) viewModel_->select(*section);
     if (!window_) window_ = makeWindow_(*viewModel_);
@@ -18,7 +19,9 @@ void SettingsWindowController::show(std::optional<SettingsSection> section) {
 }
 
 void SettingsWindowController::reload() {
-    if (viewModel_) viewModel_->store().reload();
+    if (!window_) return;
+    if (window_->isVisible()) return viewModel_->store().reload();
+    isOutdated_ = true;
 }
 
 }  // namespace ovrin

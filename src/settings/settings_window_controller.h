@@ -22,7 +22,8 @@ public:
     // On the given page, else on the one shown last (通用 at first).
     void show(std::optional<SettingsSection> section = std::nullopt);
 
-    // Something outside may have changed the preferences or the keyring. Nothing before the first show().
+    // Something outside may have changed the preferences or the keyring. While the window is hidden that waits for the
+    // next show(): reading a locked keyring asks the user for a password.
     void reload();
 
 private:
@@ -30,6 +31,7 @@ private:
     MakeSettingsWindow makeWindow_;
     std::unique_ptr<SettingsViewModel> viewModel_;
     std::unique_ptr<SettingsWindow> window_;
+    bool isOutdated_ = false;
 };
 
 }  // namespace ovrin

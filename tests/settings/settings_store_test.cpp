@@ -215,6 +215,11 @@ TEST_F(SettingsStoreTest, AFailureInTheMiddleOfSavingKeepsWhatWasWrittenBefore) 
     EXPECT_FALSE(defaults.contains(preference::connectionURL));
     EXPECT_EQ(store->connectionURL().note()->kind, Note::unsaved);
     EXPECT_THAT(journal.take(), IsEmpty());
+
+    keychain.failures.clear();
+    store->saveService();
+    settle();
+    EXPECT_EQ(state().kind, State::idle);
 }
 
 TEST_F(SettingsStoreTest, AKeyringThatCannotBeReadIsNeitherWrittenNorDeleted) {

@@ -23,6 +23,7 @@ public:
                      SettingsViewModel& viewModel, SettingsPage* shortcutsPage);
 
     void present() override;
+    bool isVisible() const override { return QWidget::isVisible(); }
 
 private:
     SettingsView* view_;
