@@ -7,17 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "app/app_icon_manager.h"
-#include "base/virtual_loop.h"
-#include "base/worker_executor.h"
-#include "fakes/fake_application_icon.h"
-#include "fakes/fake_http_client.h"
-#include "fakes/fake_keychain.h"
-#include "fakes/fake_login_item.h"
-#include "fakes/fake_presenters.h"
-#include "fakes/journal.h"
-#include "fakes/temporary_directory.h"
 #include "settings/first_launch.h"
+#include "settings/settings_fixture.h"
 #include "storage/preferences.h"
 
 namespace ovrin {
@@ -40,7 +31,7 @@ constexpr const char* keyAccount = "deepseek-api-key";
 constexpr const char* headersAccount = "model-custom-headers";
 constexpr const char* okAnswer = R"({"choices":[{"message":{"role":"assistant","content":"OK"}}]})";
 
-class SettingsStoreTest : public ::testing::Test {
+class SettingsStoreTest : public SettingsTest {
 protected:
     SettingsStoreTest() {
         keychain.messages[locked] = "locked";
@@ -48,32 +39,9 @@ protected:
     }
 
     void open() {
-        store = std::make_unique<SettingsStore>(SettingsStore::Surroundings{
-            .loop = loop,
-            .worker = worker,
-            .ioLoop = loop,
-            .http = http,
-            .config = config,
-            .defaults = defaults,
-            .keychain = secrets,
-            .toasts = toasts,
-            .loginItem = loginItem,
-            .icons = icons,
-            .environment = [this] { return Environment(variables); },
-            .applyAppearance = [this](AppAppearanceMode mode) { journal.add("apply " + std::string(rawValue(mode))); },
-            .applyResultWindowLevel = [this] { journal.add("level"); }});
+        store = std::make_unique<SettingsStore>(surroundings());
         settle();
         journal.take();
-    }
-
-    // Until the worker has done what it was asked so far, and the loop what followed from it, twice over.
-    void settle() {
-        for (int round = 0; round < 2; ++round) {
-            bool isDone = false;
-            worker.post([&](const std::stop_token&) { loop.post([&] { isDone = true; }); });
-            loop.runUntil([&] { return isDone; });
-            loop.runPosted();
-        }
     }
 
     void fill() {
@@ -99,20 +67,6 @@ protected:
     const SettingsStore::ConnectionState& state() const { return store->connectionState().value(); }
     std::string stored(std::string_view key) const { return defaults.string(key).value_or("nothing"); }
 
-    Journal journal;
-    TemporaryDirectory directory;
-    Environment::Variables variables;
-    FakeKeychain keychain;
-    KeychainStore secrets{keychain};
-    DefaultsStore defaults{directory.path() / "config" / "preferences.json"};
-    AppConfig config{defaults, [this] { return Environment(variables); }, secrets};
-    FakeToastPresenter toasts{journal};
-    FakeLoginItem loginItem{journal};
-    FakeApplicationIcon icon{journal};
-    AppIconManager icons{config, defaults, icon};
-    FakeHTTPClient http;
-    VirtualLoop loop;
-    WorkerExecutor worker{1};
     std::unique_ptr<SettingsStore> store;
 };
 

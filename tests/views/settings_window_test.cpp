@@ -13,17 +13,9 @@
 
 #include <gtest/gtest.h>
 
-#include "app/app_icon_manager.h"
-#include "base/virtual_loop.h"
-#include "base/worker_executor.h"
 #include "fakes/fake_application_actions.h"
-#include "fakes/fake_application_icon.h"
-#include "fakes/fake_http_client.h"
-#include "fakes/fake_keychain.h"
-#include "fakes/fake_login_item.h"
-#include "fakes/fake_presenters.h"
 #include "fakes/fake_synthetic_keyboard.h"
-#include "fakes/temporary_directory.h"
+#include "settings/settings_fixture.h"
 #include "settings/settings_view_model.h"
 #include "storage/history_store.h"
 #include "views/components/ov_page_stack.h"
@@ -35,24 +27,18 @@
 namespace ovrin {
 namespace {
 
-class SettingsWindowTest : public testing::Test {
+class SettingsWindowTest : public SettingsTest {
 protected:
     SettingsWindowTest() {
         settle();
         window.present();
         viewModel.store().addHeader();
         viewModel.store().addHeader();
+        viewModel.store().editMaxOutputTokens("many");
         show(SettingsSection::general);
         journal.take();
     }
 
-    // Until the keyring has answered.
-    void settle() {
-        bool isDone = false;
-        worker.post([&](const std::stop_token&) { loop.post([&] { isDone = true; }); });
-        loop.runUntil([&] { return isDone; });
-        loop.runPosted();
-    }
     void show(SettingsSection section) {
         viewModel.select(section);
         QApplication::processEvents();
@@ -73,41 +59,13 @@ protected:
         QApplication::sendEvent(&widget, &up);
     }
 
-    Journal journal;
-    TemporaryDirectory directory;
-    Environment variables{{}};
-    FakeKeychain keychain;
-    KeychainStore secrets{keychain};
-    DefaultsStore defaults{directory.path() / "preferences.json"};
-    AppConfig config{defaults, [this] { return variables; }, secrets};
-    FakeToastPresenter toasts{journal};
-    FakeLoginItem loginItem{journal};
-    FakeApplicationIcon icon{journal};
-    AppIconManager icons{config, defaults, icon};
-    FakeHTTPClient http;
-    VirtualLoop loop;
-    WorkerExecutor worker{1};
     FakeSyntheticKeyboard keyboard{journal};
     FakeApplicationActions actions{journal};
-    HistoryStore history{directory.path() / "history.json", text::caseRules(variables), std::chrono::system_clock::now};
+    HistoryStore history{directory.path() / "history.json", text::caseRules(Environment(variables)),
+                         std::chrono::system_clock::now};
     ViewEnvironment environment;
-    SettingsViewModel viewModel{{.store = {.loop = loop,
-                                           .worker = worker,
-                                           .ioLoop = loop,
-                                           .http = http,
-                                           .config = config,
-                                           .defaults = defaults,
-                                           .keychain = secrets,
-                                           .toasts = toasts,
-                                           .loginItem = loginItem,
-                                           .icons = icons,
-                                           .environment = [this] { return variables; },
-                                           .applyAppearance = [](AppAppearanceMode) {},
-                                           .applyResultWindowLevel = [] {}},
-                                 .keyboard = keyboard,
-                                 .history = history,
-                                 .application = actions,
-                                 .version = "1"}};
+    SettingsViewModel viewModel{
+        {.store = surroundings(), .keyboard = keyboard, .history = history, .application = actions, .version = "1"}};
     QtSettingsWindow window{environment, icons.image(), viewModel, new SettingsPage(environment, "快捷键", {})};
 };
 

@@ -108,13 +108,14 @@ void ServicePage::addModel(SettingsCard& card) {
 }
 
 void ServicePage::addTokens(SettingsCard& card) {
-    tokens_ = new OVTextField(environment(), {});
-    tokens_->setFixedWidth(tokenFieldWidth);
+    auto* tokens = new OVTextField(environment(), {});
+    tokens->setFixedWidth(tokenFieldWidth);
     auto* row =
-        new SettingsRow(environment(), QStringLiteral("最大输出 Token"), {}, tokens_, SettingsRow::Layout::field);
-    binding_.text(*tokens_, store_.maxOutputTokens(),
+        new SettingsRow(environment(), QStringLiteral("最大输出 Token"), {}, tokens, SettingsRow::Layout::field);
+    binding_.text(*tokens, store_.maxOutputTokens(),
                   [this](std::string text) { store_.editMaxOutputTokens(std::move(text)); });
     binding_.line(row->line(), store_.maxOutputTokens());
+    tokensError_ = &row->line().errorText();
     card.addRow(row);
 }
 
@@ -126,7 +127,7 @@ SettingsCard* ServicePage::makeHeaderCard() {
     column->setSpacing(cardGap);
     auto* hint = new OVLabel(environment(), {}, theme::font::caption, theme::ColorToken::ink2, OVLabel::Lines::wrapped);
     auto* rows = new HeaderRows(environment(), store_);
-    rows->setTabPredecessor(*tokens_);
+    rows->setTabPredecessor(*tokensError_);
     auto* add =
         new OVButton(environment(), QStringLiteral("添加"), OVButton::Kind::secondary, OVButton::Density::compact);
     add->setOVIcon(OVIcon::plus);

@@ -35,7 +35,7 @@ private:
     SettingsStore& store_;
     OVTextField* url_ = nullptr;
     OVTextField* model_ = nullptr;
-    OVTextField* tokens_ = nullptr;
+    QWidget* tokensError_ = nullptr;  // the last before the headers that Tab comes to
     SettingsBinding binding_;
 };
 

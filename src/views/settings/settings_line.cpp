@@ -1,10 +1,13 @@
 #include "views/settings/settings_line.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
+#include <QPainter>
 #include <utility>
 
 #include "views/components/drawing.h"
 #include "views/components/ov_animated_icon.h"
+#include "views/components/ov_streaming_text.h"
 
 namespace ovrin {
 
@@ -13,6 +16,8 @@ using theme::ColorToken;
 namespace {
 constexpr double iconSize = 11;
 constexpr qsizetype longestError = 400;  // in UTF-16 units
+constexpr double ringRadius = 4;
+constexpr int ringPadding = 3;  // between the ring and the error
 }  // namespace
 
 SettingsLine::SettingsLine(ViewEnvironment& environment, const QString& hint, Place place, QWidget* parent)
@@ -20,17 +25,21 @@ SettingsLine::SettingsLine(ViewEnvironment& environment, const QString& hint, Pl
       hint_(hint),
       place_(place),
       warning_(new OVAnimatedIcon(environment, OVIcon::triangleAlert, iconSize, ColorToken::red)),
-      label_(new OVLabel(environment, {}, theme::font::caption, ColorToken::ink2, OVLabel::Lines::wrapped)) {
+      label_(new OVLabel(environment, QStringLiteral("字"), theme::font::caption, ColorToken::ink2,
+                         OVLabel::Lines::wrapped)),
+      errorText_(new OVStreamingText(environment, OVStreamingText::Mode::plain)) {
+    const int lineHeight = label_->sizeHint().height();  // of Chinese, which is higher than other lines
+    errorText_->setInterfaceStyle({.font = theme::font::caption, .lineHeight = static_cast<double>(lineHeight)});
+    errorText_->setColor(ColorToken::red);
+    errorText_->installEventFilter(this);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(4);
     row->addWidget(warning_, 0, Qt::AlignTop);
     row->addWidget(label_, 1);
+    row->addWidget(errorText_, 1);
     warning_->setContentsMargins(0, 2, 0, 0);
-    if (place == Place::reserved) {
-        label_->setText(QStringLiteral("字"));  // Chinese lines are higher than others
-        setMinimumHeight(label_->sizeHint().height());
-    }
+    if (place == Place::reserved) setMinimumHeight(lineHeight);
     refresh();
 }
 
@@ -56,10 +65,32 @@ QString SettingsLine::words() const {
 void SettingsLine::refresh() {
     const bool isError = !error_.isEmpty();
     warning_->setVisible(isError);
+    const int side = isError ? ringPadding : 0;
+    layout()->setContentsMargins(side, 0, side, 0);
+    errorText_->setVisible(isError);
+    errorText_->setTextSoFar(error_.toStdString(), OVStreamingText::Progress::finished);
+    errorText_->showPending();
+    label_->setVisible(!isError);
     label_->setText(words());
-    label_->setColor(isError ? ColorToken::red : ColorToken::ink2);
     setVisible(place_ == Place::reserved || !words().isEmpty());
     emit changed();
+}
+
+QWidget& SettingsLine::errorText() const {
+    return *errorText_;
+}
+
+void SettingsLine::paintEvent(QPaintEvent* /*event*/) {
+    if (!errorText_->hasFocus()) return;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(color(ColorToken::accent));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), ringRadius, ringRadius);
+}
+
+bool SettingsLine::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) update();
+    return OVWidget::eventFilter(watched, event);
 }
 
 }  // namespace ovrin

@@ -8,6 +8,7 @@
 namespace ovrin {
 
 class OVAnimatedIcon;
+class OVStreamingText;
 
 class SettingsLine final : public OVWidget {
     Q_OBJECT
@@ -22,14 +23,20 @@ public:
 
     void setHint(const QString& hint);
     void setNote(const QString& note);
-    // Shown in place of the rest until it is empty.
+    // Shown in place of the rest until it is empty; Tab reaches it, and it can be selected and copied.
     void setError(const QString& error);
 
     // All that is shown, for the description of the control.
     QString words() const;
+    // What has the keyboard when Tab comes to the error.
+    QWidget& errorText() const;
 
 signals:
     void changed();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void refresh();
@@ -40,6 +47,7 @@ private:
     Place place_;
     OVAnimatedIcon* warning_;
     OVLabel* label_;
+    OVStreamingText* errorText_;
 };
 
 }  // namespace ovrin
