@@ -55,9 +55,11 @@ SettingsPage::SettingsPage(ViewEnvironment& environment, const QString& title, c
     const QScrollBar* const scrollBar = scrollArea_->verticalScrollBar();
     connect(scrollBar, &QScrollBar::valueChanged, this, qOverload<>(&QWidget::update));
     connect(scrollBar, &QScrollBar::rangeChanged, this, qOverload<>(&QWidget::update));
-    // The toolkit only scrolls to what Tab comes to from within.
-    connect(qApp, &QApplication::focusChanged, this, [this, sheet](QWidget* /*before*/, QWidget* now) {
-        if (now != nullptr && sheet->isAncestorOf(now)) scrollArea_->reveal(*now);
+    // The toolkit only scrolls to what Tab comes to from within. A window that the keyboard comes back to stays as it
+    // was.
+    connect(qApp, &QApplication::focusChanged, this, [this, sheet](const QWidget* before, QWidget* now) {
+        const bool isWithinWindow = before != nullptr && now != nullptr && before->window() == now->window();
+        if (isWithinWindow && sheet->isAncestorOf(now)) scrollArea_->reveal(*now);
     });
 }
 
