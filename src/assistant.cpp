@@ -6,12 +6,10 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <stop_token>
 #include <string>
-#include <string_view>
 #include <utility>
 
 #include "app/app_icon_manager.h"
@@ -38,6 +36,7 @@
 #include "platform/linux/image_decoder.h"
 #include "platform/linux/language_identifier.h"
 #include "platform/linux/onnx_text_recognizer.h"
+#include "platform/linux/own_executable.h"
 #include "platform/linux/qt/application_bus.h"
 #include "platform/linux/qt/desktop_package_installer.h"
 #include "platform/linux/qt/desktop_settings.h"
@@ -102,14 +101,6 @@ using namespace std::chrono_literals;
 
 // Panels come up at about the time that programs are started with the session.
 constexpr auto patienceWithTheTray = 5s;
-
-// The file of the running program, whose name is marked once a newer one has taken its place.
-std::filesystem::path ownExecutable() {
-    constexpr std::string_view replaced = " (deleted)";
-    std::string path = std::filesystem::read_symlink("/proc/self/exe").string();
-    if (path.ends_with(replaced)) path.resize(path.size() - replaced.size());
-    return path;
-}
 
 // Settled by the build alone.
 UpdateConfiguration updateConfiguration() {

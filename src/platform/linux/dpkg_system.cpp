@@ -3,11 +3,11 @@
 #include <filesystem>
 #include <memory>
 #include <string_view>
-#include <system_error>
 
 #include <glib.h>
 
 #include "base/text.h"
+#include "platform/linux/own_executable.h"
 #include "platform/linux/program_output.h"
 
 namespace ovrin {
@@ -38,13 +38,12 @@ bool isOwned(const std::filesystem::path& file) {
 }  // namespace
 
 PackageSystem::Description DpkgSystem::describe() const {
-    std::error_code noProgram;
-    const auto program = std::filesystem::read_symlink("/proc/self/exe", noProgram);
+    const auto program = ownExecutable();
     const std::string architecture = programOutput({"dpkg", "--print-architecture"}).value_or("");
     return {.distribution = osInformation(G_OS_INFO_KEY_ID),
             .release = osInformation(G_OS_INFO_KEY_VERSION_ID),
             .architecture = std::string(text::trimmed(architecture)),
-            .ownsProgram = !noProgram && isOwned(program)};
+            .ownsProgram = !program.empty() && isOwned(program)};
 }
 
 }  // namespace ovrin

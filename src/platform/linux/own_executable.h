@@ -1,0 +1,11 @@
+// The file that this process runs.
+#pragma once
+
+#include <filesystem>
+
+namespace ovrin {
+
+// Its path, also once a newer file has taken its place, as after an update. Empty when the system does not tell.
+std::filesystem::path ownExecutable();
+
+}  // namespace ovrin
