@@ -28,8 +28,7 @@ ShortcutsPageViewModel::ShortcutsPageViewModel(Registry& registry, const Recorde
             row.sharing_.set(sharing(row));
         });
     }
-    compareRows();
-    changes_ = registry_.shortcutByNameDidChange().onDidChange([this](const auto&) { compareRows(); });
+    changes_ = watch(registry_.shortcutByNameDidChange(), [this](const auto& /*change*/) { compareRows(); });
 }
 
 void ShortcutsPageViewModel::didAppear() {

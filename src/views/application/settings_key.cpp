@@ -6,17 +6,17 @@
 #include <QWidget>
 #include <utility>
 
+#include "platform/linux/qt/recent_windows.h"
+
 namespace ovrin {
 
 namespace {
 
 constexpr auto shortcutName = "settings key";
 
-// Windows that the user works in: not toasts, menus and overlays, nor questions, which are to be answered first.
-bool isWorkedIn(const QWidget& window) {
-    const bool isOrdinary = window.windowType() == Qt::Window || window.windowType() == Qt::Tool;
-    const bool isManaged = !window.windowFlags().testFlag(Qt::BypassWindowManagerHint);
-    return isOrdinary && isManaged && !window.isModal();
+// Questions are to be answered first.
+bool takesSettingsKey(const QWidget& window) {
+    return isWorkedIn(window) && !window.isModal();
 }
 
 }  // namespace
@@ -32,7 +32,7 @@ bool SettingsKey::eventFilter(QObject* watched, QEvent* event) {
         auto& widget = static_cast<QWidget&>(*watched);
         const bool isNew =
             widget.findChild<QShortcut*>(QLatin1String(shortcutName), Qt::FindDirectChildrenOnly) == nullptr;
-        if (widget.isWindow() && isWorkedIn(widget) && isNew) {
+        if (widget.isWindow() && takesSettingsKey(widget) && isNew) {
             auto* shortcut = new QShortcut(Qt::CTRL | Qt::Key_Comma, &widget);
             shortcut->setObjectName(QLatin1String(shortcutName));
             connect(shortcut, &QShortcut::activated, this, [this] { showSettings_(); });

@@ -6,6 +6,7 @@
 #include <array>
 #include <utility>
 
+#include "base/watch.h"
 #include "views/components/drawing.h"
 #include "views/components/ov_button.h"
 #include "views/components/ov_menu.h"
@@ -31,8 +32,7 @@ HistoryList::HistoryList(ViewEnvironment& environment, HistoryViewModel& viewMod
     area.setContent(this);
     connect(area.verticalScrollBar(), &QScrollBar::valueChanged, this, &HistoryList::showRows);
     connect(area.verticalScrollBar(), &QScrollBar::rangeChanged, this, &HistoryList::showRows);
-    changes_ = viewModel.filtered().onDidChange([this](const HistoryRecords& records) { showRecords(records); });
-    showRecords(viewModel.filtered().value());
+    changes_ = watch(viewModel.filtered(), [this](const HistoryRecords& records) { showRecords(records); });
 }
 
 void HistoryList::showRecords(const HistoryRecords& records) {

@@ -4,6 +4,7 @@
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
+#include "base/watch.h"
 #include "views/components/drawing.h"
 #include "views/components/ov_brand_mark.h"
 #include "views/components/ov_error_note.h"
@@ -45,8 +46,7 @@ UpdateView::UpdateView(ViewEnvironment& environment, UpdateViewModel& viewModel,
     column->setSpacing(16);
     column->addLayout(faces_, 1);
     column->addLayout(makeButtons());
-    changes_ = viewModel_.status().onDidChange([this](const auto&) { refresh(); });
-    refresh();
+    changes_ = watch(viewModel_.status(), [this](const auto& /*status*/) { refresh(); });
 }
 
 QWidget* UpdateView::makeBriefFace(const Published<std::string>& brandImage) {

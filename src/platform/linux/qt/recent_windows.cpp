@@ -5,15 +5,12 @@
 #include <algorithm>
 
 namespace ovrin {
-namespace {
 
-bool canBeGoneTo(const QWidget& window) {
+bool isWorkedIn(const QWidget& window) {
     const bool isOrdinary = window.windowType() == Qt::Window || window.windowType() == Qt::Tool;
     const bool isManaged = !window.windowFlags().testFlag(Qt::BypassWindowManagerHint);
-    return window.isVisible() && isOrdinary && isManaged;
+    return isOrdinary && isManaged;
 }
-
-}  // namespace
 
 RecentWindows::RecentWindows() {
     QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, &listener_, [this](QWindow* window) {
@@ -26,7 +23,7 @@ QWindow* RecentWindows::lastUsed() const {
     QWindow* last = nullptr;
     qsizetype lastPlace = -2;  // below that of a window that never had the keyboard
     for (const QWidget* const window : QApplication::topLevelWidgets()) {
-        if (!canBeGoneTo(*window)) continue;
+        if (!window->isVisible() || !isWorkedIn(*window)) continue;
         const qsizetype place = used_.lastIndexOf(window->windowHandle());
         if (place > lastPlace) {
             last = window->windowHandle();

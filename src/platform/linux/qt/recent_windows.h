@@ -6,10 +6,14 @@
 #include <QPointer>
 #include <QWindow>
 
+class QWidget;
+
 namespace ovrin {
 
-// Main thread, while the QApplication is there. Counts the windows that the user can go to: not toasts, cards, menus
-// and overlays, nor the icon in the tray.
+// Whether the user can go to such a window: not toasts, cards, menus and overlays, nor the icon in the tray.
+bool isWorkedIn(const QWidget& window);
+
+// Main thread, while the QApplication is there. Counts the windows that the user can go to.
 class RecentWindows {
 public:
     RecentWindows();
