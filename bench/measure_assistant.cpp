@@ -54,8 +54,8 @@ double median(std::vector<double> values) {
 }
 
 double medianOf(int runs, const std::function<double()>& measure) {
-    std::vector<double> values;
-    for (int run = 0; run < runs; ++run) values.push_back(measure());
+    std::vector<double> values(static_cast<std::size_t>(runs));
+    for (double& value : values) value = measure();
     return median(values);
 }
 
