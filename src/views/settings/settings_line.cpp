@@ -20,9 +20,9 @@ constexpr double ringRadius = 4;
 constexpr int ringPadding = 3;  // between the ring and the error
 }  // namespace
 
-SettingsLine::SettingsLine(ViewEnvironment& environment, const QString& hint, Place place, QWidget* parent)
+SettingsLine::SettingsLine(ViewEnvironment& environment, QString hint, Place place, QWidget* parent)
     : OVWidget(environment, parent),
-      hint_(hint),
+      hint_(std::move(hint)),
       place_(place),
       warning_(new OVAnimatedIcon(environment, OVIcon::triangleAlert, iconSize, ColorToken::red)),
       label_(new OVLabel(environment, QStringLiteral("字"), theme::font::caption, ColorToken::ink2,

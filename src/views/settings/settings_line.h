@@ -19,7 +19,7 @@ public:
         reserved   // always takes the room of one line, so that nothing moves
     };
 
-    SettingsLine(ViewEnvironment& environment, const QString& hint, Place place, QWidget* parent = nullptr);
+    SettingsLine(ViewEnvironment& environment, QString hint, Place place, QWidget* parent = nullptr);
 
     void setHint(const QString& hint);
     void setNote(const QString& note);
