@@ -86,7 +86,7 @@ TEST_F(InputTranslateTest, TroubleIsToldBesideWhatCameAndTheNextAttemptWorks) {
     clickOn("开始翻译");
     EXPECT_EQ(waitForExchange(1).state, State::failed);
     waitForWords("连接被中断。");
-    waitForWords("练习服务");
+    waitForWords("一张到小岛");
     clickOn("开始翻译");
     EXPECT_EQ(waitForExchange(2).state, State::complete);
     waitFor("the trouble to be forgotten", [&] { return !reader->shows(programName, "连接被中断。"); });

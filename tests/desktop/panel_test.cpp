@@ -24,7 +24,7 @@ TEST_F(PanelTest, ClosingItEndsTheRequestDownToTheSocket) {
     begin();
     service.planNext({.trouble = Plan::Trouble::hold, .pieces = 4});
     const DesktopWindow panel = translateLine();
-    waitForWords("练习服务");
+    waitForWords("车站的钟");
     clickOn("关闭");
     user->waitUntilGone(panel.id);
     EXPECT_EQ(waitForExchange(0).state, State::abandoned);
@@ -33,7 +33,7 @@ TEST_F(PanelTest, ClosingItEndsTheRequestDownToTheSocket) {
     // It is not gone for good.
     press(Action::showResultWindow);
     assistant->waitForPanel();
-    waitForWords("练习服务");
+    waitForWords("车站的钟");
 }
 
 TEST_F(PanelTest, ANewTranslationTakesTheWindowOverAndEndsTheOldRequest) {

@@ -58,9 +58,14 @@ std::string translatedLine(std::string_view line, std::string_view languageTag) 
 }
 
 std::string translation(std::string_view source, std::string_view languageTag) {
-    std::string answer(practiceName(languageTag));
-    for (const std::string_view line : linesOf(source)) answer += "\n" + translatedLine(line, languageTag);
+    std::string answer;
+    for (const std::string_view line : linesOf(source)) answer += translatedLine(line, languageTag) + "\n";
+    answer.pop_back();
     return answer;
+}
+
+std::string_view practiceName(std::string_view languageTag) {
+    return isChinese(languageTag) ? "【练习服务】" : "[practice service] ";
 }
 
 std::string echo(std::string_view question, std::string_view languageTag) {
@@ -75,10 +80,6 @@ bool isScriptWithoutSpaces(UChar32 character) {
 }
 
 }  // namespace
-
-std::string_view practiceName(std::string_view languageTag) {
-    return isChinese(languageTag) ? "【练习服务】" : "[practice service] ";
-}
 
 std::string practiceAnswer(std::span<const PracticeMessage> messages) {
     const std::string prompt = systemPrompt(messages);

@@ -1,5 +1,6 @@
 // What the practice service has to say: it knows the sentences of the demonstration page, and no model stands behind
-// it. Every answer says so.
+// it. Translations are what was asked for and nothing else; the other answers, the name of the model and the response's
+// Server header say so.
 #pragma once
 
 #include <span>
@@ -14,11 +15,9 @@ struct PracticeMessage {
     std::string content;
 };
 
-// The name by which the service calls itself, in the language of the tag: Chinese for Chinese, else English.
-std::string_view practiceName(std::string_view languageTag);
-
-// A request to translate is answered line by line with what the page says in that language; lines that are not from
-// the page come back unchanged and marked. Anything else is answered with what was asked.
+// A request to translate is answered with one line for each line, so that each finds its place over a picture: what the
+// page says in that language, or for lines that are not from the page the line itself, marked. Anything else is
+// answered with the service's name and what was asked.
 std::string practiceAnswer(std::span<const PracticeMessage> messages);
 
 // The answer in the pieces that it streams in: a word, or two characters of a script without spaces.
