@@ -247,8 +247,11 @@ TEST(DrawnPicturesTest, TurnedAndVerticalTextIsRead) {
     const QImage upright =
         Canvas(420, 120).text(20, 40, "Quarterly report 2024", 22).text(20, 90, "季度报告已经完成", 22).image();
     const std::string text = "Quarterly report 2024\n季度报告已经完成";
-    for (const int degrees : {0, 90, 180, 270})
+    const QImage line = Canvas(320, 90).text(40, 52, "Turned text read well", 18).image();
+    for (const int degrees : {0, 90, 180, 270}) {
         EXPECT_EQ(read(upright.transformed(QTransform().rotate(degrees))), text) << degrees;
+        EXPECT_EQ(read(line.transformed(QTransform().rotate(degrees))), "Turned text read well") << degrees;
+    }
 
     // Columns run from right to left.
     Canvas vertical(160, 380);

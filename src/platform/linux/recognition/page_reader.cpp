@@ -4,6 +4,8 @@
 #include <numeric>
 #include <utility>
 
+#include <opencv2/imgproc.hpp>
+
 #include "platform/linux/recognition/control_marks.h"
 #include "platform/linux/recognition/glyph_places.h"
 #include "platform/linux/recognition/letter_choice.h"
@@ -150,10 +152,44 @@ private:
     std::vector<TextRegion> regions_;
 };
 
+// What a reading of the page is worth: its characters, each counted by its confidence.
+double worth(const Page& page) {
+    double sum = 0;
+    for (const Reading& reading : page.readings) sum += meanConfidence(reading) * static_cast<double>(reading.size());
+    return sum;
+}
+
+// Reads the page as it is when turned that way; the pieces lie in the picture as it was given.
+Page readTurnedPage(const cv::Mat& picture, Turn turn, const PageReaders& readers, const std::stop_token& stop) {
+    const bool isClockwise = turn == Turn::clockwise;
+    const Turn opposite = isClockwise ? Turn::counterclockwise : Turn::clockwise;
+    cv::Mat turned;
+    cv::rotate(picture, turned, isClockwise ? cv::ROTATE_90_CLOCKWISE : cv::ROTATE_90_COUNTERCLOCKWISE);
+    Page page = PagePass(turned, readers, stop).run();
+    for (LinePiece& piece : page.pieces) {
+        const cv::Rect& box = piece.box;
+        piece.box = isClockwise ? cv::Rect(box.y, picture.rows - box.br().x, box.height, box.width)
+                                : cv::Rect(picture.cols - box.br().y, box.x, box.height, box.width);
+        piece.turn = piece.turn == Turn::half ? opposite : turn;
+    }
+    return page;
+}
+
 }  // namespace
 
+// Lines of Latin letters that stand on end are hardly found: a page without an upright line is looked at from its
+// sides.
 Page readPage(const cv::Mat& picture, const PageReaders& readers, const std::stop_token& stop) {
-    return PagePass(picture, readers, stop).run();
+    Page page = PagePass(picture, readers, stop).run();
+    const auto isUpright = [](const LinePiece& piece) { return piece.turn == Turn::none || piece.turn == Turn::half; };
+    if (std::ranges::any_of(page.pieces, isUpright)) return page;
+    // Columns are worth as much when they lie on their side, and keep their order as they are.
+    constexpr double clearlyBetter = 1.1;
+    for (const Turn turn : {Turn::counterclockwise, Turn::clockwise}) {
+        Page turned = readTurnedPage(picture, turn, readers, stop);
+        if (worth(turned) > clearlyBetter * worth(page)) page = std::move(turned);
+    }
+    return page;
 }
 
 }  // namespace ovrin
