@@ -92,6 +92,12 @@ private:
 
 class UpdateControllerTest : public testing::Test {
 protected:
+    // A check that still waits comes to its end.
+    ~UpdateControllerTest() override {
+        controller_.reset();
+        loop.runPosted();
+    }
+
     std::unique_ptr<UpdateWindow> makeWindow(UpdateViewModel& model, std::function<void()> requestClose) {
         window = &model;
         close = std::move(requestClose);
