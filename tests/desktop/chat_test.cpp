@@ -1,4 +1,7 @@
 // The free chat: a bar in the middle of the screen that becomes a conversation.
+#include <chrono>
+#include <thread>
+
 #include "desktop/desktop_test.h"
 
 namespace ovrin {
@@ -85,6 +88,35 @@ TEST_F(ChatTest, TheBarGoesWithTheKeyboardAndTheConversationStays) {
     waitForChat(barSize);
     turnTo(page);
     user->waitUntilGone(chat.id);
+}
+
+TEST_F(ChatTest, AKeyOfAnotherProgramLeavesTheDraftAndThePaletteOpen) {
+    constexpr std::chrono::milliseconds pressed{400};  // the toolkit calls the window inactive after 100
+    const std::string combination = "Control_L+space";
+    begin();
+    user->takeKeys(combination);
+    const auto holdFor = [&](std::chrono::milliseconds time) {
+        user->holdKeys(combination);
+        std::this_thread::sleep_for(time);
+        user->releaseKeys(combination);
+    };
+    DesktopWindow bar = openBar();
+    user->type("What is");
+    holdFor(pressed);
+    user->type(" a compass?");
+    waitForWords("What is a compass?");
+    user->holdKeys(combination);
+    std::this_thread::sleep_for(pressed);
+    const xcb_window_t other = openPage().window().id;
+    xcb_set_input_focus(user->view().connection(), XCB_INPUT_FOCUS_PARENT, other, XCB_CURRENT_TIME);
+    user->waitUntilGone(bar.id);
+    user->releaseKeys(combination);
+
+    press(Action::commandPalette);
+    const DesktopWindow palette = assistant->waitForPalette();
+    user->waitUntilActive(palette.id);
+    holdFor(pressed);
+    EXPECT_TRUE(user->view().window(palette.id));
 }
 
 TEST_F(ChatTest, ClosingItEndsTheRequestAndForgetsTheConversation) {

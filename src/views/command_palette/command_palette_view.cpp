@@ -12,6 +12,7 @@
 #include <array>
 #include <utility>
 
+#include "platform/linux/qt/input_focus_watch.h"
 #include "platform/linux/qt/x11_window.h"
 #include "views/command_palette/command_list.h"
 #include "views/components/ov_button.h"
@@ -58,6 +59,7 @@ CommandPaletteView::CommandPaletteView(ViewEnvironment& environment, CommandPale
     column->addWidget(area_, 1);
     // The last row keeps its distance from the rounded corners.
     column->addSpacing(2);
+    connect(new InputFocusWatch(*this), &InputFocusWatch::left, this, [this] { requestClose_(); });
     // The keyboard stays in the field: there the selected row is told.
     field_->setAccessibleDescription(list_->rowText(viewModel.selectedIndex().value()));
     connect(list_, &CommandList::selected, this, [this](int index) {
@@ -131,11 +133,6 @@ bool CommandPaletteView::handleListKey(int key) {
 void CommandPaletteView::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Cancel)) return requestClose_();
     OVFloatingWindow::keyPressEvent(event);
-}
-
-void CommandPaletteView::changeEvent(QEvent* event) {
-    OVFloatingWindow::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && isVisible() && !isActiveWindow()) requestClose_();
 }
 
 void CommandPaletteView::closeEvent(QCloseEvent* event) {

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/linux/qt/input_focus_watch.h"
 #include "platform/linux/qt/x11_window.h"
 #include "views/direct_ai/direct_ai_view.h"
 
@@ -45,6 +46,7 @@ QtDirectAIPanel::QtDirectAIPanel(ViewEnvironment& environment, const Published<s
     connect(view_, &DirectAIView::closeRequested, this, &OVPanelWindow::closeRequested);
     connect(this, &OVPanelWindow::closeRequested, this, [this] { events_.requestClose(); });
     connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &OVPanelWindow::closeRequested);
+    connect(new InputFocusWatch(*this), &InputFocusWatch::left, this, [this] { events_.resignedKey(); });
     bindAnimation();
 }
 
@@ -88,11 +90,6 @@ QRect QtDirectAIPanel::frameAround(const QRect& old, QSize size) const {
     frame.moveLeft(std::max(frame.left(), available.left()));
     frame.moveTop(std::max(frame.top(), available.top()));
     return frame;
-}
-
-void QtDirectAIPanel::changeEvent(QEvent* event) {
-    OVPanelWindow::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && isVisible() && !isActiveWindow()) events_.resignedKey();
 }
 
 void QtDirectAIPanel::keyPressEvent(QKeyEvent* event) {

@@ -27,7 +27,6 @@ public:
     void animateTo(const Form& form) override;
 
 protected:
-    void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:

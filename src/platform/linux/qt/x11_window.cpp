@@ -135,6 +135,14 @@ void activate(QWindow& window) {
     askWindowManager(connection, window, "_NET_ACTIVE_WINDOW", {fromTheUser, serverTime(), 0});
 }
 
+bool hasInputFocus(const QWindow& window) {
+    xcb_connection_t* const connection = toolkitConnection();
+    if (connection == nullptr) return false;
+    const X11Reply<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    return reply && reply->focus == window.winId();
+}
+
 bool showWindowMenu(QWindow& window) {
     xcb_connection_t* const connection = toolkitConnection();
     if (connection == nullptr || !isSupported(connection, "_GTK_SHOW_WINDOW_MENU")) return false;

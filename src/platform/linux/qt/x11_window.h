@@ -31,6 +31,10 @@ void keepOnEveryWorkspace(QWindow& window);
 // to refuse: the request is made in the user's name, at the server's present time.
 void activate(QWindow& window);
 
+// Whether what is typed goes to the window, or would if nobody had grabbed the keyboard: a grab leaves the server's
+// input focus where it is. False where the windows are not on X11. One round trip.
+bool hasInputFocus(const QWindow& window);
+
 // Has the window manager show its menu of the window at the pointer. False where it knows no such request.
 bool showWindowMenu(QWindow& window);
 
