@@ -145,6 +145,7 @@ private:
             }
         });
         models.secondReaders = TesseractReader::installed(files_.tesseractFolder);
+        malloc_trim(0);  // the files' contents, of which the networks have made copies of their own
         return models;
     }
 

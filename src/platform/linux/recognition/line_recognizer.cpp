@@ -15,7 +15,7 @@ namespace {
 constexpr int networkHeight = 48;
 constexpr int networkStep = 8;  // columns for one step of the output
 constexpr int minimumWidth = 32;
-constexpr int longestPart = 1600;  // columns; the output takes 3 MiB for every 320 of them
+constexpr int longestPart = 1000;  // columns; the output takes 3 MiB for every 320 of them
 
 // The model lists its characters one a line; the blank precedes them, the space follows.
 std::vector<char32_t> charactersOf(const InferenceSession& network) {

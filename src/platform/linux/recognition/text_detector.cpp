@@ -23,8 +23,9 @@ constexpr double wantedCore = 13;  // pixels that the network sees
 constexpr double leastScale = 0.75;
 constexpr double largestScale = 1.5;
 constexpr double glanceScale = 0.5;
-constexpr int largeArea = 200'000;  // pixels; in less, the glance costs more than it saves
-constexpr float textThreshold = 0.3F;
+constexpr int largeArea = 200'000;       // pixels; in less, the glance costs more than it saves
+constexpr double fullProbability = 255;  // in a byte a pixel: as floats, that of a 4K picture takes 75 MiB
+constexpr double textThreshold = 0.3 * fullProbability;
 constexpr float minimumScore = 0.5F;
 constexpr double growth = 1.6;  // the network marks a shrunken core of each line
 // Lines that run aslant by less than both of these are read as they are: the ends of the line stand off by this share
@@ -145,7 +146,7 @@ cv::Mat TextDetector::textProbability(const cv::Mat& picture, const cv::Rect& ar
     const int wantedRows = columns > 1 ? 1 : static_cast<int>(recognitionThreads());
     const int rows =
         std::max((size.height + tileHeight - 1) / tileHeight, std::clamp(size.height / leastTileHeight, 1, wantedRows));
-    cv::Mat probability(size, CV_32F, cv::Scalar(0));
+    cv::Mat probability(size, CV_8U, cv::Scalar(0));
     const auto count = static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns);
     parallelFor(count, recognitionThreads(), [&](std::size_t index) {
         const int row = static_cast<int>(index) / columns;
@@ -171,7 +172,8 @@ cv::Mat TextDetector::textProbability(const cv::Mat& picture, const cv::Rect& ar
         cv::warpAffine(bgr, scaled, back, wanted.size(), cv::INTER_LINEAR | cv::WARP_INVERSE_MAP, cv::BORDER_REPLICATE);
         network_.run(networkInput(scaled), stop, [&](auto /*shape*/, std::span<const float> values) {
             const cv::Mat map(scaled.rows, scaled.cols, CV_32F, const_cast<float*>(values.data()));
-            map(cv::Rect(overlap, overlap, tile.width, tile.height)).copyTo(probability(tile));
+            cv::Mat target = probability(tile);
+            map(cv::Rect(overlap, overlap, tile.width, tile.height)).convertTo(target, CV_8U, fullProbability);
         });
     });
     return probability;
@@ -204,7 +206,7 @@ std::vector<TextRegion> TextDetector::detect(const cv::Mat& picture, const std::
     for (const auto& contour : contours) {
         const cv::Rect core = cv::boundingRect(contour);
         if (std::min(core.width, core.height) < 2) continue;
-        const auto score = static_cast<float>(cv::mean(probability(core), mask(core))[0]);
+        const auto score = static_cast<float>(cv::mean(probability(core), mask(core))[0] / fullProbability);
         if (score < minimumScore) continue;
         TextRegion region = regionOf(contour, scale);
         region.score = score;
