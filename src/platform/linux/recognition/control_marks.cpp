@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -21,17 +20,10 @@ constexpr double sureOfMany = 0.75;  // of more
 constexpr double sureOfOne = 0.97;   // of a character without any other on its line
 constexpr double sureOfMark = 0.5;   // of punctuation that stands by a word
 
-// Times as high as wide, with serifs; a bare bar is longer.
-constexpr double widestStem = 1.8;
-constexpr double longestStem = 4;
-
 // In ems. A mark of the user interface stands off the text beside it as a word does.
 constexpr double wordGap = 0.3;
 constexpr double iconGap = 0.45;  // a letter before a word stands closer
 constexpr double farFromText = 0.6;
-
-constexpr int strongInk = 128;  // of 255
-constexpr int faintInk = 100;   // the gap below the dot of a small i
 
 struct Word {
     std::size_t first, last;
@@ -70,10 +62,6 @@ bool isShape(char32_t character) {
                    .find(character) != std::u32string_view::npos;
 }
 
-bool isStemLetter(char32_t character) {
-    return std::u32string_view(U"IⅠl1").find(character) != std::u32string_view::npos;
-}
-
 class Marks {
 public:
     Marks(const Reading& reading, const LinePiece& piece)
@@ -103,7 +91,6 @@ private:
             confidence += reading_[i].confidence;
         }
         if (allPictorial && isAtEnd) return false;
-        if (isAtEnd && !isAlone && (isInformationSign(word) || isPauseSign(index))) return false;
         if (letters == 0) return isPunctuation(index, isAlone, isAtEnd);
         const bool few = letters <= 2;
         if (reading_.size() == 1) return isCharacter();
@@ -111,77 +98,13 @@ private:
         return !(word.size() == 1 && isAtEnd && isShape(reading_[word.first].code) && standsOut(index, isAlone));
     }
 
-    // A ring around an i, which has a gap below its dot, is read as a ring around 1.
-    bool isInformationSign(const Word& word) const {
-        if (word.size() != 1 || reading_[word.first].code != U'①') return false;
-        const cv::Mat glyph = inkOf(word);
-        const cv::Mat middle = glyph.colRange(glyph.cols * 2 / 5, glyph.cols - glyph.cols * 2 / 5);
-        // From the dot down: the ring, a gap, the dot, its gap, the stem, a gap, the ring.
-        int bands = 0;
-        bool inBand = false;
-        for (int y = 0; y < middle.rows; ++y) {
-            double most = 0;
-            cv::minMaxLoc(middle.row(y), nullptr, &most);
-            if (!inBand && most >= strongInk) ++bands;
-            if (most >= strongInk || most < faintInk) inBand = most >= strongInk;
-        }
-        return bands >= 4;
-    }
-
-    // Two bars that are thicker than the strokes of the text beside them.
-    bool isPauseSign(std::size_t index) const {
-        const Word& word = words_[index];
-        for (std::size_t i = word.first; i < word.last; ++i) {
-            if (!isStemLetter(reading_[i].code) && reading_[i].code != U'Ⅱ') return false;
-        }
-        if (word.size() > 2 || (word.size() == 1 && reading_[word.first].code != U'Ⅱ')) return false;
-        const Word& neighbour = words_[index == 0 ? 1 : index - 1];
-        return strokeOf(word) > 1.5 * strokeOf(neighbour);
-    }
-
-    // The usual thickness of a word's strokes across, pixels.
-    double strokeOf(const Word& word) const {
-        const cv::Mat ink = inkOf(word);
-        std::vector<int> lengths;
-        for (int y = 0; y < ink.rows; ++y) {
-            int length = 0;
-            for (int x = 0; x <= ink.cols; ++x) {
-                if (x < ink.cols && ink.at<std::uint8_t>(y, x) >= strongInk) {
-                    ++length;
-                } else if (length > 0) {
-                    lengths.push_back(std::exchange(length, 0));
-                }
-            }
-        }
-        if (lengths.empty()) return 0;
-        const auto middle = lengths.begin() + static_cast<std::ptrdiff_t>(lengths.size() / 2);
-        std::ranges::nth_element(lengths, middle);
-        return *middle;
-    }
-
-    // The ink of a word, the rows that it covers.
-    cv::Mat inkOf(const Word& word) const {
-        const auto [top, bottom] = rowsOf(word);
-        const int left = std::clamp(static_cast<int>(reading_[word.first].left), 0, piece_.ink.cols - 1);
-        const int right = std::clamp(static_cast<int>(reading_[word.last - 1].right), left + 1, piece_.ink.cols);
-        return piece_.ink(cv::Range(std::min(top, bottom), bottom), cv::Range(left, right));
-    }
-
     // Is the only character of its line one, and no drawing of that shape?
     bool isCharacter() const {
         const ReadCharacter& character = reading_.front();
-        if (isShape(character.code)) return false;
-        // Whether a stem is I, Ⅰ, l or 1 is no doubt about its being text.
-        const bool isStem = isStemLetter(character.code) && isStemLetter(character.second);
-        const double shape = static_cast<double>(piece_.inkBox.height) / std::max(1, piece_.inkBox.width);
-        if (isStem && shape > widestStem && shape < longestStem) {
-            if (character.confidence + character.secondConfidence < sureOfFew) return false;
-        } else if (character.confidence < sureOfOne) {
-            return false;
-        }
-        if (character.code != U'十') return true;
+        if (character.confidence < sureOfOne || isShape(character.code)) return false;
         // The arms of a plus are of one length; those of 十 are not.
-        return std::abs(piece_.inkBox.width - piece_.inkBox.height) > 1 || std::abs(heaviestRow() - 0.5) > 0.03;
+        if (character.code == U'十') return std::abs(heaviestRow() - 0.5) > 0.03;
+        return true;
     }
 
     // Where the row with most ink lies, 0 at the top of the ink and 1 at its foot.
@@ -201,12 +124,7 @@ private:
     bool isPunctuation(std::size_t index, bool isAlone, bool isAtEnd) const {
         const Word& word = words_[index];
         const bool shape = word.size() == 1 && isShape(reading_[word.first].code);
-        if (isAlone) {
-            // In programs a brace is a line.
-            const bool brace =
-                std::u32string_view(U"{}()[]").find(reading_[word.first].code) != std::u32string_view::npos;
-            return (word.size() > 1 || brace) && reading_[word.first].confidence >= sureOfFew;
-        }
+        if (isAlone) return word.size() > 1 && reading_[word.first].confidence >= sureOfFew;
         if (isAtEnd && shape && gapBeside(index) > wordGap)
             return reading_[word.first].confidence > 0.95 && !isLargeMark(word) && !isPlusBeforeWord(word);
         return reading_[word.first].confidence >= (gapBeside(index) > farFromText ? sureOfFew : sureOfMark);
@@ -252,12 +170,13 @@ private:
 
     // The rows that the ink of a word covers.
     std::pair<int, int> rowsOf(const Word& word) const {
+        constexpr int strong = 128;
         const int left = std::clamp(static_cast<int>(reading_[word.first].left), 0, piece_.ink.cols - 1);
         const int right = std::clamp(static_cast<int>(reading_[word.last - 1].right), left + 1, piece_.ink.cols);
         int top = piece_.ink.rows, bottom = 0;
         for (int y = 0; y < piece_.ink.rows; ++y) {
             const auto* row = piece_.ink.ptr<std::uint8_t>(y);
-            if (std::any_of(row + left, row + right, [](std::uint8_t level) { return level >= strongInk; })) {
+            if (std::any_of(row + left, row + right, [](std::uint8_t level) { return level >= strong; })) {
                 top = std::min(top, y);
                 bottom = y + 1;
             }

@@ -28,7 +28,7 @@ bool isKana(char32_t character) {
     return scriptOf(character) == Script::kana;
 }
 
-// How well a character fits between its neighbours (0 at a word's end): 1 well, -1 badly, 0 neither.
+// How well a character fits between its neighbours (0 at a line's end): 1 well, -1 badly, 0 neither.
 int fit(char32_t character, char32_t before, char32_t after) {
     const bool amongDigits = (isDigit(before) || isDigit(after)) && !isLetter(before) && !isLetter(after);
     if (isOneOf(character, U"01")) return amongDigits ? 1 : 0;
@@ -61,23 +61,14 @@ char32_t wideForm(char32_t character) {
     return mark == std::u32string_view::npos ? character : wide[mark];
 }
 
-// Do two narrow characters belong to different words?
-bool isWordGap(const ReadCharacter& before, const ReadCharacter& after, double em) {
-    constexpr double wordGap = 0.3;  // ems; less where the reader saw a space
-    return !isWide(before.code) && !isWide(after.code) &&
-           (after.left - before.right) / em + 0.25 * after.spaceBefore > wordGap;
-}
-
 }  // namespace
 
-void chooseByNeighbours(Reading& reading, double em) {
+void chooseByNeighbours(Reading& reading) {
     for (std::size_t i = 0; i < reading.size(); ++i) {
         auto& character = reading[i];
         if (character.secondConfidence < hesitation * character.confidence) continue;
-        const bool first = i == 0 || isWordGap(reading[i - 1], character, em);
-        const bool last = i + 1 == reading.size() || isWordGap(character, reading[i + 1], em);
-        const char32_t before = first ? 0 : reading[i - 1].code;
-        const char32_t after = last ? 0 : reading[i + 1].code;
+        const char32_t before = i == 0 ? 0 : reading[i - 1].code;
+        const char32_t after = i + 1 == reading.size() ? 0 : reading[i + 1].code;
         if (fit(character.second, before, after) > fit(character.code, before, after))
             character.code = character.second;
     }

@@ -6,9 +6,8 @@
 namespace ovrin {
 
 // Where the reader hesitated between two characters of one shape (O and 0; l, I and 1; ー and a dash; ッ and ツ), takes
-// the one that its neighbours in the word make likelier. What the reader is sure of stays. em: pixels; characters on
-// their ink.
-void chooseByNeighbours(Reading& reading, double em);
+// the one that its neighbours make likelier. What the reader is sure of stays.
+void chooseByNeighbours(Reading& reading);
 
 // Gives marks beside Chinese or Japanese characters their wide form where they stand in a wide cell: the picture shows
 // a blank there that no space makes. em: pixels; characters on their ink.

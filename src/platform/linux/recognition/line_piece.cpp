@@ -14,10 +14,7 @@ constexpr int levelsPerChannel = 8;
 constexpr double flatShare = 0.3;   // of the pixels that have about the background's colour, text being the rest
 constexpr double sideShare = 0.4;   // of the height, background beside the text: less costs words at their ends
 constexpr double tallestBox = 1.7;  // times the ink's height; a higher box has been stretched by its neighbours
-// Around a dash alone boxes are flat and end before the dash does: so many pixels beside them are looked at.
-constexpr int flatBox = 12;
-constexpr int asideOfFlatBox = 32;
-constexpr int inkLevel = 96;  // of 255: from here on a pixel belongs to a stroke
+constexpr int inkLevel = 96;        // of 255: from here on a pixel belongs to a stroke
 
 struct Background {
     cv::Scalar color;
@@ -145,17 +142,6 @@ bool isRuler(const cv::Mat& strokes, const ColumnRun& run, const ColumnRun& rows
     return cv::countNonZero(strokes.colRange(run.left, run.right)) >= 0.95 * strokes.rows * run.width();
 }
 
-// Does the next run go on with a row of dashes, being flat like this one and no further off? A detected box often ends
-// within such a row.
-bool continuesDashes(const cv::Mat& line, const ColumnRun& run, const ColumnRun& next) {
-    const int width = std::max(run.width(), next.width());
-    if (std::abs(run.width() - next.width()) > 1 || next.left - run.right > 2 * width) return false;
-    const cv::Rect place = cv::boundingRect(line.colRange(run.left, run.right));
-    const cv::Rect nextPlace = cv::boundingRect(line.colRange(next.left, next.right));
-    return place.y == nextPlace.y && place.height == nextPlace.height && 2 * place.height <= width &&
-           3 * place.height <= line.rows;
-}
-
 // The columns of the line: those of the box, and beyond its sides as long as ink follows closely.
 std::vector<ColumnRun> columnsOfLine(const cv::Mat& strokes, const cv::Rect& box, const ColumnRun& rows) {
     const cv::Mat line = strokes.rowRange(rows.left, rows.right);
@@ -167,9 +153,7 @@ std::vector<ColumnRun> columnsOfLine(const cv::Mat& strokes, const cv::Rect& box
         std::find_if(runs.rbegin(), runs.rend(), [&](const ColumnRun& run) { return run.left < box.br().x; }).base();
     if (first >= last) return {};
     while (first != runs.begin() && first->left - std::prev(first)->right <= reach) --first;
-    while (last != runs.end() &&
-           (last->left - std::prev(last)->right <= reach || continuesDashes(line, *std::prev(last), *last)))
-        ++last;
+    while (last != runs.end() && last->left - std::prev(last)->right <= reach) ++last;
     return {first, last};
 }
 
@@ -188,7 +172,7 @@ LinePiece noisyPiece(const cv::Mat& picture, cv::Rect box) {
 }
 
 LinePiece cutUpright(const cv::Mat& picture, cv::Rect box) {
-    const int aside = box.height < flatBox ? asideOfFlatBox : box.height;
+    const int aside = box.height;
     const int above = std::max(1, box.height / 6);
     cv::Rect strip = cv::Rect(box.x - aside, box.y - above, box.width + 2 * aside, box.height + 2 * above) &
                      cv::Rect({}, picture.size());

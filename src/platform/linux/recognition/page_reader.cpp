@@ -24,64 +24,22 @@ bool isTall(const TextRegion& region, double ratio) {
     return region.slant.size.empty() && region.box.height > ratio * region.box.width;
 }
 
-// A character stands in a cell that is about square: is the one around a flat bar empty? A bar of a menu's sign has
-// others above or below it.
-bool hasCellOfItsOwn(const cv::Mat& picture, const cv::Rect& bar) {
-    constexpr double half = 0.45;    // of the bar's width; neighbouring lines stand further off
-    constexpr double distinct = 40;  // levels of 255
-    constexpr int soft = 2;          // pixels at a bar's edge that are neither it nor paper
-    const int reach = static_cast<int>(half * bar.width);
-    const cv::Scalar paper = picture.at<cv::Vec4b>(bar.y, std::max(0, bar.x - soft - 1));
-    for (const auto& [from, to] : {std::pair{bar.y - reach, bar.y - soft}, {bar.br().y + soft, bar.br().y + reach}}) {
-        const cv::Rect part = cv::Rect(bar.x, from, bar.width, std::max(0, to - from)) & cv::Rect({}, picture.size());
-        if (part.empty()) continue;
-        cv::Mat difference;
-        cv::absdiff(picture(part), paper, difference);
-        std::vector<cv::Mat> channels;
-        cv::split(difference, channels);
-        for (int channel = 0; channel < 3; ++channel) {
-            double most = 0;
-            cv::minMaxLoc(channels[static_cast<std::size_t>(channel)], nullptr, &most);
-            if (most > distinct) return false;
-        }
-    }
-    return true;
-}
-
 // A bar alone is a capital I or the character for one, when it is as thick as letters are: a text cursor is thinner, a
 // bullet thicker, a rule longer. The network takes it for whatever has that shape.
-void nameBar(Reading& reading, const LinePiece& piece, const cv::Mat& picture) {
+void nameBar(Reading& reading, const LinePiece& piece) {
     if (piece.runs.size() != 1 || reading.size() > 1 || !piece.flatBackground || piece.inkBox.empty()) return;
     constexpr double full = 0.65;
-    constexpr double softened = 0.6;  // where a thin bar's sides are blurred
-    const double share = cv::mean(piece.ink(piece.inkBox))[0] / 255;
-    const bool solid = share >= softened;
-    // With the thick end that it has in some fonts, the character is no bar; then the network has to have thought of
-    // it.
-    const bool saidOne = !reading.empty() && (reading[0].code == U'一' || reading[0].second == U'一');
-    if (!solid && !saidOne) return;
-    const double width = piece.inkBox.width;
-    const double height = piece.inkBox.height;
+    if (cv::mean(piece.ink(piece.inkBox))[0] < full * 255) return;
+    const double shape = static_cast<double>(piece.inkBox.width) / piece.inkBox.height;
     const bool upright = piece.turn == Turn::none || piece.turn == Turn::half;
-    // Stems are an eighth of the capitals' height in common fonts, and fonts drawn small round them to whole pixels.
-    constexpr double thinnestStem = 0.115;
-    const bool isCapital = solid && upright && height > 4 * width && thinnestStem * height <= width + 0.5;
-    const bool isOne =
-        upright && width >= (saidOne ? 5 : 6) * height && width < 16 * height && hasCellOfItsOwn(picture, piece.box);
-    if (isCapital || isOne || share >= full) reading.clear();
+    const bool isCapital = upright && 1 / shape > 4 && 1 / shape < 12.5;
+    const bool isOne = upright && shape > 7 && shape < 16;
+    reading.clear();
     if (!isCapital && !isOne) return;
     reading.push_back({.code = isCapital ? U'I' : U'一',
                        .confidence = 0.98F,
                        .left = static_cast<double>(piece.inkBox.x),
                        .right = static_cast<double>(piece.inkBox.br().x)});
-}
-
-// Does a bar reach above and below the text beside it? So does a cursor, but no letter.
-bool towersOverNeighbour(const cv::Rect& bar, const std::vector<cv::Rect>& boxes) {
-    return std::ranges::any_of(boxes, [&](const cv::Rect& box) {
-        const int gap = std::max(box.x - bar.br().x, bar.x - box.br().x);
-        return gap >= 0 && gap < 2 * bar.height && box.y > bar.y && box.br().y < bar.br().y;
-    });
 }
 
 struct ReadPiece {
@@ -169,23 +127,16 @@ private:
         return count > 0 && turned / count >= convincing;
     }
 
-    Page finished(Page page) const {
+    static Page finished(Page page) {
         Page text;
-        std::vector<cv::Rect> boxes;
-        for (const auto& piece : page.pieces) boxes.push_back(piece.box);
         for (std::size_t i = 0; i < page.pieces.size(); ++i) {
             LinePiece& piece = page.pieces[i];
             Reading& reading = page.readings[i];
-            // Two regions may have grown to the same ink.
-            if (std::find(boxes.begin(), boxes.begin() + static_cast<std::ptrdiff_t>(i), piece.box) !=
-                boxes.begin() + static_cast<std::ptrdiff_t>(i))
-                continue;
-            nameBar(reading, piece, picture_);
-            if (reading.size() == 1 && reading[0].code == U'I' && towersOverNeighbour(piece.box, boxes)) continue;
+            nameBar(reading, piece);
             placeOnInk(reading, piece);
             removeControlMarks(reading, piece);
             if (reading.empty()) continue;
-            chooseByNeighbours(reading, piece.em);
+            chooseByNeighbours(reading);
             restoreRepeatedMarks(reading, piece);
             if (piece.flatBackground) widenMarksByGaps(reading, piece.em);
             text.pieces.push_back(std::move(piece));

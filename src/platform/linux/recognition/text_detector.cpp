@@ -197,14 +197,6 @@ std::vector<TextRegion> TextDetector::detect(const cv::Mat& picture, const std::
     const cv::Rect area = activeArea(picture);
     if (area.empty()) return {};
     const double scale = scaleFor(picture, area, stop);
-    auto regions = detectAt(picture, area, scale, stop);
-    // What is large and alone may be seen only from further off.
-    if (regions.empty() && scale > leastScale) regions = detectAt(picture, area, leastScale, stop);
-    return joinOverlapping(std::move(regions));
-}
-
-std::vector<TextRegion> TextDetector::detectAt(const cv::Mat& picture, const cv::Rect& area, double scale,
-                                               const std::stop_token& stop) const {
     const cv::Mat probability = textProbability(picture, area, scale, stop);
     const cv::Mat mask = probability > textThreshold;
     std::vector<std::vector<cv::Point>> contours;
@@ -226,7 +218,7 @@ std::vector<TextRegion> TextDetector::detectAt(const cv::Mat& picture, const cv:
         std::ranges::nth_element(regions, regions.begin() + mostRegions, std::greater(), &TextRegion::score);
         regions.resize(mostRegions);
     }
-    return regions;
+    return joinOverlapping(std::move(regions));
 }
 
 }  // namespace ovrin

@@ -32,8 +32,6 @@ private:
     cv::Mat textProbability(const cv::Mat& picture, const cv::Rect& area, double scale,
                             const std::stop_token& stop) const;
 
-    std::vector<TextRegion> detectAt(const cv::Mat& picture, const cv::Rect& area, double scale,
-                                     const std::stop_token& stop) const;
     double scaleFor(const cv::Mat& picture, const cv::Rect& area, const std::stop_token& stop) const;
 
     InferenceSession network_;

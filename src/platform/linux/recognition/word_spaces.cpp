@@ -154,8 +154,7 @@ void placeSpaces(std::vector<Reading>& readings, const std::vector<LinePiece>& p
     const double koreanGap = koreanSpace(readings, pieces);
     for (std::size_t i = 0; i < readings.size(); ++i) {
         const auto distances = narrowDistances(readings[i]);
-        // Without capitals and descenders a piece looks smaller than its font.
-        const bool fits = common && *common > 0.4 * pieces[i].em && *common < 0.95 * pieces[i].em;
+        const bool fits = common && *common > 0.4 * pieces[i].em && *common < 0.8 * pieces[i].em;
         if (!cells[i] && fits && gridError(distances, *common) < 0.15) cells[i] = common;
         placeSpaces(readings[i], pieces[i], cells[i], koreanGap);
     }
