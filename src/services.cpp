@@ -31,7 +31,9 @@ Settings::Settings(std::stop_token closing)
 ModelServices::ModelServices(const Settings& chosen)
     : settings(chosen),
       http(Environment::ofProcess()),
-      client(http.loop(), http, [&chosen] { return chosen.config.modelAPIConfiguration(); }) {}
+      client(http.loop(), http,
+             ModelClient::readingOn(configurationWorker, [&chosen] { return chosen.config.modelAPIConfiguration(); })) {
+}
 
 TranslationService ModelServices::translation(const LanguageIdentifier& identifier) const {
     return {client, identifier,

@@ -5,6 +5,7 @@
 #include <stop_token>
 
 #include "base/environment.h"
+#include "base/worker_executor.h"
 #include "language/translation_service.h"
 #include "model/model_client.h"
 #include "platform/language_identifier.h"
@@ -38,6 +39,7 @@ struct ModelServices {
 
     const Settings& settings;
     URLSessionHTTPClient http;
+    WorkerExecutor configurationWorker{1};  // after the loop on which its answers are awaited
     ModelClient client;
 };
 

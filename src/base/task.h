@@ -165,6 +165,12 @@ inline Task<void> TaskPromise<void>::get_return_object() {
 
 }  // namespace detail
 
+// A task that gives the value at once.
+template <typename T>
+Task<T> finished(T value) {
+    co_return value;
+}
+
 // co_await currentContext(): the loop and stop token of the running coroutine; never suspends.
 struct CurrentContext {
     TaskContext context;

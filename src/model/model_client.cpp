@@ -5,8 +5,22 @@
 
 namespace ovrin {
 
+namespace {
+
+Task<ModelAPIConfiguration> readOn(WorkerExecutor& worker, std::function<ModelAPIConfiguration()> read) {
+    auto call = [read = std::move(read)](const std::stop_token&) { return read(); };
+    co_return co_await worker.run(std::move(call));
+}
+
+}  // namespace
+
 ModelClient::ModelClient(EventLoop& ioLoop, HTTPClientProtocol& httpClient, ConfigurationProvider configurationProvider)
     : ioLoop_(&ioLoop), httpClient_(&httpClient), configurationProvider_(std::move(configurationProvider)) {}
+
+ModelClient::ConfigurationProvider ModelClient::readingOn(WorkerExecutor& worker,
+                                                          std::function<ModelAPIConfiguration()> read) {
+    return [&worker, read = std::move(read)] { return readOn(worker, read); };
+}
 
 AsyncStream<std::string> ModelClient::stream(std::vector<DeepSeek::Message> messages, double temperature) const {
     return streamFrom<std::string>(
@@ -32,8 +46,8 @@ ModelClient::WireClient ModelClient::makeWireClient(const ModelAPIConfiguration&
 
 Task<void> ModelClient::runStream(ModelClient client, std::vector<DeepSeek::Message> messages, double temperature,
                                   StreamWriter<std::string>& pieces) {
-    const ModelAPIConfiguration configuration = client.configurationProvider_().validated();
-    const WireClient wireClient = client.makeWireClient(configuration);
+    const ModelAPIConfiguration configuration = co_await client.configurationProvider_();
+    const WireClient wireClient = client.makeWireClient(configuration.validated());
     AsyncStream<std::string> inner =
         std::visit([&](const auto& wire) { return wire.stream(std::move(messages), configuration.model, temperature); },
                    wireClient);
@@ -46,8 +60,8 @@ Task<void> ModelClient::runStream(ModelClient client, std::vector<DeepSeek::Mess
 
 Task<void> ModelClient::runComplete(ModelClient client, std::vector<DeepSeek::Message> messages, double temperature,
                                     StreamWriter<std::string>& answer) {
-    const ModelAPIConfiguration configuration = client.configurationProvider_().validated();
-    const WireClient wireClient = client.makeWireClient(configuration);
+    const ModelAPIConfiguration configuration = co_await client.configurationProvider_();
+    const WireClient wireClient = client.makeWireClient(configuration.validated());
     Task<std::string> complete = std::visit(
         [&](const auto& wire) { return wire.complete(std::move(messages), configuration.model, temperature); },
         wireClient);

@@ -13,6 +13,7 @@
 #include "base/async_stream.h"
 #include "base/event_loop.h"
 #include "base/task.h"
+#include "base/worker_executor.h"
 #include "model/anthropic_client.h"
 #include "model/deep_seek_types.h"
 #include "model/model_api_configuration.h"
@@ -23,8 +24,12 @@ namespace ovrin {
 
 class ModelClient {
 public:
-    // Called on the I/O loop's thread.
-    using ConfigurationProvider = std::function<ModelAPIConfiguration()>;
+    // Called and awaited on the I/O loop, which carries every other answer meanwhile: it must not block.
+    using ConfigurationProvider = std::function<Task<ModelAPIConfiguration>()>;
+
+    // The provider for settings that may take their time, such as a key in a keyring that is locked: read is called on
+    // the worker, which must exist as long as calls are made, and which answers those that wait when it goes.
+    static ConfigurationProvider readingOn(WorkerExecutor& worker, std::function<ModelAPIConfiguration()> read);
 
     ModelClient(EventLoop& ioLoop, HTTPClientProtocol& httpClient, ConfigurationProvider configurationProvider);
 

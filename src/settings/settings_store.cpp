@@ -369,7 +369,7 @@ Task<void> SettingsStore::saveAndTest(PressedSave pressed, std::uint64_t test) {
 
 Task<void> SettingsStore::ping(ModelAPIConfiguration configuration) {
     const ModelClient client(surroundings_.ioLoop, surroundings_.http,
-                             [configuration = std::move(configuration)] { return configuration; });
+                             [configuration = std::move(configuration)] { return finished(configuration); });
     std::vector<DeepSeek::Message> conversation{{.role = "system", .content = "Reply with OK only."},
                                                 {.role = "user", .content = "ping"}};
     ConnectionState outcome{.kind = ConnectionState::Kind::success};

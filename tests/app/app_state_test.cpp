@@ -68,7 +68,7 @@ protected:
         engine_ = engine.get();
         selector_ = selector.get();
         selection_ = selection.get();
-        const ModelClient client(loop_, service_, [this] { return config_.modelAPIConfiguration(); });
+        const ModelClient client(loop_, service_, [this] { return finished(config_.modelAPIConfiguration()); });
         TranslationService translation(
             client, identifier_, [] { return std::string(); }, [] { return Timestamp(); });
         app_ = std::make_unique<AppState>(std::move(engine), std::move(translation), std::move(selector),

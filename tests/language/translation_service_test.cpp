@@ -30,11 +30,11 @@ protected:
     FakeLanguageIdentifier identifier;
     std::string override;
     ModelClient client{loop, http, [] {
-                           return ModelAPIConfiguration{.connectionURL = "https://h.example",
-                                                        .apiKey = "k",
-                                                        .model = "m",
-                                                        .customHeaders = {},
-                                                        .maxOutputTokens = 1};
+                           return finished(ModelAPIConfiguration{.connectionURL = "https://h.example",
+                                                                 .apiKey = "k",
+                                                                 .model = "m",
+                                                                 .customHeaders = {},
+                                                                 .maxOutputTokens = 1});
                        }};
     TranslationService service{client, identifier, [this] { return override; }, [] { return noon; }};
     TaskSlot task{loop};

@@ -1,9 +1,12 @@
 #include "model/model_client.h"
 
+#include <atomic>
 #include <chrono>
 #include <exception>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <semaphore>
 #include <string>
 #include <thread>
 #include <utility>
@@ -14,6 +17,7 @@
 
 #include "base/run_loop.h"
 #include "base/virtual_loop.h"
+#include "base/worker_executor.h"
 #include "fakes/fake_http_client.h"
 #include "model/deep_seek_error.h"
 
@@ -118,7 +122,7 @@ protected:
     int configurationsRead = 0;
     ModelClient client{loop, http, [this] {
                            ++configurationsRead;
-                           return configuration;
+                           return finished(configuration);
                        }};
     Seen seen;
     TaskSlot task{loop};
@@ -387,17 +391,40 @@ TEST_F(ModelClientTest, LeavesNothingBehindAfterAThousandCancelledAnswers) {
 }
 
 // The I/O loop on a thread of its own, as in the program.
-TEST(ModelClientThreads, BringsThePiecesToTheConsumersLoopInOrder) {
+class ModelClientThreads : public ::testing::Test {
+protected:
+    ModelClientThreads() {
+        while (!started.stop_requested()) std::this_thread::yield();
+    }
+    ~ModelClientThreads() override {
+        ioLoop->post([this] { ioLoop->quit(); });
+    }
+
+    ModelClient client(std::function<void()> beforeReading) {
+        return {*ioLoop, http, ModelClient::readingOn(worker, [beforeReading = std::move(beforeReading)] {
+                    beforeReading();
+                    return ModelAPIConfiguration{.connectionURL = "http://h",
+                                                 .apiKey = "k",
+                                                 .model = "m",
+                                                 .customHeaders = {},
+                                                 .maxOutputTokens = 1};
+                })};
+    }
+
     std::unique_ptr<RunLoop> ioLoop;
     std::stop_source started;
-    std::jthread thread([&] {
+    FakeHTTPClient http;
+    WorkerExecutor worker{1};
+    RunLoop mainLoop;
+    Seen seen;
+    std::jthread thread{[this] {
         ioLoop = std::make_unique<RunLoop>();
         started.request_stop();
         ioLoop->run();
-    });
-    while (!started.stop_requested()) std::this_thread::yield();
+    }};
+};
 
-    FakeHTTPClient http;
+TEST_F(ModelClientThreads, BringsThePiecesToTheConsumersLoopInOrder) {
     std::string body;
     Strings expected;
     for (int i = 0; i < 2000; ++i) {
@@ -407,21 +434,32 @@ TEST(ModelClientThreads, BringsThePiecesToTheConsumersLoopInOrder) {
     Strings chunks;
     for (std::size_t at = 0; at < body.size(); at += 999) chunks.push_back(body.substr(at, 999));
     http.willAnswer({.chunks = chunks});
-    std::thread::id configuredOn;
-    const ModelClient client(*ioLoop, http, [&] {
-        configuredOn = std::this_thread::get_id();
-        return ModelAPIConfiguration{
-            .connectionURL = "http://h", .apiKey = "k", .model = "m", .customHeaders = {}, .maxOutputTokens = 1};
-    });
-
-    Seen seen;
-    RunLoop mainLoop;
-    mainLoop.complete(consume(client.stream(conversation, 0.2), seen));
+    mainLoop.complete(consume(client([] {}).stream(conversation, 0.2), seen));
     EXPECT_EQ(seen.pieces, expected);
     EXPECT_EQ(seen.failure, nullptr);
-    EXPECT_EQ(configuredOn, thread.get_id());
+}
 
-    ioLoop->post([&] { ioLoop->quit(); });
+TEST_F(ModelClientThreads, GoOnStreamingWhileTheKeyringOfAnotherCallIsLocked) {
+    http.willAnswer({.chunks = {openAIPiece("a")}, .ending = FakeHTTPClient::Ending::staysOpen});
+    AsyncStream<std::string> open = client([] {}).stream(conversation, 0.2);
+    mainLoop.complete([](AsyncStream<std::string>& stream) -> Task<void> { co_await stream.next(); }(open));
+
+    std::binary_semaphore isAsked(0);
+    std::binary_semaphore isUnlocked(0);
+    std::atomic<bool> hasGivenUp = false;
+    const AsyncStream<std::string> waiting = client([&] {
+                                                 isAsked.release();
+                                                 hasGivenUp = !isUnlocked.try_acquire_for(10s);
+                                             }).stream(conversation, 0.2);
+    isAsked.acquire();
+    ioLoop->post([this] {
+        http.openBody().push(openAIPiece("b"));
+        http.openBody().finish();
+    });
+    mainLoop.complete(consume(std::move(open), seen));
+    EXPECT_FALSE(hasGivenUp);
+    EXPECT_EQ(seen.pieces, Strings{"b"});
+    isUnlocked.release();
 }
 
 }  // namespace

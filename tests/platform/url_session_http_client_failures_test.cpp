@@ -1,7 +1,10 @@
 #include <chrono>
 #include <fstream>
 #include <memory>
+#include <semaphore>
 #include <string>
+#include <thread>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -102,6 +105,32 @@ TEST_F(Failures, AnAnswerThatKeepsFlowingIsNeverTooLong) {
     HTTPRequest request = get(server.url());
     request.timeout = timeout;
     EXPECT_EQ(outcome(std::move(request), [&] { received.release(); }).error, "");
+}
+
+TEST_F(Failures, WhatArrivedWhileTheLoopWasHeldUpIsNoSilence) {
+    std::binary_semaphore isHeldUp(0);
+    std::binary_semaphore isSent(0);
+    LoopbackServer server([&](Connection& connection) {
+        connection.readRequest();
+        connection.send(streamHead);
+        connection.send("a");
+        isHeldUp.acquire();
+        connection.send("b");
+        isSent.release();
+        connection.waitForClose();
+    });
+    HTTPRequest request = get(server.url());
+    request.timeout = 100ms;
+    const Outcome result = outcome(request, [&, hasHeldUp = false]() mutable {
+        if (std::exchange(hasHeldUp, true)) return;
+        client.loop().post([&] {
+            isHeldUp.release();
+            isSent.acquire();
+            const auto end = client.loop().now() + 2 * request.timeout;
+            while (client.loop().now() < end) std::this_thread::yield();
+        });
+    });
+    EXPECT_EQ(result.body, "ab");
 }
 
 class SecureConnectionsTest : public testing::Test {

@@ -91,11 +91,11 @@ protected:
     FakeHTTPClient http;
     FakeLanguageIdentifier identifier;
     ModelClient client{loop, http, [] {
-                           return ModelAPIConfiguration{.connectionURL = "https://h.example",
-                                                        .apiKey = "k",
-                                                        .model = "m",
-                                                        .customHeaders = {},
-                                                        .maxOutputTokens = 1};
+                           return finished(ModelAPIConfiguration{.connectionURL = "https://h.example",
+                                                                 .apiKey = "k",
+                                                                 .model = "m",
+                                                                 .customHeaders = {},
+                                                                 .maxOutputTokens = 1});
                        }};
     ConversationPrompts prompts{[] {
                                     return Environment(Environment::Variables{{"LANG", "ja_JP.UTF-8"}});

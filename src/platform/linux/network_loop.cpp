@@ -129,15 +129,16 @@ void NetworkLoop::run() {
     multi_ = curl_multi_init();
     if (!multi_) throw std::bad_alloc();
     do {
-        runWork();
+        // Before the sockets are looked at: a timer that is due by then cannot take what lies in them for silence.
+        const TimePoint turn = now();
         driveTransfers();
+        runWork(turn);
     } while (waitForMore());
     shutDown();
     curl_multi_cleanup(multi_);
 }
 
-void NetworkLoop::runWork() {
-    std::optional<TimePoint> turn;
+void NetworkLoop::runWork(TimePoint turn) {
     for (int count = 0; count < workPerTurn; ++count) {
         const std::optional<Work> work = takeWork(turn);
         if (!work) return;
@@ -147,12 +148,9 @@ void NetworkLoop::runWork() {
 
 // The queue first, so that what it cancels of the timers that are due does not run any more. Timers that fall due after
 // the turn began wait for the next.
-std::optional<EventLoop::Work> NetworkLoop::takeWork(std::optional<TimePoint>& turn) {
+std::optional<EventLoop::Work> NetworkLoop::takeWork(TimePoint turn) {
     const std::lock_guard lock(mutex_);
-    if (queue_.empty()) {
-        if (!turn) turn = now();
-        return timers_.takeDue(*turn);
-    }
+    if (queue_.empty()) return timers_.takeDue(turn);
     std::optional<Work> work(std::move(queue_.front()));
     queue_.pop_front();
     return work;
@@ -191,7 +189,7 @@ bool NetworkLoop::waitForMore() {
 // The consumers of dropped transfers see a CancellationError; those that live on this loop come to their end here.
 void NetworkLoop::shutDown() {
     isShuttingDown_ = true;
-    runWork();
+    runWork(now());
     while (!transfers_.empty()) remove(transfers_.begin()->first);
     std::vector<Work> forgotten;
     {
@@ -199,7 +197,7 @@ void NetworkLoop::shutDown() {
         forgotten = timers_.takeAll();
     }
     forgotten.clear();
-    while (hasWork()) runWork();
+    while (hasWork()) runWork(now());
 }
 
 bool NetworkLoop::hasWork() const {

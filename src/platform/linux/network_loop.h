@@ -52,8 +52,8 @@ private:
     void startThread();
     void wake();
     void run();
-    void runWork();
-    std::optional<Work> takeWork(std::optional<TimePoint>& turn);
+    void runWork(TimePoint turn);
+    std::optional<Work> takeWork(TimePoint turn);
     void driveTransfers();
     bool waitForMore();
     void shutDown();
