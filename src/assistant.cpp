@@ -20,6 +20,7 @@
 #include "app/remote_command.h"
 #include "app/status_bar_controller.h"
 #include "app/toast_window.h"
+#include "app/tray_notice.h"
 #include "base/secure_random.h"
 #include "base/text.h"
 #include "base/uuid.h"
@@ -97,11 +98,6 @@ namespace ovrin {
 
 namespace {
 
-using namespace std::chrono_literals;
-
-// Panels come up at about the time that programs are started with the session.
-constexpr auto patienceWithTheTray = 5s;
-
 // Settled by the build alone.
 UpdateConfiguration updateConfiguration() {
     return {
@@ -155,7 +151,6 @@ private:
     std::unique_ptr<SettingsWindow> makeSettingsWindow(SettingsViewModel& viewModel);
     AppState::Surroundings surroundings();
     UpdateController::Services updateServices();
-    void sayIfThereIsNoTray();
 
     std::stop_source closing_;
     QtMainLoop loop_;
@@ -261,6 +256,7 @@ private:
         },
         loop_, text::caseRules(Environment::ofProcess())};
     QtStatusItem statusItem_{environment_, keyboardLayout_, screenshot_};
+    TrayNotice trayNotice_{{.loop = loop_, .statusItem = statusItem_, .notifications = notifications_}};
     SettingsKey settingsKey_{[this] { showSettings(std::nullopt); }};
     std::optional<StatusBarController> statusBar_;  // from the launch on
     std::unique_ptr<SystemShortcuts> systemShortcuts_ =
@@ -382,6 +378,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     appearance_.apply(settings_.config.appearanceMode());
     icons_.applySavedIcon();
     statusBar_.emplace(StatusBarController::Surroundings{
+        .loop = loop_,
         .statusItem = statusItem_,
         .actions = *this,
         .application = *this,
@@ -394,15 +391,8 @@ void AppDelegate::applicationDidFinishLaunching() {
     refusalNotice_.tell();
     updates_.start();
     notifications_.requestAuthorization({.alerts = true, .sounds = true});
-    loop_.postAfter(patienceWithTheTray, [this] { sayIfThereIsNoTray(); });
+    trayNotice_.start();
     if (const auto section = takeFirstLaunch(settings_.defaults, settings_.config)) settingsWindow_.show(section);
-}
-
-void AppDelegate::sayIfThereIsNoTray() {
-    if (statusItem_.visibility().value() == QtStatusItem::Visibility::shown) return;
-    notifications_.add({.identifier = Uuid::random().text(),
-                        .title = "Ovrin 已启动",
-                        .body = "当前桌面没有系统托盘，请使用快捷键或命令“ovrin do”。"});
 }
 
 void AppDelegate::applicationShouldHandleReopen() {

@@ -1,5 +1,6 @@
 #include "app/status_bar_controller.h"
 
+#include <chrono>
 #include <utility>
 
 #include "app/remote_command.h"
@@ -11,7 +12,11 @@ namespace ovrin {
 
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr double busyAlpha = 0.58;
+// A host that asked for the menu and went astray is not to keep the shortcuts for ever.
+constexpr auto longestHostMenu = 30s;
 
 void setControlKey(MenuItem& item, char key) {
     item.controlKey = key;
@@ -32,11 +37,16 @@ StatusBarController::~StatusBarController() {
 }
 
 void StatusBarController::configureButton() {
-    surroundings_.statusItem.setToolTip("Ovrin · 左键显示翻译结果，右键打开菜单");
+    leftClick_ = watch(surroundings_.statusItem.leftClick(), [this](StatusItem::LeftClick click) {
+        const bool isHeard = click == StatusItem::LeftClick::isHeard;
+        surroundings_.statusItem.setToolTip(isHeard ? "Ovrin · 左键显示翻译结果，右键打开菜单" : "Ovrin");
+    });
     surroundings_.statusItem.setEvents({.leftClicked = [this] { handleLeftClick(); },
                                         .rightClicked = [this] { showMenu(); },
                                         .menuWillOpen = [this] { menuWillOpen(); },
-                                        .menuDidClose = [this] { menuDidClose(); }});
+                                        .hostMenuWillOpen = [this] { hostMenuWillOpen(); },
+                                        .menuDidClose = [this] { menuDidClose(); },
+                                        .makeMenu = [this] { return makeMenu(); }});
 }
 
 void StatusBarController::observeActivity() {
@@ -66,11 +76,18 @@ std::optional<std::string> StatusBarController::itemUsing(const KeyboardShortcut
 // The keys of shortcuts that are typed while the menu is open are meant for the menu.
 void StatusBarController::menuWillOpen() {
     isMenuOpen_ = true;
-    surroundings_.registry.disable(allOvShortcutNames());
+    surroundings_.registry.suspend();
+}
+
+void StatusBarController::hostMenuWillOpen() {
+    menuWillOpen();
+    if (hostMenuLimit_) surroundings_.loop.cancelTimer(*hostMenuLimit_);
+    hostMenuLimit_ = surroundings_.loop.postAfter(longestHostMenu, [this] { menuDidClose(); });
 }
 
 void StatusBarController::menuDidClose() {
-    if (std::exchange(isMenuOpen_, false)) surroundings_.registry.enable(allOvShortcutNames());
+    if (const auto limit = std::exchange(hostMenuLimit_, std::nullopt)) surroundings_.loop.cancelTimer(*limit);
+    if (std::exchange(isMenuOpen_, false)) surroundings_.registry.resume();
 }
 
 Menu StatusBarController::makeMenu() const {

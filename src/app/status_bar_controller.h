@@ -8,6 +8,7 @@
 #include <string>
 
 #include "app/application_actions.h"
+#include "base/event_loop.h"
 #include "base/published.h"
 #include "platform/status_item.h"
 #include "shortcuts/action.h"
@@ -21,6 +22,7 @@ class StatusBarController {
 public:
     // All of it outlives the controller.
     struct Surroundings {
+        EventLoop& loop;
         StatusItem& statusItem;
         AssistantActions& actions;
         ApplicationActions& application;
@@ -34,7 +36,7 @@ public:
     explicit StatusBarController(Surroundings surroundings);
     StatusBarController(const StatusBarController&) = delete;
     StatusBarController& operator=(const StatusBarController&) = delete;
-    // Hears nothing of the item any more. Shortcuts that an open menu has disabled work again.
+    // Hears nothing of the item any more. Shortcuts that an open menu has suspended work again.
     ~StatusBarController();
 
     // As it is at this moment; built anew for every opening. Its actions don't need the controller.
@@ -52,6 +54,7 @@ private:
     void observeActivity();
     void handleLeftClick();
     void menuWillOpen();
+    void hostMenuWillOpen();
     void menuDidClose();
 
     enum class Symbol : std::uint8_t { shown, none };  // lines of submenus have none
@@ -64,6 +67,8 @@ private:
 
     Surroundings surroundings_;
     bool isMenuOpen_ = false;
+    std::optional<EventLoop::TimerId> hostMenuLimit_;  // while a host's menu may be open
+    Subscription leftClick_;
     Subscription capturing_;
 };
 

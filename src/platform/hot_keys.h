@@ -47,6 +47,12 @@ public:
     // delivered afterwards.
     virtual void unregisterHotKey(HotKeyId id) = 0;
 
+    // Between the two no combination fires and other programs get the keys, while all of them stay registered; what is
+    // registered meanwhile waits too. Saying either twice changes nothing. A combination that others took in the
+    // meantime fails.
+    virtual void suspend() = 0;
+    virtual void resume() = 0;
+
     // Whether the desktop accepts combinations whose only modifiers are Option, or Option and Shift.
     virtual bool allowsOptionAlone() const = 0;
 };

@@ -1,9 +1,11 @@
 // Seam: the program's icon in the desktop's status area, and the menu that drops from it.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
+#include "base/published.h"
 #include "platform/menu.h"
 
 namespace ovrin {
@@ -13,13 +15,28 @@ struct StatusItemEvents {
     std::function<void()> leftClicked;
     std::function<void()> rightClicked;
     std::function<void()> menuWillOpen;
-    std::function<void()> menuDidClose;  // before the action of the chosen item, if any
+    // The desktop is about to show the menu by itself, so that no click is heard of. It may fail to tell of the end,
+    // and may have asked for nothing but the menu's lines.
+    std::function<void()> hostMenuWillOpen;
+    std::function<void()> menuDidClose;  // of either; before the action of the chosen item, if any
+    std::function<Menu()> makeMenu;      // what a desktop is to show by itself: as it is at this moment
 };
 
 // Main thread. On a desktop without a status area everything is accepted and nothing shows.
 class StatusItem {
 public:
+    enum class Visibility : std::uint8_t {
+        unknown,  // the desktop has not answered yet
+        shown,
+        nowhere  // the desktop has no status area (yet)
+    };
+    enum class LeftClick : std::uint8_t { isHeard, opensHostMenu };
+
     virtual ~StatusItem() = default;
+
+    // Both follow status areas that come and go.
+    virtual const Published<Visibility>& visibility() const = 0;
+    virtual const Published<LeftClick>& leftClick() const = 0;
 
     // Who hears of the events from now on, in place of who did before.
     virtual void setEvents(StatusItemEvents events) = 0;
@@ -30,7 +47,8 @@ public:
     // UTF-8, one line.
     virtual void setToolTip(std::string text) = 0;
 
-    // Opens the menu at the icon, in place of one that is open. It stays until the user chooses or goes elsewhere.
+    // Opens the menu where the item was clicked on last, in place of one that is open. It stays until the user chooses
+    // or goes elsewhere.
     virtual void showMenu(Menu menu) = 0;
 };
 

@@ -86,7 +86,7 @@ void Registry::setShortcut(std::optional<Shortcut> shortcut, const Name& name) {
     if (!shortcut && !old) return;
     store(shortcut, name);
     if (old && !isHeldByOthers(*old, name)) unregister(*old);
-    if (shortcut && !handlersOf(name).isDisabled) registerIfNeeded(*shortcut);
+    if (shortcut) registerIfNeeded(*shortcut);
     updateStates();
     announce(name);
 }
@@ -127,7 +127,7 @@ void Registry::removeAllHandlers() {
 void Registry::synchronize() {
     std::unordered_set<Shortcut> wanted;
     for (const auto& handlers : names_) {
-        if (handlers.isDisabled || (handlers.keyDown.empty() && handlers.keyUp.empty())) continue;
+        if (handlers.keyDown.empty() && handlers.keyUp.empty()) continue;
         if (const auto shortcut = getShortcut(handlers.name)) wanted.insert(*shortcut);
     }
     for (const Shortcut& shortcut : std::unordered_set(registered_)) {
@@ -136,22 +136,6 @@ void Registry::synchronize() {
     for (const Shortcut& shortcut : wanted) registerIfNeeded(shortcut);
     updateStates();
     announceChangesOfOthers();
-}
-
-void Registry::disable(std::span<const Name> names) {
-    for (const auto& name : names) {
-        handlersOf(name).isDisabled = true;
-        const auto shortcut = getShortcut(name);
-        if (shortcut && !isHeldByOthers(*shortcut, name)) giveBack(*shortcut);
-    }
-}
-
-void Registry::enable(std::span<const Name> names) {
-    for (const auto& name : names) {
-        handlersOf(name).isDisabled = false;
-        if (const auto shortcut = getShortcut(name)) registerIfNeeded(*shortcut);
-    }
-    updateStates();
 }
 
 bool Registry::handleKeyEvent(KeyDirection direction, const Shortcut& shortcut) {
@@ -216,24 +200,19 @@ bool Registry::registerWithDesktop(const Shortcut& shortcut) {
 }
 
 void Registry::unregister(const Shortcut& shortcut) {
-    giveBack(shortcut);
-    answers_.erase(shortcut);
-}
-
-void Registry::giveBack(const Shortcut& shortcut) {
     std::erase_if(hotKeyTable_, [&](const auto& entry) {
         if (entry.second != shortcut) return false;
         hotKeys_.unregisterHotKey(entry.first);
         return true;
     });
     registered_.erase(shortcut);
+    answers_.erase(shortcut);
 }
 
 // Another name may have the same combination, which goes on working then.
 bool Registry::isHeldByOthers(const Shortcut& shortcut, const Name& name) const {
     return std::any_of(names_.begin(), names_.end(), [&](const auto& handlers) {
-        return handlers.name.rawValue != name.rawValue && !handlers.isDisabled &&
-               getShortcut(handlers.name) == shortcut;
+        return handlers.name.rawValue != name.rawValue && getShortcut(handlers.name) == shortcut;
     });
 }
 
@@ -298,7 +277,7 @@ void Registry::handleFailure(HotKeyId id, const std::string& reason) {
 void Registry::dispatch(KeyDirection direction, const Shortcut& shortcut) {
     std::vector<Action> actions;
     for (const auto& handlers : names_) {
-        if (handlers.isDisabled || getShortcut(handlers.name) != shortcut) continue;
+        if (getShortcut(handlers.name) != shortcut) continue;
         const auto& added = direction == KeyDirection::down ? handlers.keyDown : handlers.keyUp;
         actions.insert(actions.end(), added.begin(), added.end());
     }

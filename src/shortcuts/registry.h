@@ -13,7 +13,6 @@
 #include <functional>
 #include <map>
 #include <optional>
-#include <span>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -89,9 +88,9 @@ public:
     // announced.
     void synchronize();
 
-    // Names that are disabled neither fire nor keep their combination from other programs (while the menu is open).
-    void disable(std::span<const Name> names);
-    void enable(std::span<const Name> names);
+    // While suspended no name fires or keeps its combination from other programs (a menu is open).
+    void suspend() { hotKeys_.suspend(); }
+    void resume() { hotKeys_.resume(); }
 
     // While a menu of the program tracks the keyboard, hot keys don't arrive; their keys come as ordinary key events,
     // which go through handleKeyEvent. It says whether the keys were a registered combination.
@@ -114,7 +113,6 @@ private:
         Name name;
         std::vector<Action> keyDown;
         std::vector<Action> keyUp;
-        bool isDisabled = false;
         std::optional<Shortcut> announced{};  // the combination that everybody knows of
         Published<RegistrationState> state{};
     };
@@ -127,7 +125,6 @@ private:
     void registerIfNeeded(const Shortcut& shortcut);
     bool registerWithDesktop(const Shortcut& shortcut);
     void unregister(const Shortcut& shortcut);
-    void giveBack(const Shortcut& shortcut);
     bool isHeldByOthers(const Shortcut& shortcut, const Name& name) const;
     void setEnabled(bool isEnabled);
     void noteFailure(const Shortcut& shortcut, const std::string& reason);

@@ -1,18 +1,24 @@
 #include "app/status_bar_controller.h"
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "app/tray_notice.h"
+#include "base/virtual_loop.h"
 #include "fakes/fake_application_actions.h"
 #include "fakes/fake_assistant_actions.h"
+#include "fakes/fake_presenters.h"
 #include "fakes/fake_status_item.h"
 #include "shortcuts/shortcut_fixture.h"
 
 namespace ovrin {
 namespace {
+
+using namespace std::chrono_literals;
 
 class StatusBarControllerTest : public ShortcutTest {
 protected:
@@ -45,7 +51,9 @@ protected:
 
     bool hasLine(const std::string& line) { return std::ranges::count(lines(controller->makeMenu()), line) == 1; }
 
+    VirtualLoop loop;
     FakeStatusItem statusItem{journal};
+    FakeNotificationCenter notifications{journal};
     FakeAssistantActions actions{journal};
     FakeApplicationActions application{journal};
     Published<bool> isCapturing;
@@ -54,6 +62,7 @@ protected:
     bool hasTranslation = false;
     std::unique_ptr<StatusBarController> controller =
         std::make_unique<StatusBarController>(StatusBarController::Surroundings{
+            .loop = loop,
             .statusItem = statusItem,
             .actions = actions,
             .application = application,
@@ -137,13 +146,55 @@ TEST_F(StatusBarControllerTest, TheIconIsDimWhileACaptureRuns) {
 TEST_F(StatusBarControllerTest, ShortcutsBelongToTheMenuWhileItIsOpen) {
     statusItem.events.menuWillOpen();
     EXPECT_FALSE(hotKeys.press(commandShiftT));
+    loop.advance(1h);
+    EXPECT_FALSE(hotKeys.press(commandShiftT));
     statusItem.events.menuDidClose();
     EXPECT_TRUE(hotKeys.press(commandShiftT));
 
     statusItem.events.menuWillOpen();
     controller.reset();
-    EXPECT_TRUE(hotKeys.isRegistered(commandShiftT));
+    EXPECT_TRUE(hotKeys.press(commandShiftT));
     EXPECT_FALSE(statusItem.events.leftClicked);
+}
+
+TEST_F(StatusBarControllerTest, AHostThatNeverTellsOfItsMenusEndKeepsTheShortcutsForHalfAMinute) {
+    statusItem.events.hostMenuWillOpen();
+    loop.advance(20s);
+    statusItem.events.hostMenuWillOpen();
+    loop.advance(29s);
+    EXPECT_FALSE(hotKeys.press(commandShiftT));
+    loop.advance(1s);
+    EXPECT_TRUE(hotKeys.press(commandShiftT));
+    EXPECT_EQ(lines(statusItem.events.makeMenu()), lines(controller->makeMenu()));
+
+    // A limit that is over is none of the next menu.
+    statusItem.events.hostMenuWillOpen();
+    statusItem.events.menuDidClose();
+    statusItem.events.menuWillOpen();
+    loop.advance(30s);
+    EXPECT_FALSE(hotKeys.press(commandShiftT));
+}
+
+TEST_F(StatusBarControllerTest, TheToolTipPromisesNoClickThatNobodyHearsOf) {
+    statusItem.clicking.set(StatusItem::LeftClick::opensHostMenu);
+    EXPECT_EQ(statusItem.toolTip, "Ovrin");
+}
+
+TEST_F(StatusBarControllerTest, AMissingTrayIsToldOnceAndNotBeforeTheDesktopHasSaidSo) {
+    using Visibility = StatusItem::Visibility;
+    const auto told = [&](Visibility atFirst, Visibility later) {
+        statusItem.isVisible.set(atFirst);
+        TrayNotice notice({.loop = loop, .statusItem = statusItem, .notifications = notifications});
+        notice.start();
+        loop.advance(5s);
+        statusItem.isVisible.set(later);
+        statusItem.isVisible.set(Visibility::shown);
+        statusItem.isVisible.set(Visibility::nowhere);
+        return journal.take().size();
+    };
+    EXPECT_EQ(told(Visibility::unknown, Visibility::unknown), 0);
+    EXPECT_EQ(told(Visibility::unknown, Visibility::nowhere), 1);
+    EXPECT_EQ(told(Visibility::nowhere, Visibility::nowhere), 1);
 }
 
 }  // namespace

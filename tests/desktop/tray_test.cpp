@@ -58,13 +58,22 @@ TEST_F(TrayTest, IsAStatusNotifierItemWhereThePanelWantsOne) {
     EXPECT_FALSE(assistant->trayIcon());
     const PixelArea icon{.x = 1888, .y = 1048, .width = 32, .height = 32};
     user->waitForPicture("the icon", icon, [](const QImage& picture) { return contrast(picture) > 100; });
-    for (const auto button : {TestUser::Button::right, TestUser::Button::left}) {
-        user->click(icon.center(), button);
-        const DesktopWindow menu = assistant->waitForMenu();
-        EXPECT_LT(menu.area.y + menu.area.height, icon.y + icon.height);
-        user->pressKeys("Escape");
-        user->waitUntilGone(menu.id);
-    }
+    user->click(icon.center(), TestUser::Button::left);
+    const DesktopWindow menu = assistant->waitForMenu();
+    EXPECT_LT(menu.area.y + menu.area.height, icon.y + icon.height);
+    user->pressKeys("Escape");
+    user->waitUntilGone(menu.id);
+
+    // A right click opens a menu of the panel.
+    const std::string combination = "Super_L+Shift_L+o";
+    waitFor("the shortcuts", [&] { return user->isTaken(combination); });
+    user->click(icon.center(), TestUser::Button::right);
+    waitFor("the shortcuts to rest", [&] { return !user->isTaken(combination); });
+    user->waitForWindow({.program = "lxqt-panel", .type = "_NET_WM_WINDOW_TYPE_POPUP_MENU"});
+    user->pressKeys("Down");
+    user->pressKeys("Return");
+    assistant->waitForOverlays();
+    EXPECT_TRUE(user->isTaken(combination));
 }
 
 TEST_F(TrayTest, QuitsByItsMenuAndEndsWhenTold) {

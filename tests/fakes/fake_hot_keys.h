@@ -35,9 +35,17 @@ public:
         journal_.add("unregister " + text(registered_.at(id)));
         registered_.erase(id);
     }
+    void suspend() override {
+        isSuspended_ = true;
+        journal_.add("suspend");
+    }
+    void resume() override {
+        isSuspended_ = false;
+        journal_.add("resume");
+    }
     bool allowsOptionAlone() const override { return isOptionAloneAllowed; }
 
-    // Whether the combination is registered; if so, its event is delivered.
+    // Whether the combination is registered and not suspended; if so, its event is delivered.
     bool press(const KeyboardShortcuts::Shortcut& shortcut) { return deliver(shortcut, events_.keyDown); }
     bool release(const KeyboardShortcuts::Shortcut& shortcut) { return deliver(shortcut, events_.keyUp); }
 
@@ -64,12 +72,14 @@ private:
     }
     bool deliver(const KeyboardShortcuts::Shortcut& shortcut, const std::function<void(HotKeyId)>& event) {
         const auto id = idOf(shortcut);
-        if (id) event(*id);
-        return id.has_value();
+        if (!id || isSuspended_) return false;
+        event(*id);
+        return true;
     }
 
     Journal& journal_;
     HotKeyEvents events_;
+    bool isSuspended_ = false;
     std::map<HotKeyId, KeyboardShortcuts::Shortcut> registered_;
 };
 

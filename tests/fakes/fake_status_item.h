@@ -13,11 +13,15 @@ class FakeStatusItem final : public StatusItem {
 public:
     explicit FakeStatusItem(Journal& journal) : journal_(journal) {}
 
+    Published<Visibility> isVisible;
+    Published<LeftClick> clicking;
     StatusItemEvents events;
     double alpha = -1;
     std::string toolTip;
     Menu menu;
 
+    const Published<Visibility>& visibility() const override { return isVisible; }
+    const Published<LeftClick>& leftClick() const override { return clicking; }
     void setEvents(StatusItemEvents newEvents) override { events = std::move(newEvents); }
     void setAlpha(double newAlpha) override { alpha = newAlpha; }
     void setToolTip(std::string text) override { toolTip = std::move(text); }

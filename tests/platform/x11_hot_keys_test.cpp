@@ -162,6 +162,25 @@ TEST_F(X11HotKeysTest, AfterUnregisteringNothingFiresNotEvenWhatWasOnItsWay) {
     EXPECT_EQ(eventsSoFar(), Events{});
 }
 
+TEST_F(X11HotKeysTest, WhileSuspendedOtherProgramsGetTheKeys) {
+    X11HotKeys other(loop, server->display());
+    hotKeys->registerHotKey(first, commandShiftT);
+    hotKeys->registerHotKey(second, commandS);
+    server->type(commandShiftTKeys);
+    server->synchronize();
+    hotKeys->suspend();
+    hotKeys->suspend();
+    EXPECT_EQ(refusal(other, commandShiftT), "");
+    EXPECT_EQ(refusal(other, f5), "");
+    other.unregisterHotKey(second);
+    other.registerHotKey(second, commandShiftT);
+    hotKeys->unregisterHotKey(fence);
+    hotKeys->registerHotKey(fence, f5);
+    hotKeys->resume();
+    server->type({keycode::leftSuper, keycode::s});
+    EXPECT_EQ(eventsSoFar(), (Events{"failed 1", "down 2", "up 2"}));
+}
+
 TEST_F(X11HotKeysTest, AModifierThatMovesTakesTheHotKeysAlong) {
     hotKeys->registerHotKey(first, commandShiftT);
     // Super from the fourth modifier to the third.
@@ -205,27 +224,27 @@ TEST_F(X11HotKeysTest, AServerThatDiesFailsEveryHotKey) {
     EXPECT_THROW(X11HotKeys(loop, server->display()), Error);
 }
 
-TEST_F(X11HotKeysTest, TheRegistryGivesDisabledNamesToOtherPrograms) {
+TEST_F(X11HotKeysTest, ASuspendedRegistryLeavesItsCombinationsToOthers) {
     const TemporaryDirectory directory;
     DefaultsStore defaults(directory.path() / "preferences.json");
     const X11KeyboardLayout layout(server->display());
     X11HotKeys own(loop, server->display());
     KeyboardShortcuts::Registry registry(defaults, own, layout, [](const std::string&) {});
-    const std::vector<KeyboardShortcuts::Name> names{{.rawValue = "name", .defaultShortcut = commandShiftT}};
-    registry.add(names[0]);
-    registry.onKeyDown(names[0], [this] { journal.add("registry"); });
+    const KeyboardShortcuts::Name name{.rawValue = "name", .defaultShortcut = commandShiftT};
+    registry.add(name);
+    registry.onKeyDown(name, [this] { journal.add("registry"); });
 
     server->type(commandShiftTKeys);
     loop.runUntil([this] { return !journal.events().empty(); });
     EXPECT_EQ(journal.take(), (Events{"registry"}));
 
-    registry.disable(names);
+    registry.suspend();
     hotKeys->registerHotKey(first, commandShiftT);
     server->type(commandShiftTKeys);
     EXPECT_EQ(eventsSoFar(), (Events{"down 1", "up 1"}));
 
     hotKeys->unregisterHotKey(first);
-    registry.enable(names);
+    registry.resume();
     server->type(commandShiftTKeys);
     loop.runUntil([this] { return !journal.events().empty(); });
     EXPECT_EQ(journal.take(), (Events{"registry"}));

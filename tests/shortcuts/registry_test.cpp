@@ -193,14 +193,11 @@ TEST_F(RegistryTest, TheStateOfANameFollowsAnswersThatComeLate) {
 }
 
 TEST_F(RegistryTest, TheStateIsTheLastAnswerWhileShortcutsRest) {
-    const std::vector<Name> names{plain};
     hotKeys.takenByOthers.insert(commandShiftT);
     registry.onKeyDown(plain, add("down"));
     registry.setShortcut(commandShiftT, plain);
     journal.take();
     const auto subscription = registry.registrationState(plain).onDidChange([&](const auto&) { journal.add("state"); });
-    registry.disable(names);
-    registry.enable(names);
     registry.recorderDidBegin();
     registry.recorderDidEnd();
     EXPECT_EQ(journal.take(), Events());
@@ -233,24 +230,6 @@ TEST_F(RegistryTest, TakesOverWhatAnotherProcessHasStored) {
     another.remove({plainKey});
     registry.synchronize();
     EXPECT_FALSE(hotKeys.isRegistered(commandShiftT));
-}
-
-TEST_F(RegistryTest, DisabledNamesGiveTheirCombinationsBackUntilTheyAreEnabled) {
-    const std::vector<Name> names{plain, withDefault};
-    registry.add(withDefault);
-    registry.setShortcut(commandShiftS, plain);
-    registry.onKeyDown(plain, add("plain"));
-    registry.disable(names);
-    EXPECT_FALSE(hotKeys.isRegistered(commandShiftT));
-    EXPECT_FALSE(hotKeys.isRegistered(commandShiftS));
-
-    registry.setShortcut(commandShiftW, plain);
-    EXPECT_FALSE(hotKeys.isRegistered(commandShiftW));
-    registry.enable(names);
-    EXPECT_TRUE(hotKeys.isRegistered(commandShiftT));
-    journal.take();
-    EXPECT_TRUE(hotKeys.press(commandShiftW));
-    EXPECT_EQ(journal.events(), (Events{"plain"}));
 }
 
 TEST_F(RegistryTest, WhileAMenuIsOpenKeyEventsStandInForHotKeys) {

@@ -71,13 +71,28 @@ void X11HotKeys::setEvents(HotKeyEvents events) {
 HotKeyAnswer X11HotKeys::registerHotKey(HotKeyId id, const Shortcut& shortcut) {
     auto grabs = grabsFor(shortcut);
     grab(grabs);
+    if (isSuspended_) ungrab(grabs);
     hotKeys_.insert_or_assign(id, HotKey{shortcut, std::move(grabs)});
     return HotKeyAnswer::granted;
 }
 
 void X11HotKeys::unregisterHotKey(HotKeyId id) {
     const auto node = hotKeys_.extract(id);
-    if (node) ungrab(node.mapped().grabs);
+    if (node && !isSuspended_) ungrab(node.mapped().grabs);
+}
+
+void X11HotKeys::suspend() {
+    if (std::exchange(isSuspended_, true)) return;
+    ungrabAll();
+    heldKeys_.clear();
+}
+
+void X11HotKeys::resume() {
+    if (!std::exchange(isSuspended_, false)) return;
+    mainLoop_.post([this, alive = std::weak_ptr(isAlive_), failures = grabAll()] {
+        if (alive.expired()) return;
+        for (const auto& [id, reason] : failures) failHotKey(id, reason);
+    });
 }
 
 // On the reader's thread. Ends with a message to the mailbox or with the connection.
@@ -121,6 +136,7 @@ void X11HotKeys::handle(const xcb_generic_event_t& event) {
 }
 
 void X11HotKeys::handleKeyPress(const xcb_key_press_event_t& event) {
+    if (isSuspended_) return;  // it was on its way before
     if (heldKeys_.empty()) grabbingKey_ = event.detail;
     const auto [held, isNew] = heldKeys_.try_emplace(event.detail);
     if (!isNew) return;
@@ -148,22 +164,35 @@ void X11HotKeys::handleKeyboardChange() {
     auto changed = X11Keyboard::read(connection_.get());
     if (!changed || changed->hasSameGrabsAs(keyboard_)) return;
 
-    for (const auto& entry : hotKeys_) ungrab(entry.second.grabs);
+    if (!isSuspended_) ungrabAll();
     keyboard_ = std::move(*changed);
     heldKeys_.clear();
-    std::vector<std::pair<HotKeyId, std::string>> failures;
+    const std::vector<Failure> failures = grabAll();
+    if (isSuspended_) ungrabAll();
+    // What fails now was tried on this keyboard already.
+    if (events_.keyboardChanged) events_.keyboardChanged();
+    for (const auto& [id, reason] : failures) failHotKey(id, reason);
+}
+
+// With the keys of the keyboard as it is now. What fails has no grab left.
+std::vector<X11HotKeys::Failure> X11HotKeys::grabAll() {
+    std::vector<Failure> failures;
     for (auto& [id, hotKey] : hotKeys_) {
         try {
             hotKey.grabs = grabsFor(hotKey.shortcut);
             grab(hotKey.grabs);
         } catch (const Error& error) {
             hotKey.grabs.clear();
-            failures.emplace_back(id, error.errorDescription());
+            failures.push_back({.id = id, .reason = error.errorDescription()});
         }
     }
-    // What fails now was tried on this keyboard already.
-    if (events_.keyboardChanged) events_.keyboardChanged();
-    for (const auto& [id, reason] : failures) failHotKey(id, reason);
+    return failures;
+}
+
+void X11HotKeys::ungrabAll() {
+    std::vector<Grab> grabs;
+    for (const auto& entry : hotKeys_) grabs.insert(grabs.end(), entry.second.grabs.begin(), entry.second.grabs.end());
+    ungrab(grabs);
 }
 
 void X11HotKeys::handleLostConnection() {

@@ -35,6 +35,8 @@ public:
     void setEvents(HotKeyEvents events) override;
     HotKeyAnswer registerHotKey(HotKeyId id, const KeyboardShortcuts::Shortcut& shortcut) override;
     void unregisterHotKey(HotKeyId id) override;
+    void suspend() override;
+    void resume() override;
     bool allowsOptionAlone() const override { return true; }
 
 private:
@@ -58,6 +60,13 @@ private:
     void handleLostConnection();
     void failHotKey(HotKeyId id, const std::string& reason);
 
+    struct Failure {
+        HotKeyId id;
+        std::string reason;
+    };
+    std::vector<Failure> grabAll();
+    void ungrabAll();
+
     std::vector<Grab> grabsFor(const KeyboardShortcuts::Shortcut& shortcut) const;
     std::vector<std::uint16_t> modifierStates(std::uint16_t modifiers) const;
     void grab(const std::vector<Grab>& grabs);
@@ -77,6 +86,7 @@ private:
     std::map<xcb_keycode_t, std::optional<HotKeyId>> heldKeys_;
     xcb_keycode_t grabbingKey_ = 0;
     bool isKeyboardChangePending_ = false;
+    bool isSuspended_ = false;
 
     std::shared_ptr<const bool> isAlive_ = std::make_shared<const bool>(true);
     std::thread reader_;  // the last member: it uses the others

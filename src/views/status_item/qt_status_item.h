@@ -1,15 +1,17 @@
 // The status item on a Linux desktop: over the session bus where a panel speaks org.kde.StatusNotifierItem, else as a
-// window embedded into the panel (XEmbed). The menu is the program's own window in either case.
+// window embedded into the panel (XEmbed). The menu is the program's own window where a click is heard of; most panels
+// on the bus show a menu of their own with the same lines.
 #pragma once
 
+#include <QPoint>
 #include <QPointer>
 #include <QSocketNotifier>
-#include <cstdint>
 #include <memory>
 #include <optional>
 
 #include "base/published.h"
 #include "platform/keyboard_layout.h"
+#include "platform/linux/qt/dbus_menu.h"
 #include "platform/linux/qt/status_notifier_item.h"
 #include "platform/linux/x11_screenshot.h"
 #include "platform/linux/x11_selection_owners.h"
@@ -25,19 +27,12 @@ class QtStatusItem final : public QObject, public StatusItem {
     Q_OBJECT
 
 public:
-    enum class Visibility : std::uint8_t {
-        unknown,  // the desktop has not answered yet
-        shown,
-        nowhere  // the desktop has no status area (yet)
-    };
-
     // All three outlive the object.
     QtStatusItem(ViewEnvironment& environment, const KeyboardLayout& layout, X11Screenshot& screenshot);
     ~QtStatusItem() override;
 
-    // Follows panels that come and go.
-    const Published<Visibility>& visibility() const { return visibility_; }
-
+    const Published<Visibility>& visibility() const override { return visibility_; }
+    const Published<LeftClick>& leftClick() const override { return leftClick_; }
     void setEvents(StatusItemEvents events) override { events_ = std::move(events); }
     void setAlpha(double alpha) override;
     void setToolTip(std::string text) override;
@@ -47,9 +42,11 @@ private:
     void followEmbeddingPanels();
     void chooseHost();
     void embed();
-    void handleLeftClick();
-    void handleRightClick();
+    void handleLeftClick(std::optional<QPoint> place);
+    void handleRightClick(std::optional<QPoint> place);
     void openMenu(const Menu& menu);
+    void hostMenuWillOpen();
+    void hostMenuClosed(const std::function<void()>& action);
 
     // The colour of the icon follows the panel's.
     void updateTint();
@@ -60,7 +57,9 @@ private:
     X11Screenshot& screenshot_;
     StatusItemEvents events_;
     Published<Visibility> visibility_;
+    Published<LeftClick> leftClick_;
 
+    DBusMenu hostMenu_;
     StatusNotifierItem notifierItem_;
     std::optional<X11SelectionOwners> embeddingPanels_;
     std::optional<QSocketNotifier> embeddingPanelsChanged_;
@@ -69,7 +68,8 @@ private:
     theme::Appearance panel_ = theme::Appearance::dark;
     double alpha_ = 1;
     QString toolTip_;
-    QPointer<StatusMenu> menu_;  // owns itself
+    std::optional<QPoint> clickPlace_;  // pixels of the screen; none: where the pointer is
+    QPointer<StatusMenu> menu_;         // owns itself
 };
 
 }  // namespace ovrin

@@ -26,7 +26,9 @@ namespace ovrin {
 inline bool waitUntil(const std::function<bool()>& isSo) {
     constexpr int patience = 20'000;  // milliseconds; only a failing test waits so long
     bool isOver = false;
-    QTimer::singleShot(patience, [&isOver] { isOver = true; });
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&isOver] { isOver = true; });
+    timer.start(patience);
     while (!isSo() && !isOver) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     return isSo();
 }

@@ -50,4 +50,14 @@ QPoint fromWindowSpace(const Point& point) {
             origin.y() + origin.height() - static_cast<int>(std::lround(point.y))};
 }
 
+QPoint toPoints(const QPoint& pixel) {
+    for (const ScreenInfo& screen : screenInfos()) {
+        const PixelRect frame = screen.pixelFrame();
+        const QPoint offset(pixel.x() - frame.x, pixel.y() - frame.y);
+        if (!QRect(0, 0, frame.width, frame.height).contains(offset)) continue;
+        return screen.frame.topLeft() + offset / screen.scaleFactor;
+    }
+    return pixel;
+}
+
 }  // namespace ovrin

@@ -30,4 +30,7 @@ std::vector<ScreenInfo> screenInfos();
 Rect toWindowSpace(const QRect& rectangle);
 QPoint fromWindowSpace(const Point& point);
 
+// Where windows are placed, of a device pixel of the root window.
+QPoint toPoints(const QPoint& pixel);
+
 }  // namespace ovrin

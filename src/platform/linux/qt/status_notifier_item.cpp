@@ -12,6 +12,8 @@
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <QVariantMap>
+#include <array>
+#include <utility>
 
 #include "base/environment.h"
 #include "platform/linux/qt/status_notifier_pixmap.h"
@@ -38,9 +40,15 @@ constexpr const char* introspection =
     "<property name=\"IconName\" type=\"s\" access=\"read\"/>"
     "<property name=\"IconPixmap\" type=\"a(iiay)\" access=\"read\"/>"
     "<property name=\"ToolTip\" type=\"(sa(iiay)ss)\" access=\"read\"/>"
-    "<property name=\"ItemIsMenu\" type=\"b\" access=\"read\"/>"
+    "<property name=\"ItemIsMenu\" type=\"b\" access=\"read\"/><property name=\"Menu\" type=\"o\" access=\"read\"/>"
     "<signal name=\"NewIcon\"/><signal name=\"NewToolTip\"/>"
     "</interface>";
+
+// Who also shows the status area opens menus on a left click: GNOME's shell with its extension, and the services behind
+// the indicators of Ayatana, MATE and Unity.
+const std::array<QString, 3> menuHosts{QStringLiteral("org.gnome.Shell"),
+                                       QStringLiteral("org.ayatana.indicator.application"),
+                                       QStringLiteral("com.canonical.indicator.application")};
 
 // Of the item, in the form that hosts expect of a process with one item.
 QString serviceName() {
@@ -58,7 +66,7 @@ QDBusMessage requestToWatcher(const QString& interface, const QString& method, c
 // What the bus sees of the item.
 class StatusNotifierItem::BusObject final : public QDBusVirtualObject {
 public:
-    explicit BusObject(StatusNotifierItem& item) : item_(item) {
+    BusObject(StatusNotifierItem& item, const QString& menuPath) : item_(item) {
         qDBusRegisterMetaType<StatusNotifierPixmap>();
         qDBusRegisterMetaType<StatusNotifierPixmaps>();
         qDBusRegisterMetaType<StatusNotifierToolTip>();
@@ -79,7 +87,7 @@ public:
             {"AttentionMovieName", ""},
             {"ToolTip", QVariant::fromValue(StatusNotifierToolTip())},
             {"ItemIsMenu", false},
-            // No Menu, not even the path that is to mean none: panels that don't know it would open an empty one.
+            {"Menu", QVariant::fromValue(QDBusObjectPath(menuPath))},
         };
     }
 
@@ -96,12 +104,18 @@ public:
         const QString method = message.member();
         // The answer first: what the click does may take its time.
         connection.send(message.createReply());
-        if (method == QLatin1String("Activate")) emit item_.activated();
-        if (method == QLatin1String("ContextMenu")) emit item_.menuRequested();
+        if (method == QLatin1String("Activate")) emit item_.activated(placeIn(message));
+        if (method == QLatin1String("ContextMenu")) emit item_.menuRequested(placeIn(message));
         return true;
     }
 
 private:
+    // Hosts that don't know send zeros.
+    static std::optional<QPoint> placeIn(const QDBusMessage& message) {
+        const QPoint place(message.arguments().value(0).toInt(), message.arguments().value(1).toInt());
+        return place.isNull() ? std::nullopt : std::optional(place);
+    }
+
     bool handleProperties(const QDBusMessage& message, const QDBusConnection& connection) const {
         if (message.member() == QLatin1String("GetAll")) {
             connection.send(message.createReply(QVariant(properties_)));
@@ -117,8 +131,10 @@ private:
     QVariantMap properties_;
 };
 
-StatusNotifierItem::StatusNotifierItem() {
-    if (sessionBus(Environment::ofProcess()) != SessionBus::none) object_ = std::make_unique<BusObject>(*this);
+StatusNotifierItem::StatusNotifierItem(const QString& menuPath) {
+    if (sessionBus(Environment::ofProcess()) != SessionBus::none) {
+        object_ = std::make_unique<BusObject>(*this, menuPath);
+    }
 }
 
 StatusNotifierItem::~StatusNotifierItem() {
@@ -145,6 +161,7 @@ void StatusNotifierItem::start() {
 
 void StatusNotifierItem::watcherOwnerChanged(const QString& /*name*/, const QString& /*oldOwner*/,
                                              const QString& newOwner) {
+    setOpensMenuOnLeftClick(false);
     if (newOwner.isEmpty()) return setHost(Host::none);
     offer();
 }
@@ -156,6 +173,7 @@ void StatusNotifierItem::offer() {
     offer.setAutoStartService(false);
     QDBusConnection::sessionBus().send(offer);
     askForHost();
+    askWhoTheHostIs();
 }
 
 void StatusNotifierItem::askForHost() {
@@ -169,8 +187,39 @@ void StatusNotifierItem::askForHost() {
 void StatusNotifierItem::hostAnswered(QDBusPendingCallWatcher* call) {
     const QDBusPendingReply<QDBusVariant> reply = *call;
     call->deleteLater();
+    // One that is slow may be there all the same.
+    const auto error = reply.error().type();
+    if (error == QDBusError::NoReply || error == QDBusError::TimedOut || error == QDBusError::Timeout) return;
     const bool isThere = !reply.isError() && reply.value().variant().toBool();
     setHost(isThere ? Host::there : Host::none);
+}
+
+void StatusNotifierItem::askWhoTheHostIs() {
+    askForOwner(watcherService, [this](const QString& owner) { compareOwners(owner); });
+}
+
+void StatusNotifierItem::compareOwners(const QString& watcherOwner) {
+    for (const QString& name : menuHosts) {
+        askForOwner(name, [this, watcherOwner](const QString& owner) {
+            if (owner == watcherOwner) setOpensMenuOnLeftClick(true);
+        });
+    }
+}
+
+// The handler gets the owner's name on the bus; it is not called when there is none.
+void StatusNotifierItem::askForOwner(const QString& name, const std::function<void(const QString&)>& handler) {
+    const QDBusPendingCall call =
+        QDBusConnection::sessionBus().interface()->asyncCall(QStringLiteral("GetNameOwner"), name);
+    auto* const watcher = new QDBusPendingCallWatcher(call, this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [handler](QDBusPendingCallWatcher* answered) {
+        const QDBusPendingReply<QString> reply = *answered;
+        answered->deleteLater();
+        if (!reply.isError()) handler(reply.value());
+    });
+}
+
+void StatusNotifierItem::setOpensMenuOnLeftClick(bool opens) {
+    if (std::exchange(opensMenuOnLeftClick_, opens) != opens) emit hostChanged();
 }
 
 void StatusNotifierItem::setHost(Host host) {
