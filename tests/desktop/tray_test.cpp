@@ -169,6 +169,7 @@ TEST_F(PaletteTest, FindsACommandAndRunsIt) {
     DesktopWindow palette = assistant->waitForPalette();
     user->waitUntilActive(palette.id);
     EXPECT_NEAR(palette.area.center().x, 960, 2);
+    EXPECT_EQ(user->view().numbers(palette.id, "_NET_WM_DESKTOP"), std::vector<std::uint32_t>{0xFFFFFFFF});
     user->type("ocr");
     user->pressKeys("Down");
     user->pressKeys("Down");

@@ -1,4 +1,7 @@
-// The rows of the command palette: icon, title, what the command does, shortcut. The selected one is highlighted.
+// The commands of the palette that match: a row for each, with the selected one highlighted.
+//
+// The pointer selects the row that it comes over and leaves the list where it is, so that what is highlighted is what a
+// click runs.
 #pragma once
 
 #include <vector>
@@ -10,6 +13,8 @@
 
 namespace ovrin {
 
+class CommandRow;
+
 class CommandList final : public OVWidget {
     Q_OBJECT
 
@@ -17,31 +22,37 @@ public:
     // The view model outlives it.
     CommandList(ViewEnvironment& environment, CommandPaletteViewModel& viewModel, QWidget* parent = nullptr);
 
-    // Where the row lies in the widget.
-    QRect rowFrame(int index) const;
+    // Where the selected row lies in the widget.
+    QRect selectedFrame() const;
 
-    // The row in words, for assistive technology; what is said instead where nothing matches.
-    QString rowText(int index) const;
+    // The selected row in words, for assistive technology; what is said instead where nothing matches.
+    QString selectedWords() const;
+
+    // The row that has come below the resting pointer, if there is one.
+    void selectBelowPointer();
 
 signals:
-    // The row wants to be seen.
-    void selected(int index);
+    void selectionChanged();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    void showItems();
-    void showSelection(int index);
+    void makeRows();
+    void showMatches();
+    void showSelection();
+    void run(const CommandRow& row);
+    void selectAt(const QPoint& position);
+    QRect rowFrame(int index) const;
     int rowAt(const QPoint& position) const;  // -1: none
-    void drawRow(QPainter& painter, const CommandItem& item, const QRect& frame, bool isSelected) const;
-    int drawShortcut(QPainter& painter, const CommandItem& item, const QRect& frame) const;
 
     CommandPaletteViewModel& viewModel_;
-    std::vector<CommandItem> items_;
+    std::vector<CommandRow*> rows_;
+    std::vector<CommandRow*> matches_;  // those that are shown
     int pressedRow_ = -1;
     SpringAnimation highlight_;  // the upper edge of the highlight
     std::vector<Subscription> subscriptions_;

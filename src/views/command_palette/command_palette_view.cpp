@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QScreen>
+#include <QScrollBar>
 #include <QVBoxLayout>
 #include <QWindow>
 #include <algorithm>
@@ -61,12 +62,12 @@ CommandPaletteView::CommandPaletteView(ViewEnvironment& environment, CommandPale
     column->addSpacing(2);
     connect(new InputFocusWatch(*this), &InputFocusWatch::left, this, [this] { requestClose_(); });
     // The keyboard stays in the field: there the selected row is told.
-    field_->setAccessibleDescription(list_->rowText(viewModel.selectedIndex().value()));
-    connect(list_, &CommandList::selected, this, [this](int index) {
-        field_->setAccessibleDescription(list_->rowText(index));
-        const QRect row = list_->rowFrame(index);
-        area_->ensureVisible(0, row.center().y(), 0, row.height() / 2 + 7);
-    });
+    const auto tell = [this] { field_->setAccessibleDescription(list_->selectedWords()); };
+    connect(list_, &CommandList::selectionChanged, this, tell);
+    tell();
+    // The bar says what the user does to it before it does it.
+    connect(area_->verticalScrollBar(), &QScrollBar::actionTriggered, list_, &CommandList::selectBelowPointer,
+            Qt::QueuedConnection);
 }
 
 QWidget* CommandPaletteView::makeHeader() {
@@ -77,8 +78,10 @@ QWidget* CommandPaletteView::makeHeader() {
     field_->setFontStyle(queryFont);
     field_->setBackground(OVTextField::Background::none);
     field_->installEventFilter(this);
-    connect(field_, &QLineEdit::textChanged, this,
-            [this](const QString& text) { viewModel_.setQuery(text.toStdString()); });
+    connect(field_, &QLineEdit::textChanged, this, [this](const QString& text) {
+        viewModel_.setQuery(text.toStdString());
+        revealSelection();
+    });
     auto* close = new OVIconButton(environment(), OVIcon::close, QStringLiteral("关闭命令面板"));
     close->installEventFilter(this);
     connect(close, &QAbstractButton::clicked, this, [this] { requestClose_(); });
@@ -94,6 +97,8 @@ void CommandPaletteView::present() {
     const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
     if (screen == nullptr) screen = QGuiApplication::primaryScreen();
     if (screen != nullptr) move(screen->availableGeometry().center() - rect().center());
+    winId();  // makes the native window
+    x11::keepOnEveryWorkspace(*windowHandle());
     show();
     x11::activate(*windowHandle());
     field_->setFocus();
@@ -117,9 +122,11 @@ bool CommandPaletteView::handleListKey(int key) {
     switch (key) {
         case Qt::Key_Up:
             viewModel_.moveSelection(-1);
+            revealSelection();
             return true;
         case Qt::Key_Down:
             viewModel_.moveSelection(1);
+            revealSelection();
             return true;
         case Qt::Key_Return:
         case Qt::Key_Enter:
@@ -128,6 +135,11 @@ bool CommandPaletteView::handleListKey(int key) {
         default:
             return false;
     }
+}
+
+void CommandPaletteView::revealSelection() {
+    const QRect row = list_->selectedFrame();
+    area_->ensureVisible(0, row.center().y(), 0, row.height() / 2 + 7);
 }
 
 void CommandPaletteView::keyPressEvent(QKeyEvent* event) {

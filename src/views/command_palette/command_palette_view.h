@@ -32,6 +32,7 @@ protected:
 private:
     QWidget* makeHeader();
     bool handleListKey(int key);
+    void revealSelection();
 
     CommandPaletteViewModel& viewModel_;
     std::function<void()> requestClose_;
