@@ -1,5 +1,6 @@
 // What is selected in another program: translated in the panel, in a card beside the pointer, or in its place.
 #include "desktop/desktop_test.h"
+#include "desktop/heard_texts.h"
 #include "practice/page_text.h"
 
 namespace ovrin {
@@ -50,6 +51,24 @@ TEST_F(SelectionTest, IsTranslatedInACardThatLeavesTheKeyboardAlone) {
     user->waitUntilGone(card.id);
     EXPECT_EQ(user->view().activeWindow(), editor.window().id);
     user->waitForClipboard("the user's own");
+}
+
+TEST_F(SelectionTest, TheTranslationIsHeardAsItGrows) {
+    begin();
+    HeardTexts heard(*reader);
+    editorWith(sentence);
+    service.planNext({.trouble = PracticeService::Plan::Trouble::hold, .pieces = 4});
+    press(Action::silentSelectionTranslate);
+    const auto translation = reader->waitForControl(programName, "译文").reference;
+    const auto heardWords = [&] { return heard.text(translation).words; };
+    waitFor("its beginning to be heard", [&] { return !heardWords().empty(); });
+    EXPECT_NE(heardWords(), *pageTranslation(sentence, "zh-Hans"));
+    service.release();
+    waitFor("all of it to be heard", [&] { return heardWords() == *pageTranslation(sentence, "zh-Hans"); });
+    EXPECT_GE(heard.text(translation).insertions, 2);
+    EXPECT_EQ(reader->waitForControl(programName, "译文").text, heardWords());
+    reader->waitForName(programName, "即时翻译");
+    EXPECT_EQ(reader->windows(programName).front().name, "即时翻译");
 }
 
 TEST_F(SelectionTest, IsReplacedByItsTranslation) {

@@ -1,5 +1,6 @@
 #include "views/components/ov_streaming_text.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QMouseEvent>
@@ -187,6 +188,36 @@ TEST_F(StreamingText, StartsOverWithAnotherText) {
     show("second", Progress::streaming);
     EXPECT_EQ(text.plainText(), "second");
     EXPECT_TRUE(QStringLiteral("second").contains(text.selectedText()));
+}
+
+TEST_F(StreamingText, IsReadByCharacterAndLineAndSelectedByOffset) {
+    show("- 他说：“好”，走\n- b\n\nlast **line** that is long enough to be wrapped here", Progress::finished);
+    text.resize(150, text.heightForWidth(150));
+    QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(&text);
+    QAccessibleTextInterface* const words = told->textInterface();
+    ASSERT_NE(words, nullptr);
+    EXPECT_EQ(words->text(0, words->characterCount()), text.plainText());
+
+    QStringList lines;
+    int begin = 0;
+    int end = -1;
+    do {
+        lines << words->textAtOffset(end + 1, QAccessible::LineBoundary, &begin, &end);
+    } while (end < words->characterCount() && lines.size() < 10);
+    ASSERT_GE(lines.size(), 4);
+    EXPECT_EQ(lines[0], "• 他说：“好”，走");
+    EXPECT_EQ(lines[1], "• b");
+    EXPECT_EQ(lines.mid(2).join(""), "last line that is long enough to be wrapped here");
+    EXPECT_EQ(words->textBeforeOffset(begin, QAccessible::LineBoundary, &begin, &end), lines[lines.size() - 2]);
+
+    for (int offset = 0; offset < words->characterCount(); ++offset) {
+        words->setSelection(0, offset, offset + 1);
+        words->selection(0, &begin, &end);
+        if (end == begin) continue;  // within a marker or a blank line
+        EXPECT_EQ(text.selectedText(), words->text(begin, end));
+        if (words->text(begin, end).contains('\n')) continue;
+        EXPECT_EQ(words->offsetAtPoint(words->characterRect(begin).center() - QPoint(1, 0)), begin);
+    }
 }
 
 }  // namespace

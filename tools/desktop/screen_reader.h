@@ -63,6 +63,8 @@ public:
     Element waitForWords(const std::string& program, const std::string& words) const;
     bool shows(const std::string& program, const std::string& words) const;
 
+    const BusView& bus() const { return *bus_; }
+
 private:
     std::vector<Reference> children(const Reference& parent) const;
     std::string textProperty(const Reference& object, const std::string& interface, const std::string& name) const;

@@ -39,6 +39,7 @@ ConversationTurns::Shown ConversationTurns::add(const Turn& turn) {
     auto* view = new ConversationTurnView(environment(), turn.question, style_);
     column_.makeReadable(view->question());
     column_.makeReadable(view->answer());
+    view->answer().setAccessibleName(QStringLiteral("回答 %1").arg(shown_.size() + 1));
     layout_->addWidget(view);
     return {turn.id, std::string(turn.question), view};
 }

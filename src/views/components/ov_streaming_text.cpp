@@ -1,7 +1,6 @@
 #include "views/components/ov_streaming_text.h"
 
 #include <QAccessible>
-#include <QAccessibleWidget>
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QGuiApplication>
@@ -16,6 +15,7 @@
 
 #include "views/components/drawing.h"
 #include "views/components/ov_menu.h"
+#include "views/components/streaming_text_accessibility.h"
 
 namespace ovrin {
 
@@ -27,27 +27,11 @@ constexpr int frameInterval = 16;  // milliseconds
 constexpr int narrowest = 140;     // points of width that a window leaves a text
 constexpr int dragInterval = 40;   // milliseconds between steps of scrolling under a held mouse
 
-// Tells assistive technology the text, when it asks.
-class AccessibleText final : public QAccessibleWidget {
-public:
-    explicit AccessibleText(OVStreamingText* widget) : QAccessibleWidget(widget, QAccessible::StaticText) {}
-
-    QString text(QAccessible::Text kind) const override {
-        if (kind != QAccessible::Name) return QAccessibleWidget::text(kind);
-        return static_cast<OVStreamingText*>(widget())->plainText();
-    }
-};
-
-QAccessibleInterface* makeAccessibleText(const QString& className, QObject* object) {
-    if (className != QLatin1String("ovrin::OVStreamingText")) return nullptr;
-    return new AccessibleText(static_cast<OVStreamingText*>(object));
-}
-
 }  // namespace
 
 OVStreamingText::OVStreamingText(ViewEnvironment& environment, Mode mode, QWidget* parent)
     : OVWidget(environment, parent), document_(mode) {
-    QAccessible::installFactory(&makeAccessibleText);
+    installStreamingTextAccessibility();
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
@@ -76,6 +60,7 @@ void OVStreamingText::showPending() {
     isPending_ = false;
     sinceFrame_.start();
     const double heightBefore = document_.height();
+    const QString toldBefore = QAccessible::isActive() ? plainText() : QString();
     document_.setText(pendingText_, pendingProgress_ == Progress::streaming ? MarkdownReader::Ending::open
                                                                             : MarkdownReader::Ending::known);
     anchor_ = document_.existing(anchor_);
@@ -83,6 +68,9 @@ void OVStreamingText::showPending() {
     const int top = static_cast<int>(document_.changedFrom()) - 1;
     update(0, top, width(), std::max(height() - top, 0));
     if (document_.height() != heightBefore) updateGeometry();
+    if (QAccessible::isActive()) tellTextChange(*this, toldBefore);
+    const Progress before = std::exchange(shownProgress_, pendingProgress_);
+    if (before == Progress::streaming && shownProgress_ == Progress::finished) tellEndOfText(*this);
 }
 
 void OVStreamingText::setLanguage(std::string_view tag) {
@@ -169,9 +157,11 @@ void OVStreamingText::timerEvent(QTimerEvent* event) {
 }
 
 void OVStreamingText::select(Position anchor, Position cursor) {
+    if (anchor == anchor_ && cursor == cursor_) return;
     anchor_ = anchor;
     cursor_ = cursor;
     update();
+    if (QAccessible::isActive()) tellSelection(*this);
 }
 
 OVStreamingText::Range OVStreamingText::unitAt(Position position) const {

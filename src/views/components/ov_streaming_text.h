@@ -3,6 +3,9 @@
 // It can be selected with mouse and keyboard while text is still appended. What arrives within one frame (16 ms) is
 // laid out and painted once, and only from the line that grew on. Its height follows from its width, so it belongs into
 // a layout inside a scroll area.
+//
+// To assistive technology it is an area of text under its accessible name, or without one a label that says its words;
+// either can be read by character and line and selected, and tells what is inserted, once a frame.
 #pragma once
 
 #include <QBasicTimer>
@@ -38,11 +41,19 @@ public:
     void setInterfaceStyle(const StreamedDocument::InterfaceStyle& style);
 
     // What is shown, and what of it is selected, as it would be copied.
-    QString plainText() const { return document_.text({document_.begin(), document_.end()}); }
+    QString plainText() const { return document_.plainText(); }
     QString selectedText() const { return document_.text(selection()); }
     bool hasSelection() const { return anchor_ != cursor_; }
     void selectAll();
     void copy() const;  // to the clipboard; nothing without a selection
+
+    // Places in the text: the selection reaches from where it began to the cursor, which is moved.
+    using Position = StreamedDocument::Position;
+    using Range = StreamedDocument::Range;
+    const StreamedDocument& document() const { return document_; }
+    Range selection() const { return {std::min(anchor_, cursor_), std::max(anchor_, cursor_)}; }
+    Position cursor() const { return cursor_; }
+    void select(Position anchor, Position cursor);
 
     // Lays out for a width, in whole points, and gives the height; the width of its longest line, unwrapped.
     int layOut(int width);
@@ -72,13 +83,9 @@ protected:
     bool event(QEvent* event) override;
 
 private:
-    using Position = StreamedDocument::Position;
-    using Range = StreamedDocument::Range;
     enum class Unit : std::uint8_t { character, word, block };
 
     void applyLook();
-    Range selection() const { return {std::min(anchor_, cursor_), std::max(anchor_, cursor_)}; }
-    void select(Position anchor, Position cursor);
     Range unitAt(Position position) const;
     void grip(const QPointF& point, Unit unit);
     void extendTo(const QPointF& point);
@@ -94,6 +101,7 @@ private:
     std::string pendingText_;
     Progress pendingProgress_ = Progress::finished;
     bool isPending_ = false;
+    Progress shownProgress_ = Progress::finished;
     QBasicTimer frame_;
     QElapsedTimer sinceFrame_;
 

@@ -120,6 +120,8 @@ void StreamedDocument::show(MarkdownLine line) {
     block.line = std::move(line);
     block.fence = fence_;
     block.hasGap = hasGap_;
+    const std::size_t index = blocks_.size() - 1;
+    block.plainStart = plainEnd(index) + separator(index).size() + marker(index).size();
     fill(block);
     isOpenLineShown_ = true;
     hasGap_ = false;
@@ -425,21 +427,82 @@ QString StreamedDocument::linkAt(const QPointF& point) const {
     return {};
 }
 
+QRectF StreamedDocument::characterArea(Position position) const {
+    if (blocks_.empty()) return {};
+    const Position next = nextCharacter(position);
+    const Block& block = blocks_[position.block];
+    const qsizetype end = next.block == position.block ? next.offset : block.line.text.size();
+    const std::vector<QRectF> areas =
+        block.wrapped.areas(position.offset, end, QRectF(0, 0, width_, block.wrapped.height()));
+    return areas.empty() ? areaOf(position) : areas.front().translated(indent(block.line), block.top);
+}
+
+QString StreamedDocument::separator(std::size_t index) const {
+    if (index == 0) return {};
+    return blocks_[index].hasGap && mode_ == Mode::markdown ? QStringLiteral("\n\n") : QStringLiteral("\n");
+}
+
+QString StreamedDocument::marker(std::size_t index) const {
+    const MarkdownLine& line = blocks_[index].line;
+    if (line.kind != Kind::listItem) return {};
+    return QString(qsizetype{2} * (line.depth - 1), ' ') + line.marker + ' ';
+}
+
 QString StreamedDocument::text(const Range& range) const {
     QString result;
     if (blocks_.empty() || range.begin >= range.end) return result;
     for (std::size_t i = range.begin.block; i <= range.end.block; ++i) {
         const Block& block = blocks_[i];
-        if (i > range.begin.block) result += block.hasGap && mode_ == Mode::markdown ? "\n\n" : "\n";
+        if (i > range.begin.block) result += separator(i);
         const qsizetype start = i == range.begin.block ? range.begin.offset : 0;
         const qsizetype end = i == range.end.block ? range.end.offset : block.line.text.size();
         const bool isPartOnly = range.begin.block == range.end.block;
-        if (block.line.kind == Kind::listItem && start == 0 && !isPartOnly) {
-            result += QString(qsizetype{2} * (block.line.depth - 1), ' ') + block.line.marker + ' ';
-        }
+        if (start == 0 && !isPartOnly) result += marker(i);
         result += withoutQuoteBreaks(block.line.text, start, end);
     }
     return result;
+}
+
+QString StreamedDocument::plainText() const {
+    QString result;
+    for (std::size_t i = 0; i < blocks_.size(); ++i) {
+        const QString& text = blocks_[i].line.text;
+        result += separator(i) + marker(i) + withoutQuoteBreaks(text, 0, text.size());
+    }
+    return result;
+}
+
+qsizetype StreamedDocument::plainEnd(std::size_t blockCount) const {
+    if (blockCount == 0) return 0;
+    const std::size_t last = blockCount - 1;
+    return offsetOf({last, blocks_[last].line.text.size()});
+}
+
+qsizetype StreamedDocument::offsetOf(Position position) const {
+    if (blocks_.empty()) return 0;
+    const Block& block = blocks_[position.block];
+    return block.plainStart + withoutQuoteBreaks(block.line.text, 0, position.offset).size();
+}
+
+Position StreamedDocument::positionAt(qsizetype offset) const {
+    if (blocks_.empty()) return {};
+    const auto next = std::ranges::upper_bound(blocks_, offset, {}, &Block::plainStart);
+    if (next == blocks_.begin()) return begin();
+    const auto index = static_cast<std::size_t>(next - blocks_.begin()) - 1;
+    const QString& text = blocks_[index].line.text;
+    qsizetype left = offset - blocks_[index].plainStart;
+    qsizetype at = 0;
+    for (; left > 0 && at < text.size(); ++at) left -= isQuoteBreak(text, at) ? 0 : 1;
+    if (left > 0 && next != blocks_.end()) return {index + 1, 0};
+    return {index, at};
+}
+
+StreamedDocument::Stretch StreamedDocument::plainLineAt(qsizetype offset) const {
+    if (blocks_.empty()) return {};
+    const Position position = positionAt(offset);
+    const Position first = lineBegin(position);
+    const qsizetype lead = first.offset == 0 ? marker(first.block).size() : 0;
+    return {.begin = offsetOf(first) - lead, .end = offsetOf(lineEnd(position))};
 }
 
 }  // namespace ovrin

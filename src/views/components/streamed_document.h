@@ -89,6 +89,8 @@ public:
     Position lineEnd(Position position) const;
     // The line that holds the position; its width is that of a caret there.
     QRectF areaOf(Position position) const;
+    // What the character after the position takes up of its line.
+    QRectF characterArea(Position position) const;
 
     // Where the link under the point leads; empty for none.
     QString linkAt(const QPointF& point) const;
@@ -96,14 +98,28 @@ public:
     // The text as it is copied: with list markers, blank lines between paragraphs.
     QString text(const Range& range) const;
 
+    // The whole of it, with the marker of every list item, and where in it a position lies. What is no place of its
+    // own, a marker or a blank line, belongs to the nearest one.
+    QString plainText() const;
+    qsizetype plainLength() const { return plainEnd(blocks_.size()); }
+    qsizetype offsetOf(Position position) const;
+    Position positionAt(qsizetype offset) const;
+    // The line on screen around a place in the plain text, with the marker it begins with.
+    struct Stretch {
+        qsizetype begin = 0;
+        qsizetype end = 0;
+    };
+    Stretch plainLineAt(qsizetype offset) const;
+
 private:
     // What one source line shows.
     struct Block {
         MarkdownLine line;
         WrappedText wrapped{};
-        int fence = 0;        // which code block it belongs to
-        bool hasGap = false;  // blank lines go before it
-        double top = 0;       // of its text
+        int fence = 0;             // which code block it belongs to
+        bool hasGap = false;       // blank lines go before it
+        double top = 0;            // of its text
+        qsizetype plainStart = 0;  // of its text, in the plain text
         double bottom() const;
         bool isCode() const { return line.kind == MarkdownLine::Kind::code; }
     };
@@ -124,6 +140,10 @@ private:
     void drawAdornments(QPainter& painter, std::size_t index) const;
     void drawSelection(QPainter& painter, std::size_t index, const QRectF& clip, const Range& selection) const;
     void drawInlineCode(QPainter& painter, const Block& block, const QRectF& clip) const;
+
+    QString separator(std::size_t index) const;  // before the block
+    QString marker(std::size_t index) const;
+    qsizetype plainEnd(std::size_t blockCount) const;
 
     std::size_t blockIndexAt(double y) const;
     Position beside(Position position, int step) const;

@@ -26,6 +26,7 @@ OutputPane::OutputPane(ViewEnvironment& environment, InputTranslateViewModel& vi
                                ColorToken::ink3, OVLabel::Lines::wrapped)),
       text_(new OVStreamingText(environment, OVStreamingText::Mode::plain)),
       error_(new OVErrorNote(environment)) {
+    text_->setAccessibleName(QStringLiteral("译文"));
     addBesideTitle(loader_);
     addAction(copy_);
     addAction(speak_);

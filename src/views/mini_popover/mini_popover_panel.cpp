@@ -17,6 +17,7 @@ constexpr int shadowMargin = 26;  // points
 MiniPopoverPanel::MiniPopoverPanel(ViewEnvironment& environment, const Published<std::string>& brandImage,
                                    MiniPopoverViewModel& viewModel, std::function<void()> requestClose)
     : OVFloatingWindow(environment, cornerRadius, Focus::never) {
+    setWindowTitle(QStringLiteral("即时翻译"));
     auto* view = new MiniPopoverView(environment, viewModel, brandImage);
     connect(view, &MiniPopoverView::closeRequested, this, std::move(requestClose));
     auto* layout = new QVBoxLayout(this);

@@ -40,6 +40,7 @@ MiniPopoverView::MiniPopoverView(ViewEnvironment& environment, MiniPopoverViewMo
     column->addWidget(makeHeader(brandImage));
     column->addWidget(makeBody(), 1);
     column->addWidget(makeFooter());
+    text_->setAccessibleName(QStringLiteral("译文"));
     text_->setLanguage(viewModel.targetLanguage());
     bind();
 }

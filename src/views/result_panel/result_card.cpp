@@ -47,6 +47,8 @@ ResultCard::ResultCard(ViewEnvironment& environment, ResultPanelViewModel& viewM
       busy_(new BusyNote(environment, QStringLiteral("正在生成"))),
       divider_(new Divider(environment)),
       toggle_(new SourceToggle(environment)) {
+    translation_->setAccessibleName(QStringLiteral("译文"));
+    original_->setAccessibleName(QStringLiteral("识别结果"));
     translation_->setLanguage(viewModel.targetLanguage());
     if (viewModel.sourceLanguage()) original_->setLanguage(*viewModel.sourceLanguage());
     auto* column = new QVBoxLayout(this);

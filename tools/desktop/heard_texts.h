@@ -1,0 +1,39 @@
+// The texts of a program as a screen reader keeps them that hears what is inserted and removed, and never asks. One
+// thread.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "desktop/screen_reader.h"
+
+namespace ovrin {
+
+class HeardTexts {
+public:
+    struct Text {
+        std::string words;
+        int insertions = 0;
+    };
+
+    // Listens from now on; the reader outlives it.
+    explicit HeardTexts(const ScreenReader& reader);
+    ~HeardTexts();
+    HeardTexts(const HeardTexts&) = delete;
+    HeardTexts& operator=(const HeardTexts&) = delete;
+
+    // What has been heard of the element by now.
+    Text text(const ScreenReader::Reference& element);
+
+private:
+    void hear(const std::string& path, GVariant* change);
+
+    const BusView& bus_;
+    std::unique_ptr<GMainContext, decltype(&g_main_context_unref)> context_{g_main_context_new(),
+                                                                            &g_main_context_unref};
+    guint subscription_ = 0;
+    std::map<std::string, Text> texts_;  // by the path of the element
+};
+
+}  // namespace ovrin
