@@ -128,11 +128,12 @@ void NetworkLoop::run() {
     const CurlLibrary library;
     multi_ = curl_multi_init();
     if (!multi_) throw std::bad_alloc();
+    // Timers run when the sockets have been looked at since they were due: they take nothing that lies there for silence.
+    TimePoint turn = now();
     do {
-        // Before the sockets are looked at: a timer that is due by then cannot take what lies in them for silence.
-        const TimePoint turn = now();
-        driveTransfers();
         runWork(turn);
+        turn = now();
+        driveTransfers();
     } while (waitForMore());
     shutDown();
     curl_multi_cleanup(multi_);
