@@ -65,9 +65,8 @@ HTTPRequest AnthropicClient::makeRequest(const std::vector<DeepSeek::Message>& m
                                                                     .temperature = temperature,
                                                                     .stream = delivery == Delivery::streamed}),
                                           delivery);
-    request.headers.set("anthropic-version", "2023-06-01");
-    const std::string_view key = text::trimmed(apiKey_);
-    if (!key.empty()) request.headers.set("x-api-key", std::string(key));
+    request.headers.set("anthropic-version", std::string(Anthropic::version));
+    setKey(request, text::trimmed(apiKey_), "x-api-key");
     setCustomHeaders(request, customHeaders_);
     return request;
 }

@@ -9,6 +9,9 @@
 
 namespace ovrin::Anthropic {
 
+// Of the protocol: the header anthropic-version.
+inline constexpr std::string_view version = "2023-06-01";
+
 struct Message {
     std::string role;  // "user" or "assistant"
     std::string content;

@@ -8,21 +8,11 @@
 #include "base/text.h"
 #include "model/json_reader.h"
 #include "model/line_reader.h"
+#include "model/local_service.h"
 
 namespace ovrin {
 
 namespace {
-
-Task<HTTPBytes> open(HTTPClientProtocol& httpClient, HTTPRequest request) {
-    try {
-        HTTPBytes answer = co_await httpClient.bytes(std::move(request));
-        co_return answer;
-    } catch (const CancellationError&) {
-        throw;
-    } catch (const std::exception& failure) {
-        throw DeepSeekError::transport(failure.what());
-    }
-}
 
 // An error body is cut at its bound, and not in the middle of a character. The client may have cut it there already.
 std::string boundedErrorBody(std::string body) {
@@ -33,16 +23,6 @@ std::string boundedErrorBody(std::string body) {
     while (lastCharacter > 0 && isContinuation(body[lastCharacter])) --lastCharacter;
     if (!text::isValidUtf8(std::string_view(body).substr(lastCharacter))) body.resize(lastCharacter);
     return body;
-}
-
-Task<std::string> collectErrorBody(AsyncStream<std::string> chunks) {
-    std::string body;
-    while (body.size() <= maximumErrorBodySize) {
-        const std::optional<std::string> chunk = co_await chunks.next();
-        if (!chunk) break;
-        body += *chunk;
-    }
-    co_return body;
 }
 
 // Pushes what one line delivers, unless the task has been told to stop.
@@ -82,17 +62,44 @@ HTTPRequest makePostRequest(std::string url, std::string body, Delivery delivery
     return request;
 }
 
+void setKey(HTTPRequest& request, std::string_view key, std::string_view header, std::string_view prefix) {
+    if (key.empty()) return;
+    request.headers.set(std::string(header), std::string(prefix).append(key));
+    if (key == localServiceKey) request.proxies = HTTPProxies::none;
+}
+
 void setCustomHeaders(HTTPRequest& request, const std::map<std::string, std::string>& customHeaders) {
     for (const auto& [name, value] : customHeaders) request.headers.set(name, value);
 }
 
+Task<HTTPBytes> openAnswer(HTTPClientProtocol& httpClient, HTTPRequest request) {
+    try {
+        HTTPBytes answer = co_await httpClient.bytes(std::move(request));
+        co_return answer;
+    } catch (const CancellationError&) {
+        throw;
+    } catch (const std::exception& failure) {
+        throw DeepSeekError::transport(failure.what());
+    }
+}
+
+Task<std::string> collectErrorBody(AsyncStream<std::string> chunks) {
+    std::string body;
+    while (body.size() <= maximumErrorBodySize) {
+        const std::optional<std::string> chunk = co_await chunks.next();
+        if (!chunk) break;
+        body += *chunk;
+    }
+    co_return boundedErrorBody(std::move(body));
+}
+
 Task<void> streamAnswer(HTTPClientProtocol& httpClient, HTTPRequest request, AnswerRules rules,
                         StreamWriter<std::string>& pieces) {
-    HTTPBytes answer = co_await open(httpClient, std::move(request));
+    HTTPBytes answer = co_await openAnswer(httpClient, std::move(request));
     if (!answer.response.statusCode) throw DeepSeekError::invalidResponse();
     if (!answer.response.isSuccess()) {
         const std::string body = co_await collectErrorBody(std::move(answer.body));
-        throw rules.mapHTTPError(*answer.response.statusCode, boundedErrorBody(body));
+        throw rules.mapHTTPError(*answer.response.statusCode, body);
     }
     co_await forwardLines(std::move(answer.body), rules.decodeEventLine, pieces);
 }

@@ -22,9 +22,19 @@ struct AnswerRules {
     DeepSeekError (*mapHTTPError)(int status, std::string_view body);
 };
 
+// Opens the response. Throws DeepSeekError when none arrives.
+Task<HTTPBytes> openAnswer(HTTPClientProtocol& httpClient, HTTPRequest request);
+
+// The body of a response outside 200-299, cut at its bound and not in the middle of a character.
+Task<std::string> collectErrorBody(AsyncStream<std::string> chunks);
+
 // The POST request of either standard without its authentication; the custom headers are set by setCustomHeaders(),
 // after every other header.
 HTTPRequest makePostRequest(std::string url, std::string body, Delivery delivery);
+
+// Nothing for an empty key. A request for a service of this machine or the network at home goes there straight: the key
+// that stands for none is for no proxy.
+void setKey(HTTPRequest& request, std::string_view key, std::string_view header, std::string_view prefix = {});
 void setCustomHeaders(HTTPRequest& request, const std::map<std::string, std::string>& customHeaders);
 
 // Sends the request and pushes the pieces of its answer as they arrive. Returns at the end of the answer; throws

@@ -41,7 +41,7 @@ HTTPRequest OpenAICompatibleClient::makeRequest(const std::vector<DeepSeek::Mess
                                                                        .temperature = temperature,
                                                                        .stream = delivery == Delivery::streamed}),
                                           delivery);
-    if (!key.empty()) request.headers.set("Authorization", "Bearer " + std::string(key));
+    setKey(request, key, "Authorization", "Bearer ");
     setCustomHeaders(request, customHeaders_);
     return request;
 }

@@ -59,10 +59,11 @@ std::optional<RequestURL> RequestURL::parse(std::string_view text) {
     if (schemeLength(text) == 0 || text.find('\0') != std::string_view::npos) return std::nullopt;
     Parser parser;
     if (!parser.set(std::string(text))) return std::nullopt;
-    if (parser.get(CURLUPART_HOST).empty()) return std::nullopt;
+    std::string host = parser.get(CURLUPART_HOST);
+    if (host.empty()) return std::nullopt;
     const std::string url = parser.get(CURLUPART_URL);
     if (url.empty()) return std::nullopt;
-    return RequestURL(withSchemeOf(text, url), parser.get(CURLUPART_PATH));
+    return RequestURL(withSchemeOf(text, url), std::move(host), parser.get(CURLUPART_PATH));
 }
 
 bool RequestURL::pathEndsWith(std::string_view suffix) const {
@@ -72,16 +73,25 @@ bool RequestURL::pathEndsWith(std::string_view suffix) const {
     return path.ends_with(text::asciiLowercased(suffix));
 }
 
-// The path is cut out and put in as text: the parser would turn the percent escapes of a path that it is given alone
-// into lower case.
+RequestURL RequestURL::removingPathSuffix(std::string_view suffix) const {
+    if (!pathEndsWith(suffix)) return *this;
+    return withPath(path_.substr(0, path_.find_last_not_of('/') + 1 - suffix.size()));
+}
+
 RequestURL RequestURL::appendingPathComponent(std::string_view component) const {
     const auto end = path_.find_last_not_of('/');
     std::string path = path_.substr(0, end == std::string::npos ? 0 : end + 1);
     path.append("/").append(component);
+    return withPath(std::move(path));
+}
+
+// The path is cut out and put in as text: the parser would turn the percent escapes of a path that it is given alone
+// into lower case.
+RequestURL RequestURL::withPath(std::string path) const {
     std::string url = string_;
     const auto authority = url.find("://") + 3;
     url.replace(url.find('/', authority), path_.size(), path);
-    return {std::move(url), std::move(path)};
+    return {std::move(url), host_, std::move(path)};
 }
 
 }  // namespace ovrin

@@ -28,7 +28,12 @@ enum class HTTPRedirects : std::uint8_t {
     // To any https server, at most five in a row; one to anything else fails. For requests over https that carry
     // neither headers nor a body.
     anyHTTPS,
+    // None: every redirect is the response.
+    none,
 };
+
+// Whether the proxies that the process's environment names may carry a request.
+enum class HTTPProxies : std::uint8_t { ofEnvironment, none };
 
 struct HTTPRequest {
     std::string url;  // absolute; http or https
@@ -36,6 +41,7 @@ struct HTTPRequest {
     HTTPHeaders headers;
     std::string body;
     HTTPRedirects redirects = HTTPRedirects::sameOrigin;
+    HTTPProxies proxies = HTTPProxies::ofEnvironment;
     // The longest silence: how long to wait for the next byte (of the connection, the response, its body).
     std::chrono::nanoseconds timeout = std::chrono::seconds(60);
 };

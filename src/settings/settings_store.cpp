@@ -12,6 +12,7 @@
 #include "base/worker_executor.h"
 #include "language/language_names.h"
 #include "model/deep_seek_error.h"
+#include "model/local_service.h"
 #include "model/model_client.h"
 #include "platform/login_item.h"
 #include "platform/toast_presenter.h"
@@ -21,6 +22,11 @@ namespace ovrin {
 namespace {
 
 using namespace std::chrono_literals;
+
+const std::string noModelList = "无法列出模型：";
+
+// More than that nobody looks through in a menu.
+constexpr std::size_t mostModelChoices = 200;
 
 // How long savedMessage stands.
 constexpr auto savedMessageTime = 2s;
@@ -77,6 +83,7 @@ SettingsStore::SettingsStore(Surroundings surroundings)
     : surroundings_(std::move(surroundings)),
       headerOrder_(surroundings_.environment()),
       connectionTask_(surroundings_.loop),
+      modelListTask_(surroundings_.loop),
       operations_(surroundings_.loop) {
     loadPreferences();
     refreshLoginItem();
@@ -197,6 +204,7 @@ void SettingsStore::updateAPIStandard(ModelAPIStandard standard) {
     const ModelAPIStandard old = apiStandard_.value().value();
     if (standard == old) return;
     cancelTest();
+    forgetModels();
     apiStandard_.edit(standard);
     if (shouldReplaceConnectionURL(old)) connectionURL_.edit(std::string(defaultConnectionURL(standard)));
     if (shouldReplaceModel(old)) model_.edit(std::string(defaultModel(standard)));
@@ -219,10 +227,12 @@ bool SettingsStore::shouldReplaceModel(ModelAPIStandard old) const {
 }
 
 void SettingsStore::editConnectionURL(std::string text) {
+    forgetModels();
     connectionURL_.edit(std::move(text));
 }
 
 void SettingsStore::editAPIKey(std::string text) {
+    forgetModels();
     apiKey_.edit(std::move(text));
 }
 
@@ -264,6 +274,51 @@ void SettingsStore::removeHeader(const Uuid& id) {
     customHeaders_.edit(std::move(rows));
 }
 
+void SettingsStore::useLocalService(const LocalService& service) {
+    cancelTest();
+    forgetModels();
+    apiStandard_.edit(ModelAPIStandard::openAICompatible);
+    connectionURL_.edit(service.connectionURL);
+    apiKey_.edit({});
+    const bool hasModel = std::ranges::find(service.models, trimmed(model_.value().value())) != service.models.end();
+    if (!hasModel && !service.models.empty()) model_.edit(service.models.front());
+    connectionState_.set({});
+}
+
+void SettingsStore::listModels() {
+    forgetModels();
+    try {
+        ModelAPIConfiguration configuration = serviceConfiguration();
+        HTTPRequest request = modelListRequest(configuration);
+        model_.setError({});
+        modelChoices_.set({.kind = ModelChoices::Kind::loading});
+        modelListTask_.replace(readModelList(std::move(request)));
+    } catch (const Error& error) {
+        model_.setError(noModelList + error.errorDescription());
+    }
+}
+
+Task<void> SettingsStore::readModelList(HTTPRequest request) {
+    ModelChoices choices;
+    try {
+        ModelList list = co_await fetchModelList(surroundings_.ioLoop, surroundings_.http, std::move(request));
+        if (list.names.empty()) throw Error("此服务没有模型。");
+        choices = {.kind = ModelChoices::Kind::ready, .names = std::move(list.names)};
+        if (choices.names.size() > mostModelChoices) {
+            choices.omitted = choices.names.size() - mostModelChoices;
+            choices.names.resize(mostModelChoices);
+        }
+    } catch (const Error& error) {
+        model_.setError(noModelList + error.errorDescription());
+    }
+    modelChoices_.set(std::move(choices));
+}
+
+void SettingsStore::forgetModels() {
+    modelListTask_.cancel();
+    modelChoices_.set({});
+}
+
 ModelAPIConfiguration SettingsStore::serviceConfiguration() const {
     return {.standard = apiStandard_.value().value(),
             .connectionURL = trimmed(connectionURL_.value().value()),
@@ -276,7 +331,7 @@ ModelAPIConfiguration SettingsStore::serviceConfiguration() const {
 // A keyring that could not be read may hold what authenticates.
 void SettingsStore::validate(ModelAPIConfiguration configuration) const {
     if (isKeyringUnread() && !configuration.hasAuthentication()) configuration.apiKey = "unread";
-    configuration.validated();
+    withLocalKey(std::move(configuration)).validated();
 }
 
 // The fields as they are now, checked; none when they cannot be saved, which the connection state tells.
@@ -364,7 +419,7 @@ Task<void> SettingsStore::saveAndTest(PressedSave pressed, std::uint64_t test) {
         if (!save.writesCustomHeaders) save.configuration.customHeaders = read.customHeaders;
         connectionState_.set({.kind = ConnectionState::Kind::testing});
     }
-    connectionTask_.replace(ping(std::move(save.configuration)));
+    connectionTask_.replace(ping(withLocalKey(std::move(save.configuration))));
 }
 
 Task<void> SettingsStore::ping(ModelAPIConfiguration configuration) {

@@ -2,6 +2,7 @@
 // out.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -18,6 +19,7 @@
 #include "model/model_api_configuration.h"
 #include "platform/http_client.h"
 #include "settings/header_entry.h"
+#include "settings/local_service_finder.h"
 #include "settings/service_save.h"
 #include "settings/settings_field.h"
 #include "storage/app_config.h"
@@ -77,6 +79,16 @@ public:
         bool operator==(const ConnectionState&) const = default;
     };
 
+    struct ModelChoices {
+        enum class Kind : std::uint8_t { none, loading, ready };
+
+        Kind kind = Kind::none;
+        std::vector<std::string> names = {};  // as many as a menu can hold
+        std::size_t omitted = 0;              // how many more the service has
+
+        bool operator==(const ModelChoices&) const = default;
+    };
+
     struct LanguageOption {
         std::string tag;
         std::string name;
@@ -99,6 +111,15 @@ public:
     const SettingsField<std::string>& maxOutputTokens() const { return maxOutputTokens_; }
     // The note and the error are of the list as a whole.
     const SettingsField<std::vector<HeaderEntry>, SameHeaderRows>& customHeaders() const { return customHeaders_; }
+
+    // Fills the draft with what leads to the service, and empties the key: it asks for none, and another service's key
+    // is none of its business.
+    void useLocalService(const LocalService& service);
+
+    // Asks the service of the draft, with the draft's key, which models it has. Why there is no list is told as the
+    // error of model(). Editing what leads to the service drops the question and the list.
+    void listModels();
+    const Published<ModelChoices>& modelChoices() const { return modelChoices_; }
 
     // Puts in the new standard's defaults for a URL and a model that are not the user's own, and drops a running test.
     void updateAPIStandard(ModelAPIStandard standard);
@@ -204,6 +225,8 @@ private:
     Task<void> ping(ModelAPIConfiguration configuration);
     Task<void> reset();
     void cancelTest();
+    Task<void> readModelList(HTTPRequest request);
+    void forgetModels();
     bool shouldReplaceConnectionURL(ModelAPIStandard old) const;
     bool shouldReplaceModel(ModelAPIStandard old) const;
     void editHeader(const Uuid& id, const std::function<void(HeaderEntry& row)>& edit);
@@ -237,6 +260,7 @@ private:
     Published<bool> canReloadKeyring_;
     Published<std::string> keyStorageNote_;
     Published<ConnectionState> connectionState_;
+    Published<ModelChoices> modelChoices_;
     int saves_ = 0;  // under way
     int resets_ = 0;
 
@@ -254,6 +278,7 @@ private:
 
     std::uint64_t test_ = 0;   // the newest; what belongs to an older one is dropped
     TaskSlot connectionTask_;  // its request
+    TaskSlot modelListTask_;
     TaskGroup operations_;
 };
 

@@ -2,9 +2,12 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "base/published.h"
+#include "settings/local_service_finder.h"
 #include "settings/settings_section.h"
 #include "settings/settings_store.h"
 
@@ -67,6 +70,11 @@ public:
     // The window comes up, or the program comes to the front: what may have been changed by other means is read anew.
     void refresh();
 
+    // The row 本机服务 of the service page. Looked for when the page comes up, and again when the window does.
+    const Published<std::optional<std::vector<LocalService>>>& localServices() const { return localServices_.found(); }
+    void servicePageAppeared() { localServices_.look(); }
+    void servicePageDisappeared() { localServices_.stop(); }
+
     // After the user's confirmation.
     void clearHistory();
 
@@ -78,6 +86,7 @@ public:
 private:
     Services services_;
     SettingsStore store_;
+    LocalServiceFinder localServices_;
     Published<SettingsSection> selection_{SettingsSection::general};
     bool movesForward_ = false;
     Published<Accessibility> accessibility_;

@@ -8,6 +8,7 @@
 
 #include "base/json.h"
 #include "base/text.h"
+#include "model/local_service.h"
 #include "storage/preferences.h"
 
 namespace ovrin {
@@ -169,12 +170,13 @@ bool AppConfig::namesModelService() const {
 ModelAPIConfiguration AppConfig::modelAPIConfiguration() const {
     const Environment environment = environment_();
     const ModelAPIStandard standard = apiStandard(environment);
-    return {.standard = standard,
-            .connectionURL = connectionURL(environment, standard),
-            .apiKey = apiKey(environment, standard).value_or(""),
-            .model = model(),
-            .customHeaders = customHeaders(),
-            .maxOutputTokens = maxOutputTokens()};
+    ModelAPIConfiguration configuration{.standard = standard,
+                                        .connectionURL = connectionURL(environment, standard),
+                                        .apiKey = apiKey(environment, standard).value_or(""),
+                                        .model = model(),
+                                        .customHeaders = customHeaders(),
+                                        .maxOutputTokens = maxOutputTokens()};
+    return withLocalKey(std::move(configuration));
 }
 
 void AppConfig::saveCustomHeaders(const std::map<std::string, std::string>& headers) {

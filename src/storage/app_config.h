@@ -46,7 +46,8 @@ public:
     std::int64_t maxOutputTokens() const;
     std::optional<std::string> apiKey() const;                 // may ask the keychain, which may take its time
     std::map<std::string, std::string> customHeaders() const;  // likewise; empty on any problem
-    ModelAPIConfiguration modelAPIConfiguration() const;       // not validated
+    // Not validated. A local service that has been given no key gets the one that stands for none.
+    ModelAPIConfiguration modelAPIConfiguration() const;
 
     // The same with the keychain asked anew. Throw KeychainStore::KeychainError when it cannot be read.
     std::optional<std::string> rereadAPIKey() const;

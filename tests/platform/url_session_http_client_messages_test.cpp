@@ -76,6 +76,10 @@ TEST_F(Request, TakesTheProxyFromTheEnvironment) {
     const std::string address = proxy.url("");
     setenv("http_proxy", address.c_str(), 1);
     EXPECT_EQ(data(get("http://service.test/path")).body, "by proxy");
+    LoopbackServer server(answering(httpResponse("straight")));
+    HTTPRequest request = get(server.url());
+    request.proxies = HTTPProxies::none;
+    EXPECT_EQ(data(request).body, "straight");
     unsetenv("http_proxy");
     EXPECT_THAT(proxy.requests().at(0), StartsWith("GET http://service.test/path HTTP/1.1\r\n"));
 }

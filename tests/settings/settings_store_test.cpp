@@ -232,6 +232,64 @@ TEST_F(SettingsStoreTest, TheTestSavesFirstAndOnlyTheNewestCounts) {
     EXPECT_EQ(http.requests().size(), 3U);
 }
 
+TEST_F(SettingsStoreTest, ALocalServiceNeedsNoKeyAndNoneIsStored) {
+    keychain.items[keyAccount] = "sk-remote";
+    open();
+    store->useLocalService({.name = "a", .connectionURL = "http://127.0.0.1:8080/v1", .models = {"small", "large"}});
+    EXPECT_EQ(store->connectionURL().value().value(), "http://127.0.0.1:8080/v1");
+    EXPECT_EQ(store->model().value().value(), "small");
+    EXPECT_EQ(store->apiKey().value().value(), "");
+    http.willAnswer({.chunks = {okAnswer}});
+    store->testConnection();
+    settle();
+    EXPECT_EQ(state().kind, State::success);
+    EXPECT_EQ(http.requests().back().headers.value("Authorization"), "Bearer local");
+    EXPECT_EQ(http.requests().back().proxies, HTTPProxies::none);
+    EXPECT_THAT(keychain.items, IsEmpty());
+    EXPECT_EQ(store->apiKey().value().value(), "");
+    EXPECT_EQ(config.modelAPIConfiguration().apiKey, "local");
+    EXPECT_EQ(config.apiKey(), std::nullopt);
+}
+
+TEST_F(SettingsStoreTest, ListsTheModelsOfTheDraftOrSaysWhyNot) {
+    using Choices = SettingsStore::ModelChoices;
+    open();
+    fill();
+    std::string many;
+    for (int i = 0; i < 10'000; ++i) many += (i == 0 ? "" : ",") + (R"({"id":"m)" + std::to_string(i) + "\"}");
+    http.willAnswer({.chunks = {R"({"data":[)" + many + "]}"}});
+    store->listModels();
+    EXPECT_EQ(store->modelChoices()->kind, Choices::Kind::loading);
+    settle();
+    EXPECT_EQ(store->modelChoices()->names.size() + store->modelChoices()->omitted, 10'000U);
+    EXPECT_EQ(store->modelChoices()->names.at(1), "m1");
+    store->editAPIKey("other");
+    EXPECT_EQ(store->modelChoices().value(), Choices()) << "another key may see other models";
+
+    const auto failureOf = [&](FakeHTTPClient::Answer answer) {
+        http.willAnswer(std::move(answer));
+        store->listModels();
+        settle();
+        EXPECT_EQ(store->modelChoices().value(), Choices());
+        return store->model().error().value();
+    };
+    EXPECT_EQ(failureOf({.chunks = {"<html>"}}), "无法列出模型：服务返回的不是模型列表。");
+    EXPECT_EQ(failureOf({.chunks = {R"({"data":[]})"}}), "无法列出模型：此服务没有模型。");
+    EXPECT_EQ(failureOf({.statusCode = 404, .chunks = {"<html>"}}), "无法列出模型：此服务不提供模型列表（HTTP 404）。");
+    EXPECT_EQ(failureOf({.statusCode = 401, .chunks = {R"({"error":{"message":"Bad key"}})"}}),
+              "无法列出模型：Bad key");
+    EXPECT_THAT(failureOf({.chunks = std::vector<std::string>(10, std::string(1 << 20, ' '))}), HasSubstr("过大"));
+    http.willHang();
+    store->listModels();
+    settle();
+    store->editConnectionURL("https://elsewhere/v1");
+    settle();
+    EXPECT_EQ(http.abandonedRequests(), 1);
+    store->editConnectionURL("nowhere");
+    store->listModels();
+    EXPECT_THAT(store->model().error().value(), HasSubstr("URL"));
+}
+
 TEST_F(SettingsStoreTest, AResetWinsOverATestWhoseSaveStillRuns) {
     open();
     fill();

@@ -136,6 +136,7 @@ void HTTPTransfer::prepareConnection() {
     set(CURLOPT_QUICK_EXIT, 1L);
     // The whole of the connecting is one silence. Told to curl too, because it divides the time among addresses.
     set(CURLOPT_CONNECTTIMEOUT_MS, milliseconds(request_.timeout));
+    if (request_.proxies == HTTPProxies::none) set(CURLOPT_PROXY, "");
     if (!settings_.caFile.empty()) set(CURLOPT_CAINFO, settings_.caFile.c_str());
 }
 
@@ -237,7 +238,8 @@ std::optional<std::string> HTTPTransfer::redirectTarget() const {
     const bool repeatsRequest =
         status == 307 || status == 308 || (isRepeatable && (status == 301 || status == 302 || status == 303));
     const std::string location(response_.headers.value("Location"));
-    if (!repeatsRequest || location.empty()) return std::nullopt;
+    const bool mayFollow = request_.redirects != HTTPRedirects::none;
+    if (!mayFollow || !repeatsRequest || location.empty()) return std::nullopt;
     auto target = resolvedURL(url_, location);
     if (request_.redirects == HTTPRedirects::anyHTTPS) return target.value_or(location);
     if (!target || webOrigin(*target) != webOrigin(url_)) return std::nullopt;

@@ -1,5 +1,6 @@
 #include "views/settings/service_page.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include "views/components/ov_choice_bar.h"
 #include "views/components/ov_error_note.h"
 #include "views/components/ov_label.h"
+#include "views/components/ov_menu.h"
 #include "views/components/ov_secure_field.h"
 #include "views/components/ov_status_pill.h"
 #include "views/components/ov_text_field.h"
@@ -26,6 +28,8 @@ constexpr std::array standards{ModelAPIStandard::openAICompatible, ModelAPIStand
 constexpr qsizetype longestFailure = 400;  // in UTF-16 units: the cards keep most of the page
 constexpr int tokenFieldWidth = 132;
 constexpr int cardGap = 8;
+constexpr int menuGap = 4;
+constexpr qsizetype longestModelName = 60;  // in a menu, in UTF-16 units
 
 OVStatusPill::Kind pillKind(SettingsViewModel::ConnectionStatus::Kind kind) {
     switch (kind) {
@@ -39,6 +43,11 @@ OVStatusPill::Kind pillKind(SettingsViewModel::ConnectionStatus::Kind kind) {
             break;
     }
     return OVStatusPill::Kind::neutral;
+}
+
+// In a menu an ampersand would mark a key, and a tab the right edge.
+QString menuText(const std::string& name) {
+    return beginning(toQString(name), longestModelName).simplified().replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
 }  // namespace
@@ -56,6 +65,7 @@ ServicePage::ServicePage(ViewEnvironment& environment, SettingsViewModel& viewMo
 
 SettingsCard* ServicePage::makeConnectionCard() {
     auto* card = new SettingsCard(environment(), QStringLiteral("模型连接"), SettingsCard::Rows::together);
+    addLocalServices(*card);
     addStandard(*card);
     url_ = new OVTextField(environment(), {});
     auto* row = new SettingsRow(environment(), QStringLiteral("连接 URL"), {}, url_, SettingsRow::Layout::field);
@@ -93,18 +103,103 @@ void ServicePage::addKey(SettingsCard& card) {
     card.addRow(row);
 }
 
-// The field is alone in its line so that what offers models to choose from can stand beside it.
+// The services of this machine, each a button that fills the fields below.
+void ServicePage::addLocalServices(SettingsCard& card) {
+    auto* services = new QWidget;
+    auto* slot = new QHBoxLayout(services);
+    slot->setContentsMargins(0, 0, 0, 0);
+    slot->setSpacing(cardGap);
+    auto* row = new SettingsRow(environment(), QStringLiteral("本机服务"), {}, services, SettingsRow::Layout::field);
+    const auto show = [this, slot, row] { showLocalServices(*slot, row->line()); };
+    binding_.watch(viewModel_.localServices(), [show](const auto& /*services*/) { show(); });
+    binding_.watch(store_.isLoadingKeyring(), [services](bool isLoading) { services->setEnabled(!isLoading); });
+    card.addRow(row);
+}
+
+void ServicePage::showLocalServices(QHBoxLayout& slot, SettingsLine& line) {
+    while (QLayoutItem* const item = slot.takeAt(0)) {
+        if (item->widget() != nullptr) item->widget()->deleteLater();
+        delete item;
+    }
+    const auto& found = viewModel_.localServices().value();
+    if (!found || found->empty()) {
+        const QString state = found ? QStringLiteral("没有正在运行的服务") : QStringLiteral("正在查找…");
+        slot.addWidget(new OVLabel(environment(), state, theme::font::body, theme::ColorToken::ink2));
+        line.setHint(QStringLiteral("Ollama、LM Studio、llama.cpp 或 vLLM 启动后会显示在这里"));
+        return;
+    }
+    for (const LocalService& service : *found) {
+        const QString name = toQString(service.name);
+        const bool hasModels = !service.models.empty();
+        auto* button = new OVButton(environment(), hasModels ? name : QStringLiteral("%1（没有模型）").arg(name),
+                                    OVButton::Kind::secondary, OVButton::Density::compact);
+        button->setEnabled(hasModels);
+        button->setAccessibleName(QStringLiteral("使用 %1").arg(button->text()));
+        button->setToolTip(toQString(service.connectionURL));
+        connect(button, &QAbstractButton::clicked, this, [this, service] { store_.useLocalService(service); });
+        slot.addWidget(button);
+    }
+    slot.addStretch();
+    line.setHint(QStringLiteral("点击即填入连接 URL 与模型，并清空 API Key"));
+}
+
+bool ServicePage::event(QEvent* event) {
+    switch (event->type()) {
+        case QEvent::Show:
+            viewModel_.servicePageAppeared();
+            break;
+        case QEvent::WindowActivate:
+            if (isVisible()) viewModel_.servicePageAppeared();
+            break;
+        case QEvent::Hide:
+            viewModel_.servicePageDisappeared();
+            break;
+        default:
+            break;
+    }
+    return SettingsPage::event(event);
+}
+
+// What the service has to choose from stands beside the field, which takes any name.
 void ServicePage::addModel(SettingsCard& card) {
     model_ = new OVTextField(environment(), {});
+    models_ = new OVIconButton(environment(), OVIcon::chevronDown, QStringLiteral("选择模型"));
     auto* line = new QWidget;
     line->setFocusProxy(model_);
     auto* slot = new QHBoxLayout(line);
     slot->setContentsMargins(0, 0, 0, 0);
+    slot->setSpacing(cardGap);
     slot->addWidget(model_, 1);
+    slot->addWidget(models_);
     auto* row = new SettingsRow(environment(), QStringLiteral("模型"), {}, line, SettingsRow::Layout::field);
     binding_.text(*model_, store_.model(), [this](std::string text) { store_.editModel(std::move(text)); });
     binding_.line(row->line(), store_.model());
+    connect(models_, &QAbstractButton::clicked, this, [this] { store_.listModels(); });
+    binding_.watch(store_.modelChoices(), [this, row](const SettingsStore::ModelChoices& choices) {
+        using Kind = SettingsStore::ModelChoices::Kind;
+        row->line().setHint(choices.kind == Kind::loading ? QStringLiteral("正在读取模型列表…") : QString());
+        if (choices.kind == Kind::ready) openModelMenu();
+    });
     card.addRow(row);
+}
+
+void ServicePage::openModelMenu() {
+    if (!isVisible() || !isActiveWindow()) return;
+    auto* menu = new OVMenu(environment(), models_);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setAttribute(Qt::WA_NoMouseReplay);  // the click on the button that closes the menu must not open it again
+    const SettingsStore::ModelChoices& choices = store_.modelChoices().value();
+    for (const std::string& name : choices.names) {
+        QAction* const item = menu->addAction(menuText(name), this, [this, name] { store_.editModel(name); });
+        if (toQString(name) != model_->text()) continue;
+        menu->setItemIcon(*item, OVIcon::check);
+        menu->setActiveAction(item);
+    }
+    if (choices.omitted > 0) {
+        menu->add(QStringLiteral("还有 %1 个，请直接填写名称").arg(choices.omitted), OVMenu::Entry::unavailable, [] {});
+    }
+    const QSize size = menu->sizeHint();
+    menu->popup(models_->mapToGlobal(QPoint(models_->width() - size.width(), models_->height() + menuGap)));
 }
 
 void ServicePage::addTokens(SettingsCard& card) {

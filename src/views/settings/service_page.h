@@ -5,12 +5,16 @@
 #include "views/settings/settings_binding.h"
 #include "views/settings/settings_page.h"
 
+class QHBoxLayout;
+
 namespace ovrin {
 
 class HeaderRows;
 class OVButton;
+class OVIconButton;
 class OVTextField;
 class SettingsCard;
+class SettingsLine;
 
 class ServicePage final : public SettingsPage {
     Q_OBJECT
@@ -19,12 +23,18 @@ public:
     // The view model outlives it.
     ServicePage(ViewEnvironment& environment, SettingsViewModel& viewModel);
 
+protected:
+    bool event(QEvent* event) override;
+
 private:
     SettingsCard* makeConnectionCard();
     SettingsCard* makeHeaderCard();
     void addStandard(SettingsCard& card);
     void addKey(SettingsCard& card);
+    void addLocalServices(SettingsCard& card);
+    void showLocalServices(QHBoxLayout& slot, SettingsLine& line);
     void addModel(SettingsCard& card);
+    void openModelMenu();
     void addTokens(SettingsCard& card);
     void addFailure();
     void fillBar();
@@ -35,6 +45,7 @@ private:
     SettingsStore& store_;
     OVTextField* url_ = nullptr;
     OVTextField* model_ = nullptr;
+    OVIconButton* models_ = nullptr;  // offers what the service has beside the field
     QWidget* tokensError_ = nullptr;  // the last before the headers that Tab comes to
     SettingsBinding binding_;
 };
