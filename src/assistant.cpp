@@ -322,6 +322,7 @@ SettingsViewModel::Services AppDelegate::settingsServices() {
                       .worker = settingsWorker_,
                       .ioLoop = model_.http.loop(),
                       .http = model_.http,
+                      .client = model_.client,
                       .config = settings_.config,
                       .defaults = settings_.defaults,
                       .keychain = settings_.keychain,

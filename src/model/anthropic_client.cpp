@@ -44,19 +44,19 @@ AnthropicClient::AnthropicClient(EventLoop& loop, HTTPClientProtocol& httpClient
       maxOutputTokens_(maxOutputTokens) {}
 
 AsyncStream<std::string> AnthropicClient::stream(std::vector<DeepSeek::Message> messages, std::string model,
-                                                 double temperature) const {
+                                                 std::optional<double> temperature) const {
     return streamFrom<std::string>(
         *loop_, [client = *this, messages = std::move(messages), model = std::move(model), temperature](
                     StreamWriter<std::string>& pieces) { return run(client, messages, model, temperature, pieces); });
 }
 
 Task<std::string> AnthropicClient::complete(std::vector<DeepSeek::Message> messages, std::string model,
-                                            double temperature) const {
+                                            std::optional<double> temperature) const {
     return runWhole(*this, std::move(messages), std::move(model), temperature);
 }
 
 HTTPRequest AnthropicClient::makeRequest(const std::vector<DeepSeek::Message>& messages, std::string model,
-                                         double temperature, Delivery delivery) const {
+                                         std::optional<double> temperature, Delivery delivery) const {
     HTTPRequest request = makePostRequest(endpoint_,
                                           encode(Anthropic::Request{.model = std::move(model),
                                                                     .maxTokens = maxOutputTokens_,
@@ -78,13 +78,13 @@ DeepSeekError AnthropicClient::mapHTTPError(int status, std::string_view body) {
 }
 
 Task<void> AnthropicClient::run(AnthropicClient client, std::vector<DeepSeek::Message> messages, std::string model,
-                                double temperature, StreamWriter<std::string>& pieces) {
+                                std::optional<double> temperature, StreamWriter<std::string>& pieces) {
     HTTPRequest request = client.makeRequest(messages, std::move(model), temperature, Delivery::streamed);
     co_await streamAnswer(*client.httpClient_, std::move(request), rules(), pieces);
 }
 
 Task<std::string> AnthropicClient::runWhole(AnthropicClient client, std::vector<DeepSeek::Message> messages,
-                                            std::string model, double temperature) {
+                                            std::string model, std::optional<double> temperature) {
     HTTPRequest request = client.makeRequest(messages, std::move(model), temperature, Delivery::whole);
     const std::string body = co_await wholeAnswer(*client.httpClient_, std::move(request), rules());
     const auto response = Anthropic::decodeResponse(body);

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,22 +29,23 @@ public:
     // The pieces of the answer as they arrive, none of them empty. Ends with DeepSeekError, or with what the body
     // failed with; dropping the stream ends the request.
     AsyncStream<std::string> stream(std::vector<DeepSeek::Message> messages, std::string model,
-                                    double temperature) const;
+                                    std::optional<double> temperature) const;
 
     // The whole answer, never empty. Throws DeepSeekError.
-    Task<std::string> complete(std::vector<DeepSeek::Message> messages, std::string model, double temperature) const;
+    Task<std::string> complete(std::vector<DeepSeek::Message> messages, std::string model,
+                               std::optional<double> temperature) const;
 
-    HTTPRequest makeRequest(const std::vector<DeepSeek::Message>& messages, std::string model, double temperature,
-                            Delivery delivery) const;
+    HTTPRequest makeRequest(const std::vector<DeepSeek::Message>& messages, std::string model,
+                            std::optional<double> temperature, Delivery delivery) const;
 
     static DeepSeekError mapHTTPError(int status, std::string_view body);
 
 private:
     static constexpr AnswerRules rules() { return {decodeAnthropicEventLine, mapHTTPError}; }
     static Task<void> run(AnthropicClient client, std::vector<DeepSeek::Message> messages, std::string model,
-                          double temperature, StreamWriter<std::string>& pieces);
+                          std::optional<double> temperature, StreamWriter<std::string>& pieces);
     static Task<std::string> runWhole(AnthropicClient client, std::vector<DeepSeek::Message> messages,
-                                      std::string model, double temperature);
+                                      std::string model, std::optional<double> temperature);
 
     EventLoop* loop_;
     HTTPClientProtocol* httpClient_;

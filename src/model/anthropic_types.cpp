@@ -53,7 +53,7 @@ std::string encode(const Request& request) {
         messages.push_back({{"role", message.role}, {"content", message.content}});
     }
     body["messages"] = std::move(messages);
-    body["temperature"] = request.temperature;
+    if (request.temperature) body["temperature"] = *request.temperature;
     body["stream"] = request.stream;
     return json::encoded(body);
 }

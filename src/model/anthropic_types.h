@@ -24,7 +24,7 @@ struct Request {
     std::int64_t maxTokens = 0;
     std::optional<std::string> system;  // left out of the body when absent
     std::vector<Message> messages;
-    double temperature = 0;
+    std::optional<double> temperature;  // left out of the body when absent
     bool stream = false;
 };
 

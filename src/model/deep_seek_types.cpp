@@ -59,10 +59,8 @@ std::string encode(const ChatRequest& request) {
     for (const Message& message : request.messages) {
         messages.push_back({{"role", message.role}, {"content", message.content}});
     }
-    const json::Value body = {{"model", request.model},
-                              {"messages", std::move(messages)},
-                              {"temperature", request.temperature},
-                              {"stream", request.stream}};
+    json::Value body = {{"model", request.model}, {"messages", std::move(messages)}, {"stream", request.stream}};
+    if (request.temperature) body["temperature"] = *request.temperature;
     return json::encoded(body);
 }
 

@@ -18,7 +18,7 @@ struct Message {
 struct ChatRequest {
     std::string model;
     std::vector<Message> messages;
-    double temperature = 0;
+    std::optional<double> temperature;  // left out of the body when absent
     bool stream = false;
 };
 

@@ -1,7 +1,10 @@
 #include "model/model_client.h"
 
 #include <optional>
+#include <set>
 #include <utility>
+
+#include "model/model_exchange.h"
 
 namespace ovrin {
 
@@ -12,10 +15,39 @@ Task<ModelAPIConfiguration> readOn(WorkerExecutor& worker, std::function<ModelAP
     co_return co_await worker.run(std::move(call));
 }
 
+Task<void> forward(AsyncStream<std::string> inner, StreamWriter<std::string>& pieces) {
+    while (true) {
+        std::optional<std::string> piece = co_await inner.next();
+        if (!piece) co_return;
+        pieces.push(std::move(*piece));
+    }
+}
+
+Task<void> forward(Task<std::string> whole, StreamWriter<std::string>& answer) {
+    std::string text = co_await std::move(whole);
+    answer.push(std::move(text));
+}
+
 }  // namespace
 
+// Of the I/O loop's thread.
+struct ModelClient::ServiceLearned {
+    using Model = std::pair<std::string, std::string>;  // the URL of its requests, and its name
+
+    std::set<Model> refusesTemperature;
+};
+
 ModelClient::ModelClient(EventLoop& ioLoop, HTTPClientProtocol& httpClient, ConfigurationProvider configurationProvider)
-    : ioLoop_(&ioLoop), httpClient_(&httpClient), configurationProvider_(std::move(configurationProvider)) {}
+    : ioLoop_(&ioLoop),
+      httpClient_(&httpClient),
+      configurationProvider_(std::move(configurationProvider)),
+      learned_(std::make_shared<ServiceLearned>()) {}
+
+ModelClient ModelClient::withConfiguration(ModelAPIConfiguration configuration) const {
+    ModelClient client = *this;
+    client.configurationProvider_ = [configuration = std::move(configuration)] { return finished(configuration); };
+    return client;
+}
 
 ModelClient::ConfigurationProvider ModelClient::readingOn(WorkerExecutor& worker,
                                                           std::function<ModelAPIConfiguration()> read) {
@@ -48,25 +80,40 @@ Task<void> ModelClient::runStream(ModelClient client, std::vector<DeepSeek::Mess
                                   StreamWriter<std::string>& pieces) {
     const ModelAPIConfiguration configuration = co_await client.configurationProvider_();
     const WireClient wireClient = client.makeWireClient(configuration.validated());
-    AsyncStream<std::string> inner =
-        std::visit([&](const auto& wire) { return wire.stream(std::move(messages), configuration.model, temperature); },
-                   wireClient);
-    while (true) {
-        std::optional<std::string> piece = co_await inner.next();
-        if (!piece) co_return;
-        pieces.push(std::move(*piece));
-    }
+    Attempt attempt = [&](std::optional<double> sent) {
+        return forward(
+            std::visit([&](const auto& wire) { return wire.stream(messages, configuration.model, sent); }, wireClient),
+            pieces);
+    };
+    co_await run(client, configuration, std::move(attempt), temperature);
 }
 
 Task<void> ModelClient::runComplete(ModelClient client, std::vector<DeepSeek::Message> messages, double temperature,
                                     StreamWriter<std::string>& answer) {
     const ModelAPIConfiguration configuration = co_await client.configurationProvider_();
     const WireClient wireClient = client.makeWireClient(configuration.validated());
-    Task<std::string> complete = std::visit(
-        [&](const auto& wire) { return wire.complete(std::move(messages), configuration.model, temperature); },
-        wireClient);
-    std::string text = co_await std::move(complete);
-    answer.push(std::move(text));
+    Attempt attempt = [&](std::optional<double> sent) {
+        return forward(std::visit([&](const auto& wire) { return wire.complete(messages, configuration.model, sent); },
+                                  wireClient),
+                       answer);
+    };
+    co_await run(client, configuration, std::move(attempt), temperature);
+}
+
+// Newer models of both standards refuse any temperature.
+Task<void> ModelClient::run(ModelClient client, ModelAPIConfiguration configuration, Attempt attempt,
+                            double temperature) {
+    auto& refusing = client.learned_->refusesTemperature;
+    const ServiceLearned::Model model{configuration.endpointURL(), configuration.model};
+    if (!refusing.contains(model)) {
+        try {
+            co_await attempt(temperature);
+            co_return;
+        } catch (const RefusedTemperature&) {
+            refusing.insert(model);
+        }
+    }
+    co_await attempt(std::nullopt);
 }
 
 // The answer crosses from the I/O loop to the caller's as a stream of one piece.

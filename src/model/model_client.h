@@ -1,11 +1,13 @@
 // The one entry point to a language model: reads the connection settings anew for every call, and streams the answer or
 // gives it whole in whichever wire standard they name.
 //
-// A value without state of its own; copies share nothing that changes. All work runs on the I/O loop, which must
-// outlive it, as must the transport.
+// A value; copies share what has been learned of services, such as which models take no temperature. All work runs on
+// the I/O loop, which must outlive it, as must the transport.
 #pragma once
 
 #include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -33,6 +35,9 @@ public:
 
     ModelClient(EventLoop& ioLoop, HTTPClientProtocol& httpClient, ConfigurationProvider configurationProvider);
 
+    // The same client with these settings for every call.
+    ModelClient withConfiguration(ModelAPIConfiguration configuration) const;
+
     // The pieces of the answer in the order in which the service sent them. From any thread; the stream is read on the
     // consumer's own loop. Ends with DeepSeekError (settings, network, service), or with what a body failed with;
     // dropping the stream ends the request.
@@ -42,6 +47,8 @@ public:
     Task<std::string> complete(std::vector<DeepSeek::Message> messages, double temperature) const;
 
 private:
+    struct ServiceLearned;
+    using Attempt = std::function<Task<void>(std::optional<double> temperature)>;
     using WireClient = std::variant<OpenAICompatibleClient, AnthropicClient>;
 
     WireClient makeWireClient(const ModelAPIConfiguration& configuration) const;
@@ -49,12 +56,14 @@ private:
                                 StreamWriter<std::string>& pieces);
     static Task<void> runComplete(ModelClient client, std::vector<DeepSeek::Message> messages, double temperature,
                                   StreamWriter<std::string>& answer);
+    static Task<void> run(ModelClient client, ModelAPIConfiguration configuration, Attempt attempt, double temperature);
     static Task<std::string> awaitAnswer(ModelClient client, std::vector<DeepSeek::Message> messages,
                                          double temperature);
 
     EventLoop* ioLoop_;
     HTTPClientProtocol* httpClient_;
     ConfigurationProvider configurationProvider_;
+    std::shared_ptr<ServiceLearned> learned_;
 };
 
 }  // namespace ovrin

@@ -5,6 +5,9 @@
 #include <utility>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
+#include "base/json.h"
 #include "base/text.h"
 #include "model/json_reader.h"
 #include "model/line_reader.h"
@@ -47,6 +50,26 @@ Task<void> forwardLines(AsyncStream<std::string> body, DecodeEventLine decode, S
         }
     }
     if (const auto last = lines.finish()) forwardLine(*last, decode, context.stop, pieces);
+}
+
+// Some services give the error's fields beside "error", some in it.
+bool refusesTemperature(int status, std::string_view body) {
+    constexpr int badRequest = 400;
+    constexpr std::string_view name = "temperature";
+    if (status != badRequest) return false;
+    const auto document = json::parse(body);
+    if (!document) return false;
+    const json::Value* const inner = json::member(*document, "error");
+    const json::Value& error = inner != nullptr && inner->is_object() ? *inner : *document;
+    const auto message = json::string(error, inner != nullptr && inner->is_string() ? "error" : "message");
+    return json::string(error, "param") == name ||
+           text::asciiLowercased(message.value_or("")).find(name) != std::string::npos;
+}
+
+[[noreturn]] void throwHTTPError(const AnswerRules& rules, int status, std::string_view body) {
+    DeepSeekError error = rules.mapHTTPError(status, body);
+    if (refusesTemperature(status, body)) throw RefusedTemperature(std::move(error));
+    throw error;
 }
 
 }  // namespace
@@ -99,7 +122,7 @@ Task<void> streamAnswer(HTTPClientProtocol& httpClient, HTTPRequest request, Ans
     if (!answer.response.statusCode) throw DeepSeekError::invalidResponse();
     if (!answer.response.isSuccess()) {
         const std::string body = co_await collectErrorBody(std::move(answer.body));
-        throw rules.mapHTTPError(*answer.response.statusCode, body);
+        throwHTTPError(rules, *answer.response.statusCode, body);
     }
     co_await forwardLines(std::move(answer.body), rules.decodeEventLine, pieces);
 }
@@ -117,7 +140,7 @@ Task<std::string> wholeAnswer(HTTPClientProtocol& httpClient, HTTPRequest reques
     }
     if (!answer.response.statusCode) throw DeepSeekError::invalidResponse();
     if (!answer.response.isSuccess()) {
-        throw rules.mapHTTPError(*answer.response.statusCode, boundedErrorBody(std::move(answer.body)));
+        throwHTTPError(rules, *answer.response.statusCode, boundedErrorBody(std::move(answer.body)));
     }
     co_return std::move(answer.body);
 }

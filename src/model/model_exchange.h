@@ -4,6 +4,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/async_stream.h"
 #include "base/task.h"
@@ -37,12 +38,19 @@ HTTPRequest makePostRequest(std::string url, std::string body, Delivery delivery
 void setKey(HTTPRequest& request, std::string_view key, std::string_view header, std::string_view prefix = {});
 void setCustomHeaders(HTTPRequest& request, const std::map<std::string, std::string>& customHeaders);
 
+// A service that takes no temperature said so: HTTP 400, whose error names the parameter or tells of it.
+class RefusedTemperature final : public DeepSeekError {
+public:
+    explicit RefusedTemperature(DeepSeekError error) : DeepSeekError(std::move(error)) {}
+};
+
 // Sends the request and pushes the pieces of its answer as they arrive. Returns at the end of the answer; throws
-// DeepSeekError, or unchanged what the body failed with. Nothing is pushed once a stop has been requested.
+// DeepSeekError (RefusedTemperature before any piece has come), or unchanged what the body failed with. Nothing is
+// pushed once a stop has been requested.
 Task<void> streamAnswer(HTTPClientProtocol& httpClient, HTTPRequest request, AnswerRules rules,
                         StreamWriter<std::string>& pieces);
 
-// Sends the request and gives the body of a successful answer. Throws DeepSeekError.
+// Sends the request and gives the body of a successful answer. Throws DeepSeekError (RefusedTemperature among them).
 Task<std::string> wholeAnswer(HTTPClientProtocol& httpClient, HTTPRequest request, AnswerRules rules);
 
 // The error of a response outside 200-299 whose body is not the service's error body.

@@ -19,19 +19,19 @@ OpenAICompatibleClient::OpenAICompatibleClient(EventLoop& loop, HTTPClientProtoc
       customHeaders_(std::move(customHeaders)) {}
 
 AsyncStream<std::string> OpenAICompatibleClient::stream(std::vector<DeepSeek::Message> messages, std::string model,
-                                                        double temperature) const {
+                                                        std::optional<double> temperature) const {
     return streamFrom<std::string>(
         *loop_, [client = *this, messages = std::move(messages), model = std::move(model), temperature](
                     StreamWriter<std::string>& pieces) { return run(client, messages, model, temperature, pieces); });
 }
 
 Task<std::string> OpenAICompatibleClient::complete(std::vector<DeepSeek::Message> messages, std::string model,
-                                                   double temperature) const {
+                                                   std::optional<double> temperature) const {
     return runWhole(*this, std::move(messages), std::move(model), temperature);
 }
 
 HTTPRequest OpenAICompatibleClient::makeRequest(const std::vector<DeepSeek::Message>& messages, std::string model,
-                                                double temperature, Delivery delivery) const {
+                                                std::optional<double> temperature, Delivery delivery) const {
     const std::string storedKey = apiKeyProvider_().value_or("");
     const std::string_view key = text::trimmed(storedKey);
     if (key.empty() && !hasCustomAuthorization()) throw DeepSeekError::missingAPIKey();
@@ -67,14 +67,15 @@ bool OpenAICompatibleClient::hasCustomAuthorization() const {
 }
 
 Task<void> OpenAICompatibleClient::run(OpenAICompatibleClient client, std::vector<DeepSeek::Message> messages,
-                                       std::string model, double temperature, StreamWriter<std::string>& pieces) {
+                                       std::string model, std::optional<double> temperature,
+                                       StreamWriter<std::string>& pieces) {
     HTTPRequest request = client.makeRequest(messages, std::move(model), temperature, Delivery::streamed);
     co_await streamAnswer(*client.httpClient_, std::move(request), rules(), pieces);
 }
 
 Task<std::string> OpenAICompatibleClient::runWhole(OpenAICompatibleClient client,
                                                    std::vector<DeepSeek::Message> messages, std::string model,
-                                                   double temperature) {
+                                                   std::optional<double> temperature) {
     HTTPRequest request = client.makeRequest(messages, std::move(model), temperature, Delivery::whole);
     const std::string body = co_await wholeAnswer(*client.httpClient_, std::move(request), rules());
     auto response = DeepSeek::decodeChatResponse(body);

@@ -31,14 +31,15 @@ public:
     // The pieces of the answer as they arrive, none of them empty. Ends with DeepSeekError, or with what the body
     // failed with; dropping the stream ends the request.
     AsyncStream<std::string> stream(std::vector<DeepSeek::Message> messages, std::string model,
-                                    double temperature) const;
+                                    std::optional<double> temperature) const;
 
     // The whole answer, never empty. Throws DeepSeekError.
-    Task<std::string> complete(std::vector<DeepSeek::Message> messages, std::string model, double temperature) const;
+    Task<std::string> complete(std::vector<DeepSeek::Message> messages, std::string model,
+                               std::optional<double> temperature) const;
 
     // Throws DeepSeekError missingAPIKey when neither a key nor an Authorization header is there.
-    HTTPRequest makeRequest(const std::vector<DeepSeek::Message>& messages, std::string model, double temperature,
-                            Delivery delivery) const;
+    HTTPRequest makeRequest(const std::vector<DeepSeek::Message>& messages, std::string model,
+                            std::optional<double> temperature, Delivery delivery) const;
 
     // The URL with the protocol's path at its end. Throws DeepSeekError invalidConnectionURL.
     static std::string endpointURL(std::string_view from);
@@ -48,9 +49,9 @@ public:
 private:
     static constexpr AnswerRules rules() { return {decodeOpenAICompatibleEventLine, mapHTTPError}; }
     static Task<void> run(OpenAICompatibleClient client, std::vector<DeepSeek::Message> messages, std::string model,
-                          double temperature, StreamWriter<std::string>& pieces);
+                          std::optional<double> temperature, StreamWriter<std::string>& pieces);
     static Task<std::string> runWhole(OpenAICompatibleClient client, std::vector<DeepSeek::Message> messages,
-                                      std::string model, double temperature);
+                                      std::string model, std::optional<double> temperature);
 
     bool hasCustomAuthorization() const;
 

@@ -13,7 +13,6 @@
 #include "language/language_names.h"
 #include "model/deep_seek_error.h"
 #include "model/local_service.h"
-#include "model/model_client.h"
 #include "platform/login_item.h"
 #include "platform/toast_presenter.h"
 #include "storage/preferences.h"
@@ -423,8 +422,7 @@ Task<void> SettingsStore::saveAndTest(PressedSave pressed, std::uint64_t test) {
 }
 
 Task<void> SettingsStore::ping(ModelAPIConfiguration configuration) {
-    const ModelClient client(surroundings_.ioLoop, surroundings_.http,
-                             [configuration = std::move(configuration)] { return finished(configuration); });
+    const ModelClient client = surroundings_.client.withConfiguration(std::move(configuration));
     std::vector<DeepSeek::Message> conversation{{.role = "system", .content = "Reply with OK only."},
                                                 {.role = "user", .content = "ping"}};
     ConnectionState outcome{.kind = ConnectionState::Kind::success};

@@ -17,6 +17,7 @@
 #include "base/text.h"
 #include "base/uuid.h"
 #include "model/model_api_configuration.h"
+#include "model/model_client.h"
 #include "platform/http_client.h"
 #include "settings/header_entry.h"
 #include "settings/local_service_finder.h"
@@ -55,8 +56,9 @@ public:
     struct Surroundings {
         EventLoop& loop;
         WorkerExecutor& worker;  // of one thread
-        EventLoop& ioLoop;       // where the test's request runs
+        EventLoop& ioLoop;       // where requests for lists of models run
         HTTPClientProtocol& http;
+        ModelClient client;  // whose way to the service the connection test takes
         AppConfig& config;
         DefaultsStore& defaults;
         KeychainStore& keychain;

@@ -20,6 +20,7 @@
 #include "base/worker_executor.h"
 #include "fakes/fake_http_client.h"
 #include "model/deep_seek_error.h"
+#include "model/recorded_answers.h"
 
 namespace ovrin {
 namespace {
@@ -282,6 +283,41 @@ TEST_F(ModelClientTest, MapsHTTPErrors) {
         http.willAnswer({.statusCode = row.status, .chunks = {row.body}});
         EXPECT_EQ(complete().error(), row.error);
     }
+}
+
+TEST_F(ModelClientTest, LeavesOutATemperatureThatIsRefusedAndRemembersIt) {
+    const auto sent = [this](std::size_t request) {
+        return Json::parse(http.requests().at(request).body).contains("temperature");
+    };
+    http.willAnswer({.statusCode = 400, .chunks = {std::string(recorded::refusedTemperature)}});
+    http.willAnswer({.chunks = {openAIPiece("a")}});
+    EXPECT_EQ(stream().pieces, Strings{"a"});
+    EXPECT_EQ(seen.failure, nullptr);
+    Json first = Json::parse(http.requests().at(0).body);
+    first.erase("temperature");
+    EXPECT_EQ(first, Json::parse(http.requests().at(1).body)) << "nothing else is left out";
+    http.willAnswer({.chunks = {openAIPiece("b")}});
+    EXPECT_EQ(stream().pieces, Strings{"b"});
+    EXPECT_FALSE(sent(2));
+    configuration.model = "another";
+    http.willAnswer({.chunks = {openAIPiece("c")}});
+    EXPECT_EQ(stream().pieces, Strings{"c"});
+    EXPECT_TRUE(sent(3));
+
+    useAnthropic();
+    http.willAnswer({.statusCode = 400, .chunks = {std::string(recorded::deprecatedTemperature)}});
+    http.willAnswer({.chunks = {R"({"content":[{"type":"text","text":"d"}]})"}});
+    EXPECT_EQ(complete().pieces, Strings{"d"});
+    EXPECT_FALSE(sent(5));
+
+    useOpenAI();
+    configuration.connectionURL = "https://elsewhere/v1";
+    for (const auto& [status, body] : {std::pair{400, std::string(recorded::contextExceeded)},
+                                       std::pair{422, std::string(recorded::refusedTemperature)}}) {
+        http.willAnswer({.statusCode = status, .chunks = {body}});
+        EXPECT_NE(stream().failure, nullptr);
+    }
+    EXPECT_EQ(http.requests().size(), 8U) << "no other error is tried again";
 }
 
 TEST_F(ModelClientTest, BoundsAnErrorBodyThatNeverEnds) {

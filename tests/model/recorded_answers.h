@@ -25,4 +25,14 @@ inline constexpr std::string_view vllmModels =
     R"("root":"Qwen/Qwen3-8B","parent":null,"max_model_len":40960,"permission":[{"id":"modelperm-1","object":)"
     R"("model_permission","created":1764100000,"allow_sampling":true,"organization":"*","group":null}]}]})";
 
+inline constexpr std::string_view refusedTemperature =
+    R"({"error":{"message":"Unsupported value: 'temperature' does not support 0.2 with this model.","type":)"
+    R"("invalid_request_error","param":"temperature","code":"unsupported_value"}})";
+inline constexpr std::string_view deprecatedTemperature =
+    R"({"type":"error","error":{"type":"invalid_request_error","message":"`temperature` is deprecated for this model."}})";
+// llama.cpp: the code is a number.
+inline constexpr std::string_view contextExceeded =
+    R"({"error":{"code":400,"message":"the request exceeds the available context size, try increasing it","type":)"
+    R"("exceed_context_size_error","n_prompt_tokens":9001,"n_ctx":4096}})";
+
 }  // namespace ovrin::recorded

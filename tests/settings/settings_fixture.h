@@ -26,6 +26,7 @@ protected:
             .worker = worker,
             .ioLoop = loop,
             .http = http,
+            .client = client,
             .config = config,
             .defaults = defaults,
             .keychain = secrets,
@@ -60,6 +61,7 @@ protected:
     AppIconManager icons{config, defaults, icon};
     FakeHTTPClient http;
     VirtualLoop loop;
+    ModelClient client{loop, http, [this] { return finished(config.modelAPIConfiguration()); }};
     WorkerExecutor worker{1};
 };
 
