@@ -17,6 +17,9 @@ using namespace std::chrono_literals;
 constexpr double busyAlpha = 0.58;
 // A host that asked for the menu and went astray is not to keep the shortcuts for ever.
 constexpr auto longestHostMenu = 30s;
+// Until a host that has asked tells that the menu is open. GNOME's extension asks as soon as it shows the icon, which
+// is not to cost the shortcuts the first half minute of the session.
+constexpr auto timeToOpen = 3s;
 
 void setControlKey(MenuItem& item, char key) {
     item.controlKey = key;
@@ -45,6 +48,7 @@ void StatusBarController::configureButton() {
                                         .rightClicked = [this] { showMenu(); },
                                         .menuWillOpen = [this] { menuWillOpen(); },
                                         .hostMenuWillOpen = [this] { hostMenuWillOpen(); },
+                                        .hostMenuDidOpen = [this] { hostMenuDidOpen(); },
                                         .menuDidClose = [this] { menuDidClose(); },
                                         .makeMenu = [this] { return makeMenu(); }});
 }
@@ -80,12 +84,22 @@ void StatusBarController::menuWillOpen() {
 }
 
 void StatusBarController::hostMenuWillOpen() {
+    suspendFor(isHostMenuOpen_ ? longestHostMenu : timeToOpen);
+}
+
+void StatusBarController::hostMenuDidOpen() {
+    isHostMenuOpen_ = true;
+    suspendFor(longestHostMenu);
+}
+
+void StatusBarController::suspendFor(EventLoop::Duration limit) {
     menuWillOpen();
     if (hostMenuLimit_) surroundings_.loop.cancelTimer(*hostMenuLimit_);
-    hostMenuLimit_ = surroundings_.loop.postAfter(longestHostMenu, [this] { menuDidClose(); });
+    hostMenuLimit_ = surroundings_.loop.postAfter(limit, [this] { menuDidClose(); });
 }
 
 void StatusBarController::menuDidClose() {
+    isHostMenuOpen_ = false;
     if (const auto limit = std::exchange(hostMenuLimit_, std::nullopt)) surroundings_.loop.cancelTimer(*limit);
     if (std::exchange(isMenuOpen_, false)) surroundings_.registry.resume();
 }

@@ -55,6 +55,8 @@ private:
     void handleLeftClick();
     void menuWillOpen();
     void hostMenuWillOpen();
+    void hostMenuDidOpen();
+    void suspendFor(EventLoop::Duration limit);
     void menuDidClose();
 
     enum class Symbol : std::uint8_t { shown, none };  // lines of submenus have none
@@ -67,6 +69,7 @@ private:
 
     Surroundings surroundings_;
     bool isMenuOpen_ = false;
+    bool isHostMenuOpen_ = false;                      // as the host told
     std::optional<EventLoop::TimerId> hostMenuLimit_;  // while a host's menu may be open
     Subscription leftClick_;
     Subscription capturing_;

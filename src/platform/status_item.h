@@ -15,9 +15,10 @@ struct StatusItemEvents {
     std::function<void()> leftClicked;
     std::function<void()> rightClicked;
     std::function<void()> menuWillOpen;
-    // The desktop is about to show the menu by itself, so that no click is heard of. It may fail to tell of the end,
-    // and may have asked for nothing but the menu's lines.
+    // The desktop shows the menu by itself, so that no click is heard of. It may have asked for nothing but the menu's
+    // lines, may tell that the menu opened before it asks or not at all, and may fail to tell of the end.
     std::function<void()> hostMenuWillOpen;
+    std::function<void()> hostMenuDidOpen;
     std::function<void()> menuDidClose;  // of either; before the action of the chosen item, if any
     std::function<Menu()> makeMenu;      // what a desktop is to show by itself: as it is at this moment
 };

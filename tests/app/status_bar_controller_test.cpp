@@ -158,7 +158,7 @@ TEST_F(StatusBarControllerTest, ShortcutsBelongToTheMenuWhileItIsOpen) {
 }
 
 TEST_F(StatusBarControllerTest, AHostThatNeverTellsOfItsMenusEndKeepsTheShortcutsForHalfAMinute) {
-    statusItem.events.hostMenuWillOpen();
+    statusItem.events.hostMenuDidOpen();
     loop.advance(20s);
     statusItem.events.hostMenuWillOpen();
     loop.advance(29s);
@@ -167,8 +167,14 @@ TEST_F(StatusBarControllerTest, AHostThatNeverTellsOfItsMenusEndKeepsTheShortcut
     EXPECT_TRUE(hotKeys.press(commandShiftT));
     EXPECT_EQ(lines(statusItem.events.makeMenu()), lines(controller->makeMenu()));
 
-    // A limit that is over is none of the next menu.
+    // One that only asks for the lines does not keep them for so long.
     statusItem.events.hostMenuWillOpen();
+    EXPECT_FALSE(hotKeys.press(commandShiftT));
+    loop.advance(3s);
+    EXPECT_TRUE(hotKeys.press(commandShiftT));
+
+    // A limit that is over is none of the next menu.
+    statusItem.events.hostMenuDidOpen();
     statusItem.events.menuDidClose();
     statusItem.events.menuWillOpen();
     loop.advance(30s);

@@ -63,6 +63,9 @@ QtStatusItem::QtStatusItem(ViewEnvironment& environment, const KeyboardLayout& l
     connect(&notifierItem_, &StatusNotifierItem::activated, this, &QtStatusItem::handleLeftClick);
     connect(&notifierItem_, &StatusNotifierItem::menuRequested, this, &QtStatusItem::handleRightClick);
     connect(&hostMenu_, &DBusMenu::aboutToShow, this, &QtStatusItem::hostMenuWillOpen);
+    connect(&hostMenu_, &DBusMenu::opened, this, [this] {
+        if (events_.hostMenuDidOpen) events_.hostMenuDidOpen();
+    });
     connect(&hostMenu_, &DBusMenu::closed, this, &QtStatusItem::hostMenuClosed);
     followEmbeddingPanels();
     updateTint();
@@ -157,7 +160,7 @@ void QtStatusItem::hostMenuWillOpen() {
     if (events_.hostMenuWillOpen) events_.hostMenuWillOpen();
 }
 
-void QtStatusItem::hostMenuClosed(const std::function<void()>& action) {
+void QtStatusItem::hostMenuClosed(const std::function<void()>& action) const {
     if (events_.menuDidClose) events_.menuDidClose();
     if (action) action();
 }

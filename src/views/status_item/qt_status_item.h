@@ -46,7 +46,7 @@ private:
     void handleRightClick(std::optional<QPoint> place);
     void openMenu(const Menu& menu);
     void hostMenuWillOpen();
-    void hostMenuClosed(const std::function<void()>& action);
+    void hostMenuClosed(const std::function<void()>& action) const;
 
     // The colour of the icon follows the panel's.
     void updateTint();

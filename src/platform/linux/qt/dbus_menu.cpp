@@ -108,7 +108,7 @@ private:
 
     // No numbers stand for all of them.
     Answer groupProperties(const QVariantList& arguments) {
-        QList<int> ids = qdbus_cast<QList<int>>(arguments.value(0));
+        auto ids = qdbus_cast<QList<int>>(arguments.value(0));
         if (ids.isEmpty()) appendIds(root(), ids);
         QList<DBusMenuProperties> group;
         for (const int id : std::as_const(ids)) {
@@ -169,8 +169,9 @@ private:
         return layout_.root;
     }
 
-    // The end of a submenu is none of the menu.
+    // What happens to a submenu is part of the menu.
     void handle(int id, const QString& event) {
+        if (event == QLatin1String("opened") && id == DBusMenuLayout::rootId) emit menu_.opened();
         if (event == QLatin1String("closed") && id == DBusMenuLayout::rootId) close({});
         if (event != QLatin1String("clicked")) return;
         for (const DBusMenuLayout* const shown : {&layout_, &former_}) {

@@ -34,6 +34,8 @@ public:
 signals:
     // A panel is about to show the menu; the menu is made anew right after.
     void aboutToShow();
+    // The panel has opened it; some tell so before they ask for it, some never.
+    void opened();
     // The panel's menu was closed, one of its lines was chosen, or the panel went away. From the event loop. action: of
     // the line that was chosen; empty when none was.
     void closed(const std::function<void()>& action);
