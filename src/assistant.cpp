@@ -439,7 +439,7 @@ public:
 
 }  // namespace
 
-int runAssistant(ApplicationBus::SecondStart secondStart) {
+int runAssistant(Launch launch) {
     // Without a display the toolkit would end the program in its own way.
     connectToX11(nullptr);
     // All here is of X11, which Wayland sessions have as well, for the windows at least.
@@ -460,7 +460,7 @@ int runAssistant(ApplicationBus::SecondStart secondStart) {
     const auto place =
         bus.claim({.reopen = [&delegate] { delegate->applicationShouldHandleReopen(); },
                    .perform = [&delegate](const std::string& command) { return delegate->perform(command); }},
-                  secondStart);
+                  launch);
     if (place == ApplicationBus::Place::taken) return EXIT_SUCCESS;
     if (place == ApplicationBus::Place::silent) {
         std::fputs("ovrin: another assistant runs in this session and does not answer\n", stderr);

@@ -59,10 +59,7 @@ public:
         return EXIT_SUCCESS;
     }
 
-    int operator()(const cli::StartAssistant& command) {
-        using SecondStart = ApplicationBus::SecondStart;
-        return runAssistant(command.isAutostart ? SecondStart::ignored : SecondStart::reopens);
-    }
+    int operator()(const cli::StartAssistant& command) { return runAssistant(command.launch); }
 
     int operator()(const cli::Recognize& command) {
         const cli::Interruption interruption;

@@ -27,6 +27,8 @@ public:
     // The value as it was set, untrimmed; none when the variable is unset or empty.
     std::optional<std::string> value(std::string_view name) const;
 
+    const Variables& variables() const { return variables_; }
+
 private:
     Variables variables_;
 };

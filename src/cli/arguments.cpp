@@ -164,7 +164,8 @@ Invocation parseDo(CommandWords commandWords) {
     if (!remoteCommand(action)) {
         throw UsageError("do: unknown action " + action + "; there is " + joined(remoteCommandUsages(), ", "));
     }
-    return Do{.action = action};
+    // Without an assistant there is nothing to end and nothing to renew.
+    return Do{.action = action, .startsAssistant = action != "quit" && action != "reload"};
 }
 
 Invocation parseConfigGet(CommandWords commandWords) {
@@ -225,7 +226,12 @@ Invocation parseArguments(std::vector<std::string> words) {
     if (command == "--version") return ShowVersion{};
     if (command == "--autostart") {
         requireNoMore(command, words);
-        return StartAssistant{.isAutostart = true};
+        return StartAssistant{.launch = Launch::withSession};
+    }
+    // Written in the bus's service file alone.
+    if (command == "--bus-activated") {
+        requireNoMore(command, words);
+        return StartAssistant{.launch = Launch::byBus};
     }
 
     static const Parsers parsers{
@@ -254,7 +260,7 @@ Usage:
   ovrin translate [--to TAG] [TEXT]            translate TEXT, or standard input, as the answer streams in
   ovrin ask [QUESTION]                         ask a question, or standard input
   ovrin history [QUERY] [--json]               past results, newest first
-  ovrin do ACTION                              have the running assistant do something (see below)
+  ovrin do ACTION                              have the assistant do something, started if it does not run (see below)
   ovrin config get [KEY]                       show preferences
   ovrin config set KEY VALUE                   change a preference
   ovrin config unset KEY                       go back to its default

@@ -7,6 +7,8 @@
 #include <variant>
 #include <vector>
 
+#include "platform/launch.h"
+
 namespace ovrin::cli {
 
 // The arguments make no sense; what() is one line for standard error. Ends with exit status 2.
@@ -22,7 +24,7 @@ enum class AnswerDelivery { pieces, whole };  // as they arrive, or all at once 
 struct ShowHelp {};
 struct ShowVersion {};
 struct StartAssistant {
-    bool isAutostart = false;  // started with the session: an assistant that runs already is left alone
+    Launch launch = Launch::byUser;
 };
 
 struct Recognize {
@@ -48,7 +50,8 @@ struct Ask {
 };
 
 struct Do {
-    std::string action;  // the words of app/remote_command.h
+    std::string action;           // the words of app/remote_command.h
+    bool startsAssistant = true;  // where none runs
 };
 
 struct ConfigGet {

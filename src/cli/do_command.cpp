@@ -7,10 +7,12 @@
 namespace ovrin::cli {
 
 int performInAssistant(const Do& command, RunningAssistant& assistant) {
-    if (assistant.perform(command.action) == RunningAssistant::Reply::notRunning) {
-        throw Error("ovrin: the assistant is not running; start it with 'ovrin'");
+    using Reply = RunningAssistant::Reply;
+    if (assistant.perform(command.action) == Reply::accepted) return EXIT_SUCCESS;
+    if (command.startsAssistant && assistant.start() && assistant.perform(command.action) == Reply::accepted) {
+        return EXIT_SUCCESS;
     }
-    return EXIT_SUCCESS;
+    throw Error("ovrin: the assistant is not running; start it with 'ovrin'");
 }
 
 }  // namespace ovrin::cli

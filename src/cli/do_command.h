@@ -1,4 +1,4 @@
-// "ovrin do": hands a command to the running assistant.
+// "ovrin do": hands a command to the assistant, which is started for it where none runs.
 #pragma once
 
 #include "cli/arguments.h"
@@ -6,7 +6,7 @@
 
 namespace ovrin::cli {
 
-// The exit status. Throws Error when no assistant runs or it cannot be reached.
+// The exit status. Throws Error when no assistant can be reached.
 int performInAssistant(const Do& command, RunningAssistant& assistant);
 
 }  // namespace ovrin::cli

@@ -1,4 +1,4 @@
-// Seam: the assistant that runs already in this session, as other processes of the user reach it.
+// Seam: the assistant of this session, as other processes of the user reach it.
 #pragma once
 
 #include <cstdint>
@@ -15,6 +15,10 @@ public:
     // Has it perform a command (see app/remote_command.h); it has begun when this returns. Throws Error when the
     // session can't be asked or the assistant does not answer.
     virtual Reply perform(const std::string& commandName) = 0;
+
+    // Starts it, and returns once it can be reached or has failed to come up. False where there is no display that it
+    // could run on. Throws Error that tells why it can't be started, where that is known.
+    virtual bool start() = 0;
 };
 
 }  // namespace ovrin

@@ -27,8 +27,8 @@ std::string usageError(const std::vector<std::string>& words) {
 }
 
 TEST(Arguments, EachCommandWithItsOptionsInAnyPlace) {
-    EXPECT_FALSE(std::get<StartAssistant>(parseArguments({})).isAutostart);
-    EXPECT_TRUE(std::get<StartAssistant>(parseArguments({"--autostart"})).isAutostart);
+    EXPECT_EQ(std::get<StartAssistant>(parseArguments({})).launch, Launch::byUser);
+    EXPECT_EQ(std::get<StartAssistant>(parseArguments({"--autostart"})).launch, Launch::withSession);
     EXPECT_TRUE(std::holds_alternative<ShowVersion>(parseArguments({"--version"})));
     for (const auto& words : {std::vector<std::string>{"--help"}, {"-h"}, {"help"}, {"translate", "--help"}})
         EXPECT_TRUE(std::holds_alternative<ShowHelp>(parseArguments(words)));

@@ -1,13 +1,20 @@
 // The icon in the tray with its menu, the command palette, and the program's life.
 #include <chrono>
 #include <csignal>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gio/gio.h>
 
 #include "desktop/desktop_test.h"
 
 namespace ovrin {
 namespace {
 
-struct TrayTest : DesktopTest {};
+struct TrayTest : DesktopTest {
+    const std::string program = OVRIN_BINARY_DIR "/ovrin";
+};
 
 TEST_F(TrayTest, TheMenuOpensByEitherButtonAndStartsACapture) {
     begin();
@@ -126,6 +133,72 @@ TEST_F(TrayTest, ASecondStartAndOtherProcessesReachTheRunningOne) {
     EXPECT_TRUE(assistant->process().isRunning());
     assistant->process().signal(SIGSTOP);
     EXPECT_EQ(assistant->run({}), 1);
+}
+
+TEST_F(TrayTest, CommandsStartTheAssistantWhereNoneRuns) {
+    begin();
+    auto& page = openPage();
+    assistant->process().signal(SIGTERM);
+    EXPECT_EQ(assistant->process().waitForEnd(), 0);
+    for (const char* const command : {"quit", "reload"}) EXPECT_EQ(assistant->run({"do", command}), 1);
+    EXPECT_EQ(desktop->start({.arguments = {program, "do", "history"}, .environment = {"DISPLAY="}})->waitForEnd(), 1);
+
+    // Two at once start one, which has the key of their environment.
+    page.copyText(page.lines()[3].text);
+    service.acceptOnly("sk-handed");
+    const std::vector<std::string> environment{"OVRIN_BASE_URL=" + service.baseURL(), "OVRIN_API_KEY=sk-handed",
+                                               "OVRIN_API_STANDARD=openai-compatible"};
+    const auto run = [&](const std::string& command) {
+        return desktop->start({.arguments = {program, "do", command}, .environment = environment});
+    };
+    const auto translating = run("clipboard-translate");
+    const auto showing = run("history");
+    EXPECT_EQ(translating->waitForEnd(), 0);
+    EXPECT_EQ(showing->waitForEnd(), 0);
+    user->waitForWindow({.title = "历史记录 — Ovrin", .program = "ovrin"});
+    EXPECT_EQ(waitForExchange(0).state, PracticeService::Exchange::State::complete);
+    EXPECT_EQ(assistant->run({"do", "quit"}), 0);
+    waitFor("its end", [&] { return !desktop->bus().hasOwner("com.quel.ovrin"); });
+}
+
+TEST_F(TrayTest, TheBusStartsTheAssistantForLaunchersAndCommands) {
+    begin();
+    assistant->process().signal(SIGTERM);
+    EXPECT_EQ(assistant->process().waitForEnd(), 0);
+    std::ofstream(desktop->servicesFolder() / "com.quel.ovrin.service")
+        << "[D-BUS Service]\nName=com.quel.ovrin\nExec=" << program << " --bus-activated\n";
+    const auto call = [&](const char* name, const char* path, const char* interface, const char* method,
+                          GVariant* arguments) {
+        EXPECT_NE(g_dbus_connection_call_sync(desktop->bus().connection(), name, path, interface, method, arguments,
+                                              nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr),
+                  nullptr)
+            << method;
+    };
+    // As session managers do.
+    GVariantBuilder variables;
+    g_variant_builder_init(&variables, G_VARIANT_TYPE("a{ss}"));
+    for (const std::string& variable : desktop->environment()) {
+        const auto equals = variable.find('=');
+        g_variant_builder_add(&variables, "{ss}", variable.substr(0, equals).c_str(),
+                              variable.substr(equals + 1).c_str());
+    }
+    call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "UpdateActivationEnvironment",
+         g_variant_new("(a{ss})", &variables));
+
+    const auto activate = [&] {
+        call("com.quel.ovrin", "/com/quel/ovrin", "org.freedesktop.Application", "Activate",
+             g_variant_new("(@a{sv})", g_variant_new_array(G_VARIANT_TYPE("{sv}"), nullptr, 0)));
+    };
+    activate();
+    assistant->waitForTrayIcon();
+    EXPECT_TRUE(user->find({.title = "Ovrin 设置"}).empty()) << "it was started, not started again";
+    activate();
+    user->waitForWindow({.title = "Ovrin 设置", .program = "ovrin"});
+    EXPECT_EQ(assistant->run({"do", "quit"}), 0);
+    waitFor("its end", [&] { return !desktop->bus().hasOwner("com.quel.ovrin"); });
+    EXPECT_EQ(assistant->run({"do", "history"}), 0);
+    user->waitForWindow({.title = "历史记录 — Ovrin", .program = "ovrin"});
+    EXPECT_EQ(assistant->run({"do", "quit"}), 0);
 }
 
 TEST_F(TrayTest, TakesOverWhatIsConfiguredWhileItRuns) {

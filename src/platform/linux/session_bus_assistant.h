@@ -1,4 +1,5 @@
-// Reaches the running assistant over the session bus. Starts none.
+// Reaches the assistant over the session bus. Where the bus knows how to start it, the bus does; else this program's
+// own executable is started, with the API keys of this process's environment.
 #pragma once
 
 #include <chrono>
@@ -13,6 +14,7 @@ public:
     explicit SessionBusAssistant(std::chrono::milliseconds patience = std::chrono::seconds(5)) : patience_(patience) {}
 
     Reply perform(const std::string& commandName) override;
+    bool start() override;
 
 private:
     std::chrono::milliseconds patience_;

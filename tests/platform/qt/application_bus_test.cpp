@@ -1,5 +1,6 @@
 #include "platform/linux/qt/application_bus.h"
 
+#include <QDBusPendingCallWatcher>
 #include <QThread>
 #include <utility>
 
@@ -61,7 +62,29 @@ TEST(ApplicationBusTest, ASecondAssistantSeesHowTheFirstOneDoes) {
     }
     // What comes with the session leaves the first one alone, whatever that does.
     const FirstAssistant first(Behaviour::hangs);
-    EXPECT_EQ(ApplicationBus().claim({}, ApplicationBus::SecondStart::ignored), ApplicationBus::Place::taken);
+    EXPECT_EQ(ApplicationBus().claim({}, Launch::withSession), ApplicationBus::Place::taken);
+}
+
+TEST(ApplicationBusTest, TheActivationThatStartedItIsNoReopening) {
+    QtSession::ofProcess();
+    int reopenings = 0;
+    ApplicationBus bus;
+    ASSERT_EQ(
+        bus.claim({.reopen = [&] { ++reopenings; }, .perform = [](const std::string&) { return true; }}, Launch::byBus),
+        ApplicationBus::Place::ours);
+    const FakeService launcher(QStringLiteral("test.Launcher"), QStringLiteral("/"), {});
+    const auto activate = [&] {
+        QDBusMessage call =
+            QDBusMessage::createMethodCall(applicationId, applicationObjectPath, applicationInterface, "Activate");
+        call << QVariantMap();
+        const QDBusPendingCallWatcher answer(QDBusConnection(QStringLiteral("test.Launcher")).asyncCall(call));
+        EXPECT_TRUE(waitUntil([&] { return answer.isFinished(); }));
+        QCoreApplication::processEvents();
+    };
+    activate();
+    EXPECT_EQ(reopenings, 0);
+    activate();
+    EXPECT_EQ(reopenings, 1);
 }
 
 }  // namespace

@@ -61,16 +61,17 @@ Place takeNameOrActivateOwner(const QDBusConnection& bus) {
 
 class ApplicationBus::Receiver final : public QDBusVirtualObject {
 public:
-    explicit Receiver(Events events) : events_(std::move(events)) {}
+    Receiver(Events events, Launch launch) : events_(std::move(events)), isStartOnItsWay_(launch == Launch::byBus) {}
 
     QString introspect(const QString& /*path*/) const override { return introspection; }
 
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
         if (message.interface() != QLatin1String(applicationInterface)) return false;
+        const bool isStart = std::exchange(isStartOnItsWay_, false);
         if (message.member() == QLatin1String("Activate") || message.member() == QLatin1String("Open")) {
             // The answer first: what the event does may end the program.
             connection.send(message.createReply());
-            QTimer::singleShot(0, this, [this] { events_.reopen(); });
+            if (!isStart) QTimer::singleShot(0, this, [this] { events_.reopen(); });
             return true;
         }
         if (message.member() != QLatin1String("ActivateAction") || message.arguments().isEmpty()) return false;
@@ -85,6 +86,7 @@ public:
 
 private:
     Events events_;
+    bool isStartOnItsWay_;
 };
 
 ApplicationBus::ApplicationBus() = default;
@@ -95,14 +97,14 @@ ApplicationBus::~ApplicationBus() {
     QDBusConnection::sessionBus().unregisterObject(applicationObjectPath);
 }
 
-ApplicationBus::Place ApplicationBus::claim(Events events, SecondStart secondStart) {
+ApplicationBus::Place ApplicationBus::claim(Events events, Launch launch) {
     if (sessionBus(Environment::ofProcess()) == SessionBus::none) return Place::noBus;
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) return Place::noBus;
-    auto receiver = std::make_unique<Receiver>(std::move(events));
+    auto receiver = std::make_unique<Receiver>(std::move(events), launch);
     // The object before the name: who finds the name finds the object.
     bus.registerVirtualObject(applicationObjectPath, receiver.get());
-    const Place place = secondStart == SecondStart::ignored ? takeName(bus) : takeNameOrActivateOwner(bus);
+    const Place place = launch == Launch::byUser ? takeNameOrActivateOwner(bus) : takeName(bus);
     if (place == Place::ours) {
         receiver_ = std::move(receiver);
     } else {

@@ -7,20 +7,21 @@
 #include <memory>
 #include <string>
 
+#include "platform/launch.h"
+
 namespace ovrin {
 
 class ApplicationBus {
 public:
     struct Events {
-        std::function<void()> reopen;  // the assistant was started a second time
+        // The assistant was started a second time. The activation for which the bus has started it is its start.
+        std::function<void()> reopen;
         // Does what the name stands for; false when it stands for nothing.
         std::function<bool(const std::string& commandName)> perform;
     };
-    // What it means to a running assistant that another one was started.
-    enum class SecondStart : std::uint8_t { reopens, ignored };
     enum class Place : std::uint8_t {
         ours,    // from now on the events arrive, from the event loop
-        taken,   // another assistant runs; it has been told that it was started again, unless that is to be ignored
+        taken,   // another assistant runs; it has been told of a start by the user
         silent,  // another assistant has the place and does not answer
         noBus    // nobody can reach us, nor we another
     };
@@ -32,7 +33,7 @@ public:
     ~ApplicationBus();
 
     // Once, on the main thread, after the QCoreApplication is there. Never throws.
-    Place claim(Events events, SecondStart secondStart = SecondStart::reopens);
+    Place claim(Events events, Launch launch = Launch::byUser);
 
 private:
     class Receiver;

@@ -1,0 +1,20 @@
+// A program that goes on when this one has ended.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+#include "base/environment.h"
+
+namespace ovrin {
+
+// Starts it in a session of its own, so that no key of this one's terminal reaches it, with all the variables and
+// without input or output. arguments: what follows its name. Gives its number; the caller may wait for its end. Throws
+// Error when it can't be started. Any thread.
+pid_t startDetached(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                    const Environment& environment);
+
+}  // namespace ovrin
