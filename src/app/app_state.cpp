@@ -166,10 +166,10 @@ void AppState::selectionTranslate(SelectionTranslateOptions options) {
 
 Task<void> AppState::translateSelection(SelectionTranslateOptions options) {
     activityText_.set("正在读取选中文字");
-    std::string text;
+    SelectedText selected;
     try {
         const AsyncLock::Turn turn = co_await selectionTurns_.turn();
-        text = co_await selectionService_->selectedText();
+        selected = co_await selectionService_->selectedText();
     } catch (...) {
         reportFailure(std::current_exception());
         co_return;
@@ -177,31 +177,43 @@ Task<void> AppState::translateSelection(SelectionTranslateOptions options) {
     activityText_.set(std::nullopt);
 
     if (options.replace) {
-        co_await replaceSelection(std::move(text));
+        co_await replaceSelection(std::move(selected));
     } else if (options.silent) {
-        surroundings_.translationCard.show(std::move(text));
+        surroundings_.translationCard.show(std::move(selected.text));
     } else {
-        translateInPanel(std::move(text), historyRecordType::selectionTranslation);
+        translateInPanel(std::move(selected.text), historyRecordType::selectionTranslation);
     }
 }
 
-Task<void> AppState::replaceSelection(std::string text) {
+Task<void> AppState::replaceSelection(SelectedText selected) {
     activityText_.set("正在翻译并替换");
     std::string translatedText;
+    Replacement replacement{};
     try {
         std::string targetLanguage = surroundings_.config.targetLanguage();
-        TranslationResult result = co_await translationService_.translate(text, std::move(targetLanguage));
+        TranslationResult result = co_await translationService_.translate(selected.text, std::move(targetLanguage));
         translatedText = std::move(result.translatedText);
         const AsyncLock::Turn turn = co_await selectionTurns_.turn();
-        co_await selectionService_->replaceSelection(translatedText);
+        replacement = co_await selectionService_->replaceSelection(translatedText, selected.window);
     } catch (...) {
         reportFailure(std::current_exception());
         co_return;
     }
     surroundings_.history.save(
-        {.sourceText = text, .resultText = translatedText, .recordType = historyRecordType::selectionReplace});
+        {.sourceText = selected.text, .resultText = translatedText, .recordType = historyRecordType::selectionReplace});
     activityText_.set(std::nullopt);
-    surroundings_.toasts.show("已替换为译文", successSymbol);
+    tellOf(replacement);
+}
+
+void AppState::tellOf(Replacement replacement) {
+    switch (replacement) {
+        case Replacement::pasted:
+            return surroundings_.toasts.show("已替换为译文", successSymbol);
+        case Replacement::offered:
+            return surroundings_.toasts.show("译文已复制，按 Ctrl+V 粘贴", successSymbol);
+        case Replacement::refused:
+            return showProblem("此处无法替换选中的文字，译文已复制");
+    }
 }
 
 void AppState::translateInPanel(std::string text, std::string_view recordType) {

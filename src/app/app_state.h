@@ -88,7 +88,8 @@ private:
     Task<void> recognizeClipboardImage();
     Task<void> translateClipboard();
     Task<void> translateSelection(SelectionTranslateOptions options);
-    Task<void> replaceSelection(std::string text);
+    Task<void> replaceSelection(SelectedText selected);
+    void tellOf(Replacement replacement);
     void translateInPanel(std::string text, std::string_view recordType);
     void sendNotification(std::string title, std::string body);
 

@@ -20,13 +20,16 @@ public:
     PasteboardSnapshot& operator=(PasteboardSnapshot&&) = delete;
     ~PasteboardSnapshot();
 
+    // Leaves on the clipboard what is there now.
+    void giveUp() { pasteboard_ = nullptr; }
+
     // Of the clipboard as it was taken.
     std::int64_t changeCount() const { return changeCount_; }
 
 private:
     PasteboardSnapshot(ClipboardService& pasteboard, std::vector<ClipboardItem> items);
 
-    ClipboardService* pasteboard_;  // none when moved from
+    ClipboardService* pasteboard_;  // none when moved from or given up
     std::vector<ClipboardItem> items_;
     std::int64_t changeCount_;
 };

@@ -44,22 +44,26 @@ Task<void> waitUnlessInterrupted(EventLoop::Duration duration) {
 SelectionTranslateService::SelectionTranslateService(ClipboardService& clipboard, SimulateKeyboard& keyboard)
     : clipboard_(clipboard), keyboard_(keyboard) {}
 
-Task<std::string> SelectionTranslateService::selectedText() {
-    requirePermission();
+Task<SelectedText> SelectionTranslateService::selectedText() {
+    if (!hasPermission()) throw SelectionError::accessibilityPermissionRequired();
     const PasteboardSnapshot snapshot = co_await PasteboardSnapshot::take(clipboard_);
     std::int64_t seenChange = snapshot.changeCount();
     co_await waitForOtherProgram();
+    SelectedText selected{.text = "", .window = keyboard_.frontWindow()};
     const SimulateKeyboard::Selection way = keyboard_.selection();
     if (way == SimulateKeyboard::Selection::absent) throw SelectionError::noSelection();
-    if (way == SimulateKeyboard::Selection::shown) co_return co_await shownText();
+    if (way == SimulateKeyboard::Selection::shown) {
+        selected.text = co_await shownText();
+        co_return selected;
+    }
     keyboard_.copy();
     for (int poll = 0; poll < maximumPolls; ++poll) {
         co_await waitUnlessInterrupted(pollInterval);
         const std::int64_t change = clipboard_.changeCount();
         if (std::exchange(seenChange, change) == change) continue;
         const std::optional<std::string> copied = co_await clipboard_.readString();
-        std::string text(text::trimmed(copied.value_or("")));
-        if (!text.empty()) co_return text;
+        selected.text = text::trimmed(copied.value_or(""));
+        if (!selected.text.empty()) co_return selected;
     }
     throw SelectionError::noSelection();
 }
@@ -71,14 +75,30 @@ Task<std::string> SelectionTranslateService::shownText() {
     co_return text;
 }
 
-Task<void> SelectionTranslateService::replaceSelection(std::string text) {
-    requirePermission();
-    const PasteboardSnapshot snapshot = co_await PasteboardSnapshot::take(clipboard_);
+Task<Replacement> SelectionTranslateService::replaceSelection(std::string text, SimulateKeyboard::Window window) {
+    co_await waitForOtherProgram();
+    const Replacement possible = possibleReplacement(window);
+    if (possible != Replacement::pasted) {
+        clipboard_.writeString(std::move(text));
+        co_return possible;
+    }
+    PasteboardSnapshot snapshot = co_await PasteboardSnapshot::take(clipboard_);
     clipboard_.writeString(std::move(text));
     co_await waitUnlessInterrupted(timeBeforePaste);
-    co_await waitForOtherProgram();
+    // The user may have gone elsewhere in the meantime.
+    const Replacement stillPossible = possibleReplacement(window);
+    if (stillPossible != Replacement::pasted) {
+        snapshot.giveUp();
+        co_return stillPossible;
+    }
     keyboard_.paste();
     co_await waitUnlessInterrupted(timeAfterPaste);
+    co_return Replacement::pasted;
+}
+
+Replacement SelectionTranslateService::possibleReplacement(SimulateKeyboard::Window window) {
+    if (!hasPermission() || keyboard_.frontWindow() != window) return Replacement::offered;
+    return keyboard_.selection() == SimulateKeyboard::Selection::copied ? Replacement::pasted : Replacement::refused;
 }
 
 // Goes on without one in the end: the selection may be in a window of this program.
@@ -88,8 +108,8 @@ Task<void> SelectionTranslateService::waitForOtherProgram() {
     }
 }
 
-void SelectionTranslateService::requirePermission() {
-    if (!keyboard_.isTrusted() && !keyboard_.requestTrust()) throw SelectionError::accessibilityPermissionRequired();
+bool SelectionTranslateService::hasPermission() {
+    return keyboard_.isTrusted() || keyboard_.requestTrust();
 }
 
 }  // namespace ovrin

@@ -2,8 +2,8 @@
 // and paste, and borrows the clipboard for as long as that takes. Where the keys of copy would do harm it reads what
 // the desktop shows as selected.
 //
-// Main thread. The user's clipboard comes back at the end, whatever the end is. A stop ends every wait at once; a
-// replacement that has begun is still pasted.
+// Main thread. The user's clipboard comes back at the end, whatever the end is, unless a replacement is left on it. A
+// stop ends every wait at once; a replacement that has begun is still pasted.
 #pragma once
 
 #include <string>
@@ -23,13 +23,14 @@ public:
     // Both first give a window of this program that has just closed up to 300 ms to hand the keyboard back.
 
     // Throws SelectionError: noSelection after 360 ms without a text.
-    Task<std::string> selectedText() override;
+    Task<SelectedText> selectedText() override;
 
-    // Takes 240 ms. Throws SelectionError: accessibilityPermissionRequired.
-    Task<void> replaceSelection(std::string text) override;
+    // Takes 240 ms where it pastes.
+    Task<Replacement> replaceSelection(std::string text, SimulateKeyboard::Window window) override;
 
 private:
-    void requirePermission();
+    bool hasPermission();
+    Replacement possibleReplacement(SimulateKeyboard::Window window);
     Task<void> waitForOtherProgram();
     Task<std::string> shownText();
 

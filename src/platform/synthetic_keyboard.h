@@ -20,16 +20,20 @@ public:
     // keyboard, or is giving it back.
     virtual bool reachesOtherProgram() = 0;
 
-    // How the text that is selected in that program can be had.
+    // The window that the keys would reach now, of whatever program; nowhere when there is none or it is not known.
+    enum class Window : std::uint64_t { nowhere = 0 };
+    virtual Window frontWindow() = 0;
+
+    // How the text that is selected in that program can be had. Where it is not copied, pasting does not replace it.
     enum class Selection : std::uint8_t {
-        copied,  // with the keys of copy
+        copied,  // with the keys of copy; so in programs that are not known
         shown,   // from the desktop, which knows it; the keys would do something else there (a terminal: interrupt)
         absent   // not at all: the keys would do something else, and nothing is selected
     };
     virtual Selection selection() = 0;
 
     // Press and release the combination that the program takes for copy and paste. Do nothing when the keys cannot be
-    // pressed; what the program makes of them shows on the clipboard, later.
+    // pressed, or would do something else; what the program makes of them shows on the clipboard, later.
     virtual void copy() = 0;
     virtual void paste() = 0;
 };

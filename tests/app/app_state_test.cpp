@@ -1,5 +1,6 @@
 #include "app/app_state.h"
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -365,11 +366,25 @@ TEST_F(AppStateTest, ReplacingPutsTheTranslationInPlaceWhateverSilentSays) {
         EXPECT_NE(service_.lastRequest.body.find("into French (BCP-47: fr)"), std::string::npos);
         service_.answer.succeed("salut");
         EXPECT_EQ(events(), Events{"selection replaced: salut"});
-        selection_->replacement.succeed({});
+        selection_->replacement.succeed(Replacement::pasted);
         EXPECT_EQ(events(), (Events{"history selection-replace: hola => salut", "activity: none",
                                     "toast checkmark: 已替换为译文"}));
         EXPECT_FALSE(app_->isCapturing().value());
     }
+}
+
+TEST_F(AppStateTest, ATranslationThatCannotBePastedIsKeptAndTheUserIsToldWhatToDo) {
+    const auto outcome = [this](Replacement replacement) {
+        selection_->selection.succeed("hola");
+        service_.answer.succeed("salut");
+        selection_->replacement.succeed(replacement);
+        app_->selectionTranslate({.replace = true});
+        const Events seen = events();
+        EXPECT_EQ(std::ranges::count(seen, "history selection-replace: hola => salut"), 1);
+        return seen.back();
+    };
+    EXPECT_EQ(outcome(Replacement::offered), "toast checkmark: 译文已复制，按 Ctrl+V 粘贴");
+    EXPECT_EQ(outcome(Replacement::refused), "toast exclamationmark.triangle: 此处无法替换选中的文字，译文已复制");
 }
 
 TEST_F(AppStateTest, EveryStepOfASelectionFlowMayFail) {
@@ -404,7 +419,7 @@ TEST_F(AppStateTest, FlowsInterleaveWhereTheyWait) {
     events();
     EXPECT_EQ(app_->activityText().value(), "正在识别文字");
     service_.answer.succeed("salut");
-    selection_->replacement.succeed({});
+    selection_->replacement.succeed(Replacement::pasted);
     EXPECT_EQ(events(), (Events{"selection replaced: salut", "history selection-replace: hola => salut",
                                 "activity: none", "toast checkmark: 已替换为译文"}));
     EXPECT_TRUE(app_->isCapturing().value());

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <string>
-#include <variant>
+#include <utility>
 
 #include "fakes/deferred.h"
 #include "fakes/journal.h"
@@ -15,18 +15,22 @@ public:
     explicit FakeSelectionAccess(Journal& journal) : journal_(journal) {}
 
     Deferred<std::string> selection;
-    Deferred<std::monostate> replacement;
+    Deferred<Replacement> replacement;
 
-    Task<std::string> selectedText() override {
+    Task<SelectedText> selectedText() override {
         journal_.add("selection read");
-        return selection.result();
+        std::string text = co_await selection.result();
+        SelectedText selected{.text = std::move(text), .window = window};
+        co_return selected;
     }
-    Task<void> replaceSelection(std::string text) override {
-        journal_.add("selection replaced: " + text);
-        co_await replacement.result();
+    Task<Replacement> replaceSelection(std::string text, SimulateKeyboard::Window place) override {
+        journal_.add("selection replaced" + std::string(place == window ? ": " : " elsewhere: ") + text);
+        return replacement.result();
     }
 
 private:
+    static constexpr SimulateKeyboard::Window window{7};
+
     Journal& journal_;
 };
 

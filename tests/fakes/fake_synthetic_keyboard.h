@@ -17,6 +17,7 @@ public:
     bool answerToRequest = false;
     std::function<void()> onCopy = [] {};
     Selection way = Selection::copied;
+    Window front{7};
     int checksUntilFocus = 0;  // as often it is asked in vain whether another program has the keyboard
 
     bool isTrusted() override { return isPermitted; }
@@ -25,6 +26,7 @@ public:
         return answerToRequest;
     }
     bool reachesOtherProgram() override { return checksUntilFocus == 0 || --checksUntilFocus == 0; }
+    Window frontWindow() override { return front; }
     Selection selection() override { return way; }
     void copy() override {
         journal_.add("copy");

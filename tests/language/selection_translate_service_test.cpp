@@ -54,8 +54,9 @@ protected:
 
     Task<void> keepText() {
         try {
-            std::string selected = co_await service.selectedText();
-            text = std::move(selected);
+            SelectedText selected = co_await service.selectedText();
+            text = std::move(selected.text);
+            window = selected.window;
         } catch (const SelectionError& error) {
             failure = error.errorDescription();
         }
@@ -63,12 +64,10 @@ protected:
         journal.add(clipboard.items == usersItems ? "end" : "end with a borrowed clipboard");
     }
     Task<void> keepEnd(std::string replacement) {
-        try {
-            co_await service.replaceSelection(std::move(replacement));
-        } catch (const SelectionError& error) {
-            failure = error.errorDescription();
-        }
-        journal.add("end");
+        const Replacement outcome = co_await service.replaceSelection(std::move(replacement), window);
+        journal.add(outcome == Replacement::pasted    ? "end"
+                    : outcome == Replacement::offered ? "end: offered"
+                                                      : "end: refused");
     }
 
     const std::vector<ClipboardItem> usersItems{
@@ -80,6 +79,7 @@ protected:
     FakeSyntheticKeyboard keyboard{journal};
     SelectionTranslateService service{clipboard, keyboard};
     std::optional<std::string> text;
+    SimulateKeyboard::Window window = keyboard.front;
     std::optional<std::string> failure;
     std::stop_source stop;
     std::unique_ptr<RunningTask> running;
@@ -108,10 +108,10 @@ TEST_F(SelectionTranslateServiceTest, WaitsForTheKeyboardToGoBackToTheOtherProgr
 
     keyboard.checksUntilFocus = 1000;
     replaceSelection("replacement");
-    loop.advance(240ms);
-    EXPECT_EQ(journal.take(), Events{"clipboard: replacement"});
-    loop.advance(300ms);
-    EXPECT_EQ(journal.take(), (Events{"paste", "clipboard: 2 items", "end"}));
+    loop.advance(300ms - 1ns);
+    EXPECT_EQ(journal.take(), Events{});
+    loop.advance(240ms + 1ns);
+    EXPECT_EQ(journal.take(), (Events{"clipboard: replacement", "paste", "clipboard: 2 items", "end"}));
 }
 
 TEST_F(SelectionTranslateServiceTest, WhereCopyWouldInterruptItReadsWhatIsShownAndTouchesNothing) {
@@ -194,14 +194,37 @@ TEST_F(SelectionTranslateServiceTest, WithoutPermissionNothingIsTouched) {
     keyboard.isPermitted = false;
     readSelection();
     EXPECT_EQ(failure, "需要辅助功能权限才能读取或替换其他应用中的选中文字。");
-    failure.reset();
-    replaceSelection("le texte");
-    EXPECT_EQ(failure, "需要辅助功能权限才能读取或替换其他应用中的选中文字。");
-    EXPECT_EQ(journal.take(), (Events{"trust requested", "end", "trust requested", "end"}));
+    EXPECT_EQ(journal.take(), (Events{"trust requested", "end"}));
 
     keyboard.answerToRequest = true;
     readSelection();
     EXPECT_EQ(journal.take(), (Events{"trust requested", "copy"}));
+}
+
+TEST_F(SelectionTranslateServiceTest, WhatCannotBePastedStaysOnTheClipboardAndNothingIsPressed) {
+    using Window = SimulateKeyboard::Window;
+    keyboard.isPermitted = false;
+    replaceSelection("one");
+    keyboard.isPermitted = true;
+    for (const Window other : {Window{8}, Window::nowhere}) {
+        keyboard.front = other;
+        replaceSelection("two");
+    }
+    keyboard.front = window;
+    keyboard.way = SimulateKeyboard::Selection::shown;
+    replaceSelection("three");
+    EXPECT_EQ(journal.take(),
+              (Events{"trust requested", "clipboard: one", "end: offered", "clipboard: two", "end: offered",
+                      "clipboard: two", "end: offered", "clipboard: three", "end: refused"}));
+
+    // The user goes elsewhere at the last moment.
+    keyboard.way = SimulateKeyboard::Selection::copied;
+    replaceSelection("four");
+    loop.advance(30ms);
+    keyboard.front = Window{8};
+    loop.advance(30ms);
+    EXPECT_EQ(journal.take(), (Events{"clipboard: four", "end: offered"}));
+    EXPECT_EQ(clipboard.string, "four");
 }
 
 TEST_F(SelectionTranslateServiceTest, AnInterruptedReplacementIsStillPastedAndPutBackAtOnce) {

@@ -108,7 +108,7 @@ TEST_F(X11SimulateKeyboardTest, KnowsWhetherAnotherProgramHasTheKeyboard) {
     }
 }
 
-TEST_F(X11SimulateKeyboardTest, DoesNotInterruptWhatRunsInATerminal) {
+TEST_F(X11SimulateKeyboardTest, PressesNothingInATerminal) {
     using enum SimulateKeyboard::Selection;
     setProperty("WM_STATE", 1);
     const auto setClass = [this](const std::string& parts) {
@@ -130,9 +130,8 @@ TEST_F(X11SimulateKeyboardTest, DoesNotInterruptWhatRunsInATerminal) {
         EXPECT_EQ(keyboard->selection(), absent) << part;
     }
     keyboard->copy();
-    EXPECT_EQ(received(), std::vector<std::string>{});
     keyboard->paste();
-    EXPECT_EQ(received(), (std::vector<std::string>{controlKey, "50 with 4", "55 with 5"}));
+    EXPECT_EQ(received(), std::vector<std::string>{});
 
     takePrimary(program, window);
     EXPECT_EQ(keyboard->selection(), shown);

@@ -129,6 +129,10 @@ bool X11SimulateKeyboard::reachesOtherProgram() {
     return window != XCB_WINDOW_NONE && processOf(connection_.get(), window) != getpid();
 }
 
+SimulateKeyboard::Window X11SimulateKeyboard::frontWindow() {
+    return Window{focusedWindow()};
+}
+
 SimulateKeyboard::Selection X11SimulateKeyboard::selection() {
     xcb_connection_t* const connection = connection_.get();
     const xcb_window_t window = focusedWindow();
@@ -141,11 +145,11 @@ SimulateKeyboard::Selection X11SimulateKeyboard::selection() {
 }
 
 void X11SimulateKeyboard::copy() {
-    if (selection() == Selection::copied) pressWithControl(Shift::up, "c", Key::c);
+    if (selection() == Selection::copied) pressWithControl("c", Key::c);
 }
 
 void X11SimulateKeyboard::paste() {
-    pressWithControl(selection() == Selection::copied ? Shift::up : Shift::down, "v", Key::v);
+    if (selection() == Selection::copied) pressWithControl("v", Key::v);
 }
 
 // The managed one.
@@ -156,7 +160,7 @@ xcb_window_t X11SimulateKeyboard::focusedWindow() {
     return focus ? managedWindowAround(connection, focus->focus) : xcb_window_t{XCB_WINDOW_NONE};
 }
 
-void X11SimulateKeyboard::pressWithControl(Shift shift, const char* letter, Key place) {
+void X11SimulateKeyboard::pressWithControl(const char* letter, Key place) {
     xcb_connection_t* const connection = connection_.get();
     // Changes of the keyboard are not followed but looked at now; what was told of them is dropped.
     while (X11Event(xcb_poll_for_event(connection))) {
@@ -164,17 +168,14 @@ void X11SimulateKeyboard::pressWithControl(Shift shift, const char* letter, Key 
     const std::optional<X11Keyboard> keyboard = X11Keyboard::read(connection);
     const X11Reply<xcb_xkb_get_state_reply_t> state(
         xcb_xkb_get_state_reply(connection, xcb_xkb_get_state(connection, XCB_XKB_ID_USE_CORE_KBD), nullptr));
-    std::vector<xcb_keycode_t> pressed{modifierKey(connection, XCB_MAP_INDEX_CONTROL)};
-    if (shift == Shift::down) pressed.push_back(modifierKey(connection, XCB_MAP_INDEX_SHIFT));
-    if (!keyboard || !state || std::ranges::find(pressed, 0) != pressed.end()) return;
+    const xcb_keycode_t control = modifierKey(connection, XCB_MAP_INDEX_CONTROL);
+    if (!keyboard || !state || control == 0) return;
     const std::optional<xcb_keycode_t> key = keyCodeOf(*keyboard, state->group, letter, place);
     if (!key) return;
-    pressed.push_back(*key);
 
     for (const xcb_keycode_t held : heldKeys()) fake(XCB_KEY_RELEASE, held);
-    for (const xcb_keycode_t keyCode : pressed) fake(XCB_KEY_PRESS, keyCode);
-    std::ranges::reverse(pressed);
-    for (const xcb_keycode_t keyCode : pressed) fake(XCB_KEY_RELEASE, keyCode);
+    for (const xcb_keycode_t keyCode : {control, *key}) fake(XCB_KEY_PRESS, keyCode);
+    for (const xcb_keycode_t keyCode : {*key, control}) fake(XCB_KEY_RELEASE, keyCode);
     // An answer comes after all of that.
     X11Reply<xcb_get_input_focus_reply_t>(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));

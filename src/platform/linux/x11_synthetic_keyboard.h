@@ -1,5 +1,5 @@
 // Presses Control+C and Control+V in the program in front, through the server's XTEST extension. In terminals, where
-// Control+C interrupts what runs, it presses Control+Shift+V to paste and nothing to copy.
+// Control+C interrupts what runs and nothing that is selected can be replaced, it presses nothing.
 //
 // Keys that the user still holds from a shortcut would turn them into other combinations, and a key that holds a grab
 // would keep them for its owner: all of them are released first. They are not pressed again: a key whose release came
@@ -27,6 +27,8 @@ public:
     // The window with the keyboard is, or is in, one that the window manager manages and that is not of this process.
     bool reachesOtherProgram() override;
 
+    Window frontWindow() override;
+
     // What a terminal has selected is the PRIMARY selection, if it owns that.
     Selection selection() override;
 
@@ -35,8 +37,7 @@ public:
     void paste() override;
 
 private:
-    enum class Shift : std::uint8_t { up, down };
-    void pressWithControl(Shift shift, const char* letter, KeyboardShortcuts::Key place);
+    void pressWithControl(const char* letter, KeyboardShortcuts::Key place);
     std::vector<xcb_keycode_t> heldKeys();
     xcb_window_t focusedWindow();
     void fake(std::uint8_t event, xcb_keycode_t keyCode);
