@@ -128,7 +128,8 @@ void NetworkLoop::run() {
     const CurlLibrary library;
     multi_ = curl_multi_init();
     if (!multi_) throw std::bad_alloc();
-    // Timers run when the sockets have been looked at since they were due: they take nothing that lies there for silence.
+    // Timers run when the sockets have been looked at since they were due: they take nothing that lies there for
+    // silence.
     TimePoint turn = now();
     do {
         runWork(turn);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <future>
 #include <limits>
 #include <mutex>
 #include <optional>
@@ -16,7 +17,6 @@
 #include "base/error.h"
 #include "platform/linux/recognition/library_pages.h"
 #include "platform/linux/recognition/page_reader.h"
-#include "platform/linux/recognition/parallel.h"
 #include "platform/linux/recognition/reading_order.h"
 #include "platform/linux/recognition/tesseract_reader.h"
 
@@ -40,29 +40,16 @@ Rect unitBox(const cv::Rect& box, const Image& image) {
         .x = box.x / width, .y = 1 - box.br().y / height, .width = box.width / width, .height = box.height / height};
 }
 
-// Where the piece lies once the picture is turned as it was.
-cv::Rect turnedBox(const LinePiece& piece, const Image& image) {
-    const cv::Rect& box = piece.box;
-    switch (piece.turn) {
-        case Turn::none:
-            break;
-        case Turn::counterclockwise:
-            return {box.y, image.width() - box.br().x, box.height, box.width};
-        case Turn::clockwise:
-            return {image.height() - box.br().y, box.x, box.height, box.width};
-        case Turn::half:
-            return {image.width() - box.br().x, image.height() - box.br().y, box.width, box.height};
-    }
-    return box;
-}
-
 // The lines of one group of pieces that were turned alike.
 void addLines(std::vector<TextObservation>& lines, const Page& page, const std::vector<std::size_t>& group,
               const Image& image) {
     if (group.empty()) return;
     std::vector<cv::Rect> boxes;
     boxes.reserve(group.size());
-    for (const std::size_t index : group) boxes.push_back(turnedBox(page.pieces[index], image));
+    for (const std::size_t index : group) {
+        const LinePiece& piece = page.pieces[index];
+        boxes.push_back(turned(piece.box, piece.turn, {image.width(), image.height()}));
+    }
     for (const auto& row : readingOrder(boxes)) {
         std::string text;
         double confidence = 0;
@@ -75,7 +62,7 @@ void addLines(std::vector<TextObservation>& lines, const Page& page, const std::
             text += textOf(reading);
             confidence += meanConfidence(reading) * static_cast<double>(reading.size());
             characters += static_cast<double>(reading.size());
-            box = box.empty() ? covered : box | covered;
+            box |= covered;
         }
         lines.push_back({.candidates = {{.string = text, .confidence = static_cast<float>(confidence / characters)}},
                          .boundingBox = unitBox(box, image)});
@@ -109,8 +96,8 @@ RecognitionFiles RecognitionFiles::ofThisProgram() {
 class OnnxTextRecognizer::Resources {
 public:
     struct Models {
+        std::shared_future<std::unique_ptr<LineRecognizer>> lineRecognizer;  // the larger network loads meanwhile
         std::unique_ptr<TextDetector> detector;
-        std::unique_ptr<LineRecognizer> lineRecognizer;
         std::vector<std::unique_ptr<TesseractReader>> secondReaders;
     };
 
@@ -137,15 +124,14 @@ public:
 private:
     Models load() const {
         Models models;
-        parallelFor(2, 2, [&](std::size_t index) {
-            if (index == 0) {
-                models.lineRecognizer = std::make_unique<LineRecognizer>(files_.modelFolder / recognitionModel);
-            } else {
-                models.detector = std::make_unique<TextDetector>(files_.modelFolder / detectionModel);
-            }
-        });
+        const auto loadNetwork = [file = files_.modelFolder / recognitionModel] {
+            auto network = std::make_unique<LineRecognizer>(file);
+            malloc_trim(0);  // the file's contents, of which the network has made a copy of its own
+            return network;
+        };
+        models.lineRecognizer = std::async(std::launch::async, loadNetwork).share();
+        models.detector = std::make_unique<TextDetector>(files_.modelFolder / detectionModel);
         models.secondReaders = TesseractReader::installed(files_.tesseractFolder);
-        malloc_trim(0);  // the files' contents, of which the networks have made copies of their own
         return models;
     }
 
@@ -188,7 +174,7 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
         if (isWanted(*reader, request)) secondReaders.push_back(reader.get());
     }
     const Page page = readPage(
-        picture, {.detector = *models.detector, .network = *models.lineRecognizer, .secondReaders = secondReaders},
+        picture, {.detector = *models.detector, .network = models.lineRecognizer, .secondReaders = secondReaders},
         stop);
     return observations(page, image);
 }
@@ -196,7 +182,7 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
 void OnnxTextRecognizer::prepare() {
     const auto lock = resources_->use();
     try {
-        resources_->models();
+        resources_->models().lineRecognizer.get();
     } catch (const Error&) {
         // The next perform() meets the same failure and reports it to somebody who asked for something.
         return;

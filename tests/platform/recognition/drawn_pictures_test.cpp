@@ -100,7 +100,11 @@ using Control = std::function<void(QPainter&)>;
 
 Control lines(std::vector<std::vector<QPointF>> strokes) {
     return [strokes = std::move(strokes)](QPainter& painter) {
-        for (const auto& stroke : strokes) painter.drawPolyline(stroke.data(), static_cast<int>(stroke.size()));
+        for (const auto& stroke : strokes) {
+            // The toolkit leaves out lines without length.
+            if (stroke.front() == stroke.back()) painter.drawPoint(stroke.front());
+            painter.drawPolyline(stroke.data(), static_cast<int>(stroke.size()));
+        }
     };
 }
 
@@ -223,14 +227,15 @@ TEST(DrawnPicturesTest, ControlsAreNoText) {
             }
         }
     }
-    // A bar is a cursor or a capital I, an i in a ring an icon or the number of a step: some are taken for the other.
-    EXPECT_GE(right, drawn * 96 / 100) << wrong;
+    // Known limits: a short cursor bar is the picture of a capital I, two bars beside a word that of a numeral, an i in
+    // a ring that of a step's number.
+    EXPECT_GE(right, drawn - 12) << wrong;
 }
 
 TEST(DrawnPicturesTest, ALetterOnALineOfItsOwnIsRead) {
     int wrong = 0;
     std::string which;
-    for (const char* letter : {"A", "B", "I", "K", "R", "g", "5", "十", "文", "あ"}) {
+    for (const char* letter : {"A", "B", "I", "K", "R", "g", "5", "一", "十", "文", "あ"}) {
         for (const int size : {16, 24, 40}) {
             for (const Look& look : {Look{}, dark}) {
                 const std::string text = read(Canvas(200, 90, look).text(30, 60, letter, size).image());
@@ -240,7 +245,7 @@ TEST(DrawnPicturesTest, ALetterOnALineOfItsOwnIsRead) {
             }
         }
     }
-    EXPECT_LE(wrong, 2) << which;
+    EXPECT_LE(wrong, 1) << which;
 }
 
 TEST(DrawnPicturesTest, TurnedAndVerticalTextIsRead) {

@@ -17,9 +17,8 @@ std::string spaced(std::u32string_view text, const std::vector<ColumnRun>& runs,
     }
     const LinePiece piece = pieceOf(runs, height);
     placeOnInk(reading, piece);
-    std::vector<Reading> readings = {reading};
-    placeSpaces(readings, {piece});
-    return textOf(readings.front());
+    placeSpaces(reading, piece);
+    return textOf(reading);
 }
 
 TEST(WordSpacesTest, WideGapsBetweenLettersAreSpaces) {

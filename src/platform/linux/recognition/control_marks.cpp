@@ -39,12 +39,6 @@ std::vector<Word> wordsOf(const Reading& reading, double em) {
     return words;
 }
 
-// Letters, digits and characters: what words are made of.
-bool isLetter(const ReadCharacter& character) {
-    const Script script = scriptOf(character.code);
-    return script != Script::mark && script != Script::wideMark;
-}
-
 // Arrows, boxes, bullets, stars, emoji: drawn things that Unicode has a place for. Signs that belong to a text (°, ©,
 // ℃, №) are none.
 bool isPictorial(char32_t character) {
@@ -58,7 +52,7 @@ bool isPictorial(char32_t character) {
 // What check boxes, rings, crosses, chevrons, lenses and bars are read as.
 bool isShape(char32_t character) {
     return isPictorial(character) ||
-           std::u32string_view(U"OoQ0〇XxVv×VCⅡ个口囗日目田回三二工くへ凸品吕<>〈〉《》«»^~=+-—–―_|丨丶…°*")
+           std::u32string_view(U"OoQ0〇①XxVv×CⅡ个口囗日目田回三二工くへ凸品吕<>〈〉《》«»^~=+-—–―_|丨丶…°*")
                    .find(character) != std::u32string_view::npos;
 }
 
@@ -86,7 +80,7 @@ private:
         bool allPictorial = true;
         for (std::size_t i = word.first; i < word.last; ++i) {
             allPictorial = allPictorial && isPictorial(reading_[i].code);
-            if (!isLetter(reading_[i])) continue;
+            if (!isOfWords(reading_[i].code)) continue;
             ++letters;
             confidence += reading_[i].confidence;
         }
@@ -124,7 +118,9 @@ private:
     bool isPunctuation(std::size_t index, bool isAlone, bool isAtEnd) const {
         const Word& word = words_[index];
         const bool shape = word.size() == 1 && isShape(reading_[word.first].code);
-        if (isAlone) return word.size() > 1 && reading_[word.first].confidence >= sureOfFew;
+        // In programs a brace is a line.
+        const bool brace = std::u32string_view(U"{}()[]").find(reading_[word.first].code) != std::u32string_view::npos;
+        if (isAlone) return (word.size() > 1 || brace) && reading_[word.first].confidence >= sureOfFew;
         if (isAtEnd && shape && gapBeside(index) > wordGap)
             return reading_[word.first].confidence > 0.95 && !isLargeMark(word) && !isPlusBeforeWord(word);
         return reading_[word.first].confidence >= (gapBeside(index) > farFromText ? sureOfFew : sureOfMark);
@@ -169,19 +165,10 @@ private:
     }
 
     // The rows that the ink of a word covers.
-    std::pair<int, int> rowsOf(const Word& word) const {
-        constexpr int strong = 128;
+    ColumnRun rowsOf(const Word& word) const {
         const int left = std::clamp(static_cast<int>(reading_[word.first].left), 0, piece_.ink.cols - 1);
         const int right = std::clamp(static_cast<int>(reading_[word.last - 1].right), left + 1, piece_.ink.cols);
-        int top = piece_.ink.rows, bottom = 0;
-        for (int y = 0; y < piece_.ink.rows; ++y) {
-            const auto* row = piece_.ink.ptr<std::uint8_t>(y);
-            if (std::any_of(row + left, row + right, [](std::uint8_t level) { return level >= strong; })) {
-                top = std::min(top, y);
-                bottom = y + 1;
-            }
-        }
-        return {top, bottom};
+        return piece_.rowsOfInk({left, right});
     }
 
     const Reading& reading_;

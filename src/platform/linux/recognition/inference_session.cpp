@@ -1,8 +1,5 @@
 #include "platform/linux/recognition/inference_session.h"
 
-#include <functional>
-#include <numeric>
-#include <optional>
 #include <string>
 
 #include <onnxruntime_cxx_api.h>
@@ -17,9 +14,10 @@ std::string firstLine(const std::string& text) {
     return text.substr(0, text.find('\n'));
 }
 
-Ort::SessionOptions sessionOptions() {
+Ort::SessionOptions sessionOptions(int threads) {
     Ort::SessionOptions options;
-    options.SetIntraOpNumThreads(1);
+    options.SetIntraOpNumThreads(threads);
+    options.AddConfigEntry("session.intra_op.allow_spinning", "0");
     options.SetGraphOptimizationLevel(ORT_ENABLE_ALL);
     // Every picture has other dimensions: a memory pattern is planned anew for each and never used again.
     options.DisableMemPattern();
@@ -29,10 +27,25 @@ Ort::SessionOptions sessionOptions() {
 
 }  // namespace
 
+Tensor Tensor::ofPicture(const cv::Mat& picture, const cv::Scalar& mean, const cv::Scalar& deviation) {
+    Tensor tensor{{1, 3, picture.rows, picture.cols}, std::vector<float>(3 * picture.total())};
+    std::vector<cv::Mat> planes;
+    for (std::size_t i = 0; i < 3; ++i)
+        planes.emplace_back(picture.rows, picture.cols, CV_32F, tensor.values.data() + i * picture.total());
+    cv::Mat levels;
+    picture.convertTo(levels, CV_32F);
+    cv::split(levels, planes);
+    for (int i = 0; i < 3; ++i) {
+        cv::Mat& plane = planes[static_cast<std::size_t>(i)];
+        plane.convertTo(plane, CV_32F, 1 / deviation[i], -mean[i] / deviation[i]);
+    }
+    return tensor;
+}
+
 struct InferenceSession::Runtime {
-    explicit Runtime(const std::filesystem::path& modelFile)
+    Runtime(const std::filesystem::path& modelFile, int threads)
         : environment(ORT_LOGGING_LEVEL_FATAL, "ovrin"),
-          session(environment, modelFile.c_str(), sessionOptions()),
+          session(environment, modelFile.c_str(), sessionOptions(threads)),
           inputName(session.GetInputNameAllocated(0, allocator).get()),
           outputName(session.GetOutputNameAllocated(0, allocator).get()) {
         environment.DisableTelemetryEvents();
@@ -45,12 +58,12 @@ struct InferenceSession::Runtime {
     std::string outputName;
 };
 
-InferenceSession::InferenceSession(const std::filesystem::path& modelFile) : file_(modelFile) {
+InferenceSession::InferenceSession(const std::filesystem::path& modelFile, int threads) : file_(modelFile) {
     std::error_code status;
     if (!std::filesystem::is_regular_file(modelFile, status))
         throw Error("缺少文字识别模型文件 " + modelFile.string() + "。");
     try {
-        runtime_ = std::make_unique<Runtime>(modelFile);
+        runtime_ = std::make_unique<Runtime>(modelFile, threads);
     } catch (const Ort::Exception& failure) {
         throw Error("无法载入文字识别模型文件 " + modelFile.string() + "：" + firstLine(failure.what()));
     }

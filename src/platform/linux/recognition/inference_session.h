@@ -1,7 +1,5 @@
 // One neural network loaded into ONNX Runtime: floats in, floats out.
-//
-// Each run uses only the thread that calls it; several threads may run the same session at once. That is faster here
-// than the runtime's own thread pool, whose threads wait for each other at every layer and spin in between.
+// Several threads may run the same session at once.
 #pragma once
 
 #include <cstdint>
@@ -13,12 +11,17 @@
 #include <string>
 #include <vector>
 
+#include <opencv2/core.hpp>
+
 namespace ovrin {
 
 // Row-major floats with their dimensions.
 struct Tensor {
     std::vector<std::int64_t> shape;
     std::vector<float> values;
+
+    // The picture (three bytes a pixel) as networks take it, one plane after the other: (level - mean) / deviation.
+    static Tensor ofPicture(const cv::Mat& picture, const cv::Scalar& mean, const cv::Scalar& deviation);
 };
 
 class InferenceSession {
@@ -26,8 +29,9 @@ public:
     // Takes the output where the runtime left it: both are valid only during the call.
     using OutputReader = std::function<void(std::span<const std::int64_t> shape, std::span<const float> values)>;
 
-    // Loads the model. Throws Error that names the file and the cause.
-    explicit InferenceSession(const std::filesystem::path& modelFile);
+    // Loads the model. A run uses so many threads, the calling one among them. Throws Error that names the file and the
+    // cause.
+    InferenceSession(const std::filesystem::path& modelFile, int threads);
     ~InferenceSession();
     InferenceSession(const InferenceSession&) = delete;
     InferenceSession& operator=(const InferenceSession&) = delete;

@@ -49,10 +49,6 @@ int fit(char32_t character, char32_t before, char32_t after) {
     return 0;
 }
 
-bool isEastAsian(char32_t character) {
-    return isWide(character) && scriptOf(character) != Script::hangul;
-}
-
 // Of the marks that have a narrow and a wide form; any other character stays as it is.
 char32_t wideForm(char32_t character) {
     constexpr std::u32string_view narrow = U",:;!?()";
@@ -77,36 +73,23 @@ void chooseByNeighbours(Reading& reading) {
 void widenMarksByGaps(Reading& reading, double em) {
     constexpr double blankOfMark = 0.42;  // ems; a space beside a narrow mark leaves about 0.3
     constexpr double blankOfBrace = 0.5;
-    constexpr double blankOfPair = 0.33;  // where the partner is wide
-    bool open = false;
-    ReadCharacter* narrow = nullptr;  // an opening brace with a blank before it, until its partner shows its width
-    const auto widenPartner = [&] {
-        if (narrow != nullptr) narrow->code = U'（';
-        narrow = nullptr;
-    };
+    ReadCharacter* open = nullptr;
     for (std::size_t i = 0; i < reading.size(); ++i) {
         auto& character = reading[i];
-        const char32_t wide = wideForm(character.code);
-        if (character.code == U'（') open = true;
-        if (character.code == U'）') widenPartner();
-        if (wide == character.code) continue;
+        const bool opens = character.code == U'(' || character.code == U'（';
+        const bool closes = character.code == U')' || character.code == U'）';
         const double before = i == 0 ? 0 : (character.left - reading[i - 1].right) / em;
         const double after = i + 1 == reading.size() ? 0 : (reading[i + 1].left - character.right) / em;
         const bool beside =
             (i > 0 && isEastAsian(reading[i - 1].code)) || (i + 1 < reading.size() && isEastAsian(reading[i + 1].code));
-        if (character.code == U')') {
-            if (open || (beside && after > blankOfBrace)) {
-                character.code = wide;
-                widenPartner();
-            }
-            open = false;
-        } else if (character.code == U'(') {
-            open = beside && before > blankOfBrace;
-            if (open) character.code = wide;
-            narrow = !open && before > blankOfPair ? &character : nullptr;
-        } else if (beside && after > blankOfMark) {
-            character.code = wide;
+        const double blank = opens ? before : after;
+        if (beside && blank > (opens || closes ? blankOfBrace : blankOfMark)) character.code = wideForm(character.code);
+        // Braces are of one width.
+        if (closes && open != nullptr && (open->code == U'（' || character.code == U'）')) {
+            open->code = U'（';
+            character.code = U'）';
         }
+        open = opens ? &character : closes ? nullptr : open;
     }
 }
 

@@ -6,8 +6,6 @@
 
 #include <opencv2/core.hpp>
 
-#include "platform/linux/recognition/text_detector.h"
-
 namespace ovrin {
 
 // Columns from left up to right, pixels from the piece's left edge.
@@ -15,10 +13,17 @@ struct ColumnRun {
     int left = 0;
     int right = 0;
     int width() const { return right - left; }
+    double center() const { return (left + right) / 2.0; }
+    bool operator==(const ColumnRun&) const = default;
 };
 
-// How a line has to be turned to be read: not at all, by a quarter, or by half a turn.
-enum class Turn { none, counterclockwise, clockwise, half };
+// How a line, or a whole page, has to be turned to be read. The numbers of turns are those of cv::RotateFlags.
+enum class Turn { none = -1, clockwise = 0, half = 1, counterclockwise = 2 };
+
+Turn opposite(Turn turn);
+cv::Mat turned(const cv::Mat& picture, Turn turn);
+// Where the box of a picture of this size lies once the picture is turned.
+cv::Rect turned(const cv::Rect& box, Turn turn, const cv::Size& size);
 
 struct LinePiece {
     cv::Rect box;                 // what the text covers, pixels of the whole picture
@@ -31,10 +36,12 @@ struct LinePiece {
     bool flatBackground = false;  // one colour lies behind the text: ink and runs can be relied on
 
     double glyphHeight() const { return inkBox.height > 0 ? inkBox.height : std::max(1, color.rows); }
+    // The rows that the ink of these columns covers: from `left` up to `right`, pixels from the piece's upper edge.
+    ColumnRun rowsOfInk(const ColumnRun& columns) const;
 };
 
-// Cuts the text that was found in the region out of a picture of four bytes a pixel, upright once it is turned. Parts
-// of other lines are painted over; ink that the region's sides cut through, or leave just outside, is taken in.
-LinePiece cutLinePiece(const cv::Mat& picture, const TextRegion& region, Turn turn = Turn::none);
+// Cuts the text that was found in the box out of a picture of four bytes a pixel, upright once it is turned. Parts of
+// other lines are painted over; ink that the box's sides cut through, or leave just outside, is taken in.
+LinePiece cutLinePiece(const cv::Mat& picture, const cv::Rect& box, Turn turn);
 
 }  // namespace ovrin

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 
 #include <opencv2/imgproc.hpp>
 #include <unicode/unistr.h>
@@ -33,33 +32,15 @@ std::vector<char32_t> charactersOf(const InferenceSession& network) {
     return characters;
 }
 
-Tensor networkInput(const cv::Mat& bgr, int paddedWidth) {
-    const auto plane = static_cast<std::size_t>(networkHeight) * static_cast<std::size_t>(paddedWidth);
-    Tensor tensor{{1, 3, networkHeight, paddedWidth}, std::vector<float>(plane * 3)};
-    for (int y = 0; y < bgr.rows; ++y) {
-        const auto* row = bgr.ptr<cv::Vec3b>(y);
-        float* target =
-            tensor.values.data() + static_cast<std::ptrdiff_t>(y) * static_cast<std::ptrdiff_t>(paddedWidth);
-        for (int x = 0; x < paddedWidth; ++x, ++target) {
-            const cv::Vec3b& pixel = row[std::min(x, bgr.cols - 1)];
-            for (int channel = 0; channel < 3; ++channel) {
-                target[static_cast<std::size_t>(channel) * plane] = static_cast<float>(pixel[channel]) / 127.5F - 1.0F;
-            }
-        }
-    }
-    return tensor;
-}
-
 // Where to cut a line in two: in the middle of the widest run of columns of one colour within the middle half.
 int cutColumn(const cv::Mat& line) {
+    constexpr double plain = 40;  // levels of 255 between darkest and lightest, compression's noise included
     int best = line.cols / 2;
     int widest = 0;
     int run = 0;
     for (int x = line.cols / 4; x < line.cols * 3 / 4; ++x) {
         double least = 0, most = 0;
         cv::minMaxLoc(line.col(x).clone().reshape(1), &least, &most);
-        constexpr double plain =
-            40;  // levels of 255 between the darkest and the lightest, compression's noise included
         run = most - least < plain ? run + 1 : 0;
         if (run > widest) {
             widest = run;
@@ -71,8 +52,9 @@ int cutColumn(const cv::Mat& line) {
 
 }  // namespace
 
+// Lines are read in parallel, each by one thread: the threads of one run would wait for each other at every layer.
 LineRecognizer::LineRecognizer(const std::filesystem::path& modelFile)
-    : network_(modelFile), characters_(charactersOf(network_)) {}
+    : network_(modelFile, 1), characters_(charactersOf(network_)) {}
 
 Reading LineRecognizer::read(const cv::Mat& line, const std::stop_token& stop) const {
     if (static_cast<double>(line.cols) * networkHeight / line.rows <= longestPart) return readPart(line, stop);
@@ -89,45 +71,43 @@ Reading LineRecognizer::read(const cv::Mat& line, const std::stop_token& stop) c
 Reading LineRecognizer::readPart(const cv::Mat& line, const std::stop_token& stop) const {
     const double scale = static_cast<double>(networkHeight) / line.rows;
     const int width = std::max(1, static_cast<int>(std::lround(line.cols * scale)));
+    const int paddedWidth = std::max(minimumWidth, (width + networkStep - 1) / networkStep * networkStep);
     cv::Mat scaled;
     cv::resize(line, scaled, {width, networkHeight}, 0, 0, scale < 1 ? cv::INTER_AREA : cv::INTER_CUBIC);
-    const int paddedWidth = std::max(minimumWidth, (width + networkStep - 1) / networkStep * networkStep);
+    cv::copyMakeBorder(scaled, scaled, 0, 0, 0, paddedWidth - width, cv::BORDER_REPLICATE);
 
     Reading reading;
-    network_.run(networkInput(scaled, paddedWidth), stop, [&](auto shape, auto values) {
+    const auto input = Tensor::ofPicture(scaled, cv::Scalar::all(127.5), cv::Scalar::all(127.5));
+    network_.run(input, stop, [&](auto shape, auto values) {
         if (shape.size() != 3 || static_cast<std::size_t>(shape[2]) != characters_.size())
             throw Error("文字识别模型文件 " + network_.file().string() + " 已损坏：字符表与网络不符。");
-        const auto steps = static_cast<std::size_t>(shape[1]);
         const auto classes = static_cast<std::size_t>(shape[2]);
-        const double pixelsPerStep = static_cast<double>(paddedWidth) / static_cast<double>(steps) * line.cols / width;
+        const double pixelsPerStep =
+            static_cast<double>(paddedWidth) / static_cast<double>(shape[1]) * line.cols / width;
         std::size_t previous = 0;
         double space = 0;
-        for (std::size_t step = 0; step < steps; ++step) {
+        for (std::size_t step = 0; step < static_cast<std::size_t>(shape[1]); ++step) {
             const auto scores = values.subspan(step * classes, classes);
-            const auto best = std::ranges::max_element(scores);
-            const auto index = static_cast<std::size_t>(best - scores.begin());
+            const auto index = static_cast<std::size_t>(std::ranges::max_element(scores) - scores.begin());
             space = std::max(space, static_cast<double>(scores.back()));
             const bool isCharacter = index != 0 && index != classes - 1;
-            const bool repeats = isCharacter && index == previous;
-            previous = index;
-            if (!isCharacter) continue;
-            if (!repeats) {
+            if (isCharacter && index != previous) {
                 reading.push_back({.code = characters_[index], .left = static_cast<double>(step) * pixelsPerStep});
                 reading.back().spaceBefore = space;
                 space = 0;
             }
+            previous = index;
+            if (!isCharacter) continue;
             ReadCharacter& character = reading.back();
             character.right = static_cast<double>(step + 1) * pixelsPerStep;
-            if (*best <= character.confidence) continue;
-            character.confidence = *best;
-            // The runner-up; a blank or a space beside a character is no other character.
-            const auto inner = scores.subspan(1, classes - 2);
-            const auto at = static_cast<std::size_t>(index - 1);
-            auto second = std::max_element(inner.begin(), inner.begin() + static_cast<std::ptrdiff_t>(at));
-            const auto after = std::max_element(inner.begin() + static_cast<std::ptrdiff_t>(at) + 1, inner.end());
-            if (after != inner.end() && (at == 0 || *after > *second)) second = after;
-            character.second = characters_[static_cast<std::size_t>(second - inner.begin()) + 1];
-            character.secondConfidence = *second;
+            if (scores[index] <= character.confidence) continue;
+            character.confidence = scores[index];
+            character.secondConfidence = 0;
+            for (std::size_t other = 1; other < classes - 1; ++other) {
+                if (other == index || scores[other] <= character.secondConfidence) continue;
+                character.second = characters_[other];
+                character.secondConfidence = scores[other];
+            }
         }
     });
     return reading;

@@ -16,24 +16,20 @@ namespace {
 constexpr double establishing = 0.95;
 constexpr double following = 0.9;
 constexpr double sureNetwork = 0.88;     // a word's mean confidence; of Hangul the network makes less
-constexpr double sureHan = 0.985;        // of a Chinese word in a Korean picture
+constexpr double sureHan = 0.985;        // of a Chinese word: the network makes such of Hangul
 constexpr float sureLetter = 0.9F;       // of one letter
+constexpr double doubtful = 0.6;         // of a stretch that may establish the script
 constexpr double wordGap = 0.22;         // ems
 constexpr double mostUnexplained = 0.2;  // share of a word's ink
-constexpr double mostGlyphs = 0.35;      // and how many squares that makes
-constexpr double mostGlyphsAmid = 0.2;   // in a picture of the other script
+constexpr double mostGlyphs = 0.2;       // and how many squares that makes
 constexpr std::size_t mostAttempts = 4;  // readings of a picture that may well hold nothing of the script
 constexpr double fewestGlyphs = 2.5;     // squares of ink of these
-
-double centerOf(const ReadCharacter& character) {
-    return (character.left + character.right) / 2;
-}
 
 // Words side by side that the network could not read.
 struct Stretch {
     std::size_t piece = 0;
     ColumnRun columns;
-    double glyphs = 0;  // how many squares would fill it
+    Reading reading;  // the second reader's
 };
 
 std::vector<ColumnRun> wordsOf(const LinePiece& piece) {
@@ -48,48 +44,36 @@ std::vector<ColumnRun> wordsOf(const LinePiece& piece) {
     return words;
 }
 
-bool isIn(const ReadCharacter& character, const ColumnRun& columns, double tolerance) {
-    return centerOf(character) > columns.left - tolerance && centerOf(character) < columns.right + tolerance;
+bool isIn(const ReadCharacter& character, const ColumnRun& columns, double tolerance = 0) {
+    return character.center() > columns.left - tolerance && character.center() < columns.right + tolerance;
 }
 
-Reading partOf(const Reading& reading, const ColumnRun& columns, double tolerance) {
+Reading partOf(const Reading& reading, const ColumnRun& columns, double tolerance = 0) {
     Reading part;
     std::ranges::copy_if(reading, std::back_inserter(part),
                          [&](const ReadCharacter& character) { return isIn(character, columns, tolerance); });
     return part;
 }
 
-// The piece as if only these columns of it held ink.
-LinePiece partOf(LinePiece piece, const ColumnRun& columns) {
-    std::erase_if(piece.runs, [&](const ColumnRun& run) {
-        return run.left + run.right < 2 * columns.left || run.left + run.right > 2 * columns.right;
-    });
-    return piece;
+// Puts the characters, which a reader saw in these columns alone, on the ink of just these.
+void placeOnInkOf(const ColumnRun& columns, Reading& reading, LinePiece piece) {
+    std::erase_if(piece.runs,
+                  [&](const ColumnRun& run) { return run.center() < columns.left || run.center() > columns.right; });
+    placeOnInk(reading, piece);
 }
 
-bool isLetterOrDigit(char32_t character) {
-    const Script script = scriptOf(character);
-    return script != Script::mark && script != Script::wideMark;
+ColumnRun withMargin(const ColumnRun& columns, const LinePiece& piece) {
+    const int margin = static_cast<int>(std::lround(0.2 * piece.em));
+    return {std::max(0, columns.left - margin), std::min(piece.color.cols, columns.right + margin)};
 }
 
-// How sure the network has to be of a word. Of Hangul it makes Chinese characters that look alike.
-double sureOf(const Reading& word, bool established) {
-    const bool han = std::ranges::all_of(
-        word, [](const ReadCharacter& character) { return scriptOf(character.code) == Script::han; });
-    return established && han ? sureHan : sureNetwork;
-}
-
-bool isRead(const Reading& reading, const LinePiece& piece, const ColumnRun& word, bool established) {
+bool isRead(const Reading& reading, const LinePiece& piece, const ColumnRun& word) {
     const Reading part = partOf(reading, word, 0.15 * piece.em);
-    const double glyphs = word.width() / piece.em;
+    const bool isHan = std::ranges::all_of(
+        part, [](const ReadCharacter& character) { return scriptOf(character.code) == Script::han; });
     const double unexplained = unexplainedInk(part, piece, word);
-    const auto letters = std::ranges::count_if(part, [](const ReadCharacter& character) {
-        return scriptOf(character.code) == Script::latin && character.confidence > sureLetter;
-    });
-    // A word in a frame: its letters are beyond doubt, the frame's ink is nobody's.
-    if (letters >= 3 && static_cast<std::size_t>(letters) == part.size() && unexplained < 0.5) return true;
-    return meanConfidence(part) >= sureOf(part, established) &&
-           (unexplained < mostUnexplained || unexplained * glyphs < (established ? mostGlyphsAmid : mostGlyphs));
+    return meanConfidence(part) >= (isHan ? sureHan : sureNetwork) &&
+           (unexplained < mostUnexplained || unexplained * word.width() / piece.em < mostGlyphs);
 }
 
 // Where the part of a word begins that the network could not read: Korean puts its endings right behind words in Latin
@@ -97,8 +81,7 @@ bool isRead(const Reading& reading, const LinePiece& piece, const ColumnRun& wor
 int unreadColumn(const Reading& reading, const ColumnRun& word) {
     int column = word.left;
     std::size_t letters = 0;
-    for (const auto& character : reading) {
-        if (!isIn(character, word, 0)) continue;
+    for (const auto& character : partOf(reading, word)) {
         const Script script = scriptOf(character.code);
         const bool foreign = script == Script::latin || script == Script::digit || script == Script::mark;
         if (!foreign || character.confidence < sureLetter) break;
@@ -109,57 +92,6 @@ int unreadColumn(const Reading& reading, const ColumnRun& word) {
     return letters >= 2 && column < word.right ? column : word.left;
 }
 
-std::vector<Stretch> unreadStretches(const Reading& reading, const LinePiece& piece, std::size_t index,
-                                     bool established) {
-    std::vector<Stretch> stretches;
-    bool open = false;
-    Reading placed = reading;
-    placeOnInk(placed, piece);
-    for (auto word : wordsOf(piece)) {
-        const bool unread = !isRead(reading, piece, word, established);
-        const int column = unread ? unreadColumn(placed, word) : word.left;
-        const bool continues = open && column == word.left;
-        word.left = column;
-        if (unread && continues) {
-            stretches.back().columns.right = word.right;
-        } else if (unread) {
-            stretches.push_back({index, word, 0});
-        }
-        open = unread;
-    }
-    for (auto& stretch : stretches) stretch.glyphs = stretch.columns.width() / piece.em;
-    return stretches;
-}
-
-// What a reader made of a stretch, and how far that can be believed: 0 where it is not of the reader's script or the
-// picture does not support it.
-double credibility(const Reading& reading, const LinePiece& piece, const ColumnRun& columns,
-                   const SecondReader& reader) {
-    double own = 0, others = 0, width = 0;
-    for (const auto& character : reading) {
-        const Script script = scriptOf(character.code);
-        if (reader.isOwn(character.code)) {
-            ++own;
-        } else if (script != Script::mark && script != Script::digit) {
-            ++others;
-        }
-        width += isWide(character.code) ? 0.95 : 0.5;
-    }
-    if (own == 0 || own < others) return 0;
-    const double ratio = width * piece.glyphHeight() / columns.width();
-    if (ratio < 0.55 || ratio > 1.7) return 0;
-    if (unexplainedInk(reading, piece, columns) > 0.35) return 0;
-    return meanConfidence(reading);
-}
-
-void replace(Reading& reading, const LinePiece& piece, const ColumnRun& columns, const Reading& other) {
-    const double tolerance = 0.15 * piece.em;
-    std::erase_if(reading, [&](const ReadCharacter& character) { return isIn(character, columns, tolerance); });
-    const auto at = std::ranges::find_if(
-        reading, [&](const ReadCharacter& character) { return centerOf(character) > columns.left; });
-    reading.insert(at, other.begin(), other.end());
-}
-
 class OtherScript {
 public:
     OtherScript(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces, const LineRecognizer& network,
@@ -167,105 +99,54 @@ public:
         : readings_(readings), pieces_(pieces), network_(network), reader_(reader), stop_(stop) {}
 
     void run() {
-        if (!isEstablished()) return;
-        const auto stretches = unreadStretches(true);
-        std::vector<Reading> others(stretches.size());
-        parallelFor(stretches.size(), recognitionThreads(), [&](std::size_t k) { others[k] = read(stretches[k]); });
-        for (std::size_t k = 0; k < stretches.size(); ++k) {
-            const Stretch& stretch = stretches[k];
-            const LinePiece& piece = pieces_[stretch.piece];
-            // A single character amid others is as likely a mark of another kind.
-            const bool amidOthers = stretch.columns.width() < 0.8 * piece.inkBox.width;
-            if (ownCount(others[k]) < 2 && amidOthers && !hasNeighbours(stretches, others, k)) continue;
-            for (const auto& word : wordsOf(piece)) {
-                if (word.right <= stretch.columns.left || word.left >= stretch.columns.right) continue;
-                takeWord(readings_[stretch.piece], piece, {std::max(word.left, stretch.columns.left), word.right},
-                         others[k]);
-            }
-        }
+        for (std::size_t i = 0; i < pieces_.size(); ++i) findStretches(i);
+        std::ranges::sort(stretches_, std::greater(), [&](const Stretch& stretch) { return glyphs(stretch); });
+        // The longest that the network saw next to nothing of show whether the script is there at all.
+        const auto rest = std::stable_partition(stretches_.begin(), stretches_.end(),
+                                                [&](const Stretch& stretch) { return isBlank(stretch); });
+        const auto attempts = std::min<std::size_t>(mostAttempts, static_cast<std::size_t>(rest - stretches_.begin()));
+        readStretches(0, attempts);
+        if (std::none_of(stretches_.begin(), stretches_.begin() + static_cast<std::ptrdiff_t>(attempts),
+                         [&](const Stretch& stretch) { return establishes(stretch); }))
+            return;
+        readStretches(attempts, stretches_.size());
+        for (const Stretch& stretch : stretches_) take(stretch);
     }
 
 private:
-    // Puts the other reader's part of a word into the reading where it is of its script. What else it makes of letters
-    // is worth nothing: the network reads those when it sees the word alone.
-    void takeWord(Reading& reading, const LinePiece& piece, const ColumnRun& word, const Reading& other) const {
-        Reading part = partOf(other, word, 0);
-        const auto isForeign = [&](const ReadCharacter& character) {
-            return !reader_.isOwn(character.code) && isLetterOrDigit(character.code);
-        };
-        ColumnRun rest = word;
-        Reading alone;
-        if (std::ranges::any_of(part, isForeign)) {
-            alone = readAlone(piece, word);
-            if (!alone.empty()) alone.front().spaceBefore = 1;
-            if (ownCount(part) == 0) {
-                if (isRead(alone, piece, word, true)) replace(reading, piece, word, alone);
-                return;
+    double glyphs(const Stretch& stretch) const { return stretch.columns.width() / pieces_[stretch.piece].em; }
+
+    void findStretches(std::size_t index) {
+        const LinePiece& piece = pieces_[index];
+        Reading placed = readings_[index];
+        placeOnInk(placed, piece);
+        bool continues = false;
+        for (const auto& word : wordsOf(piece)) {
+            const bool unread = !isRead(readings_[index], piece, word);
+            const int column = unread ? unreadColumn(placed, word) : word.left;
+            if (unread && continues && column == word.left) {
+                stretches_.back().columns.right = word.right;
+            } else if (unread) {
+                stretches_.push_back({index, {column, word.right}, {}});
             }
-            rest.left = unreadColumn(alone, word);
-            std::erase_if(alone, [&](const ReadCharacter& character) { return centerOf(character) > rest.left; });
-            std::erase_if(part, [&](const ReadCharacter& character) { return centerOf(character) < rest.left; });
-        } else if (ownCount(part) == 0) {
-            // Marks that the network left out.
-            if (partOf(reading, word, 0).empty() && meanConfidence(part) >= following)
-                replace(reading, piece, word, part);
-            return;
+            continues = unread;
         }
-        if (credibility(part, piece, rest, reader_) < following) return;
-        part.insert(part.begin(), alone.begin(), alone.end());
-        replace(reading, piece, word, part);
     }
 
-    Reading readAlone(const LinePiece& piece, const ColumnRun& word) const {
-        const int margin = static_cast<int>(std::lround(0.2 * piece.em));
-        const int left = std::max(0, word.left - margin);
-        Reading reading =
-            network_.read(piece.color.colRange(left, std::min(piece.color.cols, word.right + margin)).clone(), stop_);
-        for (auto& character : reading) {
-            character.left += left;
-            character.right += left;
-        }
-        placeOnInk(reading, partOf(piece, word));
-        return reading;
+    bool isBlank(const Stretch& stretch) const {
+        const Reading network = partOf(readings_[stretch.piece], stretch.columns);
+        return glyphs(stretch) >= fewestGlyphs &&
+               (meanConfidence(network) < doubtful ||
+                unexplainedInk(network, pieces_[stretch.piece], stretch.columns) > 0.5);
     }
 
-    std::vector<Stretch> unreadStretches(bool established) const {
-        std::vector<Stretch> stretches;
-        for (std::size_t i = 0; i < pieces_.size(); ++i) {
-            for (const auto& stretch : ovrin::unreadStretches(readings_[i], pieces_[i], i, established))
-                stretches.push_back(stretch);
-        }
-        std::ranges::sort(stretches, std::greater(), &Stretch::glyphs);
-        return stretches;
-    }
-
-    // Does one of the longest stretches show the reader's script beyond doubt?
-    bool isEstablished() {
-        auto stretches = unreadStretches(false);
-        stretches.resize(std::min(mostAttempts, stretches.size()));
-        std::erase_if(stretches, [](const Stretch& stretch) { return stretch.glyphs < fewestGlyphs; });
-        std::vector<char> established(stretches.size());
-        parallelFor(stretches.size(), recognitionThreads(),
-                    [&](std::size_t k) { established[k] = establishes(read(stretches[k]), stretches[k]); });
-        return std::ranges::any_of(established, [](char one) { return one != 0; });
-    }
-
-    // Does another stretch of the same piece hold the reader's script?
-    bool hasNeighbours(const std::vector<Stretch>& stretches, const std::vector<Reading>& others, std::size_t k) const {
-        for (std::size_t other = 0; other < stretches.size(); ++other) {
-            if (other != k && stretches[other].piece == stretches[k].piece && ownCount(others[other]) > 1) return true;
-        }
-        return false;
-    }
-
-    Reading read(const Stretch& stretch) {
-        const LinePiece& piece = pieces_[stretch.piece];
-        const int margin = static_cast<int>(std::lround(0.2 * piece.em));
-        const ColumnRun columns{std::max(0, stretch.columns.left - margin),
-                                std::min(piece.color.cols, stretch.columns.right + margin)};
-        Reading result = reader_.read(piece, columns, stop_);
-        placeOnInk(result, partOf(piece, stretch.columns));
-        return result;
+    void readStretches(std::size_t first, std::size_t last) {
+        parallelFor(last - first, [&](std::size_t index) {
+            Stretch& stretch = stretches_[first + index];
+            const LinePiece& piece = pieces_[stretch.piece];
+            stretch.reading = reader_.read(piece, withMargin(stretch.columns, piece), stop_);
+            placeOnInkOf(stretch.columns, stretch.reading, piece);
+        });
     }
 
     std::size_t ownCount(const Reading& reading) const {
@@ -273,13 +154,91 @@ private:
             reading, [&](const ReadCharacter& character) { return reader_.isOwn(character.code); }));
     }
 
-    // Enough of the script, little else, where the network saw next to nothing.
-    bool establishes(const Reading& reading, const Stretch& stretch) const {
-        const Reading network = partOf(readings_[stretch.piece], stretch.columns, 0);
-        const bool blank =
-            meanConfidence(network) < 0.6 || unexplainedInk(network, pieces_[stretch.piece], stretch.columns) > 0.5;
-        return blank && ownCount(reading) >= 3 && ownCount(reading) * 3 >= reading.size() * 2 &&
-               credibility(reading, pieces_[stretch.piece], stretch.columns, reader_) >= establishing;
+    // What the reader made of these columns, and how far that can be believed: 0 where it is not of the reader's script
+    // or the picture does not support it.
+    double credibility(const Reading& reading, const LinePiece& piece, const ColumnRun& columns) const {
+        const std::size_t own = ownCount(reading);
+        std::size_t others = 0;
+        double width = 0;
+        for (const auto& character : reading) {
+            const Script script = scriptOf(character.code);
+            if (!reader_.isOwn(character.code) && script != Script::mark && script != Script::digit) ++others;
+            width += isWide(character.code) ? 0.95 : 0.5;
+        }
+        const double ratio = width * piece.glyphHeight() / columns.width();
+        const bool supported = ratio > 0.55 && ratio < 1.7 && unexplainedInk(reading, piece, columns) <= 0.35;
+        return own > 0 && own >= others && supported ? meanConfidence(reading) : 0;
+    }
+
+    // Enough of the script and little else.
+    bool establishes(const Stretch& stretch) const {
+        const std::size_t own = ownCount(stretch.reading);
+        return own >= 3 && own * 3 >= stretch.reading.size() * 2 &&
+               credibility(stretch.reading, pieces_[stretch.piece], stretch.columns) >= establishing;
+    }
+
+    void take(const Stretch& stretch) {
+        const LinePiece& piece = pieces_[stretch.piece];
+        // A single character amid others is as likely a mark of another kind, unless the line holds more of the script.
+        const bool amidOthers = stretch.columns.width() < 0.8 * piece.inkBox.width;
+        const bool hasNeighbours = std::ranges::any_of(stretches_, [&](const Stretch& other) {
+            return &other != &stretch && other.piece == stretch.piece && ownCount(other.reading) > 1;
+        });
+        if (ownCount(stretch.reading) < 2 && amidOthers && !hasNeighbours) return;
+        for (const auto& word : wordsOf(piece)) {
+            if (word.right <= stretch.columns.left || word.left >= stretch.columns.right) continue;
+            takeWord(stretch, {std::max(word.left, stretch.columns.left), word.right});
+        }
+    }
+
+    // Puts the second reader's part of a word into the reading where it is of its script. What else it makes of letters
+    // is worth nothing: the network reads those when it sees the word alone.
+    void takeWord(const Stretch& stretch, const ColumnRun& word) {
+        const LinePiece& piece = pieces_[stretch.piece];
+        Reading part = partOf(stretch.reading, word);
+        const bool isForeign = std::ranges::any_of(part, [&](const ReadCharacter& character) {
+            return !reader_.isOwn(character.code) && isOfWords(character.code);
+        });
+        if (!isForeign) {
+            // Marks alone are taken where the network left them out.
+            const bool isTaken = ownCount(part) == 0 ? partOf(readings_[stretch.piece], word).empty() &&
+                                                           meanConfidence(part) >= following
+                                                     : credibility(part, piece, word) >= following;
+            if (isTaken) replace(stretch.piece, word, part);
+            return;
+        }
+        Reading alone = readAlone(piece, word);
+        if (ownCount(part) == 0) {
+            if (isRead(alone, piece, word)) replace(stretch.piece, word, alone);
+            return;
+        }
+        const ColumnRun rest{unreadColumn(alone, word), word.right};
+        std::erase_if(alone, [&](const ReadCharacter& character) { return character.center() > rest.left; });
+        std::erase_if(part, [&](const ReadCharacter& character) { return character.center() < rest.left; });
+        if (credibility(part, piece, rest) < following) return;
+        part.insert(part.begin(), alone.begin(), alone.end());
+        replace(stretch.piece, word, part);
+    }
+
+    Reading readAlone(const LinePiece& piece, const ColumnRun& word) const {
+        const ColumnRun columns = withMargin(word, piece);
+        Reading reading = network_.read(piece.color.colRange(columns.left, columns.right).clone(), stop_);
+        for (auto& character : reading) {
+            character.left += columns.left;
+            character.right += columns.left;
+        }
+        if (!reading.empty()) reading.front().spaceBefore = 1;
+        placeOnInkOf(word, reading, piece);
+        return reading;
+    }
+
+    void replace(std::size_t index, const ColumnRun& columns, const Reading& other) {
+        Reading& reading = readings_[index];
+        const double tolerance = 0.15 * pieces_[index].em;
+        std::erase_if(reading, [&](const ReadCharacter& character) { return isIn(character, columns, tolerance); });
+        const auto at = std::ranges::find_if(
+            reading, [&](const ReadCharacter& character) { return character.center() > columns.left; });
+        reading.insert(at, other.begin(), other.end());
     }
 
     std::vector<Reading>& readings_;
@@ -287,24 +246,23 @@ private:
     const LineRecognizer& network_;
     SecondReader& reader_;
     const std::stop_token& stop_;
+    std::vector<Stretch> stretches_;
 };
 
 }  // namespace
 
 double unexplainedInk(const Reading& reading, const LinePiece& piece, const ColumnRun& columns) {
-    const double height = piece.glyphHeight();
     int total = 0;
     int unexplained = 0;
-    std::size_t next = 0;
     for (const auto& run : piece.runs) {
         for (int x = std::max(run.left, columns.left); x < std::min(run.right, columns.right); ++x) {
             ++total;
-            while (next + 1 < reading.size() &&
-                   std::abs(centerOf(reading[next + 1]) - x) <= std::abs(centerOf(reading[next]) - x)) {
-                ++next;
-            }
-            const double reach = reading.empty() ? 0 : isWide(reading[next].code) ? 0.65 * height : 0.5 * height;
-            if (reading.empty() || std::abs(centerOf(reading[next]) - x) > reach) ++unexplained;
+            const auto nearest = std::ranges::min_element(
+                reading, {}, [x](const ReadCharacter& character) { return std::abs(character.center() - x); });
+            const bool explained =
+                nearest != reading.end() &&
+                std::abs(nearest->center() - x) <= (isWide(nearest->code) ? 0.65 : 0.5) * piece.glyphHeight();
+            if (!explained) ++unexplained;
         }
     }
     return total == 0 ? 0 : unexplained / static_cast<double>(total);

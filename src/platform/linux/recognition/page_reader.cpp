@@ -1,10 +1,8 @@
 #include "platform/linux/recognition/page_reader.h"
 
 #include <algorithm>
-#include <numeric>
+#include <functional>
 #include <utility>
-
-#include <opencv2/imgproc.hpp>
 
 #include "platform/linux/recognition/control_marks.h"
 #include "platform/linux/recognition/glyph_places.h"
@@ -20,20 +18,26 @@ constexpr double tall = 1.5;      // times as high as wide: a column, or a line 
 constexpr double column = 3;      // so high it is no single character
 constexpr double doubtful = 0.8;  // below, a line may be turned otherwise
 
-bool isTall(const TextRegion& region, double ratio) {
-    return region.slant.size.empty() && region.box.height > ratio * region.box.width;
+// What a reading is worth: its characters, each counted by its confidence.
+double worth(const Reading& reading) {
+    return meanConfidence(reading) * static_cast<double>(reading.size());
+}
+
+double worth(const Page& page) {
+    double sum = 0;
+    for (const Reading& reading : page.readings) sum += worth(reading);
+    return sum;
 }
 
 // A bar alone is a capital I or the character for one, when it is as thick as letters are: a text cursor is thinner, a
 // bullet thicker, a rule longer. The network takes it for whatever has that shape.
 void nameBar(Reading& reading, const LinePiece& piece) {
     if (piece.runs.size() != 1 || reading.size() > 1 || !piece.flatBackground || piece.inkBox.empty()) return;
-    constexpr double full = 0.65;
+    constexpr double full = 0.6;
     if (cv::mean(piece.ink(piece.inkBox))[0] < full * 255) return;
     const double shape = static_cast<double>(piece.inkBox.width) / piece.inkBox.height;
-    const bool upright = piece.turn == Turn::none || piece.turn == Turn::half;
-    const bool isCapital = upright && 1 / shape > 4 && 1 / shape < 12.5;
-    const bool isOne = upright && shape > 7 && shape < 16;
+    const bool isCapital = piece.turn == Turn::none && 1 / shape > 4 && 1 / shape < 12.5;
+    const bool isOne = piece.turn == Turn::none && shape >= 6 && shape < 16;
     reading.clear();
     if (!isCapital && !isOne) return;
     reading.push_back({.code = isCapital ? U'I' : U'一',
@@ -47,147 +51,98 @@ struct ReadPiece {
     Reading reading;
 };
 
-class PagePass {
-public:
-    PagePass(const cv::Mat& picture, const PageReaders& readers, const std::stop_token& stop)
-        : picture_(picture), readers_(readers), stop_(stop), regions_(readers.detector.detect(picture, stop)) {}
-
-    Page run() {
-        // The widest first, so that the cores end together.
-        std::ranges::sort(regions_, std::greater(), [](const TextRegion& region) {
-            return static_cast<double>(std::max(region.box.width, region.box.height)) /
-                   std::min(region.box.width, region.box.height);
-        });
-        auto read = readAll(Turn::none);
-        if (isUpsideDown(read)) read = readAll(Turn::half);
-        Page page;
-        for (auto& [piece, reading] : read) {
-            if (piece.runs.empty()) continue;
-            page.pieces.push_back(std::move(piece));
-            page.readings.push_back(std::move(reading));
-        }
-        for (SecondReader* reader : readers_.secondReaders)
-            readOtherScript(page.readings, page.pieces, readers_.network, *reader, stop_);
-        return finished(std::move(page));
+// Vertical writing is read like lines that lie on their right side: the network has learned that.
+ReadPiece readBox(const cv::Mat& picture, const cv::Rect& box, const LineRecognizer& network,
+                  const std::stop_token& stop) {
+    ReadPiece best{cutLinePiece(picture, box, Turn::none), {}};
+    const LinePiece& upright = best.piece;
+    const bool isNarrowGlyph = upright.runs.size() == 1 && upright.inkBox.height > tall * upright.inkBox.width;
+    if (box.height > column * box.width && !isNarrowGlyph) {
+        best = {};
+    } else if (!upright.runs.empty()) {
+        best.reading = network.read(upright.color, stop);
     }
-
-private:
-    ReadPiece readTurned(const TextRegion& region, Turn turn) const {
-        ReadPiece read{cutLinePiece(picture_, region, turn), {}};
-        if (!read.piece.runs.empty()) read.reading = readers_.network.read(read.piece.color, stop_);
-        return read;
+    if (box.height <= tall * box.width || isNarrowGlyph) return best;
+    for (const Turn turn : {Turn::counterclockwise, Turn::clockwise}) {
+        if (meanConfidence(best.reading) >= doubtful) break;
+        ReadPiece read{cutLinePiece(picture, box, turn), {}};
+        if (!read.piece.runs.empty()) read.reading = network.read(read.piece.color, stop);
+        if (best.piece.runs.empty() || meanConfidence(read.reading) > meanConfidence(best.reading))
+            best = std::move(read);
     }
+    return best;
+}
 
-    // Vertical writing is read like lines that lie on their right side: the network has learned that.
-    ReadPiece readRegion(const TextRegion& region, Turn turn) const {
-        if (!isTall(region, tall)) return readTurned(region, turn);
-        std::vector<Turn> turns = {Turn::counterclockwise, Turn::clockwise};
-        if (!isTall(region, column)) turns.insert(turns.begin(), turn);
-        ReadPiece upright{cutLinePiece(picture_, region, turn), {}};
-        if (upright.piece.runs.size() == 1 && upright.piece.inkBox.height > tall * upright.piece.inkBox.width) {
-            upright.reading = readers_.network.read(upright.piece.color, stop_);
-            return upright;  // a single narrow glyph
-        }
-        ReadPiece best;
-        for (const Turn one : turns) {
-            ReadPiece read = readTurned(region, one);
-            const double confidence = meanConfidence(read.reading);
-            if (best.piece.runs.empty() || confidence > meanConfidence(best.reading)) best = std::move(read);
-            if (confidence >= doubtful) break;
-        }
-        return best;
+// What remains of the pieces once marks of the user interface are out, with its spaces.
+Page cleaned(Page page) {
+    Page text;
+    text.confidence = page.confidence;
+    for (std::size_t i = 0; i < page.pieces.size(); ++i) {
+        LinePiece& piece = page.pieces[i];
+        Reading& reading = page.readings[i];
+        nameBar(reading, piece);
+        placeOnInk(reading, piece);
+        removeControlMarks(reading, piece);
+        if (reading.empty()) continue;
+        chooseByNeighbours(reading);
+        restoreRepeatedMarks(reading, piece);
+        if (piece.flatBackground) widenMarksByGaps(reading, piece.em);
+        placeSpaces(reading, piece);
+        text.pieces.push_back(std::move(piece));
+        text.readings.push_back(std::move(reading));
     }
+    return text;
+}
 
-    std::vector<ReadPiece> readAll(Turn turn) const {
-        std::vector<ReadPiece> read(regions_.size());
-        parallelFor(regions_.size(), recognitionThreads(),
-                    [&](std::size_t index) { read[index] = readRegion(regions_[index], turn); });
-        return read;
+Page readAsItIs(const cv::Mat& picture, const PageReaders& readers, const std::stop_token& stop) {
+    const auto boxes = readers.detector.detect(picture, stop);
+    const LineRecognizer& network = *readers.network.get();
+    std::vector<ReadPiece> read(boxes.size());
+    parallelFor(boxes.size(), [&](std::size_t i) { read[i] = readBox(picture, boxes[i], network, stop); });
+    Page page;
+    double characters = 0;
+    for (auto& [piece, reading] : read) {
+        // Two boxes may have grown to the same ink.
+        const bool isKnown = std::ranges::find(page.pieces, piece.box, &LinePiece::box) != page.pieces.end();
+        if (piece.runs.empty() || isKnown) continue;
+        page.confidence += worth(reading);
+        characters += static_cast<double>(reading.size());
+        page.pieces.push_back(std::move(piece));
+        page.readings.push_back(std::move(reading));
     }
-
-    // When most of the text is read badly and the longest lines are read well from the other side.
-    bool isUpsideDown(const std::vector<ReadPiece>& read) const {
-        constexpr std::size_t samples = 3;
-        constexpr double convincing = 0.9;
-        double characters = 0, confidence = 0;
-        for (const auto& one : read) {
-            characters += static_cast<double>(one.reading.size());
-            confidence += meanConfidence(one.reading) * static_cast<double>(one.reading.size());
-        }
-        if (characters > 0 && confidence / characters >= doubtful) return false;
-        double turned = 0, count = 0;
-        for (std::size_t i = 0; i < std::min(samples, regions_.size()); ++i) {
-            if (isTall(regions_[i], tall)) continue;
-            const Reading reading = readTurned(regions_[i], Turn::half).reading;
-            constexpr std::size_t enough = 3;
-            if (reading.size() < enough) return false;
-            turned += meanConfidence(reading);
-            ++count;
-        }
-        return count > 0 && turned / count >= convincing;
-    }
-
-    static Page finished(Page page) {
-        Page text;
-        for (std::size_t i = 0; i < page.pieces.size(); ++i) {
-            LinePiece& piece = page.pieces[i];
-            Reading& reading = page.readings[i];
-            nameBar(reading, piece);
-            placeOnInk(reading, piece);
-            removeControlMarks(reading, piece);
-            if (reading.empty()) continue;
-            chooseByNeighbours(reading);
-            restoreRepeatedMarks(reading, piece);
-            if (piece.flatBackground) widenMarksByGaps(reading, piece.em);
-            text.pieces.push_back(std::move(piece));
-            text.readings.push_back(std::move(reading));
-        }
-        placeSpaces(text.readings, text.pieces);
-        return text;
-    }
-
-    const cv::Mat& picture_;
-    const PageReaders& readers_;
-    const std::stop_token& stop_;
-    std::vector<TextRegion> regions_;
-};
-
-// What a reading of the page is worth: its characters, each counted by its confidence.
-double worth(const Page& page) {
-    double sum = 0;
-    for (const Reading& reading : page.readings) sum += meanConfidence(reading) * static_cast<double>(reading.size());
-    return sum;
+    if (characters > 0) page.confidence /= characters;
+    for (SecondReader* reader : readers.secondReaders)
+        readOtherScript(page.readings, page.pieces, network, *reader, stop);
+    return cleaned(std::move(page));
 }
 
 // Reads the page as it is when turned that way; the pieces lie in the picture as it was given.
 Page readTurnedPage(const cv::Mat& picture, Turn turn, const PageReaders& readers, const std::stop_token& stop) {
-    const bool isClockwise = turn == Turn::clockwise;
-    const Turn opposite = isClockwise ? Turn::counterclockwise : Turn::clockwise;
-    cv::Mat turned;
-    cv::rotate(picture, turned, isClockwise ? cv::ROTATE_90_CLOCKWISE : cv::ROTATE_90_COUNTERCLOCKWISE);
-    Page page = PagePass(turned, readers, stop).run();
-    for (LinePiece& piece : page.pieces) {
-        const cv::Rect& box = piece.box;
-        piece.box = isClockwise ? cv::Rect(box.y, picture.rows - box.br().x, box.height, box.width)
-                                : cv::Rect(picture.cols - box.br().y, box.x, box.height, box.width);
-        piece.turn = piece.turn == Turn::half ? opposite : turn;
+    const cv::Mat page = turned(picture, turn);
+    Page result = readAsItIs(page, readers, stop);
+    for (LinePiece& piece : result.pieces) {
+        piece.box = turned(piece.box, opposite(turn), page.size());
+        piece.turn = turn == Turn::half && piece.turn != Turn::none ? opposite(piece.turn) : turn;
     }
-    return page;
+    return result;
 }
 
 }  // namespace
 
 // Lines of Latin letters that stand on end are hardly found: a page without an upright line is looked at from its
-// sides.
+// sides. One that is read badly may stand on its head.
 Page readPage(const cv::Mat& picture, const PageReaders& readers, const std::stop_token& stop) {
-    Page page = PagePass(picture, readers, stop).run();
-    const auto isUpright = [](const LinePiece& piece) { return piece.turn == Turn::none || piece.turn == Turn::half; };
-    if (std::ranges::any_of(page.pieces, isUpright)) return page;
+    Page page = readAsItIs(picture, readers, stop);
+    std::vector<Turn> turns;
+    if (page.confidence > 0 && page.confidence < doubtful) turns.push_back(Turn::half);
+    if (std::ranges::none_of(page.pieces, [](const LinePiece& piece) { return piece.turn == Turn::none; }))
+        turns.insert(turns.end(), {Turn::counterclockwise, Turn::clockwise});
     // Columns are worth as much when they lie on their side, and keep their order as they are.
     constexpr double clearlyBetter = 1.1;
-    for (const Turn turn : {Turn::counterclockwise, Turn::clockwise}) {
-        Page turned = readTurnedPage(picture, turn, readers, stop);
-        if (worth(turned) > clearlyBetter * worth(page)) page = std::move(turned);
+    constexpr double fewestCharacters = 2;  // a single one may look like another from every side
+    for (const Turn turn : turns) {
+        Page other = readTurnedPage(picture, turn, readers, stop);
+        if (worth(other) > std::max(clearlyBetter * worth(page), fewestCharacters)) page = std::move(other);
     }
     return page;
 }

@@ -1,6 +1,7 @@
 // Reads all text of one picture: finds its lines, cuts them out, reads them, and leaves out what is no text.
 #pragma once
 
+#include <future>
 #include <memory>
 #include <span>
 #include <stop_token>
@@ -16,10 +17,10 @@
 
 namespace ovrin {
 
-// What a page is read with; none of them is owned.
+// What a page is read with; none of them is owned. The network may still be loading while lines are looked for.
 struct PageReaders {
     const TextDetector& detector;
-    const LineRecognizer& network;
+    std::shared_future<std::unique_ptr<LineRecognizer>> network;
     std::span<SecondReader* const> secondReaders;
 };
 
@@ -27,6 +28,7 @@ struct PageReaders {
 struct Page {
     std::vector<LinePiece> pieces;
     std::vector<Reading> readings;
+    double confidence = 0;  // mean of all characters that were read, those of no text included
 };
 
 // picture: four bytes a pixel (blue, green, red, unused). CancellationError after a stop.

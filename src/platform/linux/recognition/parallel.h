@@ -2,16 +2,19 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
+
+#include <opencv2/core/utility.hpp>
 
 namespace ovrin {
 
-// Calls work(index) once for every index below count, in rising order of start, on up to `threads` threads, the
-// calling one among them. Returns when all have ended. The first exception ends the hand-out of further indices and
-// is thrown to the caller.
-void parallelFor(std::size_t count, std::size_t threads, const std::function<void(std::size_t)>& work);
-
-// How many threads are worth using for one pass.
-std::size_t recognitionThreads();
+// Calls work(index) once for every index below count, on OpenCV's threads and the calling one. Returns when all have
+// ended; one of their exceptions is thrown to the caller.
+template <typename Work>
+void parallelFor(std::size_t count, const Work& work) {
+    const auto runRange = [&work](const cv::Range& range) {
+        for (int index = range.start; index < range.end; ++index) work(static_cast<std::size_t>(index));
+    };
+    cv::parallel_for_({0, static_cast<int>(count)}, runRange, static_cast<double>(count));
+}
 
 }  // namespace ovrin

@@ -15,6 +15,8 @@ struct ReadCharacter {
     // What the reader would have said otherwise; 0 where it doesn't tell.
     char32_t second = 0;
     float secondConfidence = 0;
+
+    double center() const { return (left + right) / 2; }
 };
 
 using Reading = std::vector<ReadCharacter>;

@@ -44,4 +44,13 @@ bool isWide(char32_t character) {
     return script == Script::han || script == Script::kana || script == Script::hangul || script == Script::wideMark;
 }
 
+bool isEastAsian(char32_t character) {
+    return isWide(character) && scriptOf(character) != Script::hangul;
+}
+
+bool isOfWords(char32_t character) {
+    const Script script = scriptOf(character);
+    return script != Script::mark && script != Script::wideMark;
+}
+
 }  // namespace ovrin

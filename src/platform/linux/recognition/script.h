@@ -13,5 +13,9 @@ Script scriptOf(char32_t character);
 
 // Han, kana, hangul and wide marks: characters that fill a square.
 bool isWide(char32_t character);
+// Those that are written without spaces between words: all of them but Hangul.
+bool isEastAsian(char32_t character);
+// Letters, digits and characters: what words are made of.
+bool isOfWords(char32_t character);
 
 }  // namespace ovrin
