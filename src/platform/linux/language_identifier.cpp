@@ -2,59 +2,27 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <set>
-#include <unordered_map>
 #include <vector>
 
 #include <cld2/public/compact_lang_det.h>
 #include <cld2/public/encodings.h>
-#include <unicode/translit.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 #include <unicode/uscript.h>
 
+#include "han_variants.h"
+
 namespace ovrin {
 namespace {
 
-// ICU's character-by-character tables, read once for the unified ideographs in common use.
-struct HanVariants {
-    std::unordered_map<char32_t, char32_t> simplified;
-    std::unordered_map<char32_t, char32_t> traditional;
-
-    HanVariants() {
-        simplified = table("Traditional-Simplified");
-        traditional = table("Simplified-Traditional");
-    }
-
-    static std::unordered_map<char32_t, char32_t> table(const char* name) {
-        UErrorCode status = U_ZERO_ERROR;
-        const std::unique_ptr<icu::Transliterator> transform(
-            icu::Transliterator::createInstance(name, UTRANS_FORWARD, status));
-        std::unordered_map<char32_t, char32_t> changed;
-        if (U_FAILURE(status) || !transform) return changed;
-        for (char32_t character = 0x4e00; character < 0xa000; ++character) {
-            icu::UnicodeString text(static_cast<UChar32>(character));
-            transform->transliterate(text);
-            const auto result = static_cast<char32_t>(text.char32At(0));
-            if (result != character && text.countChar32() == 1) changed.emplace(character, result);
-        }
-        return changed;
-    }
-};
-
-const HanVariants& hanVariants() {
-    static const HanVariants variants;
-    return variants;
-}
-
 // Han written in only one of the two Chinese standards. Characters that both share are neither.
-bool isTraditionalOnly(char32_t character) {
-    return hanVariants().simplified.contains(character);
+bool isTraditionalOnly(UChar32 character) {
+    return std::ranges::binary_search(traditionalOnly, character);
 }
 
-bool isSimplifiedOnly(char32_t character) {
-    return hanVariants().traditional.contains(character) && !hanVariants().simplified.contains(character);
+bool isSimplifiedOnly(UChar32 character) {
+    return std::ranges::binary_search(simplifiedOnly, character);
 }
 
 struct ScriptCounts {
@@ -93,8 +61,8 @@ ScriptCounts countScripts(const icu::UnicodeString& text) {
             default:
                 ++counts.others;
         }
-        counts.traditional += isTraditionalOnly(static_cast<char32_t>(character)) ? 1 : 0;
-        counts.simplified += isSimplifiedOnly(static_cast<char32_t>(character)) ? 1 : 0;
+        counts.traditional += isTraditionalOnly(character) ? 1 : 0;
+        counts.simplified += isSimplifiedOnly(character) ? 1 : 0;
     }
     return counts;
 }
