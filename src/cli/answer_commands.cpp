@@ -31,11 +31,13 @@ class AnswerPrinter {
 public:
     explicit AnswerPrinter(Terminal& terminal) : terminal_(terminal) {}
 
-    Task<void> printPieces(AsyncStream<std::string> pieces) {
+    Task<void> printPieces(AsyncStream<AnswerChange> changes) {
         while (true) {
-            const std::optional<std::string> piece = co_await pieces.next();
-            if (!piece) co_return;
-            print(*piece);
+            const std::optional<AnswerChange> change = co_await changes.next();
+            if (!change) co_return;
+            // What has been printed stays: the answer begins below it.
+            if (change->kind == AnswerChange::Kind::replaced) print(needsLineFeed_ ? "\n\n" : "\n");
+            if (!change->text.empty()) print(change->text);
         }
     }
 

@@ -16,8 +16,8 @@ class AIService {
 public:
     explicit AIService(ModelClient client) : client_(std::move(client)) {}
 
-    // The pieces of the answer as they arrive. Ends with the model client's error; dropping it ends the request.
-    AsyncStream<std::string> stream(std::vector<DeepSeek::Message> messages) const {
+    // The answer as it grows. Ends with the model client's error; dropping it ends the request.
+    AsyncStream<AnswerChange> stream(std::vector<DeepSeek::Message> messages) const {
         return client_.stream(std::move(messages), temperature);
     }
 

@@ -60,7 +60,7 @@ Task<TranslationResult> TranslationService::translate(std::string text, std::str
     return run(*this, std::move(text), std::move(targetLanguage));
 }
 
-AsyncStream<std::string> TranslationService::stream(std::string_view text, std::string_view targetLanguage) const {
+AsyncStream<AnswerChange> TranslationService::stream(std::string_view text, std::string_view targetLanguage) const {
     const std::string target = effectiveTargetLanguage(detectLanguage(text), targetLanguage);
     return client_.stream(messages(text, target), temperature);
 }

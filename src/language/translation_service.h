@@ -42,7 +42,7 @@ public:
     Task<TranslationResult> translate(std::string text, std::string targetLanguage) const;
 
     // The pieces of the translation as they arrive. Ends with the model client's error; dropping it ends the request.
-    AsyncStream<std::string> stream(std::string_view text, std::string_view targetLanguage) const;
+    AsyncStream<AnswerChange> stream(std::string_view text, std::string_view targetLanguage) const;
 
 private:
     static Task<TranslationResult> run(TranslationService service, std::string text, std::string targetLanguage);

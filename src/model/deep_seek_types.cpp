@@ -14,7 +14,14 @@ namespace {
 
 bool readDelta(JSONReader& reader, ChatStreamChunk::Delta& delta) {
     delta = {};
-    return readRecord(reader, optional("content", delta.content));
+    // Whatever stands there spoils nothing.
+    const auto readThought = [&delta](JSONReader& value) {
+        std::string thought;
+        delta.isThinking |= value.readString(thought) && !thought.empty();
+        return true;
+    };
+    return readRecord(reader, optional("content", delta.content), optional("reasoning_content", readThought),
+                      optional("reasoning", readThought));
 }
 
 bool readStreamChoice(JSONReader& reader, ChatStreamChunk::Choice& choice) {

@@ -25,6 +25,7 @@ struct ChatRequest {
 struct ChatStreamChunk {
     struct Delta {
         std::optional<std::string> content;
+        bool isThinking = false;  // some services tell of thoughts, under keys of their own
     };
     struct Choice {
         Delta delta;

@@ -33,8 +33,12 @@ StreamProgress decodeOpenAICompatibleEventLine(std::string_view line, std::vecto
     if (*payload == "[DONE]") return StreamProgress::finished;
     auto chunk = DeepSeek::decodeChatStreamChunk(*payload);
     if (!chunk) return StreamProgress::more;
-    for (DeepSeek::ChatStreamChunk::Choice& choice : chunk->choices) deliver(choice.delta.content, pieces);
-    return StreamProgress::more;
+    bool isThinking = false;
+    for (DeepSeek::ChatStreamChunk::Choice& choice : chunk->choices) {
+        isThinking |= choice.delta.isThinking;
+        deliver(choice.delta.content, pieces);
+    }
+    return isThinking && pieces.empty() ? StreamProgress::thinking : StreamProgress::more;
 }
 
 StreamProgress decodeAnthropicEventLine(std::string_view line, std::vector<std::string>& pieces) {
@@ -45,8 +49,9 @@ StreamProgress decodeAnthropicEventLine(std::string_view line, std::vector<std::
     if (event->type == "error" && event->error) {
         throw DeepSeekError::apiError(std::move(event->error->message), std::move(event->error->type));
     }
-    if (event->type == "content_block_delta" && event->delta && event->delta->type == "text_delta") {
-        deliver(event->delta->text, pieces);
+    if (event->type == "content_block_delta" && event->delta) {
+        if (event->delta->type == "thinking_delta") return StreamProgress::thinking;
+        if (event->delta->type == "text_delta") deliver(event->delta->text, pieces);
     }
     return event->type == "message_stop" ? StreamProgress::finished : StreamProgress::more;
 }

@@ -7,7 +7,8 @@
 
 namespace ovrin {
 
-enum class StreamProgress { more, finished };
+// thinking: an event that delivers nothing but says that the model thinks.
+enum class StreamProgress { more, thinking, finished };
 
 // Decodes one line of the body (any bytes, without its line end) and appends the pieces of text it delivers, none of
 // them empty. Lines that carry no event and payloads that do not decode deliver nothing.

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "model/model_exchange.h"
+#include "model/thinking_filter.h"
 
 namespace ovrin {
 
@@ -15,16 +16,46 @@ Task<ModelAPIConfiguration> readOn(WorkerExecutor& worker, std::function<ModelAP
     co_return co_await worker.run(std::move(call));
 }
 
-Task<void> forward(AsyncStream<std::string> inner, StreamWriter<std::string>& pieces) {
+// Hands on what the filter makes of an answer; at its end, whatever that is, the filter gives what it has kept.
+class FilteredAnswer {
+public:
+    explicit FilteredAnswer(StreamWriter<AnswerChange>& changes) : changes_(changes) {}
+    FilteredAnswer(const FilteredAnswer&) = delete;
+    FilteredAnswer& operator=(const FilteredAnswer&) = delete;
+    ~FilteredAnswer() {
+        filter_.finish(found_);
+        push();
+    }
+
+    void feed(std::string_view piece) {
+        filter_.feed(piece, found_);
+        push();
+    }
+
+private:
+    void push() {
+        for (AnswerChange& change : found_) changes_.push(std::move(change));
+        found_.clear();
+    }
+
+    StreamWriter<AnswerChange>& changes_;
+    ThinkingFilter filter_;
+    std::vector<AnswerChange> found_;
+};
+
+Task<void> forward(AsyncStream<std::string> pieces, StreamWriter<AnswerChange>& changes) {
+    FilteredAnswer answer(changes);
     while (true) {
-        std::optional<std::string> piece = co_await inner.next();
+        const std::optional<std::string> piece = co_await pieces.next();
         if (!piece) co_return;
-        pieces.push(std::move(*piece));
+        answer.feed(*piece);
     }
 }
 
 Task<void> forward(Task<std::string> whole, StreamWriter<std::string>& answer) {
-    std::string text = co_await std::move(whole);
+    const std::string given = co_await std::move(whole);
+    std::string text = withoutThinking(given);
+    if (text.empty()) throw DeepSeekError::emptyResponse();
     answer.push(std::move(text));
 }
 
@@ -54,10 +85,10 @@ ModelClient::ConfigurationProvider ModelClient::readingOn(WorkerExecutor& worker
     return [&worker, read = std::move(read)] { return readOn(worker, read); };
 }
 
-AsyncStream<std::string> ModelClient::stream(std::vector<DeepSeek::Message> messages, double temperature) const {
-    return streamFrom<std::string>(
-        *ioLoop_, [client = *this, messages = std::move(messages), temperature](StreamWriter<std::string>& pieces) {
-            return runStream(client, messages, temperature, pieces);
+AsyncStream<AnswerChange> ModelClient::stream(std::vector<DeepSeek::Message> messages, double temperature) const {
+    return streamFrom<AnswerChange>(
+        *ioLoop_, [client = *this, messages = std::move(messages), temperature](StreamWriter<AnswerChange>& changes) {
+            return runStream(client, messages, temperature, changes);
         });
 }
 
@@ -77,13 +108,13 @@ ModelClient::WireClient ModelClient::makeWireClient(const ModelAPIConfiguration&
 }
 
 Task<void> ModelClient::runStream(ModelClient client, std::vector<DeepSeek::Message> messages, double temperature,
-                                  StreamWriter<std::string>& pieces) {
+                                  StreamWriter<AnswerChange>& changes) {
     const ModelAPIConfiguration configuration = co_await client.configurationProvider_();
     const WireClient wireClient = client.makeWireClient(configuration.validated());
     Attempt attempt = [&](std::optional<double> sent) {
         return forward(
             std::visit([&](const auto& wire) { return wire.stream(messages, configuration.model, sent); }, wireClient),
-            pieces);
+            changes);
     };
     co_await run(client, configuration, std::move(attempt), temperature);
 }

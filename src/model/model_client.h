@@ -16,6 +16,7 @@
 #include "base/event_loop.h"
 #include "base/task.h"
 #include "base/worker_executor.h"
+#include "model/answer_change.h"
 #include "model/anthropic_client.h"
 #include "model/deep_seek_types.h"
 #include "model/model_api_configuration.h"
@@ -38,12 +39,12 @@ public:
     // The same client with these settings for every call.
     ModelClient withConfiguration(ModelAPIConfiguration configuration) const;
 
-    // The pieces of the answer in the order in which the service sent them. From any thread; the stream is read on the
-    // consumer's own loop. Ends with DeepSeekError (settings, network, service), or with what a body failed with;
-    // dropping the stream ends the request.
-    AsyncStream<std::string> stream(std::vector<DeepSeek::Message> messages, double temperature) const;
+    // The answer as it grows, in the order in which the service sent it, without what the model thinks. From any
+    // thread; the stream is read on the consumer's own loop. Ends with DeepSeekError (settings, network, service), or
+    // with what a body failed with; dropping the stream ends the request.
+    AsyncStream<AnswerChange> stream(std::vector<DeepSeek::Message> messages, double temperature) const;
 
-    // The whole answer, never empty. Awaited on any loop. Throws the same errors.
+    // The whole answer without what the model thinks, never empty. Awaited on any loop. Throws the same errors.
     Task<std::string> complete(std::vector<DeepSeek::Message> messages, double temperature) const;
 
 private:
@@ -53,7 +54,7 @@ private:
 
     WireClient makeWireClient(const ModelAPIConfiguration& configuration) const;
     static Task<void> runStream(ModelClient client, std::vector<DeepSeek::Message> messages, double temperature,
-                                StreamWriter<std::string>& pieces);
+                                StreamWriter<AnswerChange>& changes);
     static Task<void> runComplete(ModelClient client, std::vector<DeepSeek::Message> messages, double temperature,
                                   StreamWriter<std::string>& answer);
     static Task<void> run(ModelClient client, ModelAPIConfiguration configuration, Attempt attempt, double temperature);

@@ -35,6 +35,7 @@ StreamProgress forwardLine(std::string_view line, DecodeEventLine decode, const 
     std::vector<std::string> delivered;
     const StreamProgress progress = decode(line, delivered);
     for (std::string& piece : delivered) pieces.push(std::move(piece));
+    if (progress == StreamProgress::thinking) pieces.push({});
     return progress;
 }
 

@@ -44,9 +44,9 @@ public:
     explicit RefusedTemperature(DeepSeekError error) : DeepSeekError(std::move(error)) {}
 };
 
-// Sends the request and pushes the pieces of its answer as they arrive. Returns at the end of the answer; throws
-// DeepSeekError (RefusedTemperature before any piece has come), or unchanged what the body failed with. Nothing is
-// pushed once a stop has been requested.
+// Sends the request and pushes the pieces of its answer as they arrive; an empty one says that the model thinks.
+// Returns at the end of the answer; throws DeepSeekError (RefusedTemperature before any piece has come), or unchanged
+// what the body failed with. Nothing is pushed once a stop has been requested.
 Task<void> streamAnswer(HTTPClientProtocol& httpClient, HTTPRequest request, AnswerRules rules,
                         StreamWriter<std::string>& pieces);
 

@@ -28,8 +28,8 @@ public:
     OpenAICompatibleClient(EventLoop& loop, HTTPClientProtocol& httpClient, std::string baseURL,
                            APIKeyProvider apiKeyProvider, std::map<std::string, std::string> customHeaders);
 
-    // The pieces of the answer as they arrive, none of them empty. Ends with DeepSeekError, or with what the body
-    // failed with; dropping the stream ends the request.
+    // The pieces of the answer as they arrive; an empty one says that the model thinks. Ends with DeepSeekError, or
+    // with what the body failed with; dropping the stream ends the request.
     AsyncStream<std::string> stream(std::vector<DeepSeek::Message> messages, std::string model,
                                     std::optional<double> temperature) const;
 

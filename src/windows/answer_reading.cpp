@@ -6,13 +6,20 @@
 
 namespace ovrin {
 
-Task<AnswerEnd> readAnswer(AsyncStream<std::string> pieces, std::function<void(const std::string& piece)> append) {
+Task<AnswerEnd> readAnswer(AsyncStream<AnswerChange> changes, std::function<void(const AnswerChange& change)> take,
+                           ThinkingTime& thinking) {
     AnswerEnd end;
+    const ThinkingTime::Reading reading(thinking);
     try {
         while (true) {
-            const std::optional<std::string> piece = co_await pieces.next();
-            if (!piece) break;
-            append(*piece);
+            const std::optional<AnswerChange> change = co_await changes.next();
+            if (!change) break;
+            if (change->kind == AnswerChange::Kind::thinking) {
+                thinking.begin();
+            } else {
+                thinking.end();
+                take(*change);
+            }
         }
     } catch (const CancellationError&) {
         end.kind = AnswerEnd::Kind::failed;

@@ -8,6 +8,8 @@
 
 #include "base/async_stream.h"
 #include "base/task.h"
+#include "model/answer_change.h"
+#include "windows/thinking_time.h"
 
 namespace ovrin {
 
@@ -19,7 +21,9 @@ struct AnswerEnd {
     std::optional<std::string> errorMessage{};
 };
 
-// append is called with every piece in order. Throws nothing; a cancelled reader is destroyed where it waits.
-Task<AnswerEnd> readAnswer(AsyncStream<std::string> pieces, std::function<void(const std::string& piece)> append);
+// take is called with every change of the text in order, thinking with whether the model thinks now. Throws nothing; a
+// cancelled reader is destroyed where it waits.
+Task<AnswerEnd> readAnswer(AsyncStream<AnswerChange> changes, std::function<void(const AnswerChange& change)> take,
+                           ThinkingTime& thinking);
 
 }  // namespace ovrin

@@ -13,6 +13,7 @@ namespace ovrin {
 DirectAIViewModel::DirectAIViewModel(std::string_view replyLanguage, Services services)
     : services_(std::move(services)),
       replyLanguage_(services_.prompts.replyLanguage(replyLanguage)),
+      thinking_(services_.loop),
       activeTask_(services_.loop) {}
 
 bool DirectAIViewModel::canSend() const {
@@ -43,10 +44,10 @@ void DirectAIViewModel::send() {
 }
 
 Task<void> DirectAIViewModel::consumeAnswer(Uuid id, std::vector<DeepSeek::Message> messages) {
-    std::function<void(const std::string&)> append = [this, id](const std::string& piece) {
-        changeTurn(id, [&piece](Turn& turn) { turn.answer += piece; });
+    std::function<void(const AnswerChange&)> take = [this, id](const AnswerChange& change) {
+        changeTurn(id, [&change](Turn& turn) { change.applyTo(turn.answer); });
     };
-    AnswerEnd end = co_await readAnswer(services_.ai.stream(std::move(messages)), std::move(append));
+    AnswerEnd end = co_await readAnswer(services_.ai.stream(std::move(messages)), std::move(take), thinking_);
     if (end.kind == AnswerEnd::Kind::complete) {
         saveToHistory(id);
     } else {

@@ -18,6 +18,7 @@
 #include "base/uuid.h"
 #include "language/ai_service.h"
 #include "language/conversation_prompts.h"
+#include "windows/thinking_time.h"
 
 namespace ovrin {
 
@@ -52,6 +53,8 @@ public:
     const Published<std::vector<Turn>>& turns() const { return turns_; }  // oldest first
     const Published<bool>& isStreaming() const { return isStreaming_; }
     const Published<std::optional<std::string>>& errorMessage() const { return errorMessage_; }
+    // Beside the note of what streams: how long the model has been thinking; empty when it does not.
+    const Published<std::string>& thinking() const { return thinking_.words(); }
     const std::string& replyLanguage() const { return replyLanguage_; }
 
     bool canSend() const;
@@ -76,6 +79,7 @@ private:
     Published<std::vector<Turn>> turns_;
     Published<bool> isStreaming_;
     Published<std::optional<std::string>> errorMessage_;
+    ThinkingTime thinking_;
     TaskSlot activeTask_;  // the last member: it ends before what it uses
 };
 

@@ -15,6 +15,7 @@ InputTranslateViewModel::InputTranslateViewModel(std::string initialText, std::s
       inputText_(std::move(initialText)),
       targetLanguage_(std::move(targetLanguage)),
       readingAloud_(services_.makeSpeech, services_.toasts),
+      thinking_(services_.loop),
       task_(services_.loop) {}
 
 bool InputTranslateViewModel::canTranslate() const {
@@ -35,10 +36,12 @@ void InputTranslateViewModel::translate() {
 }
 
 Task<void> InputTranslateViewModel::consumeTranslation(std::string source, std::string target) {
-    std::function<void(const std::string&)> append = [this](const std::string& piece) {
-        outputText_.set(outputText_.value() + piece);
+    std::function<void(const AnswerChange&)> take = [this](const AnswerChange& change) {
+        std::string text = outputText_.value();
+        change.applyTo(text);
+        outputText_.set(std::move(text));
     };
-    AnswerEnd end = co_await readAnswer(services_.translation.stream(source, target), std::move(append));
+    AnswerEnd end = co_await readAnswer(services_.translation.stream(source, target), std::move(take), thinking_);
     isStreaming_.set(false);
     if (end.kind == AnswerEnd::Kind::complete) {
         services_.history.save({.sourceText = std::move(source),

@@ -14,6 +14,7 @@
 #include "base/task.h"
 #include "language/translation_service.h"
 #include "windows/reading_aloud.h"
+#include "windows/thinking_time.h"
 
 namespace ovrin {
 
@@ -45,6 +46,8 @@ public:
     const Published<std::optional<std::string>>& detectedLanguage() const { return detectedLanguage_; }
     const Published<bool>& isStreaming() const { return isStreaming_; }
     const Published<std::optional<std::string>>& errorMessage() const { return errorMessage_; }
+    // Beside the note of what streams: how long the model has been thinking; empty when it does not.
+    const Published<std::string>& thinking() const { return thinking_.words(); }
 
     // The language that the translation is in; meaningless before the first one.
     const std::string& outputLanguage() const { return outputLanguage_; }
@@ -77,6 +80,7 @@ private:
     Published<std::optional<std::string>> errorMessage_;
     std::string outputLanguage_;
     ReadingAloud readingAloud_;
+    ThinkingTime thinking_;
     TaskSlot task_;  // the last member: it ends before what it uses
 };
 

@@ -14,6 +14,7 @@ MiniPopoverViewModel::MiniPopoverViewModel(std::string sourceText, std::string t
     : services_(std::move(services)),
       sourceText_(std::move(sourceText)),
       targetLanguage_(std::move(targetLanguage)),
+      thinking_(services_.loop),
       streamTask_(services_.loop) {}
 
 std::string MiniPopoverViewModel::targetLanguageName() const {
@@ -26,11 +27,13 @@ void MiniPopoverViewModel::start() {
 }
 
 Task<void> MiniPopoverViewModel::consumeTranslation() {
-    std::function<void(const std::string&)> append = [this](const std::string& piece) {
-        translation_.set(translation_.value() + piece);
+    std::function<void(const AnswerChange&)> take = [this](const AnswerChange& change) {
+        std::string text = translation_.value();
+        change.applyTo(text);
+        translation_.set(std::move(text));
     };
-    AsyncStream<std::string> pieces = services_.translation.stream(sourceText_.value(), targetLanguage_);
-    AnswerEnd end = co_await readAnswer(std::move(pieces), std::move(append));
+    AsyncStream<AnswerChange> changes = services_.translation.stream(sourceText_.value(), targetLanguage_);
+    AnswerEnd end = co_await readAnswer(std::move(changes), std::move(take), thinking_);
     isStreaming_.set(false);
     errorMessage_.set(std::move(end.errorMessage));
 }

@@ -11,6 +11,7 @@
 #include "base/running_task.h"
 #include "base/task.h"
 #include "language/translation_service.h"
+#include "windows/thinking_time.h"
 
 namespace ovrin {
 
@@ -36,6 +37,8 @@ public:
     const Published<std::string>& translation() const { return translation_; }
     const Published<bool>& isStreaming() const { return isStreaming_; }  // true from the first: the card waits
     const Published<std::optional<std::string>>& errorMessage() const { return errorMessage_; }
+    // Beside the note of what streams: how long the model has been thinking; empty when it does not.
+    const Published<std::string>& thinking() const { return thinking_.words(); }
 
     const std::string& targetLanguage() const { return targetLanguage_; }
     std::string targetLanguageName() const;  // in English
@@ -56,6 +59,7 @@ private:
     Published<bool> isStreaming_{true};
     Published<std::optional<std::string>> errorMessage_;
     std::string targetLanguage_;
+    ThinkingTime thinking_;
     TaskSlot streamTask_;  // the last member: it ends before what it uses
 };
 

@@ -33,6 +33,8 @@ ResultPanelViewModel::ResultPanelViewModel(Content content, Services services)
       sourceLanguage_(ocrResult_ ? ocrResult_->detectedLanguage : std::nullopt),
       replyLanguage_(services_.prompts.replyLanguage(content.targetLanguageSetting)),
       readingAloud_(services_.makeSpeech, services_.toasts),
+      translationThinking_(services_.loop),
+      conversationThinking_(services_.loop),
       translationTask_(services_.loop),
       conversationTask_(services_.loop) {
     if (!sourceLanguage_) sourceLanguage_ = services_.translation.detectLanguage(originalText_.value());
@@ -83,11 +85,13 @@ void ResultPanelViewModel::translate() {
 }
 
 Task<void> ResultPanelViewModel::consumeTranslation() {
-    std::function<void(const std::string&)> append = [this](const std::string& piece) {
-        translation_.set(translation_.value() + piece);
+    std::function<void(const AnswerChange&)> take = [this](const AnswerChange& change) {
+        std::string text = translation_.value();
+        change.applyTo(text);
+        translation_.set(std::move(text));
     };
-    AsyncStream<std::string> pieces = services_.translation.stream(originalText_.value(), targetLanguage_);
-    AnswerEnd end = co_await readAnswer(std::move(pieces), std::move(append));
+    AsyncStream<AnswerChange> changes = services_.translation.stream(originalText_.value(), targetLanguage_);
+    AnswerEnd end = co_await readAnswer(std::move(changes), std::move(take), translationThinking_);
     isTranslating_.set(false);
     if (end.kind == AnswerEnd::Kind::complete) {
         services_.history.updateLatestResult(originalText_.value(), translation_.value());
@@ -142,10 +146,13 @@ void ResultPanelViewModel::startConversation(std::string question, AIAction acti
 }
 
 Task<void> ResultPanelViewModel::consumeFirstAnswer(std::vector<DeepSeek::Message> messages) {
-    std::function<void(const std::string&)> append = [this](const std::string& piece) {
-        aiOutput_.set(aiOutput_.value() + piece);
+    std::function<void(const AnswerChange&)> take = [this](const AnswerChange& change) {
+        std::string text = aiOutput_.value();
+        change.applyTo(text);
+        aiOutput_.set(std::move(text));
     };
-    AnswerEnd end = co_await readAnswer(services_.ai.stream(std::move(messages)), std::move(append));
+    AnswerEnd end =
+        co_await readAnswer(services_.ai.stream(std::move(messages)), std::move(take), conversationThinking_);
     if (end.kind == AnswerEnd::Kind::failed) {
         tellFailure(Failed::firstAnswer, std::move(end.errorMessage));
     } else if (!aiOutput_->empty()) {
@@ -171,10 +178,11 @@ void ResultPanelViewModel::askFollowUp(std::optional<std::string> question) {
 }
 
 Task<void> ResultPanelViewModel::consumeFollowUp(Uuid id, std::vector<DeepSeek::Message> messages) {
-    std::function<void(const std::string&)> append = [this, id](const std::string& piece) {
-        changeFollowUp(id, [&piece](FollowUpMessage& followUp) { followUp.answer += piece; });
+    std::function<void(const AnswerChange&)> take = [this, id](const AnswerChange& change) {
+        changeFollowUp(id, [&change](FollowUpMessage& followUp) { change.applyTo(followUp.answer); });
     };
-    const AnswerEnd end = co_await readAnswer(services_.ai.stream(std::move(messages)), std::move(append));
+    const AnswerEnd end =
+        co_await readAnswer(services_.ai.stream(std::move(messages)), std::move(take), conversationThinking_);
     if (end.kind == AnswerEnd::Kind::complete) {
         services_.history.updateLatestResult(originalText_.value(), conversationTranscript());
     }

@@ -26,6 +26,7 @@
 #include "recognition/ocr_result.h"
 #include "windows/reading_aloud.h"
 #include "windows/result_presenter.h"
+#include "windows/thinking_time.h"
 
 namespace ovrin {
 
@@ -80,6 +81,9 @@ public:
     const Published<bool>& isAIStreaming() const { return isAIStreaming_; }
     const Published<std::string>& followUpPrompt() const { return followUpPrompt_; }
     const Published<std::vector<FollowUpMessage>>& followUps() const { return followUps_; }
+    // Beside the notes of what streams: how long the model has been thinking; empty when it does not.
+    const Published<std::string>& translationThinking() const { return translationThinking_.words(); }
+    const Published<std::string>& conversationThinking() const { return conversationThinking_.words(); }
     const Published<bool>& showsImageOverlay() const { return showsImageOverlay_; }
 
     const std::optional<OCRResult>& ocrResult() const { return ocrResult_; }
@@ -144,6 +148,8 @@ private:
     std::string replyLanguage_;
     ReadingAloud readingAloud_;
     std::string aiInput_;  // the source text on which the conversation was opened
+    ThinkingTime translationThinking_;
+    ThinkingTime conversationThinking_;
     // The last members: they end before what they use.
     TaskSlot translationTask_;
     TaskSlot conversationTask_;  // the first answer or a further one

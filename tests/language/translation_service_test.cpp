@@ -103,11 +103,11 @@ TEST_F(TranslationServiceTest, CollectsATranslation) {
     EXPECT_EQ(error, "请求失败（HTTP 429）");
 }
 
-Task<void> append(AsyncStream<std::string> stream, std::string& text) {
+Task<void> append(AsyncStream<AnswerChange> stream, std::string& text) {
     while (true) {
-        const std::optional<std::string> piece = co_await stream.next();
-        if (!piece) break;
-        text += *piece;
+        const std::optional<AnswerChange> change = co_await stream.next();
+        if (!change) break;
+        change->applyTo(text);
     }
 }
 

@@ -45,6 +45,7 @@ std::string anthropicPiece(const std::string& text) {
 // What a consumer saw of an answer.
 struct Seen {
     Strings pieces;
+    bool hasThought = false;
     bool hasEnded = false;
     std::exception_ptr failure;
 
@@ -60,12 +61,16 @@ struct Seen {
     }
 };
 
-Task<void> consume(AsyncStream<std::string> stream, Seen& seen) {
+Task<void> consume(AsyncStream<AnswerChange> stream, Seen& seen) {
     try {
         while (true) {
-            std::optional<std::string> piece = co_await stream.next();
-            if (!piece) break;
-            seen.pieces.push_back(std::move(*piece));
+            std::optional<AnswerChange> change = co_await stream.next();
+            if (!change) break;
+            if (change->kind == AnswerChange::Kind::thinking) {
+                seen.hasThought = true;
+            } else {
+                seen.pieces.push_back(std::move(change->text));
+            }
         }
     } catch (...) {
         seen.failure = std::current_exception();
@@ -320,6 +325,50 @@ TEST_F(ModelClientTest, LeavesOutATemperatureThatIsRefusedAndRemembersIt) {
     EXPECT_EQ(http.requests().size(), 8U) << "no other error is tried again";
 }
 
+TEST_F(ModelClientTest, PlaysTheAnswersOfLocalServers) {
+    for (const std::string_view body : {recorded::llamaCppStream, recorded::ollamaStream, recorded::lmStudioStream,
+                                        recorded::vllmStream, recorded::thinkingTagsStream}) {
+        http.willAnswer({.chunks = {std::string(body)}});
+        std::string answer;
+        for (const std::string& piece : stream().pieces) answer += piece;
+        EXPECT_EQ(answer, "Paris.") << body;
+        EXPECT_EQ(seen.failure, nullptr);
+        EXPECT_EQ(seen.hasThought, body.find("Okay") != std::string_view::npos) << body;
+    }
+    http.willAnswer({.chunks = {std::string(recorded::llamaCppAnswer)}});
+    EXPECT_EQ(complete().pieces, Strings{"Paris."});
+    http.willAnswer({.chunks = {std::string(recorded::onlyThoughts)}});
+    EXPECT_EQ(complete().error(), DeepSeekError::emptyResponse());
+
+    useAnthropic();
+    http.willAnswer(
+        {.chunks = {R"(data: {"type":"content_block_delta","delta":{"type":"thinking_delta","thinking":"a"}})"
+                    "\n",
+                    anthropicPiece("Paris.")}});
+    EXPECT_EQ(stream().pieces, Strings{"Paris."});
+    EXPECT_TRUE(seen.hasThought);
+
+    useOpenAI();
+    const std::string loading = R"({"error":{"message":"Loading model","type":"unavailable_error","code":503}})";
+    const std::string vllm =
+        R"({"error":{"message":"The model `m` does not exist.","type":"NotFoundError","param":"model","code":404}})";
+    const std::string ollama =
+        R"({"error":{"message":"model 'm' not found","type":"not_found_error","param":null,"code":null}})";
+    http.willAnswer({.statusCode = 503, .chunks = {loading}});
+    EXPECT_EQ(stream().error(), DeepSeekError::httpStatus(503, loading)) << "codes are numbers, see above";
+    http.willAnswer({.statusCode = 404, .chunks = {vllm}});
+    EXPECT_EQ(stream().error(), DeepSeekError::httpStatus(404, vllm));
+    http.willAnswer({.statusCode = 404, .chunks = {ollama}});
+    EXPECT_EQ(stream().errorText(), "model 'm' not found");
+}
+
+TEST_F(ModelClientTest, GivesWhatWasKeptForATagBeforeAFailure) {
+    http.willAnswer(
+        {.chunks = {openAIPiece("<thi")}, .ending = FakeHTTPClient::Ending::fails, .failure = "连接被重置。"});
+    EXPECT_EQ(stream().pieces, Strings{"<thi"});
+    EXPECT_EQ(seen.errorText(), "连接被重置。");
+}
+
 TEST_F(ModelClientTest, BoundsAnErrorBodyThatNeverEnds) {
     std::string chunk = "x";
     while (chunk.size() < 100'000) chunk += "你";
@@ -477,16 +526,16 @@ TEST_F(ModelClientThreads, BringsThePiecesToTheConsumersLoopInOrder) {
 
 TEST_F(ModelClientThreads, GoOnStreamingWhileTheKeyringOfAnotherCallIsLocked) {
     http.willAnswer({.chunks = {openAIPiece("a")}, .ending = FakeHTTPClient::Ending::staysOpen});
-    AsyncStream<std::string> open = client([] {}).stream(conversation, 0.2);
-    mainLoop.complete([](AsyncStream<std::string>& stream) -> Task<void> { co_await stream.next(); }(open));
+    AsyncStream<AnswerChange> open = client([] {}).stream(conversation, 0.2);
+    mainLoop.complete([](AsyncStream<AnswerChange>& stream) -> Task<void> { co_await stream.next(); }(open));
 
     std::binary_semaphore isAsked(0);
     std::binary_semaphore isUnlocked(0);
     std::atomic<bool> hasGivenUp = false;
-    const AsyncStream<std::string> waiting = client([&] {
-                                                 isAsked.release();
-                                                 hasGivenUp = !isUnlocked.try_acquire_for(10s);
-                                             }).stream(conversation, 0.2);
+    const AsyncStream<AnswerChange> waiting = client([&] {
+                                                  isAsked.release();
+                                                  hasGivenUp = !isUnlocked.try_acquire_for(10s);
+                                              }).stream(conversation, 0.2);
     isAsked.acquire();
     ioLoop->post([this] {
         http.openBody().push(openAIPiece("b"));

@@ -35,4 +35,68 @@ inline constexpr std::string_view contextExceeded =
     R"({"error":{"code":400,"message":"the request exceeds the available context size, try increasing it","type":)"
     R"("exceed_context_size_error","n_prompt_tokens":9001,"n_ctx":4096}})";
 
+inline constexpr std::string_view llamaCppStream =
+    R"(data: {"choices":[{"finish_reason":null,"index":0,"delta":{"role":"assistant","content":null}}],"created":1764100000,"id":"chatcmpl-1","model":"SmolLM2","system_fingerprint":"b7000","object":"chat.completion.chunk"}
+
+data: {"choices":[{"finish_reason":null,"index":0,"delta":{"content":"Paris"}}],"created":1764100000,"id":"chatcmpl-1","model":"SmolLM2","object":"chat.completion.chunk"}
+
+data: {"choices":[{"finish_reason":null,"index":0,"delta":{"content":"."}}],"created":1764100000,"id":"chatcmpl-1","model":"SmolLM2","object":"chat.completion.chunk"}
+
+data: {"choices":[{"finish_reason":"stop","index":0,"delta":{}}],"created":1764100000,"id":"chatcmpl-1","model":"SmolLM2","object":"chat.completion.chunk","timings":{"prompt_n":20,"predicted_per_second":41.5}}
+
+data: [DONE]
+
+)";
+// A thinking model: what it thinks under a key of its own, beside an empty content.
+inline constexpr std::string_view ollamaStream =
+    R"(data: {"id":"chatcmpl-2","object":"chat.completion.chunk","created":1764100000,"model":"qwen3:8b","system_fingerprint":"fp_ollama","choices":[{"index":0,"delta":{"role":"assistant","content":"","reasoning":"Okay"},"finish_reason":null}]}
+
+data: {"id":"chatcmpl-2","object":"chat.completion.chunk","created":1764100000,"model":"qwen3:8b","system_fingerprint":"fp_ollama","choices":[{"index":0,"delta":{"role":"assistant","content":"Paris."},"finish_reason":null}]}
+
+data: {"id":"chatcmpl-2","object":"chat.completion.chunk","created":1764100000,"model":"qwen3:8b","system_fingerprint":"fp_ollama","choices":[{"index":0,"delta":{"role":"assistant","content":""},"finish_reason":"stop"}]}
+
+data: [DONE]
+
+)";
+inline constexpr std::string_view lmStudioStream =
+    R"(data: {"id":"chatcmpl-3","object":"chat.completion.chunk","created":1764100000,"model":"qwen2.5-7b-instruct","system_fingerprint":"qwen2.5-7b-instruct","choices":[{"index":0,"delta":{"role":"assistant","content":"Paris"},"logprobs":null,"finish_reason":null}]}
+
+data: {"id":"chatcmpl-3","object":"chat.completion.chunk","created":1764100000,"model":"qwen2.5-7b-instruct","choices":[{"index":0,"delta":{"content":"."},"logprobs":null,"finish_reason":null}]}
+
+data: {"id":"chatcmpl-3","object":"chat.completion.chunk","created":1764100000,"model":"qwen2.5-7b-instruct","choices":[{"index":0,"delta":{},"logprobs":null,"finish_reason":"stop"}]}
+
+data: [DONE]
+
+)";
+inline constexpr std::string_view vllmStream =
+    R"(data: {"id":"chatcmpl-4","object":"chat.completion.chunk","created":1764100000,"model":"Qwen/Qwen3-8B","choices":[{"index":0,"delta":{"role":"assistant","content":""},"logprobs":null,"finish_reason":null}],"prompt_token_ids":null}
+
+data: {"id":"chatcmpl-4","object":"chat.completion.chunk","created":1764100000,"model":"Qwen/Qwen3-8B","choices":[{"index":0,"delta":{"reasoning_content":"Okay"},"logprobs":null,"finish_reason":null,"token_ids":null}]}
+
+data: {"id":"chatcmpl-4","object":"chat.completion.chunk","created":1764100000,"model":"Qwen/Qwen3-8B","choices":[{"index":0,"delta":{"content":"Paris."},"logprobs":null,"finish_reason":"stop","stop_reason":null}]}
+
+data: {"id":"chatcmpl-4","object":"chat.completion.chunk","created":1764100000,"model":"Qwen/Qwen3-8B","choices":[],"usage":{"prompt_tokens":20,"total_tokens":30,"completion_tokens":10}}
+
+data: [DONE]
+
+)";
+// A server that leaves the tags of the model's template in the text.
+inline constexpr std::string_view thinkingTagsStream =
+    R"(data: {"choices":[{"index":0,"delta":{"content":"<think>"}}]}
+
+data: {"choices":[{"index":0,"delta":{"content":"\nOkay, the user asks"}}]}
+
+data: {"choices":[{"index":0,"delta":{"content":"\n</think>"}}]}
+
+data: {"choices":[{"index":0,"delta":{"content":"\n\nParis."}}]}
+
+data: [DONE]
+
+)";
+inline constexpr std::string_view llamaCppAnswer =
+    R"({"choices":[{"finish_reason":"stop","index":0,"message":{"role":"assistant","content":"<think>Okay</think>\n\nParis."}}],)"
+    R"("created":1764100000,"model":"SmolLM2","object":"chat.completion","usage":{"completion_tokens":3},"id":"chatcmpl-5"})";
+inline constexpr std::string_view onlyThoughts =
+    R"({"choices":[{"finish_reason":"length","index":0,"message":{"role":"assistant","content":"<think>Okay, so"}}]})";
+
 }  // namespace ovrin::recorded

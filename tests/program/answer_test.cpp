@@ -253,7 +253,7 @@ TEST(Answer, SettingsThatCannotWorkAreRefusedBeforeAnyTraffic) {
         return outcome.error;
     };
     const TestHome home;
-    EXPECT_EQ(failureOf(home, service(server.url("/v1"), openAI, "")),
+    EXPECT_EQ(failureOf(home, service("https://service.invalid/v1", openAI, "")),
               "尚未配置 API Key 或认证 Header，请先在设置中填写。\n");
     EXPECT_EQ(failureOf(home, service("ftp://127.0.0.1/v1")), "连接 URL 无效，请填写完整的 HTTP 或 HTTPS 地址。\n");
     ASSERT_EQ(runProgram(home, {.arguments = {"config", "set", "ovrin.model", " "}}).status, 0);

@@ -5,6 +5,8 @@
 namespace ovrin {
 namespace {
 
+using namespace std::chrono_literals;
+
 class DirectAIViewModelTest : public PanelTest {
 protected:
     DirectAIViewModel::Services chatServices() {
@@ -71,6 +73,32 @@ TEST_F(DirectAIViewModelTest, StreamsAnAnswerAndKeepsItInTheHistory) {
     EXPECT_EQ(record.sourceText, "1 + 41?");
     EXPECT_EQ(record.resultText, "42 é");
     EXPECT_EQ(record.recordType, "direct-ai");
+}
+
+TEST_F(DirectAIViewModelTest, ThoughtsAreTimedAndNoPartOfTheAnswer) {
+    willStream("<think>hm");
+    ask("q");
+    EXPECT_EQ(chat.thinking().value(), "思考中");
+    loop.advance(12s);
+    EXPECT_EQ(chat.thinking().value(), "思考中 12 秒");
+    EXPECT_EQ(turns(), Events{"q|…"});
+    push(" hm</think>\n4");
+    EXPECT_EQ(chat.thinking().value(), "");
+    finish();
+    EXPECT_EQ(history.records()->front()->resultText, "4");
+
+    willStream("hm\n");
+    ask("r");
+    EXPECT_EQ(turns().back(), "r|hm\n…");
+    push("</think>\n5");
+    finish();
+    EXPECT_EQ(turns().back(), "r|5") << "what had no opening tag is taken back";
+    EXPECT_EQ(history.records()->front()->resultText, "5");
+
+    willStream("<think>");
+    ask("s");
+    chat.cancel();
+    EXPECT_EQ(chat.thinking().value(), "");
 }
 
 TEST_F(DirectAIViewModelTest, ABlankDraftAsksNothing) {

@@ -29,6 +29,10 @@ void ConversationTurnView::setAnswer(std::string_view answer, OVStreamingText::P
     answer_->setTextSoFar(answer, progress);
 }
 
+void ConversationTurnView::setThinking(const std::string& words) {
+    waiting_->setDetail(words);
+}
+
 OVStreamingText& ConversationTurnView::question() const {
     return question_->text();
 }

@@ -28,6 +28,9 @@ public:
     // The answer so far, in UTF-8.
     void setAnswer(std::string_view answer, OVStreamingText::Progress progress);
 
+    // What is said of the model's thinking while it is waited for; may be empty.
+    void setThinking(const std::string& words);
+
     OVStreamingText& question() const;
     OVStreamingText& answer() const { return *answer_; }
 

@@ -35,6 +35,10 @@ void ConversationTurns::show(std::span<const Turn> turns) {
     setVisible(!turns.empty());
 }
 
+void ConversationTurns::setThinking(const std::string& words) {
+    if (!shown_.empty()) shown_.back().view->setThinking(words);
+}
+
 ConversationTurns::Shown ConversationTurns::add(const Turn& turn) {
     auto* view = new ConversationTurnView(environment(), turn.question, style_);
     column_.makeReadable(view->question());

@@ -32,6 +32,8 @@ public:
 
     // Oldest first. A turn that is already there keeps its place and what is selected in it.
     void show(std::span<const Turn> turns);
+    // Of the turn whose answer is waited for.
+    void setThinking(const std::string& words);
 
 private:
     struct Shown {

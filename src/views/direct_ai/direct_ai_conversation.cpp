@@ -70,6 +70,8 @@ QWidget* DirectAIConversation::makeReading() {
     reading->column().addWidget(turns_);
     reading->column().addWidget(error);
     subscriptions_.push_back(watch(viewModel_.turns(), [this](const auto& /*turns*/) { showTurns(); }));
+    subscriptions_.push_back(
+        watch(viewModel_.thinking(), [this](const std::string& words) { turns_->setThinking(words); }));
     subscriptions_.push_back(watch(viewModel_.errorMessage(),
                                    [error](const std::optional<std::string>& message) { error->setMessage(message); }));
     return reading;

@@ -3,6 +3,7 @@
 #include <QVBoxLayout>
 
 #include "base/watch.h"
+#include "views/components/drawing.h"
 #include "views/components/ov_button.h"
 #include "views/components/ov_error_note.h"
 #include "views/components/ov_label.h"
@@ -19,6 +20,7 @@ OutputPane::OutputPane(ViewEnvironment& environment, InputTranslateViewModel& vi
     : TextPane(environment, QStringLiteral("译文"), parent),
       viewModel_(viewModel),
       loader_(new OVPixelLoader(environment, ColorToken::accentInk)),
+      thinking_(new OVLabel(environment, {}, theme::font::caption, ColorToken::ink3)),
       speak_(new OVIconButton(environment, OVIcon::volume, QStringLiteral("朗读"))),
       copy_(new OVIconButton(environment, OVIcon::copy, QStringLiteral("复制"))),
       area_(new OVScrollArea(environment)),
@@ -28,6 +30,7 @@ OutputPane::OutputPane(ViewEnvironment& environment, InputTranslateViewModel& vi
       error_(new OVErrorNote(environment)) {
     text_->setAccessibleName(QStringLiteral("译文"));
     addBesideTitle(loader_);
+    addBesideTitle(thinking_);
     addAction(copy_);
     addAction(speak_);
     area_->setContent(makeContent());
@@ -55,6 +58,8 @@ void OutputPane::bind() {
     connect(speak_, &QAbstractButton::clicked, this, [this] { viewModel_.speakTranslation(); });
     changes_ = watch(std::tie(viewModel_.outputText(), viewModel_.isStreaming(), viewModel_.errorMessage()),
                      [this] { refresh(); });
+    thinkingChanges_ =
+        watch(viewModel_.thinking(), [this](const std::string& words) { thinking_->setText(toQString(words)); });
     newError_ = viewModel_.errorMessage().onDidChange([this](const auto& message) {
         // The translation is read from its beginning while it comes; what ended it stands below.
         if (message) {

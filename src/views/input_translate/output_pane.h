@@ -28,6 +28,7 @@ private:
 
     InputTranslateViewModel& viewModel_;
     OVPixelLoader* loader_;
+    OVLabel* thinking_;
     OVIconButton* speak_;
     OVIconButton* copy_;
     OVScrollArea* area_;
@@ -35,6 +36,7 @@ private:
     OVStreamingText* text_;
     OVErrorNote* error_;
     Subscription changes_;
+    Subscription thinkingChanges_;
     Subscription newError_;
 };
 

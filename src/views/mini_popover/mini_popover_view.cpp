@@ -4,12 +4,12 @@
 #include <QVBoxLayout>
 
 #include "base/watch.h"
+#include "views/components/busy_note.h"
 #include "views/components/drawing.h"
 #include "views/components/ov_brand_mark.h"
 #include "views/components/ov_button.h"
 #include "views/components/ov_error_note.h"
 #include "views/components/ov_label.h"
-#include "views/components/ov_pixel_loader.h"
 #include "views/components/ov_scroll_area.h"
 #include "views/components/ov_status_pill.h"
 #include "views/components/ov_streaming_text.h"
@@ -29,7 +29,7 @@ MiniPopoverView::MiniPopoverView(ViewEnvironment& environment, MiniPopoverViewMo
     : OVWidget(environment, parent),
       viewModel_(viewModel),
       pill_(new OVStatusPill(environment, QStringLiteral("生成中"), OVStatusPill::Kind::active)),
-      waiting_(makeWaitingNote()),
+      waiting_(new BusyNote(environment, QStringLiteral("正在理解并翻译…"))),
       area_(new OVScrollArea(environment)),
       text_(new OVStreamingText(environment, OVStreamingText::Mode::plain)),
       error_(new OVErrorNote(environment)),
@@ -62,22 +62,12 @@ QWidget* MiniPopoverView::makeHeader(const Published<std::string>& brandImage) {
     return header;
 }
 
-QWidget* MiniPopoverView::makeWaitingNote() {
-    auto* note = new QWidget;
-    auto* row = new QHBoxLayout(note);
-    row->setContentsMargins(0, 2, 0, 0);
-    row->setSpacing(8);
-    row->addWidget(new OVPixelLoader(environment(), ColorToken::accentInk));
-    row->addWidget(new OVLabel(environment(), QStringLiteral("正在理解并翻译…"), theme::font::body, ColorToken::ink2),
-                   1);
-    return note;
-}
-
 QWidget* MiniPopoverView::makeBody() {
     auto* content = new QWidget;
     auto* column = new QVBoxLayout(content);
     column->setContentsMargins(padding, 0, padding, 0);
     column->setSpacing(8);
+    waiting_->setContentsMargins(0, 2, 0, 0);
     column->addWidget(waiting_);
     column->addWidget(text_);
     column->addWidget(error_);
@@ -101,6 +91,7 @@ QWidget* MiniPopoverView::makeFooter() {
 void MiniPopoverView::bind() {
     changes_ = watch(std::tie(viewModel_.translation(), viewModel_.isStreaming(), viewModel_.errorMessage()),
                      [this] { refresh(); });
+    thinking_ = watch(viewModel_.thinking(), [this](const std::string& words) { waiting_->setDetail(words); });
     newError_ = viewModel_.errorMessage().onDidChange([this](const auto& message) {
         // The translation is read from its beginning while it comes; what ended it stands below.
         if (message) area_->reveal(*error_);

@@ -8,6 +8,7 @@
 
 namespace ovrin {
 
+class BusyNote;
 class MiniPopoverViewModel;
 class OVButton;
 class OVErrorNote;
@@ -32,7 +33,6 @@ protected:
 
 private:
     QWidget* makeHeader(const Published<std::string>& brandImage);
-    QWidget* makeWaitingNote();
     QWidget* makeBody();
     QWidget* makeFooter();
     void bind();
@@ -40,12 +40,13 @@ private:
 
     MiniPopoverViewModel& viewModel_;
     OVStatusPill* pill_;
-    QWidget* waiting_;
+    BusyNote* waiting_;
     OVScrollArea* area_;
     OVStreamingText* text_;
     OVErrorNote* error_;
     OVButton* copy_;
     Subscription changes_;
+    Subscription thinking_;
     Subscription newError_;
 };
 

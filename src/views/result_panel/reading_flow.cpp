@@ -34,6 +34,8 @@ void ReadingFlow::bind() {
     conversation_ = watch(std::tie(viewModel_.selectedAIAction(), viewModel_.initialQuestion(), viewModel_.aiOutput(),
                                    viewModel_.isAIStreaming(), viewModel_.followUps()),
                           [this] { showConversation(); });
+    thinking_ =
+        watch(viewModel_.conversationThinking(), [this](const std::string& words) { turns_->setThinking(words); });
     error_ = watch(std::tie(viewModel_.followUps(), viewModel_.errorMessage()), [this] { showError(); });
     newError_ = viewModel_.errorMessage().onDidChange([this](const std::optional<std::string>& message) {
         if (message) area_.reveal(translationError_->isHidden() ? *conversationError_ : *translationError_);

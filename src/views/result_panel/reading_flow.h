@@ -29,6 +29,7 @@ private:
     OVErrorNote* translationError_;
     OVErrorNote* conversationError_;
     Subscription conversation_;
+    Subscription thinking_;
     Subscription error_;
     Subscription newError_;
 };

@@ -80,6 +80,7 @@ void ResultCard::bind() {
     });
     changes_ = watch(std::tie(viewModel_.originalText(), viewModel_.translation(), viewModel_.isTranslating()),
                      [this] { refresh(); });
+    thinking_ = watch(viewModel_.translationThinking(), [this](const std::string& words) { busy_->setDetail(words); });
 }
 
 void ResultCard::refresh() {

@@ -41,6 +41,7 @@ private:
     SourceToggle* toggle_;
     bool showsOriginal_ = false;
     Subscription changes_;
+    Subscription thinking_;
 };
 
 }  // namespace ovrin
