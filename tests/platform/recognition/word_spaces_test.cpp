@@ -17,8 +17,9 @@ std::string spaced(std::u32string_view text, const std::vector<ColumnRun>& runs,
     }
     const LinePiece piece = pieceOf(runs, height);
     placeOnInk(reading, piece);
-    placeSpaces(reading, piece);
-    return textOf(reading);
+    std::vector<Reading> readings = {reading};
+    placeSpaces(readings, {piece});
+    return textOf(readings.front());
 }
 
 TEST(WordSpacesTest, WideGapsBetweenLettersAreSpaces) {

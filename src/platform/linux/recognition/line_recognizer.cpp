@@ -7,6 +7,7 @@
 #include <unicode/unistr.h>
 
 #include "base/error.h"
+#include "platform/linux/recognition/parallel.h"
 
 namespace ovrin {
 namespace {
@@ -14,7 +15,6 @@ namespace {
 constexpr int networkHeight = 48;
 constexpr int networkStep = 8;  // columns for one step of the output
 constexpr int minimumWidth = 32;
-constexpr int longestPart = 1000;  // columns; the output takes 3 MiB for every 320 of them
 
 // The model lists its characters one a line; the blank precedes them, the space follows.
 std::vector<char32_t> charactersOf(const InferenceSession& network) {
@@ -56,16 +56,19 @@ int cutColumn(const cv::Mat& line) {
 LineRecognizer::LineRecognizer(const std::filesystem::path& modelFile)
     : network_(modelFile, 1), characters_(charactersOf(network_)) {}
 
-Reading LineRecognizer::read(const cv::Mat& line, const std::stop_token& stop) const {
-    if (static_cast<double>(line.cols) * networkHeight / line.rows <= longestPart) return readPart(line, stop);
+Reading LineRecognizer::read(const cv::Mat& line, const std::stop_token& stop, int longest) const {
+    if (static_cast<double>(line.cols) * networkHeight / line.rows <= longest) return readPart(line, stop);
     const int cut = cutColumn(line);
-    Reading reading = read(line.colRange(0, cut), stop);
-    for (auto& character : read(line.colRange(cut, line.cols), stop)) {
+    Reading parts[2];
+    parallelFor(2, [&](std::size_t part) {
+        parts[part] = read(part == 0 ? line.colRange(0, cut) : line.colRange(cut, line.cols), stop, longest);
+    });
+    for (auto& character : parts[1]) {
         character.left += cut;
         character.right += cut;
-        reading.push_back(character);
+        parts[0].push_back(character);
     }
-    return reading;
+    return parts[0];
 }
 
 Reading LineRecognizer::readPart(const cv::Mat& line, const std::stop_token& stop) const {

@@ -17,9 +17,12 @@ public:
     // Throws Error that names the file when it is no such network. The characters that it knows are named by itself.
     explicit LineRecognizer(const std::filesystem::path& modelFile);
 
-    // line: text on one line cut out, upright, three bytes a pixel (blue, green, red). Of a line much longer than high
-    // the parts between its widest gaps are read one after the other.
-    Reading read(const cv::Mat& line, const std::stop_token& stop) const;
+    // What the network sees of a line at once, columns; its output takes 3 MiB for every 320 of them.
+    static constexpr int longestPart = 1000;
+
+    // line: text on one line cut out, upright, three bytes a pixel (blue, green, red). Of a line that the network would
+    // see longer than `longest`, the parts between its widest gaps are read, in parallel where cores are idle.
+    Reading read(const cv::Mat& line, const std::stop_token& stop, int longest = longestPart) const;
 
 private:
     Reading readPart(const cv::Mat& line, const std::stop_token& stop) const;

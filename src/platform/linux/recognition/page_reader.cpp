@@ -14,9 +14,10 @@
 namespace ovrin {
 namespace {
 
-constexpr double tall = 1.5;      // times as high as wide: a column, or a line of a page that lies on its side
-constexpr double column = 3;      // so high it is no single character
-constexpr double doubtful = 0.8;  // below, a line may be turned otherwise
+constexpr double tall = 1.5;        // times as high as wide: a column, or a line of a page that lies on its side
+constexpr double column = 3;        // so high it is no single character
+constexpr double doubtful = 0.8;    // below, a line may be turned otherwise
+constexpr int longestOfHalf = 400;  // columns that the network sees; in less, a line is not worth being cut in two
 
 // What a reading is worth: its characters, each counted by its confidence.
 double worth(const Reading& reading) {
@@ -53,20 +54,20 @@ struct ReadPiece {
 
 // Vertical writing is read like lines that lie on their right side: the network has learned that.
 ReadPiece readBox(const cv::Mat& picture, const cv::Rect& box, const LineRecognizer& network,
-                  const std::stop_token& stop) {
+                  const std::stop_token& stop, int longest) {
     ReadPiece best{cutLinePiece(picture, box, Turn::none), {}};
     const LinePiece& upright = best.piece;
     const bool isNarrowGlyph = upright.runs.size() == 1 && upright.inkBox.height > tall * upright.inkBox.width;
     if (box.height > column * box.width && !isNarrowGlyph) {
         best = {};
     } else if (!upright.runs.empty()) {
-        best.reading = network.read(upright.color, stop);
+        best.reading = network.read(upright.color, stop, longest);
     }
     if (box.height <= tall * box.width || isNarrowGlyph) return best;
     for (const Turn turn : {Turn::counterclockwise, Turn::clockwise}) {
         if (meanConfidence(best.reading) >= doubtful) break;
         ReadPiece read{cutLinePiece(picture, box, turn), {}};
-        if (!read.piece.runs.empty()) read.reading = network.read(read.piece.color, stop);
+        if (!read.piece.runs.empty()) read.reading = network.read(read.piece.color, stop, longest);
         if (best.piece.runs.empty() || meanConfidence(read.reading) > meanConfidence(best.reading))
             best = std::move(read);
     }
@@ -87,10 +88,10 @@ Page cleaned(Page page) {
         chooseByNeighbours(reading);
         restoreRepeatedMarks(reading, piece);
         if (piece.flatBackground) widenMarksByGaps(reading, piece.em);
-        placeSpaces(reading, piece);
         text.pieces.push_back(std::move(piece));
         text.readings.push_back(std::move(reading));
     }
+    placeSpaces(text.readings, text.pieces);
     return text;
 }
 
@@ -98,7 +99,9 @@ Page readAsItIs(const cv::Mat& picture, const PageReaders& readers, const std::s
     const auto boxes = readers.detector.detect(picture, stop);
     const LineRecognizer& network = *readers.network.get();
     std::vector<ReadPiece> read(boxes.size());
-    parallelFor(boxes.size(), [&](std::size_t i) { read[i] = readBox(picture, boxes[i], network, stop); });
+    // The cores share a line that is the only one.
+    const int longest = boxes.size() == 1 ? longestOfHalf : LineRecognizer::longestPart;
+    parallelFor(boxes.size(), [&](std::size_t i) { read[i] = readBox(picture, boxes[i], network, stop, longest); });
     Page page;
     double characters = 0;
     for (auto& [piece, reading] : read) {

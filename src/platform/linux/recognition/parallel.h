@@ -11,6 +11,7 @@ namespace ovrin {
 // ended; one of their exceptions is thrown to the caller.
 template <typename Work>
 void parallelFor(std::size_t count, const Work& work) {
+    if (count == 1) return work(0);  // which may then share its own work out
     const auto runRange = [&work](const cv::Range& range) {
         for (int index = range.start; index < range.end; ++index) work(static_cast<std::size_t>(index));
     };

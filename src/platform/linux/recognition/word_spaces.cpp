@@ -4,13 +4,16 @@
 #include <cmath>
 #include <optional>
 #include <string_view>
+#include <tuple>
+
+#include <opencv2/imgproc.hpp>
 
 #include "platform/linux/recognition/script.h"
 
 namespace ovrin {
 namespace {
 
-constexpr double koreanGap = 0.235;  // ems between words, where syllables stand up to 0.2 apart
+constexpr std::size_t enoughForGrid = 10;  // distances between narrow characters
 
 std::vector<double> narrowDistances(const Reading& reading) {
     std::vector<double> distances;
@@ -33,10 +36,9 @@ double gridError(const std::vector<double>& distances, double cell) {
 
 // The cell width of a fixed-width font in pixels, if so many characters stand on a grid of cells that it's no accident.
 std::optional<double> cellWidth(const Reading& reading, double em) {
-    constexpr std::size_t enough = 10;
     constexpr double largestError = 0.075;
     const auto distances = narrowDistances(reading);
-    if (distances.size() < enough) return std::nullopt;
+    if (distances.size() < enoughForGrid) return std::nullopt;
     std::optional<double> best;
     double bestError = largestError;
     for (int hundredths = 42; hundredths < 80; ++hundredths) {
@@ -50,8 +52,31 @@ std::optional<double> cellWidth(const Reading& reading, double em) {
     return best;
 }
 
+// From which gap on, in ems, the Korean syllables of the picture are words apart. Fonts differ in how far apart they
+// set syllables: the cut is where the gaps fall best into two groups.
+double koreanSpace(const std::vector<Reading>& readings, const std::vector<LinePiece>& pieces) {
+    constexpr double usual = 0.235;
+    constexpr double widest = 0.7;  // a few gaps of a misplaced syllable must not pull the groups apart
+    constexpr std::size_t enough = 8;
+    std::vector<std::uint8_t> gaps;  // shares of the widest
+    for (std::size_t k = 0; k < readings.size(); ++k) {
+        for (std::size_t i = 1; i < readings[k].size() && pieces[k].flatBackground; ++i) {
+            const auto& [before, after] = std::tie(readings[k][i - 1], readings[k][i]);
+            const double gap = (after.left - before.right) / pieces[k].em;
+            if (scriptOf(before.code) == Script::hangul && scriptOf(after.code) == Script::hangul && gap >= 0 &&
+                gap <= widest)
+                gaps.push_back(static_cast<std::uint8_t>(gap / widest * 255));
+        }
+    }
+    if (gaps.size() < enough) return usual;
+    std::vector<std::uint8_t> isWord;
+    const double cut = cv::threshold(gaps, isWord, 0, 1, cv::THRESH_OTSU) / 255 * widest;
+    return std::clamp(cut + 0.005, 0.17, 0.34);
+}
+
 // Is there a space between the two characters? The em and the cell of a fixed-width font are in pixels.
-bool isSpace(const ReadCharacter& before, const ReadCharacter& after, double em, std::optional<double> cell) {
+bool isSpace(const ReadCharacter& before, const ReadCharacter& after, double em, std::optional<double> cell,
+             double koreanGap) {
     const Script left = scriptOf(before.code);
     const Script right = scriptOf(after.code);
     const double gap = (after.left - before.right) / em;
@@ -74,19 +99,48 @@ bool isSpace(const ReadCharacter& before, const ReadCharacter& after, double em,
     return gap + 0.25 * said > 0.3;
 }
 
+// The cells of the fixed-width fonts that the pieces are set in. Where most long pieces stand on a grid, a short piece
+// that fits it does too.
+std::vector<std::optional<double>> cellWidths(const std::vector<Reading>& readings,
+                                              const std::vector<LinePiece>& pieces) {
+    std::vector<std::optional<double>> cells;
+    std::vector<double> found;
+    std::size_t longPieces = 0;
+    for (std::size_t i = 0; i < readings.size(); ++i) {
+        cells.push_back(cellWidth(readings[i], pieces[i].em));
+        if (narrowDistances(readings[i]).size() >= enoughForGrid) ++longPieces;
+        if (cells[i]) found.push_back(*cells[i]);
+    }
+    if (found.size() * 2 <= longPieces) return cells;
+    const auto middle = found.begin() + static_cast<std::ptrdiff_t>(found.size() / 2);
+    std::ranges::nth_element(found, middle);
+    for (std::size_t i = 0; i < readings.size(); ++i) {
+        const double share = *middle / pieces[i].em;
+        if (!cells[i] && share > 0.4 && share < 0.8 && gridError(narrowDistances(readings[i]), *middle) < 0.15)
+            cells[i] = *middle;
+    }
+    return cells;
+}
+
 }  // namespace
 
-void placeSpaces(Reading& reading, const LinePiece& piece) {
-    const auto cell = cellWidth(reading, piece.em);
-    for (std::size_t i = 0; i < reading.size(); ++i) {
-        ReadCharacter& character = reading[i];
-        // Where ink can't be relied on, what the reader says of spaces has to do.
-        const bool space = piece.flatBackground ? i > 0 && isSpace(reading[i - 1], character, piece.em, cell)
-                                                : character.spaceBefore > 0.5 && !isEastAsian(character.code);
-        // Vertical writing sets its characters apart at will.
-        const bool isVertical =
-            piece.turn != Turn::none && i > 0 && isEastAsian(character.code) && isEastAsian(reading[i - 1].code);
-        character.spaceBefore = i > 0 && space && !isVertical ? 1 : 0;
+void placeSpaces(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces) {
+    const auto cells = cellWidths(readings, pieces);
+    const double koreanGap = koreanSpace(readings, pieces);
+    for (std::size_t k = 0; k < readings.size(); ++k) {
+        Reading& reading = readings[k];
+        const LinePiece& piece = pieces[k];
+        for (std::size_t i = 0; i < reading.size(); ++i) {
+            ReadCharacter& character = reading[i];
+            // Where ink can't be relied on, what the reader says of spaces has to do.
+            const bool space = piece.flatBackground
+                                   ? i > 0 && isSpace(reading[i - 1], character, piece.em, cells[k], koreanGap)
+                                   : character.spaceBefore > 0.5 && !isEastAsian(character.code);
+            // Vertical writing sets its characters apart at will.
+            const bool isVertical =
+                piece.turn != Turn::none && i > 0 && isEastAsian(character.code) && isEastAsian(reading[i - 1].code);
+            character.spaceBefore = i > 0 && space && !isVertical ? 1 : 0;
+        }
     }
 }
 
