@@ -15,6 +15,7 @@ namespace {
 constexpr int networkHeight = 48;
 constexpr int networkStep = 8;  // columns for one step of the output
 constexpr int minimumWidth = 32;
+constexpr double wordGap = 0.15;  // of the line's height, margins included
 
 // The model lists its characters one a line; the blank precedes them, the space follows.
 std::vector<char32_t> charactersOf(const InferenceSession& network) {
@@ -32,22 +33,23 @@ std::vector<char32_t> charactersOf(const InferenceSession& network) {
     return characters;
 }
 
-// Where to cut a line in two: in the middle of the widest run of columns of one colour within the middle half.
-int cutColumn(const cv::Mat& line) {
+struct Gap {
+    int column = 0;  // its middle
+    int width = 0;
+};
+
+// Where to cut a line in two: the widest run of columns of one colour within the middle half.
+Gap widestGap(const cv::Mat& line) {
     constexpr double plain = 40;  // levels of 255 between darkest and lightest, compression's noise included
-    int best = line.cols / 2;
-    int widest = 0;
+    Gap widest{line.cols / 2, 0};
     int run = 0;
     for (int x = line.cols / 4; x < line.cols * 3 / 4; ++x) {
         double least = 0, most = 0;
         cv::minMaxLoc(line.col(x).clone().reshape(1), &least, &most);
         run = most - least < plain ? run + 1 : 0;
-        if (run > widest) {
-            widest = run;
-            best = x - run / 2;
-        }
+        if (run > widest.width) widest = {x - run / 2, run};
     }
-    return best;
+    return widest;
 }
 
 }  // namespace
@@ -58,11 +60,12 @@ LineRecognizer::LineRecognizer(const std::filesystem::path& modelFile)
 
 Reading LineRecognizer::read(const cv::Mat& line, const std::stop_token& stop, int longest) const {
     if (static_cast<double>(line.cols) * networkHeight / line.rows <= longest) return readPart(line, stop);
-    const int cut = cutColumn(line);
+    const auto [cut, gap] = widestGap(line);
     Reading parts[2];
-    parallelFor(2, [&](std::size_t part) {
+    parallelFor(2, [&, cut = cut](std::size_t part) {
         parts[part] = read(part == 0 ? line.colRange(0, cut) : line.colRange(cut, line.cols), stop, longest);
     });
+    if (!parts[1].empty() && gap > wordGap * line.rows) parts[1].front().spaceBefore = 1;
     for (auto& character : parts[1]) {
         character.left += cut;
         character.right += cut;

@@ -14,9 +14,10 @@
 namespace ovrin {
 namespace {
 
-constexpr double tall = 1.5;        // times as high as wide: a column, or a line of a page that lies on its side
-constexpr double column = 3;        // so high it is no single character
-constexpr double doubtful = 0.8;    // below, a line may be turned otherwise
+constexpr double tall = 1.5;      // times as high as wide: a column, or a line of a page that lies on its side
+constexpr double column = 3;      // so high it is no single character
+constexpr double doubtful = 0.8;  // below, a line may be turned otherwise
+constexpr double sureOfHalves = 0.95;
 constexpr int longestOfHalf = 400;  // columns that the network sees; in less, a line is not worth being cut in two
 
 // What a reading is worth: its characters, each counted by its confidence.
@@ -99,9 +100,13 @@ Page readAsItIs(const cv::Mat& picture, const PageReaders& readers, const std::s
     const auto boxes = readers.detector.detect(picture, stop);
     const LineRecognizer& network = *readers.network.get();
     std::vector<ReadPiece> read(boxes.size());
-    // The cores share a line that is the only one.
-    const int longest = boxes.size() == 1 ? longestOfHalf : LineRecognizer::longestPart;
-    parallelFor(boxes.size(), [&](std::size_t i) { read[i] = readBox(picture, boxes[i], network, stop, longest); });
+    const auto readAll = [&](int longest) {
+        parallelFor(boxes.size(), [&](std::size_t i) { read[i] = readBox(picture, boxes[i], network, stop, longest); });
+    };
+    // The cores share a line that is the only one, as long as its halves show no doubt.
+    const bool isAlone = boxes.size() == 1;
+    if (isAlone) readAll(longestOfHalf);
+    if (!isAlone || meanConfidence(read.front().reading) < sureOfHalves) readAll(LineRecognizer::longestPart);
     Page page;
     double characters = 0;
     for (auto& [piece, reading] : read) {
