@@ -19,27 +19,13 @@ namespace {
 constexpr double readingHeight = 32;
 constexpr int border = 10;
 
-struct Language {
-    const char* tag;
-    const char* name;
-    Script script;
-};
-
-constexpr Language languages[] = {{"ko", "kor", Script::hangul}, {"ru", "rus", Script::cyrillic},
-                                  {"el", "ell", Script::greek},  {"th", "tha", Script::thai},
-                                  {"ar", "ara", Script::arabic}, {"hi", "hin", Script::devanagari}};
+constexpr TesseractReader::Language languages[] = {{"ko", "kor", Script::hangul}, {"ru", "rus", Script::cyrillic},
+                                                   {"el", "ell", Script::greek},  {"th", "tha", Script::thai},
+                                                   {"ar", "ara", Script::arabic}, {"hi", "hin", Script::devanagari}};
 
 // Grey, dark on light.
 cv::Mat preparedPicture(const LinePiece& piece, const ColumnRun& columns, double scale) {
-    cv::Mat grey;
-    if (piece.flatBackground) {
-        grey = 255 - piece.ink.colRange(columns.left, columns.right);
-    } else {
-        cv::cvtColor(piece.color.colRange(columns.left, columns.right), grey, cv::COLOR_BGR2GRAY);
-        cv::Mat mask;
-        cv::threshold(grey, mask, 0, 255, cv::THRESH_BINARY | cv::THRESH_OTSU);
-        if (cv::mean(mask)[0] < 128) grey = 255 - grey;
-    }
+    const cv::Mat grey = 255 - piece.ink.colRange(columns.left, columns.right);
     cv::Mat scaled;
     cv::resize(grey, scaled, {}, scale, scale, scale < 1 ? cv::INTER_AREA : cv::INTER_CUBIC);
     cv::copyMakeBorder(scaled, scaled, border, border, border, border, cv::BORDER_REPLICATE);
@@ -54,14 +40,13 @@ std::vector<std::unique_ptr<TesseractReader>> TesseractReader::installed(const s
         std::error_code status;
         const auto file = dataFolder / (std::string(language.name) + ".traineddata");
         if (std::filesystem::is_regular_file(file, status))
-            readers.push_back(
-                std::make_unique<TesseractReader>(dataFolder, language.tag, language.name, language.script));
+            readers.push_back(std::make_unique<TesseractReader>(dataFolder, language));
     }
     return readers;
 }
 
-TesseractReader::TesseractReader(std::filesystem::path dataFolder, std::string tag, std::string language, Script script)
-    : dataFolder_(std::move(dataFolder)), tag_(std::move(tag)), language_(std::move(language)), script_(script) {}
+TesseractReader::TesseractReader(std::filesystem::path dataFolder, const Language& language)
+    : dataFolder_(std::move(dataFolder)), language_(language) {}
 
 TesseractReader::~TesseractReader() {
     idle_.clear();
@@ -80,7 +65,7 @@ TesseractReader::Engine TesseractReader::takeEngine() {
     auto engine = std::make_unique<tesseract::TessBaseAPI>();
     const std::vector<std::string> names = {"debug_file", "invert_threshold", "user_defined_dpi"};
     const std::vector<std::string> values = {"/dev/null", "0", "300"};
-    if (engine->Init(dataFolder_.c_str(), language_.c_str(), tesseract::OEM_LSTM_ONLY, nullptr, 0, &names, &values,
+    if (engine->Init(dataFolder_.c_str(), language_.name, tesseract::OEM_LSTM_ONLY, nullptr, 0, &names, &values,
                      false) != 0)
         return nullptr;
     engine->SetPageSegMode(tesseract::PSM_SINGLE_LINE);

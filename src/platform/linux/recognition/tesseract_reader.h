@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <mutex>
-#include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/linux/recognition/script.h"
@@ -18,17 +18,22 @@ namespace ovrin {
 
 class TesseractReader : public SecondReader {
 public:
+    struct Language {
+        const char* tag;   // BCP-47
+        const char* name;  // Tesseract's
+        Script script;
+    };
+
     // A reader for each language whose script the network does not know and whose data is in the folder.
     static std::vector<std::unique_ptr<TesseractReader>> installed(const std::filesystem::path& dataFolder);
 
-    // tag: BCP-47; language: Tesseract's name of it.
-    TesseractReader(std::filesystem::path dataFolder, std::string tag, std::string language, Script script);
+    TesseractReader(std::filesystem::path dataFolder, const Language& language);
     ~TesseractReader() override;
     TesseractReader(const TesseractReader&) = delete;
     TesseractReader& operator=(const TesseractReader&) = delete;
 
-    const std::string& tag() const { return tag_; }
-    bool isOwn(char32_t character) const override { return scriptOf(character) == script_; }
+    std::string_view tag() const { return language_.tag; }
+    bool isOwn(char32_t character) const override { return scriptOf(character) == language_.script; }
     Reading read(const LinePiece& piece, const ColumnRun& columns, const std::stop_token& stop) override;
 
 private:
@@ -37,9 +42,7 @@ private:
     Engine takeEngine();
 
     std::filesystem::path dataFolder_;
-    std::string tag_;
-    std::string language_;
-    Script script_;
+    Language language_;
     std::mutex mutex_;
     std::vector<Engine> idle_;
 };
