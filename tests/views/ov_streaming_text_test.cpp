@@ -3,7 +3,9 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
+#include <QImage>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QStringList>
 #include <memory>
 
@@ -99,6 +101,38 @@ TEST(StreamedDocument, BreaksLinesWhereReadersExpectIt) {
             ASSERT_LE(document.areaOf(at).left(), width);
         }
     }
+}
+
+// Whether anything is drawn in the part of a picture of the document.
+bool hasInk(const StreamedDocument& document, const QRect& part) {
+    QImage picture(part.size(), QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.translate(-part.topLeft());
+    document.draw(painter, part, {});
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (qAlpha(picture.pixel(x, y)) > 0) return true;
+        }
+    }
+    return false;
+}
+
+TEST(StreamedDocument, IsFlushRightWithItsMarkersWhereItRunsFromTheRight) {
+    constexpr int width = 300;
+    StreamedDocument document(Mode::markdown);
+    StreamedDocument::Look look;
+    look.text = look.quietText = look.line = Qt::black;
+    document.setLook(look);
+    document.setWidth(width);
+    document.setText("שלום\n- שלום\n\n> שלום\n\n```\nשלום\n```", Ending::known);
+    const auto row = [&](std::size_t block) { return document.areaOf({block, 0}).toAlignedRect(); };
+    EXPECT_FALSE(hasInk(document, {0, 0, width / 2, row(2).bottom()}));
+    EXPECT_NEAR(document.areaOf(document.begin()).left(), width, 1);
+    EXPECT_EQ(document.at({width - 1.0, 5}), document.begin());
+    EXPECT_TRUE(hasInk(document, {width - 20, row(1).top(), 20, row(1).height()}));  // the bullet
+    EXPECT_TRUE(hasInk(document, {width - 2, row(2).top(), 2, row(2).height()}));    // the bar of the quote
+    EXPECT_TRUE(hasInk(document, {12, row(3).top(), 20, row(3).height()}));          // code stays where it was
 }
 
 class StreamingText : public testing::Test {

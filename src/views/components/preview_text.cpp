@@ -69,6 +69,7 @@ void layOut(QTextLayout& layout, Qt::LayoutDirection direction, double width, in
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     option.setTextDirection(direction);
+    option.setAlignment(direction == Qt::RightToLeft ? Qt::AlignRight : Qt::AlignLeft);
     layout.setTextOption(option);
     const double baseline = WrappedText::Metrics{layout.font(), PreviewText::lineHeight}.baseline();
     layout.beginLayout();

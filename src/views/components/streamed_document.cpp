@@ -25,6 +25,7 @@ constexpr double bodyLine = 21;
 constexpr double codeLine = 18;
 constexpr double listIndent = 24;
 constexpr double quoteIndent = 14;
+constexpr double quoteBarWidth = 3;
 constexpr double numberGap = 5;
 constexpr double bulletGap = 9;
 constexpr double codePadding = 12;
@@ -186,6 +187,12 @@ double StreamedDocument::textWidth(const MarkdownLine& line) const {
     return std::max(width_ - indent(line) - right, std::min(width_, narrowestIndented));
 }
 
+// What runs from the right is indented there.
+double StreamedDocument::left(const Block& block) const {
+    if (!block.wrapped.isRightToLeft()) return indent(block.line);
+    return width_ - indent(block.line) - textWidth(block.line);
+}
+
 QFont StreamedDocument::font(const MarkdownLine& line, const MarkdownSpan& span) const {
     if (look_.interfaceStyle) return toQFont(look_.interfaceStyle->font, look_.language);
     theme::FontStyle style = theme::font::body;
@@ -209,7 +216,7 @@ WrappedText::Metrics StreamedDocument::metrics(const MarkdownLine& line) const {
     const double height = line.kind == Kind::code      ? codeLine
                           : line.kind == Kind::heading ? headingFont(line.level).size + 9
                                                        : bodyLine;
-    return {.font = font(line, {}), .lineHeight = std::round(height)};
+    return {.font = font(line, {}), .lineHeight = std::round(height), .followsText = line.kind != Kind::code};
 }
 
 QList<QTextLayout::FormatRange> StreamedDocument::formats(const MarkdownLine& line) const {
@@ -240,7 +247,7 @@ void StreamedDocument::draw(QPainter& painter, const QRectF& clip, const Range& 
     for (std::size_t i = blockIndexAt(clip.top() - codePadding); i < blocks_.size(); ++i) {
         const Block& block = blocks_[i];
         if (block.top - codePadding > clip.bottom()) break;
-        const QPointF origin(indent(block.line), block.top);
+        const QPointF origin(left(block), block.top);
         const QRectF within = clip.translated(-origin);
         drawCodeBackground(painter, i, clip);
         drawInlineCode(painter, block, within);
@@ -275,28 +282,46 @@ void StreamedDocument::drawCodeBackground(QPainter& painter, std::size_t index, 
 // List markers, the bar beside a quote, rules.
 void StreamedDocument::drawAdornments(QPainter& painter, std::size_t index) const {
     const Block& block = blocks_[index];
-    if (block.line.kind == Kind::listItem) {
-        const WrappedText::Metrics metrics = this->metrics(block.line);
-        painter.setFont(metrics.font);
-        painter.setPen(look_.quietText);
-        const double markerWidth = QFontMetricsF(metrics.font).horizontalAdvance(block.line.marker);
-        const double gap = block.line.marker.size() > 1 ? numberGap : bulletGap;
-        painter.drawText(QPointF(indent(block.line) - gap - markerWidth, block.top + metrics.baseline()),
-                         block.line.marker);
-    } else if (block.line.kind == Kind::quote) {
-        const bool goesOn = index > 0 && blocks_[index - 1].line.kind == Kind::quote;
-        const double top = goesOn ? blocks_[index - 1].bottom() : block.top;
-        painter.fillRect(QRectF(block.line.depth * listIndent, top, 3, block.bottom() - top), look_.line);
-    } else if (block.line.kind == Kind::rule) {
-        painter.fillRect(QRectF(0, block.top, width_, ruleHeight), look_.line);
+    switch (block.line.kind) {
+        case Kind::listItem:
+            return drawMarker(painter, block);
+        case Kind::quote:
+            return drawQuoteBar(painter, index);
+        case Kind::rule:
+            return painter.fillRect(QRectF(0, block.top, width_, ruleHeight), look_.line);
+        default:
+            return;
     }
+}
+
+void StreamedDocument::drawMarker(QPainter& painter, const Block& block) const {
+    const WrappedText::Metrics metrics = this->metrics(block.line);
+    const bool isRightToLeft = block.wrapped.isRightToLeft();
+    const double markerWidth = QFontMetricsF(metrics.font).horizontalAdvance(block.line.marker);
+    const double gap = block.line.marker.size() > 1 ? numberGap : bulletGap;
+    const double x = isRightToLeft ? width_ - indent(block.line) + gap : indent(block.line) - gap - markerWidth;
+    painter.setFont(metrics.font);
+    painter.setPen(look_.quietText);
+    painter.setLayoutDirection(isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);  // the dot follows the number
+    painter.drawText(QPointF(x, block.top + metrics.baseline()), block.line.marker);
+}
+
+void StreamedDocument::drawQuoteBar(QPainter& painter, std::size_t index) const {
+    const Block& block = blocks_[index];
+    const bool isRightToLeft = block.wrapped.isRightToLeft();
+    const bool goesOn = index > 0 && blocks_[index - 1].line.kind == Kind::quote &&
+                        blocks_[index - 1].wrapped.isRightToLeft() == isRightToLeft;
+    const double top = goesOn ? blocks_[index - 1].bottom() : block.top;
+    const double inset = block.line.depth * listIndent;
+    const double x = isRightToLeft ? width_ - inset - quoteBarWidth : inset;
+    painter.fillRect(QRectF(x, top, quoteBarWidth, block.bottom() - top), look_.line);
 }
 
 void StreamedDocument::drawInlineCode(QPainter& painter, const Block& block, const QRectF& clip) const {
     for (const MarkdownSpan& span : block.line.spans) {
         if (!span.isCode) continue;
         for (const QRectF& area : block.wrapped.areas(span.start, span.start + span.length, clip)) {
-            fillRounded(painter, area.translated(indent(block.line), block.top).adjusted(-2.5, 2, 2.5, -2), 4.5,
+            fillRounded(painter, area.translated(left(block), block.top).adjusted(-2.5, 2, 2.5, -2), 4.5,
                         look_.inlineCodeBackground);
         }
     }
@@ -309,7 +334,7 @@ void StreamedDocument::drawSelection(QPainter& painter, std::size_t index, const
     const qsizetype start = index == selection.begin.block ? selection.begin.offset : 0;
     const qsizetype end = index == selection.end.block ? selection.end.offset : block.line.text.size();
     for (const QRectF& area : block.wrapped.areas(start, end, clip)) {
-        painter.fillRect(area.translated(indent(block.line), block.top), look_.selection);
+        painter.fillRect(area.translated(left(block), block.top), look_.selection);
     }
 }
 
@@ -336,7 +361,7 @@ Position StreamedDocument::at(const QPointF& point) const {
     // In a gap the nearer block counts.
     if (index + 1 < blocks_.size() && point.y() - blocks_[index].bottom() > blocks_[index + 1].top - point.y()) ++index;
     const Block& block = blocks_[index];
-    return {index, block.wrapped.positionAt(point - QPointF(indent(block.line), block.top))};
+    return {index, block.wrapped.positionAt(point - QPointF(left(block), block.top))};
 }
 
 Range StreamedDocument::wordAt(Position position) const {
@@ -414,13 +439,13 @@ QRectF StreamedDocument::areaOf(Position position) const {
     if (blocks_.empty()) return {};
     const Block& block = blocks_[position.block];
     const QRectF line = block.wrapped.lineAt(position.offset).area;
-    return {indent(block.line) + block.wrapped.xAt(position.offset), block.top + line.top(), 1, line.height()};
+    return {left(block) + block.wrapped.xAt(position.offset), block.top + line.top(), 1, line.height()};
 }
 
 QString StreamedDocument::linkAt(const QPointF& point) const {
     if (blocks_.empty()) return {};
     const Block& block = blocks_[blockIndexAt(point.y())];
-    const qsizetype character = block.wrapped.characterAt(point - QPointF(indent(block.line), block.top));
+    const qsizetype character = block.wrapped.characterAt(point - QPointF(left(block), block.top));
     for (const MarkdownSpan& span : block.line.spans) {
         if (character >= span.start && character < span.start + span.length) return span.link;
     }
@@ -434,7 +459,7 @@ QRectF StreamedDocument::characterArea(Position position) const {
     const qsizetype end = next.block == position.block ? next.offset : block.line.text.size();
     const std::vector<QRectF> areas =
         block.wrapped.areas(position.offset, end, QRectF(0, 0, width_, block.wrapped.height()));
-    return areas.empty() ? areaOf(position) : areas.front().translated(indent(block.line), block.top);
+    return areas.empty() ? areaOf(position) : areas.front().translated(left(block), block.top);
 }
 
 QString StreamedDocument::separator(std::size_t index) const {

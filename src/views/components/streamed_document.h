@@ -132,12 +132,15 @@ private:
     double gapAbove(std::size_t index) const;
     static double indent(const MarkdownLine& line);
     double textWidth(const MarkdownLine& line) const;
+    double left(const Block& block) const;  // edge of its text
     WrappedText::Metrics metrics(const MarkdownLine& line) const;
     QList<QTextLayout::FormatRange> formats(const MarkdownLine& line) const;
     QFont font(const MarkdownLine& line, const MarkdownSpan& span) const;
 
     void drawCodeBackground(QPainter& painter, std::size_t index, const QRectF& clip) const;
     void drawAdornments(QPainter& painter, std::size_t index) const;
+    void drawMarker(QPainter& painter, const Block& block) const;
+    void drawQuoteBar(QPainter& painter, std::size_t index) const;
     void drawSelection(QPainter& painter, std::size_t index, const QRectF& clip, const Range& selection) const;
     void drawInlineCode(QPainter& painter, const Block& block, const QRectF& clip) const;
 

@@ -64,7 +64,7 @@ void WrappedText::set(const QString& text, const Formats& formats, const Metrics
     formats_ = formats;
     metrics_ = metrics;
     width_ = width;
-    if (kept == 0) isRightToLeft_ = text_.isRightToLeft();
+    if (kept == 0) isRightToLeft_ = metrics_.followsText && text_.isRightToLeft();
     layOutFrom(kept);
 }
 
@@ -105,6 +105,7 @@ WrappedText::Piece WrappedText::makePiece(qsizetype start, qsizetype length, dou
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     option.setTextDirection(isRightToLeft_ ? Qt::RightToLeft : Qt::LeftToRight);
+    option.setAlignment(isRightToLeft_ ? Qt::AlignRight : Qt::AlignLeft);
     option.setTabStopDistance(4 * QFontMetricsF(metrics_.font).horizontalAdvance(' '));
     piece.layout->setTextOption(option);
     piece.layout->setCacheEnabled(true);  // else every drawing shapes the text again

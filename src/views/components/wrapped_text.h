@@ -20,7 +20,8 @@ class WrappedText {
 public:
     struct Metrics {
         QFont font;
-        double lineHeight = 0;  // the grid; a line with taller glyphs takes more
+        double lineHeight = 0;    // the grid; a line with taller glyphs takes more
+        bool followsText = true;  // runs from the right and is flush right when its first letter does; else never
 
         double baseline() const;  // of an ordinary line, below its top, on a whole point
         friend bool operator==(const Metrics&, const Metrics&) = default;
@@ -40,6 +41,7 @@ public:
 
     const QString& text() const { return text_; }
     double height() const { return height_; }
+    bool isRightToLeft() const { return isRightToLeft_; }
     // That of its widest line as it is wrapped now.
     double usedWidth() const;
 
