@@ -6,10 +6,15 @@
 #include <QImage>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QStringList>
+#include <QVBoxLayout>
 #include <memory>
 
 #include <gtest/gtest.h>
+
+#include "views/components/ov_error_note.h"
+#include "views/components/ov_scroll_area.h"
 
 namespace ovrin {
 namespace {
@@ -133,6 +138,9 @@ TEST(StreamedDocument, IsFlushRightWithItsMarkersWhereItRunsFromTheRight) {
     EXPECT_TRUE(hasInk(document, {width - 20, row(1).top(), 20, row(1).height()}));  // the bullet
     EXPECT_TRUE(hasInk(document, {width - 2, row(2).top(), 2, row(2).height()}));    // the bar of the quote
     EXPECT_TRUE(hasInk(document, {12, row(3).top(), 20, row(3).height()}));          // code stays where it was
+
+    document.setText("שלום code", Ending::known);
+    EXPECT_LT(document.characterArea({0, 5}).right(), document.characterArea({0, 6}).right());
 }
 
 class StreamingText : public testing::Test {
@@ -252,6 +260,52 @@ TEST_F(StreamingText, IsReadByCharacterAndLineAndSelectedByOffset) {
         if (words->text(begin, end).contains('\n')) continue;
         EXPECT_EQ(words->offsetAtPoint(words->characterRect(begin).center() - QPoint(1, 0)), begin);
     }
+}
+
+TEST(FocusRing, GoesAroundATextThatTheKeyboardReachedAndMovesWithIt) {
+    ViewEnvironment environment;
+    OVScrollArea area(environment);
+    auto* content = new QWidget;
+    auto* column = new QVBoxLayout(content);
+    auto* text = new OVStreamingText(environment, Mode::plain);
+    auto* note = new OVErrorNote(environment);
+    column->addWidget(text);
+    column->addSpacing(1000);
+    column->addWidget(note);
+    area.setContent(content);
+    text->setTextSoFar("读到这里", Progress::finished);
+    note->setMessage("失败");
+    area.show();
+    QApplication::processEvents();
+    const auto focus = [](QWidget& widget, QEvent::Type type, Qt::FocusReason reason) {
+        QFocusEvent event(type, reason);
+        QApplication::sendEvent(&widget, &event);
+    };
+    // Of the ring, as far as there is one.
+    const auto ringed = [&] {
+        for (const auto* ring : area.findChildren<OVFocusRing*>()) {
+            if (!ring->isHidden()) return QRect(ring->mapTo(&area, QPoint()), ring->size());
+        }
+        return QRect();
+    };
+    focus(*text, QEvent::FocusIn, Qt::MouseFocusReason);
+    EXPECT_TRUE(ringed().isNull());
+    focus(*text, QEvent::FocusIn, Qt::TabFocusReason);
+    const auto place = [&] { return QRect(text->mapTo(&area, QPoint()), text->size()); };
+    EXPECT_TRUE(ringed().contains(place(), true));
+    area.verticalScrollBar()->setValue(15);
+    EXPECT_TRUE(ringed().contains(place(), true));
+    focus(*text, QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+    EXPECT_TRUE(ringed().isNull());
+    focus(*text, QEvent::FocusIn, Qt::ActiveWindowFocusReason);
+    EXPECT_FALSE(ringed().isNull());
+    focus(*text, QEvent::FocusOut, Qt::TabFocusReason);
+    EXPECT_TRUE(ringed().isNull());
+
+    focus(*note->findChild<OVStreamingText*>(), QEvent::FocusIn, Qt::TabFocusReason);
+    EXPECT_EQ(ringed().size(), note->size());
+    delete note;
+    EXPECT_TRUE(ringed().isNull());
 }
 
 }  // namespace

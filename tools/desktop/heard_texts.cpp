@@ -3,13 +3,18 @@
 #include <cstddef>
 #include <string_view>
 
+#include "base/error.h"
+#include "desktop/wait.h"
+
 namespace ovrin {
 namespace {
 
+constexpr const char* registry = "org.a11y.atspi.Registry";
 constexpr const char* eventName = "object:text-changed";
 
 // Where a character begins, counted in code points on the bus.
 std::size_t bytesBefore(const std::string& words, int characters) {
+    if (characters > g_utf8_strlen(words.c_str(), -1)) throw Error("a change beyond the text that was heard");
     return static_cast<std::size_t>(g_utf8_offset_to_pointer(words.c_str(), characters) - words.c_str());
 }
 
@@ -25,11 +30,10 @@ HeardTexts::HeardTexts(const ScreenReader& reader) : bus_(reader.bus()) {
                                            nullptr, nullptr, G_DBUS_SIGNAL_FLAGS_NONE, onSignal, this, nullptr);
     g_main_context_pop_thread_default(context_.get());
     // Programs say nothing before somebody wants to hear it.
-    bus_.call({.destination = "org.a11y.atspi.Registry",
-               .path = "/org/a11y/atspi/registry",
-               .interface = "org.a11y.atspi.Registry",
-               .name = "RegisterEvent"},
-              g_variant_new("(sass)", eventName, nullptr, ""));
+    waitFor("the registry of listeners", [this] { return bus_.hasOwner(registry); });
+    bus_.call(
+        {.destination = registry, .path = "/org/a11y/atspi/registry", .interface = registry, .name = "RegisterEvent"},
+        g_variant_new("(sass)", eventName, nullptr, ""));
 }
 
 HeardTexts::~HeardTexts() {

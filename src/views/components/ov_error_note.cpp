@@ -13,7 +13,6 @@ using theme::ColorToken;
 
 namespace {
 constexpr double cornerRadius = 9;
-constexpr double focusRingWidth = 1.5;
 constexpr double iconSize = 14;
 constexpr double noteLine = 17;             // points from one line to the next
 constexpr qsizetype longestMessage = 1000;  // in UTF-16 units: an answer that is no message may be a whole web page
@@ -24,7 +23,7 @@ OVErrorNote::OVErrorNote(ViewEnvironment& environment, QWidget* parent)
     : OVWidget(environment, parent), words_(new OVStreamingText(environment, OVStreamingText::Mode::plain)) {
     words_->setInterfaceStyle({.font = noteFont, .lineHeight = noteLine});
     words_->setColor(ColorToken::red);
-    words_->installEventFilter(this);
+    words_->setFocusRing(*this, {.horizontalMargin = 0, .verticalMargin = 0, .radius = cornerRadius});
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(10, 8, 10, 8);
     row->setSpacing(8);
@@ -46,16 +45,6 @@ void OVErrorNote::paintEvent(QPaintEvent* /*event*/) {
     QColor ground = color(ColorToken::red);
     ground.setAlphaF(environment().isDark() ? 0.14F : 0.08F);
     fillRounded(painter, rect(), cornerRadius, ground);
-    if (!words_->hasFocus()) return;
-    painter.setPen(QPen(color(ColorToken::accent), focusRingWidth));
-    painter.setBrush(Qt::NoBrush);
-    const double inset = focusRingWidth / 2;
-    painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), cornerRadius, cornerRadius);
-}
-
-bool OVErrorNote::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) update();
-    return OVWidget::eventFilter(watched, event);
 }
 
 }  // namespace ovrin

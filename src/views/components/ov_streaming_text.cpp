@@ -27,6 +27,11 @@ constexpr int frameInterval = 16;  // milliseconds
 constexpr int narrowest = 140;     // points of width that a window leaves a text
 constexpr int dragInterval = 40;   // milliseconds between steps of scrolling under a held mouse
 
+// Whether the keyboard goes to a menu or another window, or comes back from there.
+bool isForAWhile(const QFocusEvent& event) {
+    return event.reason() == Qt::ActiveWindowFocusReason || event.reason() == Qt::PopupFocusReason;
+}
+
 }  // namespace
 
 OVStreamingText::OVStreamingText(ViewEnvironment& environment, Mode mode, QWidget* parent)
@@ -40,6 +45,10 @@ OVStreamingText::OVStreamingText(ViewEnvironment& environment, Mode mode, QWidge
     setCursor(Qt::IBeamCursor);
     applyLook();
     connect(&environment, &ViewEnvironment::changed, this, &OVStreamingText::applyLook);
+}
+
+OVStreamingText::~OVStreamingText() {
+    delete ring_.data();
 }
 
 void OVStreamingText::setTextSoFar(std::string_view utf8, Progress progress) {
@@ -88,6 +97,11 @@ void OVStreamingText::setColor(ColorToken color) {
 void OVStreamingText::setInterfaceStyle(const StreamedDocument::InterfaceStyle& style) {
     interfaceStyle_ = style;
     applyLook();
+}
+
+void OVStreamingText::setFocusRing(QWidget& around, const OVFocusRing::Shape& shape) {
+    ringedPart_ = &around;
+    ringShape_ = shape;
 }
 
 void OVStreamingText::applyLook() {
@@ -295,8 +309,20 @@ OVStreamingText::Position OVStreamingText::movedVertically(int lines) const {
     }
 }
 
+// As everywhere, a click shows no ring.
+void OVStreamingText::focusInEvent(QFocusEvent* event) {
+    const bool isRinged = isForAWhile(*event) ? ring_ != nullptr : event->reason() != Qt::MouseFocusReason;
+    if (isRinged && ring_ == nullptr) ring_ = new OVFocusRing(environment(), *ringedPart_, ringShape_);
+    if (isRinged) ring_->show();
+}
+
 void OVStreamingText::focusOutEvent(QFocusEvent* event) {
-    // One selection at a time in a window; menus and other windows don't count.
+    if (isForAWhile(*event)) {
+        if (ring_ != nullptr) ring_->hide();
+        return;
+    }
+    delete ring_.data();
+    // One selection at a time in a window.
     const bool isElsewhere = event->reason() == Qt::MouseFocusReason || event->reason() == Qt::TabFocusReason ||
                              event->reason() == Qt::BacktabFocusReason;
     if (isElsewhere) select(cursor_, cursor_);

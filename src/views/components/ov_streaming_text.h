@@ -11,11 +11,13 @@
 #include <QBasicTimer>
 #include <QElapsedTimer>
 #include <QPoint>
+#include <QPointer>
 #include <QUrl>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "views/components/ov_focus_ring.h"
 #include "views/components/ov_widget.h"
 #include "views/components/streamed_document.h"
 
@@ -29,6 +31,9 @@ public:
     enum class Progress : std::uint8_t { streaming, finished };
 
     OVStreamingText(ViewEnvironment& environment, Mode mode, QWidget* parent = nullptr);
+    OVStreamingText(const OVStreamingText&) = delete;
+    OVStreamingText& operator=(const OVStreamingText&) = delete;
+    ~OVStreamingText() override;
 
     // The whole text so far, in UTF-8. What it begins with is usually the text before, and only the rest is read.
     void setTextSoFar(std::string_view utf8, Progress progress);
@@ -39,6 +44,8 @@ public:
     void setLanguage(std::string_view tag);
     void setColor(theme::ColorToken color);
     void setInterfaceStyle(const StreamedDocument::InterfaceStyle& style);
+    // The ring that shows that the keyboard reached the text goes around this part of the window instead of the text.
+    void setFocusRing(QWidget& around, const OVFocusRing::Shape& shape);
 
     // What is shown, and what of it is selected, as it would be copied.
     QString plainText() const { return document_.plainText(); }
@@ -79,6 +86,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     bool event(QEvent* event) override;
 
@@ -104,6 +112,10 @@ private:
     Progress shownProgress_ = Progress::finished;
     QBasicTimer frame_;
     QElapsedTimer sinceFrame_;
+
+    QWidget* ringedPart_ = this;
+    OVFocusRing::Shape ringShape_;
+    QPointer<OVFocusRing> ring_;  // may go with what it lies in
 
     Position anchor_;
     Position cursor_;

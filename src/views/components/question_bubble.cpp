@@ -17,6 +17,8 @@ constexpr int shortestText = 10;
 
 QuestionBubble::QuestionBubble(ViewEnvironment& environment, std::string_view text, QWidget* parent)
     : OVWidget(environment, parent), text_(new OVStreamingText(environment, OVStreamingText::Mode::plain, this)) {
+    text_->setFocusRing(
+        *text_, {.horizontalMargin = horizontalPadding, .verticalMargin = verticalPadding, .radius = cornerRadius});
     text_->setTextSoFar(text, OVStreamingText::Progress::finished);
     naturalWidth_ = std::max(text_->naturalWidth(), shortestText);
     QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Minimum);

@@ -11,13 +11,14 @@ namespace ovrin {
 namespace {
 constexpr int widest = 700;  // points, of the column
 constexpr int margin = 16;
+constexpr int topMargin = 4;  // for the ring around a text that begins there
 constexpr int spacing = 16;
 }  // namespace
 
 ReadingColumn::ReadingColumn(ViewEnvironment& environment, OVScrollArea& area)
     : OVWidget(environment), area_(area), column_(new QVBoxLayout) {
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(margin, 2, margin, margin);
+    row->setContentsMargins(margin, topMargin, margin, margin);
     auto* content = new QWidget;
     content->setMaximumWidth(widest);
     row->addWidget(content);

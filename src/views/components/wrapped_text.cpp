@@ -1,6 +1,7 @@
 #include "views/components/wrapped_text.h"
 
 #include <QFontMetricsF>
+#include <QGlyphRun>
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
@@ -209,10 +210,10 @@ std::vector<QRectF> WrappedText::areas(qsizetype start, qsizetype end, const QRe
                 add(line.cursorToX(static_cast<int>(from)), line.cursorToX(static_cast<int>(to)));
                 continue;
             }
-            // Neighbours in the text may stand apart on screen.
-            for (qsizetype position = from; position < to; ++position) {
-                add(line.cursorToX(static_cast<int>(position), QTextLine::Leading),
-                    line.cursorToX(static_cast<int>(position), QTextLine::Trailing));
+            // Neighbours in the text may stand apart on screen, and where the direction changes the toolkit knows one
+            // place for the cursor of the two that there are.
+            for (const QGlyphRun& run : line.glyphRuns(static_cast<int>(from), static_cast<int>(to - from))) {
+                add(run.boundingRect().left(), run.boundingRect().right());
             }
         }
     }

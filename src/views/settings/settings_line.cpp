@@ -1,8 +1,6 @@
 #include "views/settings/settings_line.h"
 
-#include <QEvent>
 #include <QHBoxLayout>
-#include <QPainter>
 #include <utility>
 
 #include "views/components/drawing.h"
@@ -31,7 +29,7 @@ SettingsLine::SettingsLine(ViewEnvironment& environment, QString hint, Place pla
     const int lineHeight = label_->sizeHint().height();  // of Chinese, which is higher than other lines
     errorText_->setInterfaceStyle({.font = theme::font::caption, .lineHeight = static_cast<double>(lineHeight)});
     errorText_->setColor(ColorToken::red);
-    errorText_->installEventFilter(this);
+    errorText_->setFocusRing(*this, {.horizontalMargin = 0, .verticalMargin = 0, .radius = ringRadius});
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(4);
@@ -78,19 +76,6 @@ void SettingsLine::refresh() {
 
 QWidget& SettingsLine::errorText() const {
     return *errorText_;
-}
-
-void SettingsLine::paintEvent(QPaintEvent* /*event*/) {
-    if (!errorText_->hasFocus()) return;
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(color(ColorToken::accent));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), ringRadius, ringRadius);
-}
-
-bool SettingsLine::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) update();
-    return OVWidget::eventFilter(watched, event);
 }
 
 }  // namespace ovrin

@@ -34,10 +34,6 @@ public:
 signals:
     void changed();
 
-protected:
-    void paintEvent(QPaintEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     void refresh();
 
