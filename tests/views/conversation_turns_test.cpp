@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "views/components/ov_button.h"
 #include "views/components/ov_scroll_area.h"
 #include "views/components/question_bubble.h"
 #include "views/components/reading_column.h"
@@ -65,6 +66,24 @@ TEST_F(Conversation, AnotherQuestionInATurnsPlaceIsAnotherTurn) {
     show({});
     EXPECT_TRUE(views().empty());
     EXPECT_TRUE(turns->isHidden());
+}
+
+TEST_F(Conversation, TabGoesThroughTheTurnsBeforeWhatStandsBelow) {
+    OVButton above(environment, "上", OVButton::Kind::ghost);
+    OVButton below(environment, "下", OVButton::Kind::ghost);
+    QWidget window;
+    auto* layout = new QVBoxLayout(&window);
+    for (QWidget* const part : std::initializer_list<QWidget*>{&above, &area, &below}) layout->addWidget(part);
+    window.show();
+    show({{first, "问", "答", false}});
+    show({{first, "问", "答", false}, {second, "再问", "再答", false}});
+    std::vector<QWidget*> stops;
+    for (QWidget* next = above.nextInFocusChain(); next != &above; next = next->nextInFocusChain()) {
+        if ((next->focusPolicy() & Qt::TabFocus) != 0) stops.push_back(next);
+    }
+    EXPECT_EQ(stops, (std::vector<QWidget*>{&views()[0]->question(), &views()[0]->answer(), &views()[1]->question(),
+                                            &views()[1]->answer(), &below}));
+    for (QWidget* const part : std::initializer_list<QWidget*>{&above, &area, &below}) part->setParent(nullptr);
 }
 
 // A bubble is as high as its text needs, be that shorter or longer than a line.

@@ -9,8 +9,18 @@
 namespace ovrin {
 
 namespace {
+
 constexpr int spacing = 20;
+
+// What Tab reaches before it comes to the widget; none where it is the first.
+QWidget* stopBefore(QWidget& widget) {
+    for (QWidget* before = widget.previousInFocusChain(); before != &widget; before = before->previousInFocusChain()) {
+        if (before->focusPolicy() != Qt::NoFocus) return before;
+    }
+    return nullptr;
 }
+
+}  // namespace
 
 ConversationTurns::ConversationTurns(ViewEnvironment& environment, ReadingColumn& column,
                                      ConversationTurnView::Style style)
@@ -45,6 +55,9 @@ ConversationTurns::Shown ConversationTurns::add(const Turn& turn) {
     column_.makeReadable(view->answer());
     view->answer().setAccessibleName(QStringLiteral("回答 %1").arg(shown_.size() + 1));
     layout_->addWidget(view);
+    // By themselves they would come after all that has been there before.
+    setTabOrder(shown_.empty() ? stopBefore(*this) : &shown_.back().view->answer(), &view->question());
+    setTabOrder(&view->question(), &view->answer());
     return {turn.id, std::string(turn.question), view};
 }
 

@@ -38,6 +38,11 @@ void OVScrollArea::followBottom() {
     verticalScrollBar()->setValue(verticalScrollBar()->maximum());
 }
 
+void OVScrollArea::showTop() {
+    stopFollowing();
+    verticalScrollBar()->setValue(verticalScrollBar()->minimum());
+}
+
 void OVScrollArea::noteUserScroll() {
     isFollowing_ = verticalScrollBar()->sliderPosition() >= verticalScrollBar()->maximum();
 }

@@ -25,6 +25,8 @@ public:
 
     // Goes to the bottom and stays there from now on.
     void followBottom();
+    // Goes to the top and stays there.
+    void showTop();
     // Leaves what is in sight where it is, until the user goes to the bottom.
     void stopFollowing() { isFollowing_ = false; }
     bool isFollowing() const { return isFollowing_; }

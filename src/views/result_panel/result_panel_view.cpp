@@ -31,13 +31,17 @@ ResultPanelView::ResultPanelView(ViewEnvironment& environment, ResultPanelViewMo
     connect(titleBar, &ResultPanelTitleBar::closeRequested, this, &ResultPanelView::closeRequested);
     connect(composer_, &ResultPanelComposer::scrollKeyPressed, this,
             [this](QKeyEvent* event) { QCoreApplication::sendEvent(reading_, event); });
-    followConversation();
+    followNews();
     showing_ =
         watch(std::tie(viewModel.showsImageOverlay(), viewModel.translation()), [this] { showReadingOrOverlay(); });
 }
 
-// A new question is what the user wants to see, whichever way it was asked; so is its answer as it comes.
-void ResultPanelView::followConversation() {
+// What was asked for last is what the user wants to see, whichever way that was: an answer at the end of the
+// conversation as it comes, or the translation above it, which is read from its beginning.
+void ResultPanelView::followNews() {
+    translating_ = viewModel_.isTranslating().onDidChange([this](bool isTranslating) {
+        if (isTranslating) reading_->showTop();
+    });
     streaming_ = viewModel_.isAIStreaming().onDidChange([this](bool isStreaming) {
         if (isStreaming) reading_->followBottom();
     });

@@ -29,7 +29,7 @@ signals:
     void closeRequested();
 
 private:
-    void followConversation();
+    void followNews();
     void showReadingOrOverlay();
 
     ResultPanelViewModel& viewModel_;
@@ -38,6 +38,7 @@ private:
     ResultPanelComposer* composer_;
     QVBoxLayout* column_;
     Subscription showing_;
+    Subscription translating_;
     Subscription streaming_;
 };
 
