@@ -3,8 +3,13 @@
 #include <exception>
 
 #include "base/error.h"
+#include "base/text.h"
 
 namespace ovrin {
+
+bool AnswerEnd::isBlank(std::string_view answer) const {
+    return kind == Kind::complete && text::trimmed(answer).empty();
+}
 
 Task<AnswerEnd> readAnswer(AsyncStream<AnswerChange> changes, std::function<void(const AnswerChange& change)> take,
                            ThinkingTime& thinking) {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "base/async_stream.h"
 #include "base/task.h"
@@ -19,6 +20,9 @@ struct AnswerEnd {
     Kind kind = Kind::complete;
     // What the user reads about a failure; none when the producer was merely cancelled, which shows no message.
     std::optional<std::string> errorMessage{};
+
+    // Whether it came to its end and there is nothing in it to read.
+    bool isBlank(std::string_view answer) const;
 };
 
 // take is called with every change of the text in order, thinking with whether the model thinks now. Throws nothing; a

@@ -54,7 +54,10 @@ Task<void> DirectAIViewModel::consumeAnswer(Uuid id, std::vector<DeepSeek::Messa
         errorMessage_.set(std::move(end.errorMessage));
     }
     isStreaming_.set(false);
-    changeTurn(id, [](Turn& turn) { turn.isStreaming = false; });
+    changeTurn(id, [&end](Turn& turn) {
+        turn.isStreaming = false;
+        turn.isBlank = end.isBlank(turn.answer);
+    });
 }
 
 void DirectAIViewModel::saveToHistory(const Uuid& id) {

@@ -32,6 +32,7 @@ public:
         std::string question;
         std::string answer;
         bool isStreaming = false;
+        bool isBlank = false;  // the answer ended without text
 
         bool operator==(const Turn&) const = default;
     };

@@ -29,6 +29,7 @@ void InputTranslateViewModel::translate() {
     std::optional<std::string> detected = services_.translation.detectLanguage(source);
     outputLanguage_ = TranslationService::effectiveTargetLanguage(detected, targetLanguage_.value());
     outputText_.set("");
+    isBlank_.set(false);
     errorMessage_.set(std::nullopt);
     detectedLanguage_.set(std::move(detected));
     isStreaming_.set(true);
@@ -43,6 +44,7 @@ Task<void> InputTranslateViewModel::consumeTranslation(std::string source, std::
     };
     AnswerEnd end = co_await readAnswer(services_.translation.stream(source, target), std::move(take), thinking_);
     isStreaming_.set(false);
+    isBlank_.set(end.isBlank(outputText_.value()));
     if (end.kind == AnswerEnd::Kind::complete) {
         services_.history.save({.sourceText = std::move(source),
                                 .resultText = outputText_.value(),
@@ -64,6 +66,7 @@ void InputTranslateViewModel::clear() {
     task_.cancel();
     inputText_.set("");
     outputText_.set("");
+    isBlank_.set(false);
     detectedLanguage_.set(std::nullopt);
     errorMessage_.set(std::nullopt);
     isStreaming_.set(false);

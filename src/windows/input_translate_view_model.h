@@ -45,6 +45,7 @@ public:
     // The tag of the text that was translated last; none when it was too short to tell.
     const Published<std::optional<std::string>>& detectedLanguage() const { return detectedLanguage_; }
     const Published<bool>& isStreaming() const { return isStreaming_; }
+    const Published<bool>& isBlank() const { return isBlank_; }  // the translation ended without text
     const Published<std::optional<std::string>>& errorMessage() const { return errorMessage_; }
     // Beside the note of what streams: how long the model has been thinking; empty when it does not.
     const Published<std::string>& thinking() const { return thinking_.words(); }
@@ -77,6 +78,7 @@ private:
     Published<std::string> targetLanguage_;
     Published<std::optional<std::string>> detectedLanguage_;
     Published<bool> isStreaming_;
+    Published<bool> isBlank_;
     Published<std::optional<std::string>> errorMessage_;
     std::string outputLanguage_;
     ReadingAloud readingAloud_;

@@ -35,6 +35,7 @@ Task<void> MiniPopoverViewModel::consumeTranslation() {
     AsyncStream<AnswerChange> changes = services_.translation.stream(sourceText_.value(), targetLanguage_);
     AnswerEnd end = co_await readAnswer(std::move(changes), std::move(take), thinking_);
     isStreaming_.set(false);
+    isBlank_.set(end.isBlank(translation_.value()));
     errorMessage_.set(std::move(end.errorMessage));
 }
 

@@ -36,6 +36,7 @@ public:
     const Published<std::string>& sourceText() const { return sourceText_; }
     const Published<std::string>& translation() const { return translation_; }
     const Published<bool>& isStreaming() const { return isStreaming_; }  // true from the first: the card waits
+    const Published<bool>& isBlank() const { return isBlank_; }          // the translation ended without text
     const Published<std::optional<std::string>>& errorMessage() const { return errorMessage_; }
     // Beside the note of what streams: how long the model has been thinking; empty when it does not.
     const Published<std::string>& thinking() const { return thinking_.words(); }
@@ -57,6 +58,7 @@ private:
     Published<std::string> sourceText_;
     Published<std::string> translation_;
     Published<bool> isStreaming_{true};
+    Published<bool> isBlank_;
     Published<std::optional<std::string>> errorMessage_;
     std::string targetLanguage_;
     ThinkingTime thinking_;

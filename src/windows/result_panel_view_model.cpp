@@ -79,6 +79,7 @@ void ResultPanelViewModel::translate() {
     cancelConversation();
     translationTask_.cancel();
     translation_.set("");
+    isTranslationBlank_.set(false);
     errorMessage_.set(std::nullopt);
     isTranslating_.set(true);
     translationTask_.replace(consumeTranslation());
@@ -93,6 +94,7 @@ Task<void> ResultPanelViewModel::consumeTranslation() {
     AsyncStream<AnswerChange> changes = services_.translation.stream(originalText_.value(), targetLanguage_);
     AnswerEnd end = co_await readAnswer(std::move(changes), std::move(take), translationThinking_);
     isTranslating_.set(false);
+    isTranslationBlank_.set(end.isBlank(translation_.value()));
     if (end.kind == AnswerEnd::Kind::complete) {
         services_.history.updateLatestResult(originalText_.value(), translation_.value());
     } else {
@@ -137,6 +139,7 @@ void ResultPanelViewModel::startConversation(std::string question, AIAction acti
     selectedAIAction_.set(action);
     initialQuestion_.set(std::move(question));
     aiOutput_.set("");
+    isAIOutputBlank_.set(false);
     followUpPrompt_.set("");
     followUps_.set({});
     errorMessage_.set(std::nullopt);
@@ -158,6 +161,7 @@ Task<void> ResultPanelViewModel::consumeFirstAnswer(std::vector<DeepSeek::Messag
     } else if (!aiOutput_->empty()) {
         services_.history.updateLatestResult(originalText_.value(), conversationTranscript());
     }
+    isAIOutputBlank_.set(end.isBlank(aiOutput_.value()));
     isAIStreaming_.set(false);
 }
 
@@ -189,6 +193,7 @@ Task<void> ResultPanelViewModel::consumeFollowUp(Uuid id, std::vector<DeepSeek::
     changeFollowUp(id, [&end](FollowUpMessage& followUp) {
         // From now on a part of the conversation: later requests send a failure's words along as this turn's answer.
         if (end.errorMessage) followUp.answer = *end.errorMessage;
+        followUp.isBlank = end.isBlank(followUp.answer);
         followUp.isStreaming = false;
     });
 }
@@ -219,6 +224,7 @@ void ResultPanelViewModel::closeAIConversation() {
     selectedAIAction_.set(std::nullopt);
     initialQuestion_.set("");
     aiOutput_.set("");
+    isAIOutputBlank_.set(false);
     followUpPrompt_.set("");
     followUps_.set({});
     errorMessage_.set(std::nullopt);

@@ -40,6 +40,7 @@ struct FollowUpMessage {
     std::string question;
     std::string answer;
     bool isStreaming = false;
+    bool isBlank = false;  // the answer ended without text
 
     bool operator==(const FollowUpMessage&) const = default;
 };
@@ -74,11 +75,13 @@ public:
     const Published<std::string>& originalText() const { return originalText_; }
     const Published<std::string>& translation() const { return translation_; }
     const Published<bool>& isTranslating() const { return isTranslating_; }
+    const Published<bool>& isTranslationBlank() const { return isTranslationBlank_; }  // it ended without text
     const Published<std::optional<std::string>>& errorMessage() const { return errorMessage_; }
     const Published<std::optional<AIAction>>& selectedAIAction() const { return selectedAIAction_; }
     const Published<std::string>& initialQuestion() const { return initialQuestion_; }
     const Published<std::string>& aiOutput() const { return aiOutput_; }
     const Published<bool>& isAIStreaming() const { return isAIStreaming_; }
+    const Published<bool>& isAIOutputBlank() const { return isAIOutputBlank_; }
     const Published<std::string>& followUpPrompt() const { return followUpPrompt_; }
     const Published<std::vector<FollowUpMessage>>& followUps() const { return followUps_; }
     // Beside the notes of what streams: how long the model has been thinking; empty when it does not.
@@ -132,12 +135,14 @@ private:
     Published<std::string> originalText_;
     Published<std::string> translation_;
     Published<bool> isTranslating_;
+    Published<bool> isTranslationBlank_;
     Published<std::optional<std::string>> errorMessage_;
     Failed failed_ = Failed::translation;
     Published<std::optional<AIAction>> selectedAIAction_;
     Published<std::string> initialQuestion_;
     Published<std::string> aiOutput_;
     Published<bool> isAIStreaming_;
+    Published<bool> isAIOutputBlank_;
     Published<std::string> followUpPrompt_;
     Published<std::vector<FollowUpMessage>> followUps_;
     Published<bool> showsImageOverlay_;

@@ -10,6 +10,7 @@
 namespace ovrin {
 
 class BusyNote;
+class OVLabel;
 class QuestionBubble;
 
 class ConversationTurnView final : public OVWidget {
@@ -25,8 +26,8 @@ public:
     ConversationTurnView(ViewEnvironment& environment, std::string_view question, const Style& style,
                          QWidget* parent = nullptr);
 
-    // The answer so far, in UTF-8.
-    void setAnswer(std::string_view answer, OVStreamingText::Progress progress);
+    // The answer so far, in UTF-8. isBlank: it ended without text.
+    void setAnswer(std::string_view answer, OVStreamingText::Progress progress, bool isBlank);
 
     // What is said of the model's thinking while it is waited for; may be empty.
     void setThinking(const std::string& words);
@@ -38,6 +39,7 @@ private:
     QuestionBubble* question_;
     OVStreamingText* answer_;
     BusyNote* waiting_;
+    OVLabel* blank_;
 };
 
 }  // namespace ovrin

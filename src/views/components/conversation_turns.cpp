@@ -40,7 +40,8 @@ void ConversationTurns::show(std::span<const Turn> turns) {
     shown_.erase(firstOther, shown_.end());
     for (std::size_t i = 0; i < turns.size(); ++i) {
         if (i == shown_.size()) shown_.push_back(add(turns[i]));
-        shown_[i].view->setAnswer(turns[i].answer, turns[i].isStreaming ? Progress::streaming : Progress::finished);
+        shown_[i].view->setAnswer(turns[i].answer, turns[i].isStreaming ? Progress::streaming : Progress::finished,
+                                  turns[i].isBlank);
     }
     setVisible(!turns.empty());
 }

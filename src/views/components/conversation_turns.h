@@ -25,6 +25,7 @@ public:
         std::string_view question;  // UTF-8, as the answer
         std::string_view answer;    // so far
         bool isStreaming = false;
+        bool isBlank = false;  // the answer ended without text
     };
 
     // It lies in the column.

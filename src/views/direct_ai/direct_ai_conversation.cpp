@@ -98,8 +98,8 @@ QWidget* DirectAIConversation::makeComposer() {
 
 void DirectAIConversation::showTurns() {
     std::vector<ConversationTurns::Turn> shown;
-    for (const auto& [id, question, answer, isStreaming] : viewModel_.turns().value())
-        shown.push_back({id, question, answer, isStreaming});
+    for (const auto& [id, question, answer, isStreaming, isBlank] : viewModel_.turns().value())
+        shown.push_back({id, question, answer, isStreaming, isBlank});
     turns_->show(shown);
 }
 

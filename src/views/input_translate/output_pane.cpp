@@ -3,6 +3,7 @@
 #include <QVBoxLayout>
 
 #include "base/watch.h"
+#include "views/components/blank_answer_note.h"
 #include "views/components/drawing.h"
 #include "views/components/ov_button.h"
 #include "views/components/ov_error_note.h"
@@ -27,6 +28,7 @@ OutputPane::OutputPane(ViewEnvironment& environment, InputTranslateViewModel& vi
       placeholder_(new OVLabel(environment, QStringLiteral("翻译结果会流式显示在这里"), theme::font::body,
                                ColorToken::ink3, OVLabel::Lines::wrapped)),
       text_(new OVStreamingText(environment, OVStreamingText::Mode::plain)),
+      blank_(makeBlankAnswerNote(environment)),
       error_(new OVErrorNote(environment)) {
     text_->setAccessibleName(QStringLiteral("译文"));
     addBesideTitle(loader_);
@@ -45,9 +47,11 @@ QWidget* OutputPane::makeContent() {
     // Both texts begin on one line with those of the other half.
     column->setContentsMargins(padding, 5, padding - scrollBarMargin, 4);
     placeholder_->setContentsMargins(0, 1, 0, 0);
+    blank_->setContentsMargins(0, 1, 0, 0);
     column->setSpacing(12);
     column->addWidget(placeholder_);
     column->addWidget(text_);
+    column->addWidget(blank_);
     column->addWidget(error_);
     column->addStretch();
     return content;
@@ -56,8 +60,9 @@ QWidget* OutputPane::makeContent() {
 void OutputPane::bind() {
     connect(copy_, &QAbstractButton::clicked, this, [this] { viewModel_.copyTranslation(); });
     connect(speak_, &QAbstractButton::clicked, this, [this] { viewModel_.speakTranslation(); });
-    changes_ = watch(std::tie(viewModel_.outputText(), viewModel_.isStreaming(), viewModel_.errorMessage()),
-                     [this] { refresh(); });
+    changes_ = watch(
+        std::tie(viewModel_.outputText(), viewModel_.isStreaming(), viewModel_.isBlank(), viewModel_.errorMessage()),
+        [this] { refresh(); });
     thinkingChanges_ =
         watch(viewModel_.thinking(), [this](const std::string& words) { thinking_->setText(toQString(words)); });
     newError_ = viewModel_.errorMessage().onDidChange([this](const auto& message) {
@@ -76,8 +81,10 @@ void OutputPane::refresh() {
     const std::optional<std::string>& message = viewModel_.errorMessage().value();
     const bool isStreaming = viewModel_.isStreaming().value();
     loader_->setVisible(isStreaming);
-    placeholder_->setVisible(output.empty() && !message);
-    text_->setVisible(!output.empty());
+    const bool isBlank = viewModel_.isBlank().value();
+    placeholder_->setVisible(output.empty() && !message && !isBlank);
+    text_->setVisible(!output.empty() && !isBlank);
+    blank_->setVisible(isBlank);
     text_->setLanguage(viewModel_.outputLanguage());
     text_->setTextSoFar(output, isStreaming ? streaming : finished);
     error_->setMessage(message);

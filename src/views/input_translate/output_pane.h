@@ -34,6 +34,7 @@ private:
     OVScrollArea* area_;
     OVLabel* placeholder_;
     OVStreamingText* text_;
+    OVLabel* blank_;
     OVErrorNote* error_;
     Subscription changes_;
     Subscription thinkingChanges_;

@@ -4,6 +4,7 @@
 #include <QVBoxLayout>
 
 #include "base/watch.h"
+#include "views/components/blank_answer_note.h"
 #include "views/components/busy_note.h"
 #include "views/components/drawing.h"
 #include "views/components/ov_brand_mark.h"
@@ -32,6 +33,7 @@ MiniPopoverView::MiniPopoverView(ViewEnvironment& environment, MiniPopoverViewMo
       waiting_(new BusyNote(environment, QStringLiteral("正在理解并翻译…"))),
       area_(new OVScrollArea(environment)),
       text_(new OVStreamingText(environment, OVStreamingText::Mode::plain)),
+      blank_(makeBlankAnswerNote(environment)),
       error_(new OVErrorNote(environment)),
       copy_(new OVButton(environment, QStringLiteral("复制"), OVButton::Kind::secondary, OVButton::Density::compact)) {
     auto* column = new QVBoxLayout(this);
@@ -70,6 +72,7 @@ QWidget* MiniPopoverView::makeBody() {
     waiting_->setContentsMargins(0, 2, 0, 0);
     column->addWidget(waiting_);
     column->addWidget(text_);
+    column->addWidget(blank_);
     column->addWidget(error_);
     column->addStretch();
     area_->setContent(content);
@@ -89,8 +92,9 @@ QWidget* MiniPopoverView::makeFooter() {
 }
 
 void MiniPopoverView::bind() {
-    changes_ = watch(std::tie(viewModel_.translation(), viewModel_.isStreaming(), viewModel_.errorMessage()),
-                     [this] { refresh(); });
+    changes_ = watch(
+        std::tie(viewModel_.translation(), viewModel_.isStreaming(), viewModel_.isBlank(), viewModel_.errorMessage()),
+        [this] { refresh(); });
     thinking_ = watch(viewModel_.thinking(), [this](const std::string& words) { waiting_->setDetail(words); });
     newError_ = viewModel_.errorMessage().onDidChange([this](const auto& message) {
         // The translation is read from its beginning while it comes; what ended it stands below.
@@ -103,7 +107,8 @@ void MiniPopoverView::refresh() {
     const bool isStreaming = viewModel_.isStreaming().value();
     pill_->setVisible(isStreaming);
     waiting_->setVisible(isStreaming && translation.empty());
-    text_->setVisible(!translation.empty());
+    text_->setVisible(!translation.empty() && !viewModel_.isBlank().value());
+    blank_->setVisible(viewModel_.isBlank().value());
     text_->setTextSoFar(translation,
                         isStreaming ? OVStreamingText::Progress::streaming : OVStreamingText::Progress::finished);
     error_->setMessage(viewModel_.errorMessage().value());

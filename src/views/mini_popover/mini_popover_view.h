@@ -13,6 +13,7 @@ class MiniPopoverViewModel;
 class OVButton;
 class OVErrorNote;
 class OVIconButton;
+class OVLabel;
 class OVScrollArea;
 class OVStatusPill;
 class OVStreamingText;
@@ -43,6 +44,7 @@ private:
     BusyNote* waiting_;
     OVScrollArea* area_;
     OVStreamingText* text_;
+    OVLabel* blank_;
     OVErrorNote* error_;
     OVButton* copy_;
     Subscription changes_;

@@ -32,7 +32,7 @@ ReadingFlow::ReadingFlow(ViewEnvironment& environment, ResultPanelViewModel& vie
 
 void ReadingFlow::bind() {
     conversation_ = watch(std::tie(viewModel_.selectedAIAction(), viewModel_.initialQuestion(), viewModel_.aiOutput(),
-                                   viewModel_.isAIStreaming(), viewModel_.followUps()),
+                                   viewModel_.isAIStreaming(), viewModel_.isAIOutputBlank(), viewModel_.followUps()),
                           [this] { showConversation(); });
     thinking_ =
         watch(viewModel_.conversationThinking(), [this](const std::string& words) { turns_->setThinking(words); });
@@ -58,10 +58,11 @@ void ReadingFlow::showConversation() {
         turns.push_back({.id = {},
                          .question = question,
                          .answer = viewModel_.aiOutput().value(),
-                         .isStreaming = viewModel_.isAIStreaming().value()});
+                         .isStreaming = viewModel_.isAIStreaming().value(),
+                         .isBlank = viewModel_.isAIOutputBlank().value()});
     }
     for (const FollowUpMessage& message : viewModel_.followUps().value())
-        turns.push_back({message.id, message.question, message.answer, message.isStreaming});
+        turns.push_back({message.id, message.question, message.answer, message.isStreaming, message.isBlank});
     turns_->show(turns);
 }
 

@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 
 #include "base/watch.h"
+#include "views/components/blank_answer_note.h"
 #include "views/components/busy_note.h"
 #include "views/components/ov_animated_icon.h"
 #include "views/components/ov_label.h"
@@ -43,6 +44,7 @@ ResultCard::ResultCard(ViewEnvironment& environment, ResultPanelViewModel& viewM
       viewModel_(viewModel),
       translation_(new OVStreamingText(environment, OVStreamingText::Mode::plain)),
       original_(new OVStreamingText(environment, OVStreamingText::Mode::plain)),
+      blank_(makeBlankAnswerNote(environment)),
       nothing_(new OVLabel(environment, QStringLiteral("暂无内容"), theme::font::body, ColorToken::ink3)),
       busy_(new BusyNote(environment, QStringLiteral("正在生成"))),
       divider_(new Divider(environment)),
@@ -55,8 +57,8 @@ ResultCard::ResultCard(ViewEnvironment& environment, ResultPanelViewModel& viewM
     column->setContentsMargins(padding, padding - 3, padding, padding);
     column->setSpacing(10);
     addHeader(*column);
-    for (QWidget* const widget : {static_cast<QWidget*>(translation_), static_cast<QWidget*>(nothing_),
-                                  static_cast<QWidget*>(busy_), divider_}) {
+    for (QWidget* const widget : {static_cast<QWidget*>(translation_), static_cast<QWidget*>(blank_),
+                                  static_cast<QWidget*>(nothing_), static_cast<QWidget*>(busy_), divider_}) {
         column->addWidget(widget);
     }
     column->addWidget(toggle_);
@@ -78,7 +80,8 @@ void ResultCard::bind() {
         showsOriginal_ = isChecked;
         refresh();
     });
-    changes_ = watch(std::tie(viewModel_.originalText(), viewModel_.translation(), viewModel_.isTranslating()),
+    changes_ = watch(std::tie(viewModel_.originalText(), viewModel_.translation(), viewModel_.isTranslating(),
+                              viewModel_.isTranslationBlank()),
                      [this] { refresh(); });
     thinking_ = watch(viewModel_.translationThinking(), [this](const std::string& words) { busy_->setDetail(words); });
 }
@@ -88,13 +91,15 @@ void ResultCard::refresh() {
     const std::string& translation = viewModel_.translation().value();
     const std::string& original = viewModel_.originalText().value();
     const bool isTranslating = viewModel_.isTranslating().value();
-    const bool isTranslated = isTranslating || !translation.empty();
+    const bool isBlank = viewModel_.isTranslationBlank().value();
+    const bool isTranslated = isTranslating || isBlank || !translation.empty();
     const bool hasSource = isTranslated && !original.empty();
 
     translation_->setTextSoFar(translation, isTranslating ? Progress::streaming : Progress::finished);
     original_->setTextSoFar(original, Progress::finished);
     original_->setColor(isTranslated ? ColorToken::ink2 : ColorToken::ink);
-    translation_->setVisible(!translation.empty());
+    translation_->setVisible(!translation.empty() && !isBlank);
+    blank_->setVisible(isBlank);
     busy_->setVisible(isTranslating);
     nothing_->setVisible(!isTranslated && original.empty());
     divider_->setVisible(hasSource);

@@ -35,6 +35,7 @@ private:
     ResultPanelViewModel& viewModel_;
     OVStreamingText* translation_;
     OVStreamingText* original_;
+    OVLabel* blank_;
     OVLabel* nothing_;
     BusyNote* busy_;
     QWidget* divider_;
