@@ -64,6 +64,8 @@ private:
         user_.savePicture(area, folder_ / (name + "-" + appearance_ + ".png"));
         std::cout << name << '-' << appearance_ << ".png\n" << std::flush;
     }
+    // The margin of a floating window that holds its shadow.
+    int ownShadow() const { return appearance_ == "dark" ? 26 : 0; }
     void saveStill(const std::string& name, const PixelArea& area) const {
         user_.waitForStillPicture(area);
         save(name, area);
@@ -98,7 +100,7 @@ private:
             user_.savePicture(page, folder_ / "overlay.png");
         }
         user_.release();
-        const PixelArea toast = assistant_.waitForToast().area;
+        const PixelArea toast = assistant_.waitForToast(ownShadow()).area;
         user_.waitForPicture("the words of the toast", toast,
                              [](const QImage& picture) { return contrast(picture) > 100; });
         save("toast", toast.grownBy(shadow));
@@ -148,9 +150,8 @@ private:
         editor.selectText("A ticket to the small island costs three coins.");
         user_.moveTo({.x = 900, .y = 500});
         assistant_.run({"do", "silent-selection"});
-        const int shadow = appearance_ == "dark" ? 2 * 26 : 0;  // on both sides
         const DesktopWindow card =
-            user_.waitForWindow({.program = program, .width = 350 + shadow, .height = 225 + shadow});
+            user_.waitForWindow({.program = program, .width = 350 + 2 * ownShadow(), .height = 225 + 2 * ownShadow()});
         waitForAnswer(2);
         saveWindow("card", card);
         choose("关闭");

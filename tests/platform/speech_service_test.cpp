@@ -27,7 +27,7 @@ namespace {
 
 using ::testing::Contains;
 
-// Serves one client.
+// Serves one client after the other.
 class SpeechServer {
 public:
     enum class Manner { answers, mute };
@@ -71,18 +71,30 @@ public:
 
 private:
     void serve() {
-        client_ = ::accept(listener_, nullptr, nullptr);
+        while (true) {
+            const int client = ::accept(listener_, nullptr, nullptr);
+            if (client < 0) return;
+            setEnded(false);
+            ::close(client_.exchange(client));
+            listen(client);
+            setEnded(true);
+        }
+    }
+
+    void listen(int client) {
         std::string received;
         std::array<char, 4096> buffer{};
-        for (ssize_t count = 0; (count = ::read(client_, buffer.data(), buffer.size())) > 0;) {
+        for (ssize_t count = 0; (count = ::read(client, buffer.data(), buffer.size())) > 0;) {
             received.append(buffer.data(), static_cast<std::size_t>(count));
             for (auto end = received.find("\r\n"); end != received.npos; end = received.find("\r\n")) {
                 hear(received.substr(0, end));
                 received.erase(0, end + 2);
             }
         }
+    }
+    void setEnded(bool hasEnded) {
         const std::lock_guard lock(mutex_);
-        hasEnded_ = true;
+        hasEnded_ = hasEnded;
         changed_.notify_all();
     }
 
@@ -129,6 +141,24 @@ TEST(SpeechServiceTest, WhatIsReadEndsWithTheProgram) {
     const std::vector<std::string> lines = server.linesAtTheEnd();
     const auto text = std::ranges::find(lines, "Good morning");
     EXPECT_THAT(std::vector<std::string>(text, lines.end()), Contains("CANCEL SELF"));
+}
+
+TEST(SpeechServiceTest, ATextWithoutALanguageIsReadWithTheServicesOwnVoice) {
+    SpeechServer server(SpeechServer::Manner::answers);
+    std::optional<SpeechService> service(std::in_place, std::chrono::minutes(1));
+    auto synthesizer = service->makeSynthesizer();
+    EXPECT_TRUE(synthesizer->speak({.text = "Guten Morgen", .language = "de"}));
+    server.waitFor("Guten Morgen");
+    EXPECT_TRUE(synthesizer->speak({.text = "ok", .language = std::nullopt}));
+    server.waitFor("ok");
+    synthesizer.reset();
+    service.reset();
+    const std::vector<std::string> lines = server.linesAtTheEnd();
+    const auto hasWords = [](const char* words) {
+        return [words](const std::string& line) { return line.find(words) != line.npos; };
+    };
+    EXPECT_EQ(std::ranges::count_if(lines, hasWords("LANGUAGE")), 1);
+    EXPECT_EQ(std::ranges::count_if(lines, hasWords("CLIENT_NAME")), 2);
 }
 
 TEST(SpeechServiceTest, AServiceThatDoesNotAnswerHoldsNobody) {

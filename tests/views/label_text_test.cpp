@@ -20,6 +20,11 @@ TEST(LabelText, ShrinksToFitAndKeepsTheWholeText) {
     EXPECT_LT(narrow.height() / narrow.lineCount(), roomy.height());
 }
 
+TEST(LabelText, HasItsSizeInABoxThatIsHardlyHigherThanItsCharacters) {
+    EXPECT_DOUBLE_EQ(labelText("word", 9, {100, 10}).height(), labelText("word", 9, {100, 20}).height());
+    EXPECT_LT(labelText("word", 9, {100, 7}).height(), labelText("word", 9, {100, 10}).height());
+}
+
 TEST(LabelText, CutsWhatDoesNotFitAfterAWholeLine) {
     const QString words = QStringLiteral("far more words than a label has room for, whichever size they are set in");
     const QString chinese = QStringLiteral("无论用多小的字号都放不进标签的文字无论用多小的字号都放不进标签的文字");

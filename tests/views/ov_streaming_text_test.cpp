@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include "views/components/drawing.h"
 #include "views/components/ov_error_note.h"
 #include "views/components/ov_scroll_area.h"
 
@@ -106,6 +107,13 @@ TEST(StreamedDocument, BreaksLinesWhereReadersExpectIt) {
             ASSERT_LE(document.areaOf(at).left(), width);
         }
     }
+}
+
+TEST(StreamedDocument, LettersAmongChineseAreSetInTheFaceOfTheWindow) {
+    StreamedDocument document(Mode::plain);
+    document.setText("汉字abcdefgh汉字", Ending::known);
+    const double width = document.areaOf({0, 10}).left() - document.areaOf({0, 2}).left();
+    EXPECT_NEAR(width, QFontMetricsF(toQFont(theme::font::body)).horizontalAdvance("abcdefgh"), 0.5);
 }
 
 // Whether anything is drawn in the part of a picture of the document.

@@ -30,6 +30,17 @@ TEST(ToastPanelTest, AShortMessageIsShownWhole) {
     EXPECT_EQ(shownText(toast), "识别结果 已复制");
 }
 
+TEST(ToastPanelTest, HasAShadowAroundItsFrameInTheDarkAppearance) {
+    ViewEnvironment environment;
+    const ToastPanel light(environment, "识别结果已复制", OVIcon::check);
+    environment.setSettings({.appearance = theme::Appearance::dark});
+    ToastPanel dark(environment, "识别结果已复制", OVIcon::check);
+    EXPECT_EQ(dark.contentsRect().size(), QSize(260, 40));
+    EXPECT_EQ(dark.pos() + dark.contentsRect().topLeft(), light.pos() + light.contentsRect().topLeft());
+    const QImage picture = dark.grab().toImage();
+    EXPECT_GT(qAlpha(picture.pixel(dark.width() / 2, dark.contentsRect().bottom() + 6)), 20);
+}
+
 TEST(ToastPanelTest, ALongOneHasTwoLinesHoweverLongItIs) {
     ViewEnvironment environment;
     for (const QString words : {"<p>404 Not Found</p> ", "请求失败", "https://h.example/v1/", "🙂", "e\u0301"}) {

@@ -120,8 +120,8 @@ std::vector<DesktopWindow> Assistant::waitForOverlays(std::size_t count) const {
     });
 }
 
-DesktopWindow Assistant::waitForToast() const {
-    return user_.waitForWindow({.program = programName, .width = 260, .height = 40});
+DesktopWindow Assistant::waitForToast(int shadow) const {
+    return user_.waitForWindow({.program = programName, .width = 260 + 2 * shadow, .height = 40 + 2 * shadow});
 }
 
 std::optional<DesktopWindow> Assistant::panel() const {

@@ -56,9 +56,13 @@ public:
 
     bool isOpen() const { return connection_ != nullptr; }
 
+    // The voice of a language can't be taken back: a text without one needs another connection, with the service's own.
+    bool canSay(const Utterance& utterance) const { return utterance.language || !hasLanguage_; }
+
     // False when the service has gone.
     bool say(const Utterance& utterance) {
         if (utterance.language) spd_set_language(connection_, languageCode(*utterance.language).c_str());
+        hasLanguage_ = hasLanguage_ || utterance.language;
         spd_set_voice_rate(connection_, serviceRate(utterance.rate));
         return spd_say(connection_, SPD_TEXT, utterance.text.c_str()) >= 0;
     }
@@ -66,6 +70,7 @@ public:
 
 private:
     SPDConnection* connection_ = nullptr;
+    bool hasLanguage_ = false;
 };
 
 // What the service is to do next. Shared by the main thread and the one that talks to the service; whoever is last
@@ -111,6 +116,10 @@ private:
             if (!hasText()) continue;
             if (!connection) connection = std::make_unique<Connection>();  // takes long: the text may be gone since
             const std::optional<Utterance> utterance = takeText();
+            if (utterance && !connection->canSay(*utterance)) {
+                connection.reset();
+                connection = std::make_unique<Connection>();
+            }
             const bool isThere = connection->isOpen() && (!utterance || connection->say(*utterance));
             if (!isThere) connection.reset();  // another try with the next
         }

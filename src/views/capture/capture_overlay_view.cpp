@@ -8,6 +8,7 @@
 #include <QPainterPath>
 #include <QScreen>
 #include <QWindow>
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -50,6 +51,32 @@ QFont labelFont(const theme::FontStyle& style) {
 Size measured(const QFont& font, const QString& text) {
     const QFontMetricsF metrics(font);
     return {metrics.horizontalAdvance(text), metrics.height()};
+}
+
+// Every digit takes the room of the widest, so that the words of the size keep still while it changes.
+double advance(const QFontMetricsF& metrics, QChar character) {
+    if (!character.isDigit()) return metrics.horizontalAdvance(character);
+    double widest = 0;
+    for (const QChar digit : QStringView(u"0123456789")) widest = std::max(widest, metrics.horizontalAdvance(digit));
+    return widest;
+}
+
+Size measuredWithEvenDigits(const QFont& font, const QString& text) {
+    const QFontMetricsF metrics(font);
+    double width = 0;
+    for (const QChar character : text) width += advance(metrics, character);
+    return {width, metrics.height()};
+}
+
+void drawWithEvenDigits(QPainter& painter, const QRectF& label, const QString& text) {
+    const QFontMetricsF metrics(painter.font());
+    double x = label.center().x() - measuredWithEvenDigits(painter.font(), text).width / 2;
+    for (const QChar character : text) {
+        const double width = advance(metrics, character);
+        painter.drawText(QRectF(x, label.top(), width, label.height()), Qt::AlignCenter | Qt::TextDontClip,
+                         QString(character));
+        x += width;
+    }
 }
 
 }  // namespace
@@ -176,7 +203,8 @@ void CaptureOverlayView::drawSelection(QPainter& painter, const Rect& selection)
 
 QRectF CaptureOverlayView::sizeLabelFrame(const Rect& selection) const {
     const QString text = toQString(capture::sizeLabelText(selection));
-    return fromViewSpace(capture::sizeLabelFrame(selection, bounds(), measured(labelFont(sizeFont), text)));
+    return fromViewSpace(
+        capture::sizeLabelFrame(selection, bounds(), measuredWithEvenDigits(labelFont(sizeFont), text)));
 }
 
 void CaptureOverlayView::drawSize(QPainter& painter, const Rect& selection) const {
@@ -184,7 +212,7 @@ void CaptureOverlayView::drawSize(QPainter& painter, const Rect& selection) cons
     fillRounded(painter, label, 8, black(0.62F));
     painter.setFont(labelFont(sizeFont));
     painter.setPen(white(0.88F));
-    painter.drawText(label, Qt::AlignCenter, toQString(capture::sizeLabelText(selection)));
+    drawWithEvenDigits(painter, label, toQString(capture::sizeLabelText(selection)));
 }
 
 void CaptureOverlayView::drawHint(QPainter& painter) const {

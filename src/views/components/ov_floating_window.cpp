@@ -14,6 +14,7 @@ namespace ovrin {
 namespace {
 
 // Of the shadow, in points.
+constexpr int shadowMargin = 26;
 constexpr double shadowBlur = 22;
 constexpr double shadowOffset = 6;
 
@@ -33,10 +34,27 @@ OVFloatingWindow::OVFloatingWindow(ViewEnvironment& environment, double cornerRa
     connect(&environment, &ViewEnvironment::changed, this, &OVFloatingWindow::applyShape);
 }
 
-void OVFloatingWindow::setShadowMargin(int points) {
-    if (std::exchange(shadowMargin_, points) == points) return;
-    tellMargin();
+void OVFloatingWindow::setFrameSize(const QSize& size) {
+    frameSize_ = size;
+    connect(&environment(), &ViewEnvironment::changed, this, &OVFloatingWindow::adaptShadow);
+    adaptShadow();
+}
+
+// The frame keeps its place. In light surroundings the hairline sets it off enough.
+void OVFloatingWindow::adaptShadow() {
+    const int margin = environment().isDark() && environment().settings().isComposited ? shadowMargin : 0;
+    const QPoint corner = pos() + QPoint(shadowMargin_, shadowMargin_);
+    const bool isOther = std::exchange(shadowMargin_, margin) != margin;
+    const QMargins margins(margin, margin, margin, margin);
+    setContentsMargins(margins);
+    setFixedSize(frameSize_.grownBy(margins));
+    moveFrame(corner);
+    if (isOther) tellMargin();
     update();
+}
+
+void OVFloatingWindow::moveFrame(const QPoint& corner) {
+    move(corner - QPoint(shadowMargin_, shadowMargin_));
 }
 
 void OVFloatingWindow::paintEvent(QPaintEvent* event) {

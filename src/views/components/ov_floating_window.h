@@ -19,20 +19,25 @@ public:
     // cornerRadius in points. Where nothing composites the screen the window is cut to its shape instead of blended.
     OVFloatingWindow(ViewEnvironment& environment, double cornerRadius, Focus focus);
 
-    // Draws a shadow around the frame, which leaves this margin on every side of the window; 0 for none. Pointer and
-    // keyboard go to what lies below the margin. Of use where something composites the screen.
-    void setShadowMargin(int points);
+    // Where the upper-left corner of its frame goes, on the screen.
+    void moveFrame(const QPoint& corner);
 
 protected:
+    // The frame has this size, in points, from now on. In the dark appearance and where something composites the screen
+    // a shadow lies around it, in a margin of the window that pointer and keyboard don't notice.
+    void setFrameSize(const QSize& size);
+
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
     void applyShape();
+    void adaptShadow();
     void tellMargin();
 
     double cornerRadius_;
+    QSize frameSize_;
     int shadowMargin_ = 0;
 };
 

@@ -43,6 +43,12 @@ bool isChineseOrJapanese(std::string_view language) {
     return language.starts_with("zh") || language.starts_with("ja");
 }
 
+// Letters, digits and marks of the scripts that are written in letters.
+bool isOfAlphabets(QChar character) {
+    constexpr char16_t middleDot = 0xB7;  // in Chinese between the parts of a name
+    return character.unicode() < 0x2000 && character.unicode() != middleDot;
+}
+
 MarkdownLine plainLine(const QString& source) {
     MarkdownLine line;
     line.text = source;
@@ -201,14 +207,18 @@ QFont StreamedDocument::font(const MarkdownLine& line, const MarkdownSpan& span)
     if (span.isCode) style = {style.size - 1, style.weight, theme::FontDesign::monospaced};
     if (span.isBold) style.weight = theme::FontWeight::semibold;
     QFont font = toQFont(style, look_.language);
-    if (isChineseOrJapanese(look_.language) && style.design != theme::FontDesign::monospaced) {
-        // Quotation marks, dashes and dots are as wide as the characters around them only in a face made for those.
-        QStringList families = font.families();
-        families.push_back(families.takeFirst());
-        font.setFamilies(families);
-    }
     font.setItalic(span.isItalic);
+    if (!usesTwoFaces(line, span)) return font;
+    // Quotation marks, dashes and dots are as wide as the characters around them only in a face made for those.
+    QStringList families = font.families();
+    families.push_back(families.takeFirst());
+    font.setFamilies(families);
     return font;
+}
+
+// Chinese and Japanese are set in a face of their own, and the letters among them as everywhere in the window.
+bool StreamedDocument::usesTwoFaces(const MarkdownLine& line, const MarkdownSpan& span) const {
+    return !look_.interfaceStyle && isChineseOrJapanese(look_.language) && line.kind != Kind::code && !span.isCode;
 }
 
 WrappedText::Metrics StreamedDocument::metrics(const MarkdownLine& line) const {
@@ -224,8 +234,20 @@ QList<QTextLayout::FormatRange> StreamedDocument::formats(const MarkdownLine& li
     QTextCharFormat all;
     all.setForeground(line.kind == Kind::quote ? look_.quietText : look_.text);
     qsizetype covered = 0;
-    const auto add = [&formats](qsizetype start, qsizetype end, const QTextCharFormat& format) {
+    const QStringList lettersFaces = toQFont(theme::font::body, look_.language).families();
+    const auto addOneFace = [&formats](qsizetype start, qsizetype end, const QTextCharFormat& format) {
         if (start < end) formats.push_back({static_cast<int>(start), static_cast<int>(end - start), format});
+    };
+    const auto add = [&](qsizetype start, qsizetype end, const QTextCharFormat& format, const MarkdownSpan& span = {}) {
+        if (!usesTwoFaces(line, span)) return addOneFace(start, end, format);
+        QTextCharFormat ofLetters = format;
+        ofLetters.setFontFamilies(lettersFaces);
+        while (start < end) {
+            const bool areLetters = isOfAlphabets(line.text[start]);
+            qsizetype next = start + 1;
+            while (next < end && isOfAlphabets(line.text[next]) == areLetters) ++next;
+            addOneFace(std::exchange(start, next), next, areLetters ? ofLetters : format);
+        }
     };
     for (const MarkdownSpan& span : line.spans) {
         add(covered, span.start, all);
@@ -236,7 +258,7 @@ QList<QTextLayout::FormatRange> StreamedDocument::formats(const MarkdownLine& li
             format.setFontUnderline(true);
         }
         covered = span.start + span.length;
-        add(span.start, covered, format);
+        add(span.start, covered, format, span);
     }
     add(covered, line.text.size(), all);
     return formats;

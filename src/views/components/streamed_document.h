@@ -136,6 +136,7 @@ private:
     WrappedText::Metrics metrics(const MarkdownLine& line) const;
     QList<QTextLayout::FormatRange> formats(const MarkdownLine& line) const;
     QFont font(const MarkdownLine& line, const MarkdownSpan& span) const;
+    bool usesTwoFaces(const MarkdownLine& line, const MarkdownSpan& span) const;
 
     void drawCodeBackground(QPainter& painter, std::size_t index, const QRectF& clip) const;
     void drawAdornments(QPainter& painter, std::size_t index) const;

@@ -11,7 +11,6 @@ namespace ovrin {
 
 namespace {
 constexpr double cornerRadius = 16;
-constexpr int shadowMargin = 26;  // points
 }  // namespace
 
 MiniPopoverPanel::MiniPopoverPanel(ViewEnvironment& environment, const Published<std::string>& brandImage,
@@ -21,26 +20,14 @@ MiniPopoverPanel::MiniPopoverPanel(ViewEnvironment& environment, const Published
     auto* view = new MiniPopoverView(environment, viewModel, brandImage);
     connect(view, &MiniPopoverView::closeRequested, this, std::move(requestClose));
     auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(view);
-    adaptShadow();
-    connect(&environment, &ViewEnvironment::changed, this, &MiniPopoverPanel::adaptShadow);
-}
-
-// The frame keeps its place. In light surroundings the hairline sets it off enough.
-void MiniPopoverPanel::adaptShadow() {
-    const int margin = environment().isDark() && environment().settings().isComposited ? shadowMargin : 0;
-    const QPoint corner = pos() + QPoint(layout()->contentsMargins().left(), layout()->contentsMargins().top());
-    layout()->setContentsMargins(margin, margin, margin, margin);
-    setShadowMargin(margin);
-    const QSize size = QSizeF(miniPopoverSize.width, miniPopoverSize.height).toSize();
-    setFixedSize(size.grownBy({margin, margin, margin, margin}));
-    move(corner - QPoint(margin, margin));
+    setFrameSize(QSizeF(miniPopoverSize.width, miniPopoverSize.height).toSize());
 }
 
 void MiniPopoverPanel::present(Point origin) {
     if (QGuiApplication::primaryScreen() != nullptr) {
-        const int margin = layout()->contentsMargins().left();
-        move(fromWindowSpace({origin.x, origin.y + miniPopoverSize.height}) - QPoint(margin, margin));
+        moveFrame(fromWindowSpace({origin.x, origin.y + miniPopoverSize.height}));
     }
     show();
     raise();

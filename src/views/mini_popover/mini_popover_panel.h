@@ -19,9 +19,6 @@ public:
                      MiniPopoverViewModel& viewModel, std::function<void()> requestClose);
 
     void present(Point origin) override;
-
-private:
-    void adaptShadow();
 };
 
 }  // namespace ovrin

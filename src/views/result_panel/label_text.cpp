@@ -28,7 +28,7 @@ LabelText::LabelText(const QString& text, const QFont& font, double fontSize, co
     const double smallest = fontSize * overlay::labelMinimumScale;
     for (int step = 0; step < shrinkingSteps; ++step) {
         const double size = std::lerp(fontSize, smallest, static_cast<double>(step) / shrinkingSteps);
-        if (wrap(text, size, linesWithin(room.height(), size)) && height_ <= room.height()) return;
+        if (wrap(text, size, linesWithin(room.height(), size)) && fits(size, room.height())) return;
     }
     const int mostLines = linesWithin(room.height(), smallest);
     if (!wrap(text, smallest, mostLines)) wrap(cut(text), smallest, mostLines);
@@ -56,6 +56,11 @@ bool LabelText::wrap(const QString& text, double size, int mostLines) {
     }
     layout_->endLayout();
     return reached >= text.size();
+}
+
+// A single line finds room for its characters, if not for its leading.
+bool LabelText::fits(double size, double room) const {
+    return height_ <= room || (lineCount() == 1 && size <= room);
 }
 
 // The text as far as it was wrapped, with an ellipsis at the end of the last line.

@@ -30,6 +30,7 @@ public:
 
 private:
     bool wrap(const QString& text, double size, int mostLines);
+    bool fits(double size, double room) const;
     QString cut(const QString& text) const;
 
     QFont font_;

@@ -41,7 +41,7 @@ void showSmall(QLabel& label, const QString& line, int room) {
 
 ToastPanel::ToastPanel(ViewEnvironment& environment, const std::string& message, OVIcon icon)
     : OVFloatingWindow(environment, cornerRadius, Focus::never) {
-    setFixedSize(panelWidth, panelHeight);
+    setFrameSize({panelWidth, panelHeight});
     setAttribute(Qt::WA_TransparentForMouseEvents);
 
     auto* symbol = new OVAnimatedIcon(environment, icon, iconSize, ColorToken::accentInk);
@@ -67,7 +67,7 @@ ToastPanel::ToastPanel(ViewEnvironment& environment, const std::string& message,
 
     if (const QScreen* screen = QGuiApplication::primaryScreen()) {
         const QRect visible = screen->availableGeometry();
-        move(visible.center().x() + 1 - panelWidth / 2, visible.top() + distanceFromTop);
+        moveFrame({visible.center().x() + 1 - panelWidth / 2, visible.top() + distanceFromTop});
     }
     show();
 }
