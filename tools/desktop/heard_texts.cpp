@@ -1,9 +1,9 @@
 #include "desktop/heard_texts.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 
-#include "base/error.h"
 #include "desktop/wait.h"
 
 namespace ovrin {
@@ -13,8 +13,8 @@ constexpr const char* registry = "org.a11y.atspi.Registry";
 constexpr const char* eventName = "object:text-changed";
 
 // Where a character begins, counted in code points on the bus.
-std::size_t bytesBefore(const std::string& words, int characters) {
-    if (characters > g_utf8_strlen(words.c_str(), -1)) throw Error("a change beyond the text that was heard");
+std::size_t bytesBefore(const std::string& words, glong characters) {
+    characters = std::min(characters, g_utf8_strlen(words.c_str(), -1));
     return static_cast<std::size_t>(g_utf8_offset_to_pointer(words.c_str(), characters) - words.c_str());
 }
 
@@ -40,20 +40,31 @@ HeardTexts::~HeardTexts() {
     g_dbus_connection_signal_unsubscribe(bus_.connection(), subscription_);
 }
 
-HeardTexts::Text HeardTexts::text(const ScreenReader::Reference& element) {
+void HeardTexts::listen() const {
     while (g_main_context_iteration(context_.get(), FALSE) != FALSE) {
     }
-    return texts_[element.path];
+}
+
+void HeardTexts::begin(const ScreenReader::Element& element) {
+    listen();  // what changed before is in it already
+    texts_[element.reference.path] = {.words = element.text, .insertions = 0};
+}
+
+HeardTexts::Text HeardTexts::text(const ScreenReader::Reference& element) {
+    listen();
+    return texts_.at(element.path);
 }
 
 void HeardTexts::hear(const std::string& path, GVariant* change) {
+    const auto known = texts_.find(path);
+    if (known == texts_.end()) return;
+    Text& text = known->second;
     const char* kind = nullptr;
     int place = 0;
     int length = 0;
     g_variant_get_child(change, 0, "&s", &kind);
     g_variant_get_child(change, 1, "i", &place);
     g_variant_get_child(change, 2, "i", &length);
-    Text& text = texts_[path];
     const std::size_t begin = bytesBefore(text.words, place);
     if (std::string_view(kind) == "delete") {
         text.words.erase(begin, bytesBefore(text.words, place + length) - begin);

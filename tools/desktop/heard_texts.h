@@ -1,5 +1,5 @@
-// The texts of a program as a screen reader keeps them that hears what is inserted and removed, and never asks. One
-// thread.
+// The texts of a program as a screen reader keeps them that has read them once and hears what is inserted and removed
+// from then on. One thread.
 #pragma once
 
 #include <map>
@@ -23,10 +23,13 @@ public:
     HeardTexts(const HeardTexts&) = delete;
     HeardTexts& operator=(const HeardTexts&) = delete;
 
-    // What has been heard of the element by now.
+    // The element as it was just read; of others nothing is kept.
+    void begin(const ScreenReader::Element& element);
+    // What it is by all that has been heard.
     Text text(const ScreenReader::Reference& element);
 
 private:
+    void listen() const;
     void hear(const std::string& path, GVariant* change);
 
     const BusView& bus_;
