@@ -57,7 +57,7 @@ TEST_F(SelectionTest, TheTranslationIsHeardAsItGrows) {
     begin();
     HeardTexts heard(*reader);
     editorWith(sentence);
-    service.planNext({.trouble = PracticeService::Plan::Trouble::hold, .pieces = 4});
+    service.planNext({.trouble = PracticeService::Plan::Trouble::hold, .pieces = 1});
     press(Action::silentSelectionTranslate);
     waitFor("its beginning", [&] {
         const auto exchanges = service.exchanges();

@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <string_view>
 
-#include "desktop/wait.h"
-
 namespace ovrin {
 namespace {
 
@@ -20,7 +18,7 @@ std::size_t bytesBefore(const std::string& words, glong characters) {
 
 }  // namespace
 
-HeardTexts::HeardTexts(const ScreenReader& reader) : bus_(reader.bus()) {
+HeardTexts::HeardTexts(const ScreenReader& reader) : reader_(reader), bus_(reader.bus()) {
     const auto onSignal = [](GDBusConnection*, const char*, const char* path, const char*, const char*,
                              GVariant* arguments,
                              void* self) { static_cast<HeardTexts*>(self)->hear(path, arguments); };
@@ -29,11 +27,6 @@ HeardTexts::HeardTexts(const ScreenReader& reader) : bus_(reader.bus()) {
         g_dbus_connection_signal_subscribe(bus_.connection(), nullptr, "org.a11y.atspi.Event.Object", "TextChanged",
                                            nullptr, nullptr, G_DBUS_SIGNAL_FLAGS_NONE, onSignal, this, nullptr);
     g_main_context_pop_thread_default(context_.get());
-    // Programs say nothing before somebody wants to hear it.
-    waitFor("the registry of listeners", [this] { return bus_.hasOwner(registry); });
-    bus_.call(
-        {.destination = registry, .path = "/org/a11y/atspi/registry", .interface = registry, .name = "RegisterEvent"},
-        g_variant_new("(sass)", eventName, nullptr, ""));
 }
 
 HeardTexts::~HeardTexts() {
@@ -45,7 +38,21 @@ void HeardTexts::listen() const {
     }
 }
 
+// Programs say nothing before somebody wants to hear it. The registry tells them that there is news, and they ask what:
+// each has done so when it and the registry have answered once more after one another.
+void HeardTexts::askForChanges(const ScreenReader::Reference& element) const {
+    for (int round = 0; round < 2; ++round) {
+        bus_.call({.destination = registry,
+                   .path = "/org/a11y/atspi/registry",
+                   .interface = registry,
+                   .name = "RegisterEvent"},
+                  g_variant_new("(sass)", eventName, nullptr, ""));
+        reader_.states(element);
+    }
+}
+
 void HeardTexts::begin(const ScreenReader::Element& element) {
+    askForChanges(element.reference);
     listen();  // what changed before is in it already
     texts_[element.reference.path] = {.words = element.text, .insertions = 0};
 }

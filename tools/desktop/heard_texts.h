@@ -17,21 +17,23 @@ public:
         int insertions = 0;
     };
 
-    // Listens from now on; the reader outlives it.
+    // The reader outlives it.
     explicit HeardTexts(const ScreenReader& reader);
     ~HeardTexts();
     HeardTexts(const HeardTexts&) = delete;
     HeardTexts& operator=(const HeardTexts&) = delete;
 
-    // The element as it was just read; of others nothing is kept.
+    // Listens to the element, which was just read and does not change before the end of the call.
     void begin(const ScreenReader::Element& element);
     // What it is by all that has been heard.
     Text text(const ScreenReader::Reference& element);
 
 private:
+    void askForChanges(const ScreenReader::Reference& element) const;
     void listen() const;
     void hear(const std::string& path, GVariant* change);
 
+    const ScreenReader& reader_;
     const BusView& bus_;
     std::unique_ptr<GMainContext, decltype(&g_main_context_unref)> context_{g_main_context_new(),
                                                                             &g_main_context_unref};
