@@ -18,6 +18,7 @@
 #include "assistant.h"
 #include "base/environment.h"
 #include "base/error.h"
+#include "base/files.h"
 #include "base/run_loop.h"
 #include "base/secure_random.h"
 #include "base/worker_executor.h"
@@ -191,6 +192,9 @@ int run(const std::vector<std::string>& words) {
         terminal.writeError("Try 'ovrin --help'.");
         return exitUsage;
     } catch (const cli::OutputClosed&) {
+        return EXIT_FAILURE;
+    } catch (const files::FileError& error) {
+        terminal.writeError(error.systemDescription());
         return EXIT_FAILURE;
     } catch (...) {
         terminal.writeError(errorDescription(std::current_exception()));

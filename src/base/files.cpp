@@ -161,8 +161,42 @@ std::int64_t nanoseconds(const timespec& time) {
 
 }  // namespace
 
+std::string reasonOf(int code) {
+    switch (code) {
+        case ENOSPC:
+        case EDQUOT:
+            return "磁盘空间不足";
+        case EACCES:
+        case EPERM:
+            return "没有权限";
+        case EROFS:
+            return "文件系统是只读的";
+        case EWOULDBLOCK:
+            return "另一个程序正在使用它，请稍后重试";
+        case EFBIG:
+            return "文件过大";
+        case ENOENT:
+            return "文件不存在";
+        case EISDIR:
+        case ENOTDIR:
+        case ELOOP:
+            return "路径不是有效的文件";
+        case EMFILE:
+        case ENFILE:
+            return "打开的文件过多";
+        case EIO:
+            return "磁盘读写出错";
+        default:
+            return "系统错误 " + std::to_string(code);
+    }
+}
+
 FileError::FileError(const fs::path& path, int code)
-    : Error(path.string() + ": " + std::generic_category().message(code)), code_(code) {}
+    : Error("无法读写文件“" + path.filename().string() + "”：" + reasonOf(code) + "。"),
+      code_(code),
+      systemDescription_(
+          path.string() + ": " +
+          (code == EWOULDBLOCK ? "another program is using it" : std::generic_category().message(code))) {}
 
 std::string readFile(const fs::path& path, std::size_t maximumBytes) {
     const Descriptor file = openFile(path, O_RDONLY);
@@ -260,7 +294,7 @@ FileLock::FileLock(const fs::path& path, std::chrono::milliseconds patience) {
     while (uninterrupted([&] { return ::flock(file.get(), LOCK_EX | LOCK_NB); }) < 0) {
         if (errno == ENOLCK || errno == EOPNOTSUPP) break;
         if (errno != EWOULDBLOCK) throw FileError(lock, errno);
-        if (std::chrono::steady_clock::now() >= deadline) throw FileError(lock, EWOULDBLOCK);
+        if (std::chrono::steady_clock::now() >= deadline) throw FileError(path, EWOULDBLOCK);
         std::this_thread::sleep_for(pause);
     }
     descriptor_ = file.release();

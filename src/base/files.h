@@ -16,6 +16,7 @@
 
 namespace ovrin::files {
 
+// Its description is the Chinese sentence that windows show.
 class FileError : public Error {
 public:
     // code: an errno value.
@@ -23,9 +24,16 @@ public:
 
     int code() const noexcept { return code_; }
 
+    // For the command line: the path and the system's own words, as other commands say them.
+    const std::string& systemDescription() const noexcept { return systemDescription_; }
+
 private:
     int code_;
+    std::string systemDescription_;
 };
+
+// What an errno value means, in Chinese and without a full stop.
+std::string reasonOf(int code);
 
 // Who may read a file (and, where it says so, a folder) that the program makes. Only the user writes.
 enum class Access : mode_t { onlyUser = 0600, everyone = 0644 };

@@ -40,10 +40,10 @@ void print(const OCRResult& result, OutputForm form, Terminal& terminal) {
     }
 }
 
-// A FileError names its file already.
 void printFailure(const std::string& path, const Error& failure, Terminal& terminal) {
-    const bool namesFile = dynamic_cast<const files::FileError*>(&failure) != nullptr || path == "-";
-    terminal.writeError(namesFile ? failure.errorDescription() : path + ": " + failure.errorDescription());
+    const auto* const ofFile = dynamic_cast<const files::FileError*>(&failure);
+    if (ofFile != nullptr) return terminal.writeError(ofFile->systemDescription());
+    terminal.writeError(path == "-" ? failure.errorDescription() : path + ": " + failure.errorDescription());
 }
 
 }  // namespace

@@ -236,12 +236,13 @@ TEST(FilesTest, ALockHasOneHolderAndEndsWithItsProcess) {
     EXPECT_EQ(counter, 100);
 }
 
-TEST(FilesTest, ErrorsNameTheFileAndTheReason) {
+TEST(FilesTest, ErrorsNameTheFileAndTheReasonInWindowsAndOnTheCommandLine) {
     try {
         readFile("/nowhere/at all", 1);
         FAIL();
     } catch (const FileError& error) {
-        EXPECT_EQ(error.errorDescription(), "/nowhere/at all: No such file or directory");
+        EXPECT_EQ(error.systemDescription(), "/nowhere/at all: No such file or directory");
+        EXPECT_EQ(error.errorDescription(), "无法读写文件“at all”：文件不存在。");
     }
 }
 

@@ -204,7 +204,7 @@ TEST_F(KeychainTest, FailuresOfTheFileNameTheReasonAndNoSecret) {
         store.writeString("sk-secret", apiKey.account);
         FAIL();
     } catch (const KeychainStore::KeychainError& error) {
-        EXPECT_EQ(error.errorDescription(), "无法读写密钥文件：Not a directory");
+        EXPECT_EQ(error.errorDescription(), "无法读写密钥文件：路径不是有效的文件。");
     }
     EXPECT_EQ(keychain.message(keychainItemNotFound), std::nullopt);
     EXPECT_THAT(keychain.message(keychainLocked), Optional(HasSubstr("锁定")));

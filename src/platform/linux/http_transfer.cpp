@@ -141,7 +141,7 @@ void HTTPTransfer::prepareConnection() {
 }
 
 void HTTPTransfer::prepareMethodAndBody() {
-    if (!isToken(request_.method)) throw invalidHeaderError();
+    if (!isToken(request_.method)) throw invalidMethodError();
     if (request_.method == "HEAD") {
         set(CURLOPT_NOBODY, 1L);
         return;
@@ -161,7 +161,8 @@ void HTTPTransfer::prepareHeaders() {
     // Only what the request says: curl would call every body a form.
     if (request_.headers.value("Content-Type").empty()) addHeader("Content-Type:");
     for (const auto& [name, value] : request_.headers) {
-        if (!isToken(name) || !isHeaderValue(value)) throw invalidHeaderError();
+        if (!isToken(name)) throw invalidHeaderNameError(name);
+        if (!isHeaderValue(value)) throw invalidHeaderValueError(name);
         if (isTransportHeader(name)) continue;
         std::string line = name;
         if (value.empty()) {

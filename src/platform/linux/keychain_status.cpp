@@ -1,6 +1,6 @@
 #include "platform/linux/keychain_status.h"
 
-#include <system_error>
+#include "base/files.h"
 
 namespace ovrin {
 
@@ -22,7 +22,7 @@ std::optional<std::string> keychainMessage(KeychainStatus status) {
             break;
     }
     if (status <= keychainFileErrorBase) return std::nullopt;
-    return "无法读写密钥文件：" + std::generic_category().message(status - keychainFileErrorBase);
+    return "无法读写密钥文件：" + files::reasonOf(status - keychainFileErrorBase) + "。";
 }
 
 }  // namespace ovrin

@@ -108,7 +108,7 @@ std::string describe(CURLcode code, CURL* handle, const std::string& host) {
         case CURLE_OUT_OF_MEMORY:  // curl refuses a single header that is too long
             return headersTooLongError().errorDescription();
         default:
-            return curl_easy_strerror(code);
+            return "传输出错（代码 " + std::to_string(code) + "），请稍后重试。";
     }
 }
 
@@ -122,8 +122,18 @@ Error invalidURLError() {
     return Error("请求的地址无效。");
 }
 
-Error invalidHeaderError() {
-    return Error("请求的标头含有不允许的字符。");
+Error invalidMethodError() {
+    return Error("请求的方法不符合 HTTP。");
+}
+
+// A whole line may have been pasted where the name belongs, with a secret behind the colon.
+Error invalidHeaderNameError(const std::string& name) {
+    const std::string shown = name.substr(0, name.find_first_of(":\r\n\t"));
+    return Error(shown.empty() ? "Header 的名称不符合 HTTP。" : "Header“" + shown + "”的名称不符合 HTTP。");
+}
+
+Error invalidHeaderValueError(const std::string& name) {
+    return Error("Header“" + name + "”的值不符合 HTTP。");
 }
 
 Error timeoutError() {

@@ -1,6 +1,6 @@
 // What the user reads when a request fails on its way: one Chinese sentence for each cause that curl can tell.
 //
-// The texts name the host at most: never a URL (it may hold a password), a header or a body.
+// The texts name the host or a header at most: never a URL (it may hold a password), a header's value or a body.
 #pragma once
 
 #include <string>
@@ -15,7 +15,9 @@ namespace ovrin {
 Error transportError(CURLcode code, CURL* handle, const std::string& host);
 
 Error invalidURLError();
-Error invalidHeaderError();
+Error invalidMethodError();
+Error invalidHeaderNameError(const std::string& name);
+Error invalidHeaderValueError(const std::string& name);
 Error timeoutError();
 Error headersTooLongError();
 Error tooManyRedirectsError();
