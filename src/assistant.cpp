@@ -16,6 +16,7 @@
 #include "app/app_state.h"
 #include "app/appearance_manager.h"
 #include "app/application_actions.h"
+#include "app/deferred_writes.h"
 #include "app/model_readiness.h"
 #include "app/remote_command.h"
 #include "app/status_bar_controller.h"
@@ -177,6 +178,10 @@ private:
     ModelServices model_{settings_};
     ConversationPrompts prompts_{Environment::ofProcess, secureRandomIndex};
     std::unique_ptr<HistoryStore> history_ = openHistory();
+    DeferredWrites deferredWrites_{loop_,
+                                   {[this](auto patience) { return settings_.defaults.writeDeferred(patience); },
+                                    [this](auto patience) { return state_.writeDeferred(patience); },
+                                    [this](auto patience) { return history_->writeDeferred(patience); }}};
     InotifyFileWatcher files_;
 
     // The desktop.
@@ -272,6 +277,9 @@ AppDelegate::AppDelegate()
                     recognitionWorker_, std::chrono::system_clock::now),
                 model_.translation(identifier_), std::make_unique<CaptureController>(captureOverlays_, [] {}),
                 std::make_unique<SelectionTranslateService>(clipboard_, keyboard_), surroundings()) {
+    settings_.defaults.deferChanges(DeferredWrites::patience, deferredWrites_.note());
+    state_.deferChanges(DeferredWrites::patience, deferredWrites_.note());
+    history_->deferChanges(DeferredWrites::patience, deferredWrites_.note());
     appearanceChanges_ =
         watch(appearance_.settings(), [this](const DesktopSettings& settings) { environment_.setSettings(settings); });
 }

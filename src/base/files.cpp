@@ -237,6 +237,17 @@ std::optional<fs::path> keepAside(const fs::path& path) {
     }
 }
 
+void removeKeptAside(const fs::path& path) {
+    const fs::path file = withoutLinks(path);
+    const std::string name = file.filename().string() + ".unreadable";
+    std::error_code failure;
+    for (const auto& entry : fs::directory_iterator(directoryOf(file), failure)) {
+        const std::string found = entry.path().filename().string();
+        if (found != name && !found.starts_with(name + ".")) continue;
+        if (::unlink(entry.path().c_str()) < 0 && errno != ENOENT) throw FileError(entry.path(), errno);
+    }
+}
+
 void makeDirectories(const fs::path& path) {
     if (path.empty() || ::mkdir(path.c_str(), 0700) == 0 || errno == EEXIST) return;
     if (errno != ENOENT) throw FileError(path, errno);

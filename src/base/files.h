@@ -51,6 +51,9 @@ void replaceFile(const std::filesystem::path& path, std::string_view bytes, Acce
 // that replacing it loses nothing. Returns the new name; none when there is no such file.
 std::optional<std::filesystem::path> keepAside(const std::filesystem::path& path);
 
+// Deletes what keepAside() has kept of the file.
+void removeKeptAside(const std::filesystem::path& path);
+
 // Makes the folder and those above it that are missing, open to the user alone. One that exists stays as it is.
 void makeDirectories(const std::filesystem::path& path);
 

@@ -61,6 +61,9 @@ int recognize(const Recognize& command, const RecognizeServices& services) {
                 services.history().save({.sourceText = result.fullText(),
                                          .resultText = std::nullopt,
                                          .recordType = historyRecordType::captureOCR});
+                if (services.history().hasUnwrittenChanges()) {
+                    throw Error("the history cannot be written; another program may be using it");
+                }
             }
         } catch (const Error& failure) {
             printFailure(path, failure, services.terminal);

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <charconv>
+#include <map>
 #include <utility>
 
 #include <nlohmann/json.hpp>
@@ -42,7 +43,36 @@ struct DefaultsStore::Content {
     bool isDamaged = false;
 };
 
-DefaultsStore::DefaultsStore(std::filesystem::path file) : file_(std::move(file)) {}
+// Values by their keys; none for a key that goes.
+struct DefaultsStore::Changes {
+    std::map<std::string, std::optional<json::Value>, std::less<>> values{};
+
+    void apply(json::Value& content) const {
+        for (const auto& [key, value] : values) {
+            if (value) content[key] = *value;
+            if (!value) content.erase(key);
+        }
+    }
+    void add(const Changes& later) {
+        for (const auto& [key, value] : later.values) values[key] = value;
+    }
+    void remove(const Changes& written) {
+        std::erase_if(values, [&](const auto& change) {
+            const auto found = written.values.find(change.first);
+            return found != written.values.end() && found->second == change.second;
+        });
+    }
+};
+
+DefaultsStore::DefaultsStore(std::filesystem::path file)
+    : file_(std::move(file)), deferredChanges_(std::make_unique<Changes>()) {}
+
+DefaultsStore::~DefaultsStore() = default;
+
+void DefaultsStore::deferChanges(std::chrono::milliseconds patience, std::function<void()> deferred) {
+    patience_ = patience;
+    deferred_ = std::move(deferred);
+}
 
 std::optional<std::string> DefaultsStore::string(std::string_view key) const {
     const auto content = this->content();
@@ -74,21 +104,21 @@ bool DefaultsStore::contains(std::string_view key) const {
 }
 
 void DefaultsStore::setString(std::string_view key, std::string_view value) {
-    change([&](json::Value& values) { values[std::string(key)] = text::repairedUtf8(std::string(value)); });
+    change({{{std::string(key), text::repairedUtf8(std::string(value))}}});
 }
 
 void DefaultsStore::setBoolean(std::string_view key, bool value) {
-    change([&](json::Value& values) { values[std::string(key)] = value; });
+    change({{{std::string(key), value}}});
 }
 
 void DefaultsStore::setInteger(std::string_view key, std::int64_t value) {
-    change([&](json::Value& values) { values[std::string(key)] = value; });
+    change({{{std::string(key), value}}});
 }
 
 void DefaultsStore::remove(const std::vector<std::string_view>& keys) {
-    change([&](json::Value& values) {
-        for (const std::string_view key : keys) values.erase(std::string(key));
-    });
+    Changes changes;
+    for (const std::string_view key : keys) changes.values[std::string(key)] = std::nullopt;
+    change(changes);
 }
 
 std::shared_ptr<DefaultsStore::Content> DefaultsStore::read() const {
@@ -108,20 +138,60 @@ std::shared_ptr<const DefaultsStore::Content> DefaultsStore::content() const {
     const std::lock_guard guard(lock_);
     if (content_ == nullptr || !stamp_.stillHolds(file_)) {
         stamp_ = files::Stamp::of(file_);  // before reading, so that a change in between is noticed next time
-        content_ = read();
+        const std::shared_ptr<Content> present = read();
+        deferredChanges_->apply(present->values);
+        content_ = present;
     }
     return content_;
 }
 
-void DefaultsStore::change(const std::function<void(json::Value& values)>& edit) {
+void DefaultsStore::change(const Changes& changes) {
+    try {
+        write(changes, patience_);
+    } catch (const files::FileError& error) {
+        if (error.code() != EWOULDBLOCK || !deferred_) throw;
+        {
+            const std::lock_guard guard(lock_);
+            deferredChanges_->add(changes);
+            content_ = nullptr;
+        }
+        deferred_();
+    }
+}
+
+bool DefaultsStore::writeDeferred(std::chrono::milliseconds patience) {
+    const auto isDone = [this] {
+        const std::lock_guard guard(lock_);
+        return deferredChanges_->values.empty();
+    };
+    try {
+        if (!isDone()) write({}, patience);
+    } catch (const files::FileError&) {
+        return false;
+    }
+    return isDone();
+}
+
+void DefaultsStore::write(const Changes& changes, std::chrono::milliseconds patience) {
     files::makeDirectories(file_.parent_path());
-    const files::FileLock lock(file_);
+    const files::FileLock lock(file_, patience);
+    Changes all;
+    {
+        const std::lock_guard guard(lock_);
+        all = *deferredChanges_;
+    }
+    const Changes deferred = all;
+    all.add(changes);
     const auto content = read();
     json::Value values = content->values;
-    edit(values);
-    if (values == content->values) return;
-    if (content->isDamaged) files::keepAside(file_);
-    files::replaceFile(file_, json::encoded(values, json::Layout::indented) + "\n", files::Access::onlyUser);
+    all.apply(values);
+    if (values != content->values) {
+        if (content->isDamaged) files::keepAside(file_);
+        files::replaceFile(file_, json::encoded(values, json::Layout::indented) + "\n", files::Access::onlyUser);
+    }
+    const std::lock_guard guard(lock_);
+    deferredChanges_->remove(deferred);
+    content_ = nullptr;
 }
 
 }  // namespace ovrin

@@ -31,10 +31,10 @@ std::unordered_set<Uuid> idsOf(const HistoryRecords& records) {
 }
 
 // The right to write the file; none when it cannot be had.
-std::unique_ptr<files::FileLock> lockedFile(const std::filesystem::path& file) {
+std::unique_ptr<files::FileLock> lockedFile(const std::filesystem::path& file, std::chrono::milliseconds patience) {
     try {
         files::makeDirectories(file.parent_path());
-        return std::make_unique<files::FileLock>(file);
+        return std::make_unique<files::FileLock>(file, patience);
     } catch (const files::FileError&) {
         return nullptr;  // failures of storage are silent
     }
@@ -85,10 +85,34 @@ void HistoryStore::deleteRecord(const Uuid& id) {
 }
 
 void HistoryStore::deleteAll() {
-    change([](HistoryRecords& records) {
+    change([this](HistoryRecords& records) {
         records.clear();
+        isUnreadable_ = false;  // nothing is to be kept of it
         return true;
     });
+    try {
+        files::removeKeptAside(fileURL_);
+    } catch (const files::FileError&) {
+        // Failures of storage are silent.
+    }
+}
+
+void HistoryStore::deferChanges(std::chrono::milliseconds patience, std::function<void()> deferred) {
+    patience_ = patience;
+    deferred_ = std::move(deferred);
+}
+
+bool HistoryStore::writeDeferred(std::chrono::milliseconds patience) {
+    if (!isUnwritten_) return true;
+    HistoryRecords records = records_.value();
+    {
+        const auto lock = lockedFile(fileURL_, patience);
+        if (lock == nullptr) return false;
+        takeOver(records);
+        persist(records);
+    }
+    records_.set(std::move(records));
+    return !isUnwritten_;
 }
 
 void HistoryStore::refresh() {
@@ -113,12 +137,16 @@ Task<void> HistoryStore::refreshOn(WorkerExecutor& worker) {
 void HistoryStore::change(const Edit& edit) {
     HistoryRecords records = records_.value();
     {
-        const auto lock = lockedFile(fileURL_);
+        const auto lock = lockedFile(fileURL_, patience_);
         takeOver(records);
-        // Without the lock another process may be writing; this change then goes to the file with the next one.
-        if (edit(records) && lock != nullptr) persist(records);
+        // Without the lock another process may be writing; this change then goes to the file later.
+        if (edit(records)) {
+            isUnwritten_ = true;
+            if (lock != nullptr) persist(records);
+        }
     }
     records_.set(std::move(records));
+    if (isUnwritten_ && deferred_) deferred_();
 }
 
 void HistoryStore::takeOver(HistoryRecords& records) {
@@ -175,6 +203,7 @@ void HistoryStore::persist(const HistoryRecords& records) {
     }
     stamp_ = files::Stamp::ofReplaced(fileURL_);
     isUnreadable_ = false;
+    isUnwritten_ = false;
     written_ = idsOf(records);
     unwrittenResults_.clear();
 }

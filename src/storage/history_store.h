@@ -1,10 +1,11 @@
 // The list of past results: kept in memory, newest first, and written whole to one file after every change.
 //
 // Belongs to the main thread. Nothing here reports a failure: what cannot be read starts empty (and is kept aside
-// before it is overwritten), what cannot be written stays in memory and goes to the file with the next change. Another
-// process may write the same file: every change first takes over what that one did.
+// before it is overwritten), what cannot be written stays in memory and goes to the file with the next change, or when
+// it is asked for. Another process may write the same file: every change first takes over what that one did.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <functional>
@@ -41,6 +42,14 @@ public:
     // Makes the file's folder and loads the file. caseRules: those of the user's locale, for search().
     HistoryStore(std::filesystem::path fileURL, text::CaseRules caseRules, Clock clock);
 
+    // For a program that must not wait: from now on a change waits no longer than the patience for the lock that
+    // another process holds, and deferred is called after every change that could not be written.
+    void deferChanges(std::chrono::milliseconds patience, std::function<void()> deferred);
+
+    bool hasUnwrittenChanges() const { return isUnwritten_; }
+    // Writes them, together with what other processes have written meanwhile; whether none are left.
+    bool writeDeferred(std::chrono::milliseconds patience);
+
     // Newest first. Only the operations below change it; observers must not call those meanwhile.
     const Published<HistoryRecords>& records() const { return records_; }
 
@@ -56,6 +65,7 @@ public:
     HistorySearch searchFor(std::string_view query) const { return {records_.value(), query, caseRules_}; }
 
     void deleteRecord(const Uuid& id);
+    // With the copies of files that could not be read.
     void deleteAll();
 
     // Takes over what another process wrote since. The second reads the file on the worker and leaves the calling
@@ -86,6 +96,9 @@ private:
     text::CaseRules caseRules_;
     Clock clock_;
     Published<HistoryRecords> records_;
+    std::chrono::milliseconds patience_ = files::FileLock::defaultPatience;
+    std::function<void()> deferred_;
+    bool isUnwritten_ = false;
 
     // What is known of the file: how it looked, whether it could be read, and which records it held.
     files::Stamp stamp_;

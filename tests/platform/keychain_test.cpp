@@ -126,24 +126,26 @@ TEST_F(KeychainTest, WithoutAServiceAPrivateFileKeepsSecrets) {
     }
 }
 
-TEST_F(KeychainTest, WhatWasChangedWithoutTheServiceCountsUntilTheServiceTakesOver) {
+TEST_F(KeychainTest, WhatWasChangedWithoutTheServiceMovesIntoItAtTheFirstRead) {
     const PrivateBus bus;
     const auto service = startService(bus, true);
     LinuxKeychain online = keychainOn(bus.address());
     LinuxKeychain offline = keychainWithoutBus();
-    ASSERT_EQ(online.add(apiKey, "old"), keychainSuccess);
     ASSERT_EQ(online.add(headers, "{}"), keychainSuccess);
-
-    ASSERT_EQ(offline.add(apiKey, "newer"), keychainSuccess);
+    ASSERT_EQ(offline.add(apiKey, "sk-moves"), keychainSuccess);
     ASSERT_EQ(offline.remove(headers), keychainItemNotFound);
-    EXPECT_EQ(online.copyMatching(apiKey).data, "newer");
+    EXPECT_EQ(online.copyMatching(apiKey).data, "sk-moves");
+    EXPECT_EQ(online.copyMatching(headers).status, keychainItemNotFound);
+    EXPECT_THAT(fileContent(), AllOf(Not(HasSubstr("sk-moves")), Not(HasSubstr(headers.account))));
+    std::filesystem::remove(file);
+    EXPECT_EQ(online.copyMatching(apiKey).data, "sk-moves");
     EXPECT_EQ(online.copyMatching(headers).status, keychainItemNotFound);
 
-    EXPECT_EQ(online.update(apiKey, "newest"), keychainSuccess);
-    EXPECT_THAT(fileContent(), Not(HasSubstr("new")));
-    EXPECT_EQ(online.copyMatching(apiKey).data, "newest");
-    EXPECT_EQ(online.remove(headers), keychainSuccess);
-    EXPECT_EQ(online.copyMatching(headers).status, keychainItemNotFound);
+    // The service's is the newer one.
+    ASSERT_EQ(offline.add(apiKey, "sk-older"), keychainSuccess);
+    EXPECT_EQ(online.copyMatching(apiKey).data, "sk-moves");
+    EXPECT_THAT(fileContent(), Not(HasSubstr("sk-older")));
+    EXPECT_EQ(offline.copyMatching(apiKey).status, keychainItemNotFound);
 }
 
 TEST_F(KeychainTest, ALockedCollectionIsAnErrorAndNoReasonToWriteAFile) {
@@ -194,6 +196,8 @@ TEST_F(KeychainTest, ADamagedFileIsReportedAndKeptAside) {
     EXPECT_EQ(keychain.copyMatching(apiKey).data, "two");
     EXPECT_THAT(files::readFile(file.string() + ".unreadable", 1000), HasSubstr("sk-half"));
     EXPECT_EQ(keychain.add(headers, "\xFF"), keychainInvalidData);
+    EXPECT_EQ(keychain.remove(apiKey), keychainSuccess);
+    EXPECT_FALSE(std::filesystem::exists(file.string() + ".unreadable")) << "it holds the key as well";
 }
 
 TEST_F(KeychainTest, FailuresOfTheFileNameTheReasonAndNoSecret) {

@@ -133,6 +133,19 @@ TEST_F(HistoryStoreTest, OneMalformedRecordMakesTheFileUnreadableAndItIsKept) {
     EXPECT_FALSE(std::filesystem::exists(file.string() + ".unreadable.6"));
 }
 
+TEST_F(HistoryStoreTest, ClearingLeavesNoCopyOfWhatCouldNotBeRead) {
+    write("[broken");
+    const auto store = open();
+    save(*store, "new");
+    ASSERT_TRUE(std::filesystem::exists(file.string() + ".unreadable"));
+    write("[broken again");
+    store->deleteAll();
+    for (const auto& entry : std::filesystem::directory_iterator(file.parent_path())) {
+        EXPECT_EQ(entry.path().string().find("unreadable"), std::string::npos);
+    }
+    EXPECT_EQ(content(), "[]");
+}
+
 TEST_F(HistoryStoreTest, AResultGoesToTheNewestRecordWithTheSameSource) {
     const auto store = open();
     save(*store, "caf\u00E9", "old");

@@ -32,11 +32,35 @@ KeychainMatch LinuxKeychain::copyMatching(const KeychainItem& item) {
         entry = file_.entry(item);
         return entry.state == State::damaged ? keychainDamagedFile : keychainSuccess;
     });
-    if (entry.state == State::present) return {.status = keychainSuccess, .data = std::move(entry.data)};
-    if (entry.state == State::deleted) return {.status = keychainItemNotFound};
+    if (entry.state == State::deleted) return catchUpOnDeletion(item);
     KeychainMatch match = service_.find(item);
+    if (entry.state == State::present) return moveToService(item, std::move(entry.data), std::move(match));
     if (match.status != keychainUnavailable) return match;
     return {.status = fileStatus == keychainSuccess ? keychainItemNotFound : fileStatus};
+}
+
+// The service takes what it lacks; what it has is the newer one. As long as it does not answer, the file counts.
+KeychainMatch LinuxKeychain::moveToService(const KeychainItem& item, std::string inFile, KeychainMatch inService) {
+    if (inService.status == keychainItemNotFound && service_.store(item, inFile) == keychainSuccess) {
+        inService = {.status = keychainSuccess, .data = inFile};
+    }
+    if (inService.status != keychainSuccess) return {.status = keychainSuccess, .data = std::move(inFile)};
+    forgetInFile(item);
+    return inService;
+}
+
+KeychainMatch LinuxKeychain::catchUpOnDeletion(const KeychainItem& item) {
+    const KeychainStatus status = service_.remove(item);
+    if (status == keychainSuccess || status == keychainItemNotFound) forgetInFile(item);
+    return {.status = keychainItemNotFound};
+}
+
+// A file that cannot be written does not spoil what was read; the next read tries again.
+void LinuxKeychain::forgetInFile(const KeychainItem& item) {
+    statusOf([&] {
+        file_.forget(item);
+        return keychainSuccess;
+    });
 }
 
 KeychainStatus LinuxKeychain::update(const KeychainItem& item, std::string_view data) {
@@ -66,10 +90,12 @@ KeychainStatus LinuxKeychain::remove(const KeychainItem& item) {
         const KeychainStatus inService = service_.remove(item);
         if (inService == keychainUnavailable) {
             file_.setDeleted(item);
+            file_.removeKeptAside();
             return inFile;
         }
         if (inService != keychainSuccess && inService != keychainItemNotFound) return inService;
         file_.forget(item);
+        file_.removeKeptAside();
         return inService == keychainSuccess ? keychainSuccess : inFile;
     });
 }

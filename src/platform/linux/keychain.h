@@ -1,5 +1,6 @@
 // The keychain of the Linux desktop: the session's secret service, and where none answers a file that only the user
-// can read. What was put into the file counts before what the service holds, until the service takes a newer value.
+// can read. What was put into the file moves into the service as soon as a read reaches that. Where both have a secret
+// the service's is the newer one; a deletion that the file notes is made up for.
 #pragma once
 
 #include <filesystem>
@@ -27,6 +28,9 @@ public:
     std::optional<std::string> message(KeychainStatus status) const override;
 
 private:
+    KeychainMatch moveToService(const KeychainItem& item, std::string inFile, KeychainMatch inService);
+    KeychainMatch catchUpOnDeletion(const KeychainItem& item);
+    void forgetInFile(const KeychainItem& item);
     KeychainStatus putInFile(const KeychainItem& item, std::string_view data);
 
     SecretService service_;

@@ -1,6 +1,6 @@
 // Secrets in a file that only the user can read (mode 0600 in a folder with mode 0700), for a session in which no
-// secret service answers. What stands here is newer than what a service holds: it also notes deletions, which a
-// service has not heard of. Blocking; any thread; processes take turns. Changes throw files::FileError.
+// secret service answers. It also notes deletions, which a service has not heard of. Blocking; any thread; processes
+// take turns. Changes throw files::FileError.
 #pragma once
 
 #include <filesystem>
@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/files.h"
 #include "base/json.h"
 #include "platform/keychain.h"
 
@@ -30,6 +31,9 @@ public:
     // The data is well-formed UTF-8. A damaged file is kept aside first.
     void set(const KeychainItem& item, std::string_view data);
     void setDeleted(const KeychainItem& item);
+
+    // Deletes the copies of damaged files, which may hold any secret.
+    void removeKeptAside() const { files::removeKeptAside(path_); }
 
     // Nothing is known of the item any more. A damaged file stays as it is.
     void forget(const KeychainItem& item);
