@@ -1,0 +1,92 @@
+// A connection of our own to the Wayland compositor, independent of the window toolkit's.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <wayland-client.h>
+
+#include "base/geometry.h"
+
+namespace ovrin {
+
+// Destroys a protocol object with the function that its protocol names for that.
+template <auto destroy>
+struct DestroysWayland {
+    template <typename Object>
+    void operator()(Object* object) const {
+        destroy(object);
+    }
+};
+template <typename Object, auto destroy>
+using WaylandObject = std::unique_ptr<Object, DestroysWayland<destroy>>;
+
+// One display of the compositor. The frame is in points of the compositor's layout: origin at its upper-left corner, y
+// downwards.
+struct WaylandOutput {
+    wl_output* output = nullptr;
+    std::string name;  // such as "HDMI-A-1"; empty where the compositor doesn't tell
+    Rect frame;
+    int transform = WL_OUTPUT_TRANSFORM_NORMAL;  // how the picture in memory is turned before it is shown
+    int scale = 1;                               // as programs should draw; a whole number, at least the real scale
+    int modeWidth = 0;                           // pixels of the picture in memory
+    int modeHeight = 0;
+};
+
+// Used by one thread at a time; the objects bound through it belong to it.
+class WaylandConnection {
+public:
+    static constexpr std::chrono::milliseconds patience{2000};  // with a compositor that doesn't answer
+
+    // name: of the compositor's socket; null for the one the environment names. Throws Error when no compositor
+    // answers.
+    explicit WaylandConnection(const char* name = nullptr);
+    ~WaylandConnection();
+    WaylandConnection(const WaylandConnection&) = delete;
+    WaylandConnection& operator=(const WaylandConnection&) = delete;
+
+    wl_display* display() const { return display_.get(); }
+    wl_shm* sharedMemory() const { return sharedMemory_; }
+    wl_seat* seat() const { return seat_; }  // the first; null without one
+    // As they were when the connection was made.
+    const std::vector<WaylandOutput>& outputs() const { return outputs_; }
+
+    // The version of the interface that the compositor offers; 0 where it offers none.
+    std::uint32_t versionOf(const wl_interface& interface) const;
+
+    // Binds the interface's first global in at most this version; null where the compositor offers none.
+    template <typename Object>
+    Object* bind(const wl_interface& interface, std::uint32_t version) {
+        return static_cast<Object*>(bindGlobal(interface, version));
+    }
+
+    // Sends what is waiting and takes events in until `isDone` holds. False when it doesn't within that time. Throws
+    // Error when the compositor has gone.
+    bool waitUntil(const std::function<bool()>& isDone, std::chrono::milliseconds time = patience);
+
+    // Waits until the compositor has dealt with everything that was asked of it. Throws Error when it doesn't.
+    void roundTrip();
+
+private:
+    struct Global {
+        std::string interface;
+        std::uint32_t version = 0;
+    };
+    void* bindGlobal(const wl_interface& interface, std::uint32_t version);
+    void* bindNamed(std::uint32_t name, const wl_interface& interface, std::uint32_t version);
+    void findOutputs();
+
+    WaylandObject<wl_display, wl_display_disconnect> display_;
+    wl_registry* registry_ = nullptr;
+    std::map<std::uint32_t, Global> globals_;  // by the number that the compositor gave them
+    wl_shm* sharedMemory_ = nullptr;
+    wl_seat* seat_ = nullptr;
+    std::vector<WaylandOutput> outputs_;
+};
+
+}  // namespace ovrin
