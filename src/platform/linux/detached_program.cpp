@@ -53,7 +53,9 @@ pid_t startDetached(const std::filesystem::path& program, const std::vector<std:
     std::vector<std::string> words{program};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<std::string> variables;
-    for (const auto& [name, value] : environment.variables()) variables.push_back(name + "=" + value);
+    for (const auto& [name, value] : environment.variables()) {
+        variables.emplace_back(name).append("=").append(value);
+    }
     const Preparations preparations;
     pid_t id = 0;
     const int failure = ::posix_spawn(&id, program.c_str(), preparations.actions(), preparations.attributes(),
