@@ -193,8 +193,14 @@ TEST(FilesTest, AStampTellsWhetherTheFileChanged) {
     EXPECT_TRUE(missing.stillHolds(path));
     replaceFile(path, "one", Access::onlyUser);
     EXPECT_FALSE(missing.stillHolds(path));
-    // Just written: a second change of the same size within the clock's tick would look the same.
-    EXPECT_FALSE(Stamp::of(path).stillHolds(path));
+    // Just written: a second change of the same size within the clock's tick would look the same. A busy machine may be
+    // slower than that now and then.
+    bool isTooFresh = false;
+    for (int i = 0; i < 50 && !isTooFresh; ++i) {
+        replaceFile(path, "one", Access::onlyUser);
+        isTooFresh = !Stamp::of(path).stillHolds(path);
+    }
+    EXPECT_TRUE(isTooFresh);
     const Stamp own = Stamp::ofReplaced(path);
     EXPECT_TRUE(own.stillHolds(path));
     replaceFile(path, "two", Access::onlyUser);
