@@ -30,8 +30,8 @@
 #include "desktop/test_user.h"
 #include "desktop/wait.h"
 #include "frame_watch.h"
-#include "platform/linux/onnx_text_recognizer.h"
-#include "platform/linux/x11_connection.h"
+#include "platform/linux/recognition/onnx_text_recognizer.h"
+#include "platform/linux/x11/x11_connection.h"
 #include "practice/practice_service.h"
 #include "storage/history_store.h"
 

@@ -7,8 +7,8 @@
 #include <xcb/xcb.h>
 
 #include "fakes/x_test_server.h"
-#include "platform/linux/x11_connection.h"
-#include "platform/linux/x11_screenshot.h"
+#include "platform/linux/x11/x11_connection.h"
+#include "platform/linux/x11/x11_screenshot.h"
 
 namespace ovrin {
 namespace {

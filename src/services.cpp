@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "base/text.h"
-#include "platform/linux/secret_service.h"
+#include "platform/linux/secrets/secret_service.h"
 #include "storage/preferences.h"
 #include "storage/user_directories.h"
 

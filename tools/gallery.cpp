@@ -8,11 +8,11 @@
 #include <memory>
 #include <vector>
 
-#include "platform/linux/desktop_system_shortcuts.h"
+#include "platform/linux/desktop/desktop_system_shortcuts.h"
 #include "platform/linux/qt/font_rendering.h"
 #include "platform/linux/qt/qt_main_loop.h"
-#include "platform/linux/x11_hot_keys.h"
-#include "platform/linux/x11_keyboard_layout.h"
+#include "platform/linux/x11/x11_hot_keys.h"
+#include "platform/linux/x11/x11_keyboard_layout.h"
 #include "shortcuts/ov_shortcut.h"
 #include "storage/defaults_store.h"
 #include "views/components/drawing.h"

@@ -17,8 +17,8 @@
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
-#include "platform/linux/image_decoder.h"
-#include "platform/linux/onnx_text_recognizer.h"
+#include "platform/linux/recognition/linux_image_decoder.h"
+#include "platform/linux/recognition/onnx_text_recognizer.h"
 
 namespace ovrin {
 namespace {

@@ -20,7 +20,7 @@
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
-#include "platform/linux/xcb_xkb.h"
+#include "platform/linux/x11/xcb_xkb.h"
 
 extern char** environ;  // NOLINT(readability-redundant-declaration)
 

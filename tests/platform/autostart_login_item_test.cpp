@@ -1,4 +1,4 @@
-#include "platform/linux/autostart_login_item.h"
+#include "platform/linux/desktop/autostart_login_item.h"
 
 #include <filesystem>
 #include <string>

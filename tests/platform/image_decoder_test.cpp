@@ -1,5 +1,3 @@
-#include "platform/linux/image_decoder.h"
-
 #include <cstdlib>
 #include <memory>
 #include <span>
@@ -10,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
+#include "platform/linux/recognition/linux_image_decoder.h"
 
 namespace ovrin {
 namespace {

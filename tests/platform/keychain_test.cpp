@@ -1,6 +1,4 @@
 // The keychain against a real secret service (gnome-keyring) on a bus of its own, and against none.
-#include "platform/linux/keychain.h"
-
 #include <chrono>
 #include <csignal>
 #include <fstream>
@@ -17,7 +15,8 @@
 #include "fakes/private_bus.h"
 #include "fakes/silent_bus.h"
 #include "fakes/temporary_directory.h"
-#include "platform/linux/keychain_status.h"
+#include "platform/linux/secrets/keychain_status.h"
+#include "platform/linux/secrets/linux_keychain.h"
 #include "storage/keychain_store.h"
 
 namespace ovrin {

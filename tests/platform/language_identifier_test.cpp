@@ -1,5 +1,3 @@
-#include "platform/linux/language_identifier.h"
-
 #include <algorithm>
 #include <fstream>
 #include <map>
@@ -7,6 +5,8 @@
 #include <string_view>
 
 #include <gtest/gtest.h>
+
+#include "platform/linux/recognition/linux_language_identifier.h"
 
 namespace ovrin {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/linux/network_loop.h"
+#include "platform/linux/network/network_loop.h"
 
 #include <chrono>
 #include <filesystem>

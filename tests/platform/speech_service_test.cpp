@@ -1,5 +1,5 @@
 // The speech service against a server that speaks as much of its protocol (SSIP) as is needed.
-#include "platform/linux/speech_service.h"
+#include "platform/linux/desktop/speech_service.h"
 
 #include <algorithm>
 #include <array>

@@ -9,8 +9,8 @@
 #include <gtest/gtest.h>
 
 #include "fakes/temporary_directory.h"
-#include "platform/linux/accelerator.h"
-#include "platform/linux/desktop_system_shortcuts.h"
+#include "platform/linux/desktop/accelerator.h"
+#include "platform/linux/desktop/desktop_system_shortcuts.h"
 #include "platform/us_keyboard_layout.h"
 
 namespace ovrin {

@@ -23,9 +23,9 @@
 #include "fakes/child_process.h"
 #include "fakes/loopback_server.h"
 #include "fakes/temporary_directory.h"
-#include "platform/linux/downloaded_packages.h"
-#include "platform/linux/dpkg_system.h"
-#include "platform/linux/url_session_http_client.h"
+#include "platform/linux/network/url_session_http_client.h"
+#include "platform/linux/packages/downloaded_packages.h"
+#include "platform/linux/packages/dpkg_system.h"
 
 namespace ovrin {
 namespace {

@@ -15,7 +15,7 @@
 #include "base/environment.h"
 #include "base/run_loop.h"
 #include "fakes/loopback_server.h"
-#include "platform/linux/url_session_http_client.h"
+#include "platform/linux/network/url_session_http_client.h"
 
 namespace ovrin {
 

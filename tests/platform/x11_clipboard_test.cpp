@@ -1,4 +1,4 @@
-#include "platform/linux/x11_clipboard.h"
+#include "platform/linux/x11/x11_clipboard.h"
 
 #include <chrono>
 #include <cstring>
@@ -18,7 +18,7 @@
 #include "base/worker_executor.h"
 #include "fakes/temporary_directory.h"
 #include "fakes/x_test_server.h"
-#include "platform/linux/image_decoder.h"
+#include "platform/linux/recognition/linux_image_decoder.h"
 
 namespace ovrin {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/linux/x11_hot_keys.h"
+#include "platform/linux/x11/x11_hot_keys.h"
 
 #include <cstdlib>
 #include <memory>
@@ -14,8 +14,8 @@
 #include "fakes/journal.h"
 #include "fakes/temporary_directory.h"
 #include "fakes/x_test_server.h"
-#include "platform/linux/x11_keyboard_layout.h"
-#include "platform/linux/xcb_xkb.h"
+#include "platform/linux/x11/x11_keyboard_layout.h"
+#include "platform/linux/x11/xcb_xkb.h"
 #include "shortcuts/registry.h"
 #include "storage/defaults_store.h"
 

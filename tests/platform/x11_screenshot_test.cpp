@@ -1,4 +1,4 @@
-#include "platform/linux/x11_screenshot.h"
+#include "platform/linux/x11/x11_screenshot.h"
 
 #include <cstdint>
 #include <cstdlib>

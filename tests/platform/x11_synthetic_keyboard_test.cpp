@@ -1,4 +1,4 @@
-#include "platform/linux/x11_synthetic_keyboard.h"
+#include "platform/linux/x11/x11_synthetic_keyboard.h"
 
 #include <cstdint>
 #include <memory>
@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 #include "fakes/x_test_server.h"
-#include "platform/linux/x11_connection.h"
+#include "platform/linux/x11/x11_connection.h"
 
 namespace ovrin {
 namespace {

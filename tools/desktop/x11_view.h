@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "desktop/pixel_area.h"
-#include "platform/linux/x11_connection.h"
+#include "platform/linux/x11/x11_connection.h"
 
 namespace ovrin {
 

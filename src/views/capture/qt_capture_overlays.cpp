@@ -7,7 +7,7 @@
 
 #include "base/error.h"
 #include "platform/linux/qt/qt_screens.h"
-#include "platform/linux/x11_screenshot.h"
+#include "platform/linux/x11/x11_screenshot.h"
 #include "views/capture/capture_overlay_view.h"
 #include "views/components/drawing.h"
 #include "views/components/view_environment.h"

@@ -12,7 +12,7 @@
 
 #include "base/error.h"
 #include "platform/linux/qt/qt_screens.h"
-#include "platform/linux/x11_panels.h"
+#include "platform/linux/x11/x11_panels.h"
 #include "views/components/drawing.h"
 #include "views/status_item/status_bar_icon.h"
 

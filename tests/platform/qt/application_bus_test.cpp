@@ -4,7 +4,7 @@
 #include <QThread>
 #include <utility>
 
-#include "platform/linux/application_name.h"
+#include "platform/linux/desktop/application_name.h"
 #include "qt_session.h"
 
 namespace ovrin {

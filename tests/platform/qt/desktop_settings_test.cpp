@@ -1,14 +1,13 @@
-#include "platform/linux/qt/desktop_settings.h"
-
 #include <QDBusVariant>
 #include <QMap>
 #include <memory>
 #include <optional>
 
 #include "fakes/x_test_server.h"
-#include "platform/linux/desktop_hints.h"
+#include "platform/linux/desktop/desktop_hints.h"
+#include "platform/linux/qt/linux_desktop_settings.h"
 #include "platform/linux/qt/settings_portal.h"
-#include "platform/linux/x11_connection.h"
+#include "platform/linux/x11/x11_connection.h"
 #include "qt_session.h"
 
 namespace ovrin {

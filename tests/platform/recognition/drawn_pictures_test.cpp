@@ -13,7 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
-#include "platform/linux/onnx_text_recognizer.h"
+#include "platform/linux/recognition/onnx_text_recognizer.h"
 
 namespace ovrin {
 namespace {

@@ -14,8 +14,8 @@
 #include <unicode/unistr.h>
 
 #include "base/error.h"
-#include "platform/linux/image_decoder.h"
-#include "platform/linux/onnx_text_recognizer.h"
+#include "platform/linux/recognition/linux_image_decoder.h"
+#include "platform/linux/recognition/onnx_text_recognizer.h"
 
 namespace ovrin {
 namespace {

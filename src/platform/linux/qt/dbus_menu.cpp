@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "base/environment.h"
+#include "platform/linux/desktop/session_bus.h"
 #include "platform/linux/qt/dbus_menu_layout.h"
-#include "platform/linux/session_bus.h"
 
 namespace ovrin {
 

@@ -24,9 +24,9 @@
 #include "base/async_stream.h"
 #include "base/environment.h"
 #include "base/error.h"
-#include "platform/linux/application_name.h"
+#include "platform/linux/desktop/application_name.h"
+#include "platform/linux/desktop/session_bus.h"
 #include "platform/linux/qt/portal_request.h"
-#include "platform/linux/session_bus.h"
 
 namespace ovrin {
 

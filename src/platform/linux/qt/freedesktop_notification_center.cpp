@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "base/environment.h"
+#include "platform/linux/desktop/session_bus.h"
 #include "platform/linux/qt/notification_service.h"
-#include "platform/linux/session_bus.h"
 
 namespace ovrin {
 

@@ -8,7 +8,7 @@
 #include <QVariantMap>
 #include <utility>
 
-#include "platform/linux/application_name.h"
+#include "platform/linux/desktop/application_name.h"
 
 namespace ovrin {
 

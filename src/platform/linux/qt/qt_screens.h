@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/geometry.h"
-#include "platform/linux/x11_screenshot.h"
+#include "platform/linux/x11/x11_screenshot.h"
 
 class QScreen;
 

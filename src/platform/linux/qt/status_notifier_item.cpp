@@ -16,8 +16,8 @@
 #include <utility>
 
 #include "base/environment.h"
+#include "platform/linux/desktop/session_bus.h"
 #include "platform/linux/qt/status_notifier_pixmap.h"
-#include "platform/linux/session_bus.h"
 
 namespace ovrin {
 

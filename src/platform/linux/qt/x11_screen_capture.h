@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/worker_executor.h"
-#include "platform/linux/x11_screenshot.h"
+#include "platform/linux/x11/x11_screenshot.h"
 #include "platform/screen_capture.h"
 
 namespace ovrin {

@@ -13,7 +13,7 @@
 #include <xcb/xfixes.h>
 
 #include "base/error.h"
-#include "platform/linux/x11_connection.h"
+#include "platform/linux/x11/x11_connection.h"
 
 namespace ovrin::x11 {
 

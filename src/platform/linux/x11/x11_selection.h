@@ -1,0 +1,124 @@
+// The X11 clipboard as one client sees it: takes it over and serves its contents to others, and asks its owner for
+// them, in pieces where they are large (ICCCM, section 2). Reads what is selected (PRIMARY) as well. One thread, which
+// sleeps in pump() until the server says something.
+//
+// An owner that lets a request wait longer than the patience counts as one that has nothing. While a read waits,
+// requests of others are served. When the server goes away, or the program closes, everything reads as empty.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <xcb/xcb.h>
+#include <xcb/xfixes.h>
+
+#include "platform/clipboard_service.h"
+#include "platform/linux/x11/x11_connection.h"
+
+namespace ovrin {
+
+class X11Selection {
+public:
+    using Clock = std::chrono::steady_clock;
+    using Bytes = std::vector<std::byte>;
+    static constexpr std::chrono::milliseconds defaultPatience{2000};
+
+    // display: such as ":0"; null for the one the environment names. wakeDescriptor: an eventfd that is written when
+    // pump() is to return, and after closing is stopped; whoever waits reads it. changedByOthers is called on the
+    // pumping thread. Throws Error when no server answers or it lacks XFixes.
+    X11Selection(const char* display, int wakeDescriptor, std::stop_token closing,
+                 std::function<void()> changedByOthers, std::chrono::milliseconds patience = defaultPatience);
+
+    // Handles what has arrived; waits for something to arrive when nothing has, until the deadline, if any.
+    enum class Pumped : std::uint8_t { handled, deadline, woken };
+    Pumped pump(std::optional<Clock::time_point> deadline);
+
+    // Becomes the owner of one item in the given forms; without any the clipboard ends up empty.
+    void own(ClipboardItem item);
+
+    // Gives the contents to the desktop's clipboard manager, if we own them and it has one, so that they outlive us.
+    // It may take its time as long as it goes on taking, up to half a minute.
+    void handOver();
+
+    enum class Source : std::uint8_t { clipboard, primary };
+    // The forms that the owner offers; empty when there is none or it does not answer.
+    std::vector<std::string> targets(Source source = Source::clipboard);
+    // The contents in one form.
+    std::optional<Bytes> convert(std::string_view target, Source source = Source::clipboard);
+
+private:
+    struct OwnContents {
+        ClipboardItem item;
+        xcb_timestamp_t since = XCB_CURRENT_TIME;
+    };
+    // Contents on their way to somebody, piece by piece.
+    struct Transfer {
+        std::shared_ptr<const OwnContents> contents;
+        const Bytes* data = nullptr;
+        xcb_atom_t type = XCB_ATOM_NONE;
+        std::size_t sent = 0;
+    };
+    using TransferKey = std::pair<xcb_window_t, xcb_atom_t>;
+
+    xcb_atom_t atom(std::string_view name);
+    std::string atomName(xcb_atom_t atom);
+    xcb_timestamp_t serverTime();
+    xcb_window_t ownerOf(xcb_atom_t selection);
+    bool isLost() const;
+    bool owns();
+
+    bool handleArrived();
+    void handle(const xcb_generic_event_t& event);
+    void handleAnswer(const xcb_selection_notify_event_t& notice);
+    void handleOwnerChange(const xcb_xfixes_selection_notify_event_t& event);
+    void handleProperty(const xcb_property_notify_event_t& event);
+
+    void serve(const xcb_selection_request_event_t& request);
+    bool answer(xcb_window_t requestor, xcb_atom_t target, xcb_atom_t property);
+    bool answerMultiple(xcb_window_t requestor, xcb_atom_t property);
+    void beginTransfer(xcb_window_t requestor, xcb_atom_t property, Transfer transfer);
+    void continueTransfer(const TransferKey& key);
+
+    template <typename IsDone>
+    bool pumpUntil(IsDone isDone, const std::stop_token& stop = {});
+    xcb_atom_t request(xcb_atom_t selection, xcb_atom_t target);
+    struct Property;
+    Property takeProperty(xcb_atom_t property);
+    std::optional<Property> receive(Source source, xcb_atom_t target);
+
+    X11Connection connection_;
+    int wakeDescriptor_;
+    std::stop_token closing_;
+    std::function<void()> changedByOthers_;
+    std::chrono::milliseconds patience_;
+    xcb_window_t window_ = XCB_WINDOW_NONE;
+    std::uint8_t ownerChangeEvent_ = 0;
+    std::size_t pieceSize_ = 0;
+    std::map<std::string, xcb_atom_t, std::less<>> atoms_;
+
+    std::shared_ptr<const OwnContents> own_;
+    std::map<TransferKey, Transfer> transfers_;
+    std::size_t servedCount_ = 0;  // answers and pieces that others have got
+    int ownClearings_ = 0;         // owner changes to nobody that are our own and not announced yet
+
+    // The request under way, and what it has heard.
+    unsigned requestNumber_ = 0;
+    xcb_atom_t requestSelection_ = XCB_ATOM_NONE;
+    xcb_atom_t requestTarget_ = XCB_ATOM_NONE;
+    xcb_atom_t requestProperty_ = XCB_ATOM_NONE;
+    std::optional<xcb_atom_t> notified_;  // where the answer lies; XCB_ATOM_NONE: refused
+    bool hasNewPiece_ = false;
+    std::optional<xcb_timestamp_t> time_;
+};
+
+}  // namespace ovrin

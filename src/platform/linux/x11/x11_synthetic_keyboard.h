@@ -1,0 +1,48 @@
+// Presses Control+C and Control+V in the program in front, through the server's XTEST extension. In terminals, where
+// Control+C interrupts what runs and nothing that is selected can be replaced, it presses nothing.
+//
+// Keys that the user still holds from a shortcut would turn them into other combinations, and a key that holds a grab
+// would keep them for its owner: all of them are released first. They are not pressed again: a key whose release came
+// in between would be stuck.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "platform/linux/x11/x11_connection.h"
+#include "platform/shortcut.h"
+#include "platform/synthetic_keyboard.h"
+
+namespace ovrin {
+
+class X11SimulateKeyboard final : public SimulateKeyboard {
+public:
+    // display: such as ":0"; null for the one the environment names. Throws Error when no server answers there.
+    explicit X11SimulateKeyboard(const char* display);
+
+    // Whether the server lets programs press keys. It can't be asked to.
+    bool isTrusted() override;
+    bool requestTrust() override { return isTrusted(); }
+
+    // The window with the keyboard is, or is in, one that the window manager manages and that is not of this process.
+    bool reachesOtherProgram() override;
+
+    Window frontWindow() override;
+
+    // What a terminal has selected is the PRIMARY selection, if it owns that.
+    Selection selection() override;
+
+    // Return when the server has delivered the keys; do nothing when it can't.
+    void copy() override;
+    void paste() override;
+
+private:
+    void pressWithControl(const char* letter, KeyboardShortcuts::Key place);
+    std::vector<xcb_keycode_t> heldKeys();
+    xcb_window_t focusedWindow();
+    void fake(std::uint8_t event, xcb_keycode_t keyCode);
+
+    X11Connection connection_;
+};
+
+}  // namespace ovrin
