@@ -19,6 +19,7 @@
 #include "fakes/temporary_directory.h"
 #include "fakes/x_test_server.h"
 #include "platform/linux/recognition/linux_image_decoder.h"
+#include "platform/linux/x11/x11_connection.h"
 
 namespace ovrin {
 namespace {
@@ -175,7 +176,7 @@ protected:
         theirs = connect();
     }
 
-    std::unique_ptr<X11Clipboard> connect(std::chrono::milliseconds patience = X11Selection::defaultPatience) {
+    std::unique_ptr<X11Clipboard> connect(std::chrono::milliseconds patience = SelectionClient::defaultPatience) {
         return std::make_unique<X11Clipboard>(server->display(), decoder, workers, patience);
     }
 

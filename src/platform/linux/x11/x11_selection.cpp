@@ -17,15 +17,6 @@ namespace {
 
 constexpr std::uint8_t sentEventBit = 0x80;
 constexpr std::size_t largestPiece = 256U << 10U;
-constexpr std::size_t largestContents = std::size_t{1} << 30U;
-
-// Forms that speak about the contents, or about the conversation, and are no contents.
-constexpr std::array metaTargets{"TARGETS",          "MULTIPLE",        "TIMESTAMP", "SAVE_TARGETS",
-                                 "INSERT_SELECTION", "INSERT_PROPERTY", "DELETE"};
-
-bool isMeta(std::string_view target) {
-    return std::ranges::find(metaTargets, target) != metaTargets.end();
-}
 
 std::span<const std::byte> bytesOf(const void* data, std::size_t size) {
     return {static_cast<const std::byte*>(data), size};
@@ -44,13 +35,8 @@ struct X11Selection::Property {
     }
 };
 
-X11Selection::X11Selection(const char* display, int wakeDescriptor, std::stop_token closing,
-                           std::function<void()> changedByOthers, std::chrono::milliseconds patience)
-    : connection_(connectToX11(display)),
-      wakeDescriptor_(wakeDescriptor),
-      closing_(std::move(closing)),
-      changedByOthers_(std::move(changedByOthers)),
-      patience_(patience) {
+X11Selection::X11Selection(const char* display, User user, std::chrono::milliseconds patience)
+    : connection_(connectToX11(display)), user_(std::move(user)), patience_(patience) {
     xcb_connection_t* const connection = connection_.get();
     const xcb_query_extension_reply_t* const xfixes = xcb_get_extension_data(connection, &xcb_xfixes_id);
     if (xfixes == nullptr || xfixes->present == 0) throw Error("显示服务器缺少 XFixes 扩展，剪贴板不可用。");
@@ -85,12 +71,12 @@ X11Selection::Pumped X11Selection::pump(std::optional<Clock::time_point> deadlin
         timeout = static_cast<int>(left);
     }
     const int server = isLost() ? -1 : xcb_get_file_descriptor(connection_.get());
-    std::array<pollfd, 2> sources{{{server, POLLIN, 0}, {wakeDescriptor_, POLLIN, 0}}};
+    std::array<pollfd, 2> sources{{{server, POLLIN, 0}, {user_.wakeDescriptor, POLLIN, 0}}};
     const int ready = ::poll(sources.data(), sources.size(), timeout);
     if (ready == 0) return Pumped::deadline;
     if (ready < 0 || (sources[1].revents & POLLIN) == 0) return Pumped::handled;
     std::uint64_t count = 0;
-    static_cast<void>(::read(wakeDescriptor_, &count, sizeof count));
+    static_cast<void>(::read(user_.wakeDescriptor, &count, sizeof count));
     return Pumped::woken;
 }
 
@@ -203,7 +189,7 @@ void X11Selection::handleOwnerChange(const xcb_xfixes_selection_notify_event_t& 
         --ownClearings_;
         return;
     }
-    changedByOthers_();
+    user_.changedByOthers();
 }
 
 void X11Selection::handleProperty(const xcb_property_notify_event_t& event) {
@@ -322,17 +308,17 @@ X11Selection::Property X11Selection::takeProperty(xcb_atom_t property) {
 }
 
 std::optional<X11Selection::Property> X11Selection::receive(Source source, xcb_atom_t target) {
-    if (closing_.stop_requested()) return std::nullopt;
+    if (user_.closing.stop_requested()) return std::nullopt;
     const xcb_atom_t selection = source == Source::primary ? xcb_atom_t{XCB_ATOM_PRIMARY} : atom("CLIPBOARD");
     const xcb_atom_t property = request(selection, target);
-    const bool isAnswered = pumpUntil([this] { return notified_.has_value(); }, closing_);
+    const bool isAnswered = pumpUntil([this] { return notified_.has_value(); }, user_.closing);
     if (!isAnswered || *notified_ == XCB_ATOM_NONE) return std::nullopt;
     hasNewPiece_ = false;
     Property contents = takeProperty(property);
     if (contents.type != atom("INCR")) return contents;
 
     contents = {};
-    while (pumpUntil([this] { return hasNewPiece_; }, closing_)) {
+    while (pumpUntil([this] { return hasNewPiece_; }, user_.closing)) {
         hasNewPiece_ = false;
         const Property piece = takeProperty(property);
         if (piece.data.empty()) return contents;
@@ -352,7 +338,7 @@ bool X11Selection::owns() {
 std::vector<std::string> X11Selection::targets(Source source) {
     std::vector<std::string> names;
     const auto add = [&names](std::string name) {
-        if (!name.empty() && !isMeta(name) && std::ranges::find(names, name) == names.end()) {
+        if (!name.empty() && !isMetaTarget(name) && std::ranges::find(names, name) == names.end()) {
             names.push_back(std::move(name));
         }
     };

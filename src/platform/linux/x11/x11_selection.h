@@ -1,15 +1,10 @@
 // The X11 clipboard as one client sees it: takes it over and serves its contents to others, and asks its owner for
-// them, in pieces where they are large (ICCCM, section 2). Reads what is selected (PRIMARY) as well. One thread, which
-// sleeps in pump() until the server says something.
-//
-// An owner that lets a request wait longer than the patience counts as one that has nothing. While a read waits,
-// requests of others are served. When the server goes away, or the program closes, everything reads as empty.
+// them, in pieces where they are large (ICCCM, section 2). Reads what is selected (PRIMARY) as well.
 #pragma once
 
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -23,40 +18,32 @@
 #include <xcb/xfixes.h>
 
 #include "platform/clipboard_service.h"
+#include "platform/linux/desktop/selection_client.h"
 #include "platform/linux/x11/x11_connection.h"
 
 namespace ovrin {
 
-class X11Selection {
+class X11Selection final : public SelectionClient {
 public:
     using Clock = std::chrono::steady_clock;
-    using Bytes = std::vector<std::byte>;
-    static constexpr std::chrono::milliseconds defaultPatience{2000};
 
-    // display: such as ":0"; null for the one the environment names. wakeDescriptor: an eventfd that is written when
-    // pump() is to return, and after closing is stopped; whoever waits reads it. changedByOthers is called on the
-    // pumping thread. Throws Error when no server answers or it lacks XFixes.
-    X11Selection(const char* display, int wakeDescriptor, std::stop_token closing,
-                 std::function<void()> changedByOthers, std::chrono::milliseconds patience = defaultPatience);
+    // display: such as ":0"; null for the one the environment names. patience: how long an owner may let each piece
+    // wait. Throws Error when no server answers or it lacks XFixes.
+    X11Selection(const char* display, User user, std::chrono::milliseconds patience = defaultPatience);
 
+    void pump() override { pump(std::nullopt); }
+    void own(ClipboardItem item) override;
+    // To the desktop's clipboard manager, if it has one. That may take its time as long as it goes on taking, up to
+    // half a minute.
+    void handOver() override;
+    std::vector<std::string> targets(Source source) override;
+    std::optional<Bytes> convert(std::string_view target, Source source) override;
+
+private:
     // Handles what has arrived; waits for something to arrive when nothing has, until the deadline, if any.
     enum class Pumped : std::uint8_t { handled, deadline, woken };
     Pumped pump(std::optional<Clock::time_point> deadline);
 
-    // Becomes the owner of one item in the given forms; without any the clipboard ends up empty.
-    void own(ClipboardItem item);
-
-    // Gives the contents to the desktop's clipboard manager, if we own them and it has one, so that they outlive us.
-    // It may take its time as long as it goes on taking, up to half a minute.
-    void handOver();
-
-    enum class Source : std::uint8_t { clipboard, primary };
-    // The forms that the owner offers; empty when there is none or it does not answer.
-    std::vector<std::string> targets(Source source = Source::clipboard);
-    // The contents in one form.
-    std::optional<Bytes> convert(std::string_view target, Source source = Source::clipboard);
-
-private:
     struct OwnContents {
         ClipboardItem item;
         xcb_timestamp_t since = XCB_CURRENT_TIME;
@@ -97,9 +84,7 @@ private:
     std::optional<Property> receive(Source source, xcb_atom_t target);
 
     X11Connection connection_;
-    int wakeDescriptor_;
-    std::stop_token closing_;
-    std::function<void()> changedByOthers_;
+    User user_;
     std::chrono::milliseconds patience_;
     xcb_window_t window_ = XCB_WINDOW_NONE;
     std::uint8_t ownerChangeEvent_ = 0;

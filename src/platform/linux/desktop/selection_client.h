@@ -1,0 +1,58 @@
+// What a display server lets one program do with the clipboard and with what is selected (PRIMARY): take the clipboard
+// over and serve its contents to others, and ask the owners of both for theirs.
+//
+// One thread, which sleeps in pump() until the server says something. An owner that keeps a request waiting for too
+// long counts as one that has nothing. While a read waits, requests of others are served. When the server goes away, or
+// the program closes, everything reads as empty.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/clipboard_service.h"
+
+namespace ovrin {
+
+class SelectionClient {
+public:
+    using Bytes = std::vector<std::byte>;
+    static constexpr std::chrono::milliseconds defaultPatience{2000};
+    static constexpr std::size_t largestContents = std::size_t{1} << 30U;
+
+    // The clipboard that a client is made for.
+    struct User {
+        int wakeDescriptor = -1;  // an eventfd that is written when pump() is to return; whoever waits reads it
+        std::stop_token closing;  // the eventfd is written after it is stopped
+        std::function<void()> changedByOthers;  // called on the pumping thread
+    };
+
+    virtual ~SelectionClient() = default;
+
+    // Handles what has arrived, or waits until something arrives or the descriptor is written.
+    virtual void pump() = 0;
+
+    // Becomes the owner of one item in the given forms; without any the clipboard ends up empty.
+    virtual void own(ClipboardItem item) = 0;
+
+    // Gives the contents, if they are our own, to whoever keeps them for the time after us.
+    virtual void handOver() = 0;
+
+    enum class Source : std::uint8_t { clipboard, primary };
+    // The forms that the owner offers, without those that only speak about the others; empty when there is none or it
+    // does not answer.
+    virtual std::vector<std::string> targets(Source source) = 0;
+    // The contents in one form.
+    virtual std::optional<Bytes> convert(std::string_view target, Source source) = 0;
+};
+
+// Whether the form speaks about the contents, or about the conversation, and is no contents (ICCCM 2.6.2).
+bool isMetaTarget(std::string_view target);
+
+}  // namespace ovrin
