@@ -26,6 +26,7 @@
 #include "cli/arguments.h"
 #include "cli/config_command.h"
 #include "cli/do_command.h"
+#include "cli/doctor_command.h"
 #include "cli/history_command.h"
 #include "cli/interruption.h"
 #include "cli/recognize_command.h"
@@ -33,6 +34,7 @@
 #include "language/ai_service.h"
 #include "language/conversation_prompts.h"
 #include "platform/linux/desktop/session_bus_assistant.h"
+#include "platform/linux/desktop/session_inspection.h"
 #include "platform/linux/recognition/linux_image_decoder.h"
 #include "platform/linux/recognition/linux_language_identifier.h"
 #include "platform/linux/recognition/onnx_text_recognizer.h"
@@ -118,6 +120,8 @@ public:
         SessionBusAssistant assistant;
         return cli::performInAssistant(command, assistant);
     }
+
+    int operator()(const cli::Doctor& command) { return cli::showCapabilities(command, inspectSession(), terminal_); }
 
     int operator()(const cli::ConfigGet& command) {
         const Settings settings;

@@ -168,6 +168,13 @@ Invocation parseDo(CommandWords commandWords) {
     return Do{.action = action, .startsAssistant = action != "quit" && action != "reload"};
 }
 
+Invocation parseDoctor(CommandWords words) {
+    Doctor command;
+    command.form = takeForm(words);
+    requireNoMore("doctor", words.takeOperands());
+    return command;
+}
+
 Invocation parseConfigGet(CommandWords commandWords) {
     const Words words = commandWords.takeOperands();
     if (words.size() > 1) requireNoMore("config get", {words.begin() + 1, words.end()});
@@ -240,6 +247,7 @@ Invocation parseArguments(std::vector<std::string> words) {
         {"translate", parseTranslate},
         {"ask", parseAsk},
         {"do", parseDo},
+        {"doctor", parseDoctor},
         {"config", parseConfig},
     };
     const auto parser = parsers.find(command);
@@ -261,6 +269,7 @@ Usage:
   ovrin ask [QUESTION]                         ask a question, or standard input
   ovrin history [QUERY] [--json]               past results, newest first
   ovrin do ACTION                              have the assistant do something, started if it does not run (see below)
+  ovrin doctor [--json]                        what this session can do, and by what
   ovrin config get [KEY]                       show preferences
   ovrin config set KEY VALUE                   change a preference
   ovrin config unset KEY                       go back to its default
@@ -268,7 +277,7 @@ Usage:
   ovrin --help | --version
 
 Options:
-  --json       result records as JSON instead of text, one line for each picture
+  --json       JSON instead of text; of recognize, one line for each picture
   --save       keep the recognised text in the history
   --to TAG     target language, such as zh-Hans, en or ja
   --no-stream  print the answer of translate or ask when it is complete

@@ -54,6 +54,10 @@ struct Do {
     bool startsAssistant = true;  // where none runs
 };
 
+struct Doctor {
+    OutputForm form = OutputForm::text;
+};
+
 struct ConfigGet {
     std::optional<std::string> key;  // none: all that are set
 };
@@ -68,7 +72,7 @@ struct ConfigSetKey {};
 struct ConfigUnsetKey {};
 
 using Invocation = std::variant<ShowHelp, ShowVersion, StartAssistant, Recognize, ListHistory, Translate, Ask, Do,
-                                ConfigGet, ConfigSet, ConfigUnset, ConfigSetKey, ConfigUnsetKey>;
+                                Doctor, ConfigGet, ConfigSet, ConfigUnset, ConfigSetKey, ConfigUnsetKey>;
 
 // words: the arguments without the program's name. "--" ends the options of a command. Throws UsageError.
 Invocation parseArguments(std::vector<std::string> words);

@@ -10,6 +10,7 @@
 #include "base/run_loop.h"
 #include "cli/channels.h"
 #include "cli/config_command.h"
+#include "cli/doctor_command.h"
 #include "cli/history_command.h"
 #include "cli/recognize_command.h"
 #include "fakes/fake_keychain.h"
@@ -137,6 +138,18 @@ TEST_F(Commands, HistoryListsNewestFirstAndSearches) {
     Channels others;
     EXPECT_EQ(listHistory({.query = "OLD", .form = OutputForm::json}, history_, others.terminal), 0);
     EXPECT_EQ(nlohmann::json::parse(others.output.drained()).at(0).at("sourceText"), "older");
+}
+
+TEST_F(Commands, DoctorFailsWhereTheScreenCannotBeCaptured) {
+    const Capability tray{.name = "tray", .isAvailable = true, .detail = "StatusNotifierItem"};
+    Capability capture{.name = "capture", .isAvailable = false, .detail = "no display"};
+    EXPECT_EQ(showCapabilities({}, {tray, capture}, channels_.terminal), 1);
+    EXPECT_EQ(output(), "tray     yes  StatusNotifierItem\ncapture  no   no display\n");
+
+    Channels others;
+    capture = {.name = "capture", .isAvailable = true, .detail = "X11"};
+    EXPECT_EQ(showCapabilities({.form = OutputForm::json}, {tray, capture}, others.terminal), 0);
+    EXPECT_EQ(nlohmann::json::parse(others.output.drained()).at(1).at("mechanism"), "X11");
 }
 
 TEST_F(Commands, ConfigKeepsTheTypeOfEachPreference) {

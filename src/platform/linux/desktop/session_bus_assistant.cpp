@@ -1,16 +1,13 @@
 #include "platform/linux/desktop/session_bus_assistant.h"
 
-#include <condition_variable>
 #include <memory>
-#include <mutex>
-#include <stop_token>
-#include <thread>
 
 #include <gio/gio.h>
 
 #include "base/environment.h"
 #include "base/error.h"
 #include "platform/linux/desktop/application_name.h"
+#include "platform/linux/desktop/bus_deadline.h"
 #include "platform/linux/desktop/detached_program.h"
 #include "platform/linux/desktop/own_executable.h"
 #include "platform/linux/desktop/session_bus.h"
@@ -18,32 +15,6 @@
 namespace ovrin {
 
 namespace {
-
-struct Unreference {
-    void operator()(gpointer object) const { g_object_unref(object); }
-};
-struct UnreferenceVariant {
-    void operator()(GVariant* value) const { g_variant_unref(value); }
-};
-
-// Cancels what it is given to once the patience is over. Connecting to the bus has no time limit of its own.
-class Deadline {
-public:
-    explicit Deadline(std::chrono::milliseconds patience)
-        : thread_([this, patience](const std::stop_token& isOver) {
-              std::unique_lock lock(mutex_);
-              changed_.wait_for(lock, isOver, patience, [] { return false; });
-              if (!isOver.stop_requested()) g_cancellable_cancel(cancellable_.get());
-          }) {}
-
-    GCancellable* cancellable() const { return cancellable_.get(); }
-
-private:
-    std::unique_ptr<GCancellable, Unreference> cancellable_{g_cancellable_new()};
-    std::mutex mutex_;
-    std::condition_variable_any changed_;  // never; a stop wakes it
-    std::jthread thread_;                  // the last member: it uses the others
-};
 
 // The sentence of a failure of the library.
 std::string takeMessage(GError* failure) {
@@ -59,12 +30,12 @@ bool meansNotRunning(const GError* failure) {
            g_error_matches(failure, G_DBUS_ERROR, G_DBUS_ERROR_NAME_HAS_NO_OWNER) != FALSE;
 }
 
-std::unique_ptr<GDBusConnection, Unreference> connect(const Deadline& deadline) {
+std::unique_ptr<GDBusConnection, UnreferenceObject> connect(const BusDeadline& deadline) {
     if (sessionBus(Environment::ofProcess()) == SessionBus::none) {
         throw Error("no session bus: the running assistant cannot be reached");
     }
     GError* failure = nullptr;
-    std::unique_ptr<GDBusConnection, Unreference> bus(
+    std::unique_ptr<GDBusConnection, UnreferenceObject> bus(
         g_bus_get_sync(G_BUS_TYPE_SESSION, deadline.cancellable(), &failure));
     if (!bus) throw Error("no session bus: " + takeMessage(failure));
     return bus;
@@ -101,7 +72,7 @@ void waitForArrival(GDBusConnection* bus, pid_t program, std::chrono::millisecon
 }
 
 // False when the bus does not know how.
-bool startByBus(GDBusConnection* bus, std::chrono::milliseconds patience, const Deadline& deadline) {
+bool startByBus(GDBusConnection* bus, std::chrono::milliseconds patience, const BusDeadline& deadline) {
     GError* failure = nullptr;
     const std::unique_ptr<GVariant, UnreferenceVariant> reply(g_dbus_connection_call_sync(
         bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "StartServiceByName",
@@ -119,7 +90,7 @@ constexpr auto patienceWithStart = std::chrono::seconds(20);
 }  // namespace
 
 RunningAssistant::Reply SessionBusAssistant::perform(const std::string& commandName) {
-    const Deadline deadline(patience_);
+    const BusDeadline deadline(patience_);
     const auto bus = connect(deadline);
     GError* failure = nullptr;
     GVariant* const parameters =
@@ -139,7 +110,7 @@ RunningAssistant::Reply SessionBusAssistant::perform(const std::string& commandN
 bool SessionBusAssistant::start() {
     const Environment environment = Environment::ofProcess();
     if (!environment.value("DISPLAY")) return false;
-    const Deadline deadline(patienceWithStart);
+    const BusDeadline deadline(patienceWithStart);
     const auto bus = connect(deadline);
     if (startByBus(bus.get(), patienceWithStart, deadline)) return true;
     const pid_t program = startDetached(ownExecutable(), {"--autostart"}, environment);

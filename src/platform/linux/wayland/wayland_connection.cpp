@@ -119,7 +119,7 @@ void WaylandConnection::findOutputs() {
     roundTrip();
 }
 
-bool WaylandConnection::waitUntil(const std::function<bool()>& isDone, std::chrono::milliseconds time) {
+bool WaylandConnection::waitUntil(const std::function<bool()>& isDone, std::chrono::milliseconds time) const {
     const auto deadline = Clock::now() + time;
     while (!isDone()) {
         if (wl_display_dispatch_pending(display()) < 0) throwLost();
@@ -138,7 +138,7 @@ bool WaylandConnection::waitUntil(const std::function<bool()>& isDone, std::chro
     return true;
 }
 
-void WaylandConnection::roundTrip() {
+void WaylandConnection::roundTrip() const {
     bool isAnswered = false;
     const WaylandObject<wl_callback, wl_callback_destroy> callback(wl_display_sync(display()));
     static constexpr wl_callback_listener listener = {

@@ -67,10 +67,10 @@ public:
 
     // Sends what is waiting and takes events in until `isDone` holds. False when it doesn't within that time. Throws
     // Error when the compositor has gone.
-    bool waitUntil(const std::function<bool()>& isDone, std::chrono::milliseconds time = patience);
+    bool waitUntil(const std::function<bool()>& isDone, std::chrono::milliseconds time = patience) const;
 
     // Waits until the compositor has dealt with everything that was asked of it. Throws Error when it doesn't.
-    void roundTrip();
+    void roundTrip() const;
 
 private:
     struct Global {
