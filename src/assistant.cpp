@@ -45,6 +45,7 @@
 #include "platform/linux/qt/inotify_file_watcher.h"
 #include "platform/linux/qt/linux_desktop_settings.h"
 #include "platform/linux/qt/qt_desktop_layout.h"
+#include "platform/linux/qt/qt_image_encoder.h"
 #include "platform/linux/qt/qt_main_loop.h"
 #include "platform/linux/qt/recent_windows.h"
 #include "platform/linux/qt/termination_signals.h"
@@ -186,12 +187,14 @@ private:
 
     // The desktop.
     WorkerExecutor screenWorker_{1};
-    WorkerExecutor clipboardWorker_{1};  // where a picture's file may be on a disk that does not answer
     LinuxImageDecoder decoder_;
+    QtImageEncoder encoder_;
+    // Where a picture's file may be on a disk that does not answer, and an encoding may take seconds.
+    WorkerExecutor clipboardWorker_{1};
     X11Screenshot screenshot_;
     X11ScreenCapture screen_{screenshot_, screenWorker_};
     QtCaptureOverlays captureOverlays_{environment_, screenshot_};
-    X11Clipboard clipboard_{nullptr, decoder_, clipboardWorker_};
+    X11Clipboard clipboard_{nullptr, decoder_, encoder_, clipboardWorker_};
     X11SimulateKeyboard keyboard_{nullptr};
     QtDesktopLayout layout_;
     SpeechService speech_;

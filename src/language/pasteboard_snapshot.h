@@ -11,9 +11,13 @@ namespace ovrin {
 // Main thread. The clipboard is put back when the snapshot goes, also when the coroutine that holds it is destroyed
 // where it waits. A clipboard that nobody has changed meanwhile is left as it is: it would lose the forms that its
 // owner could not hand over in time.
+//
+// Owners convert a picture into every encoding they offer, which takes seconds for a large one. So only one encoding is
+// saved, the lossless one before everything else; the others are offered again and made from it when somebody asks.
 class PasteboardSnapshot {
 public:
-    // Throws CancellationError; nothing has been touched then.
+    // Takes at most 300 ms; other forms that have not come by then are lost. Throws SelectionError::pictureTooLarge()
+    // when a picture has not come in any encoding, and CancellationError; nothing has been touched then.
     static Task<PasteboardSnapshot> take(ClipboardService& pasteboard);
 
     PasteboardSnapshot(PasteboardSnapshot&& other) noexcept;

@@ -15,4 +15,8 @@ SelectionError SelectionError::noSelection() {
     return {Case::noSelection, "没有读取到选中的文字，请先选中文字后再试。"};
 }
 
+SelectionError SelectionError::pictureTooLarge() {
+    return {Case::pictureTooLarge, "剪贴板中的图片过大，未读取选中文字。"};
+}
+
 }  // namespace ovrin

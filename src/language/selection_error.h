@@ -9,10 +9,12 @@ namespace ovrin {
 
 class SelectionError : public Error {
 public:
-    enum class Case { accessibilityPermissionRequired, noSelection };
+    enum class Case { accessibilityPermissionRequired, noSelection, pictureTooLarge };
 
     static SelectionError accessibilityPermissionRequired();
     static SelectionError noSelection();
+    // The picture on the clipboard could not be saved in time, and would be lost.
+    static SelectionError pictureTooLarge();
 
     Case errorCase() const { return case_; }
 

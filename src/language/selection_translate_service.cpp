@@ -46,24 +46,34 @@ SelectionTranslateService::SelectionTranslateService(ClipboardService& clipboard
 
 Task<SelectedText> SelectionTranslateService::selectedText() {
     if (!hasPermission()) throw SelectionError::accessibilityPermissionRequired();
-    const PasteboardSnapshot snapshot = co_await PasteboardSnapshot::take(clipboard_);
-    std::int64_t seenChange = snapshot.changeCount();
     co_await waitForOtherProgram();
     SelectedText selected{.text = "", .window = keyboard_.frontWindow()};
-    const SimulateKeyboard::Selection way = keyboard_.selection();
-    if (way == SimulateKeyboard::Selection::absent) throw SelectionError::noSelection();
-    if (way == SimulateKeyboard::Selection::shown) {
-        selected.text = co_await shownText();
-        co_return selected;
+    switch (keyboard_.selection()) {
+        case SimulateKeyboard::Selection::absent:
+            throw SelectionError::noSelection();
+        case SimulateKeyboard::Selection::shown:
+            selected.text = co_await shownText();
+            break;
+        case SimulateKeyboard::Selection::copied:
+            selected.text = co_await copiedText(selected.window);
+            break;
     }
+    co_return selected;
+}
+
+Task<std::string> SelectionTranslateService::copiedText(SimulateKeyboard::Window window) {
+    const PasteboardSnapshot snapshot = co_await PasteboardSnapshot::take(clipboard_);
+    // The user may have gone elsewhere in the meantime, where the keys of copy do harm.
+    if (keyboard_.frontWindow() != window) throw SelectionError::noSelection();
+    std::int64_t seenChange = snapshot.changeCount();
     keyboard_.copy();
     for (int poll = 0; poll < maximumPolls; ++poll) {
         co_await waitUnlessInterrupted(pollInterval);
         const std::int64_t change = clipboard_.changeCount();
         if (std::exchange(seenChange, change) == change) continue;
         const std::optional<std::string> copied = co_await clipboard_.readString();
-        selected.text = text::trimmed(copied.value_or(""));
-        if (!selected.text.empty()) co_return selected;
+        std::string text(text::trimmed(copied.value_or("")));
+        if (!text.empty()) co_return text;
     }
     throw SelectionError::noSelection();
 }
@@ -82,18 +92,29 @@ Task<Replacement> SelectionTranslateService::replaceSelection(std::string text, 
         clipboard_.writeString(std::move(text));
         co_return possible;
     }
-    PasteboardSnapshot snapshot = co_await PasteboardSnapshot::take(clipboard_);
+    std::optional<PasteboardSnapshot> snapshot = co_await snapshotToPaste();
     clipboard_.writeString(std::move(text));
+    if (!snapshot) co_return Replacement::offered;
     co_await waitUnlessInterrupted(timeBeforePaste);
     // The user may have gone elsewhere in the meantime.
     const Replacement stillPossible = possibleReplacement(window);
     if (stillPossible != Replacement::pasted) {
-        snapshot.giveUp();
+        snapshot->giveUp();
         co_return stillPossible;
     }
     keyboard_.paste();
     co_await waitUnlessInterrupted(timeAfterPaste);
     co_return Replacement::pasted;
+}
+
+// None where the clipboard could not be put back, so that the replacement has to stay on it.
+Task<std::optional<PasteboardSnapshot>> SelectionTranslateService::snapshotToPaste() {
+    try {
+        PasteboardSnapshot snapshot = co_await PasteboardSnapshot::take(clipboard_);
+        co_return std::optional(std::move(snapshot));
+    } catch (const SelectionError&) {
+        co_return std::nullopt;
+    }
 }
 
 Replacement SelectionTranslateService::possibleReplacement(SimulateKeyboard::Window window) {

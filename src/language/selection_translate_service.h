@@ -6,8 +6,10 @@
 // stop ends every wait at once; a replacement that has begun is still pasted.
 #pragma once
 
+#include <optional>
 #include <string>
 
+#include "language/pasteboard_snapshot.h"
 #include "language/selection_access.h"
 #include "language/selection_error.h"
 #include "platform/clipboard_service.h"
@@ -22,10 +24,10 @@ public:
 
     // Both first give a window of this program that has just closed up to 300 ms to hand the keyboard back.
 
-    // Throws SelectionError: noSelection after 360 ms without a text.
+    // Throws SelectionError: noSelection after 360 ms without a text, pictureTooLarge before any key is pressed.
     Task<SelectedText> selectedText() override;
 
-    // Takes 240 ms where it pastes.
+    // Takes 240 ms where it pastes, besides the copy of the clipboard.
     Task<Replacement> replaceSelection(std::string text, SimulateKeyboard::Window window) override;
 
 private:
@@ -33,6 +35,8 @@ private:
     Replacement possibleReplacement(SimulateKeyboard::Window window);
     Task<void> waitForOtherProgram();
     Task<std::string> shownText();
+    Task<std::string> copiedText(SimulateKeyboard::Window window);
+    Task<std::optional<PasteboardSnapshot>> snapshotToPaste();
 
     ClipboardService& clipboard_;
     SimulateKeyboard& keyboard_;

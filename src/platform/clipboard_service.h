@@ -18,7 +18,10 @@ namespace ovrin {
 // One form in which an item offers its data.
 struct ClipboardRepresentation {
     std::string type;  // the type identifier of the platform, e.g. a MIME type
-    std::vector<std::byte> data;
+    std::vector<std::byte> data{};
+    // Where it is not empty: the type of the item's form, a picture, that this one is made from when somebody asks for
+    // it. There is no data then.
+    std::string encodedFrom{};
 
     bool operator==(const ClipboardRepresentation&) const = default;
 };
@@ -45,11 +48,16 @@ public:
     // there is none.
     virtual Task<std::optional<std::string>> readSelectedText() = 0;
 
-    // A copy of everything on the clipboard, to be given to writeItems() later. Forms without data and those that only
-    // speak about the others (targets, timestamps) are left out; empty when the clipboard is.
-    virtual Task<std::vector<ClipboardItem>> readItems() = 0;
+    // The types of all forms in which every item offers its data, without those that only speak about the others
+    // (targets, timestamps); empty when the clipboard is.
+    virtual Task<std::vector<std::vector<std::string>>> readTypes() = 0;
+
+    // What the item at this place has of the type; empty when it has nothing, which it may have promised all the same.
+    // A read that is cancelled keeps no later one waiting.
+    virtual Task<std::vector<std::byte>> readForm(std::size_t item, std::string type) = 0;
 
     // Replace all contents: by plain text (UTF-8, may be empty), and by items in their order (none: it ends up empty).
+    // Of forms that are made from others, those that the adapter cannot make are not offered.
     virtual void writeString(std::string text) = 0;
     virtual void writeItems(std::vector<ClipboardItem> items) = 0;
 };

@@ -132,6 +132,53 @@ TEST_F(SelectionTranslateServiceTest, WhereCopyWouldInterruptItReadsWhatIsShownA
     EXPECT_EQ(journal.take(), (Events{"end", "end", "end"}));
 }
 
+TEST_F(SelectionTranslateServiceTest, OfAPictureOneEncodingIsSavedBeforeAllElseAndAllAreOfferedAgain) {
+    clipboard.items = {{{.type = "text/html", .data = bytes(3)},
+                        {.type = "image/jpeg", .data = bytes(4)},
+                        {.type = "image/png"},  // promised in vain
+                        {.type = "image/svg+xml", .data = bytes(5)},
+                        {.type = "image/bmp", .data = bytes(6)},
+                        {.type = "text/plain", .data = bytes(7)},
+                        {.type = "text/rtf", .data = bytes(8)}}};
+    clipboard.delays = {{"image/bmp", 200ms}, {"text/plain", 200ms}};
+    answerCopyAfter(1ms, "selection");
+    readSelection();
+    loop.advance(300ms - 1ns);
+    EXPECT_EQ(journal.take(), Events{});
+    loop.advance(1ns);
+    EXPECT_EQ(journal.take(), Events{"copy"});
+    loop.advance(45ms);
+    EXPECT_EQ(text, "selection");
+    EXPECT_EQ(clipboard.read, (Events{"image/png", "image/bmp", "text/html", "image/svg+xml", "text/plain"}));
+    const std::vector<ClipboardItem> restored{{{.type = "text/html", .data = bytes(3)},
+                                               {.type = "image/jpeg", .encodedFrom = "image/bmp"},
+                                               {.type = "image/png", .encodedFrom = "image/bmp"},
+                                               {.type = "image/svg+xml", .data = bytes(5)},
+                                               {.type = "image/bmp", .data = bytes(6)}}};
+    EXPECT_EQ(clipboard.items, restored);
+}
+
+TEST_F(SelectionTranslateServiceTest, APictureThatDoesNotComeInTimeIsNotPutAtRisk) {
+    clipboard.delays = {{"image/png", 301ms}};
+    readSelection();
+    loop.advance(1s);
+    EXPECT_EQ(failure, "剪贴板中的图片过大，未读取选中文字。");
+    EXPECT_EQ(journal.take(), Events{"end"});
+
+    replaceSelection("le texte");
+    loop.advance(1s);
+    EXPECT_EQ(journal.take(), (Events{"clipboard: le texte", "end: offered"}));
+}
+
+TEST_F(SelectionTranslateServiceTest, NothingIsPressedWhereTheUserHasGoneDuringTheCopyOfTheClipboard) {
+    clipboard.delays = {{"text/html", 100ms}};
+    readSelection();
+    keyboard.front = SimulateKeyboard::Window{8};
+    loop.advance(1s);
+    EXPECT_TRUE(failure);
+    EXPECT_EQ(journal.take(), Events{"end"});
+}
+
 TEST_F(SelectionTranslateServiceTest, AnEmptyClipboardIsEmptyAgain) {
     clipboard.items.clear();
     clipboard.string.reset();
@@ -246,7 +293,10 @@ TEST_F(SelectionTranslateServiceTest, AnInterruptedReadLooksOnceMore) {
 
     text.reset();
     keyboard.onCopy = [] {};
+    stop = std::stop_source();
     readSelection();
+    stop.request_stop();
+    loop.runPosted();
     EXPECT_TRUE(failure);
     EXPECT_EQ(journal.take(), (Events{"copy", "end"}));
 }

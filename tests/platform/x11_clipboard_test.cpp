@@ -5,6 +5,7 @@
 #include <fstream>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <thread>
 #include <utility>
@@ -167,6 +168,17 @@ private:
     std::thread thread_;
 };
 
+// "Encodes" by naming the type before the bytes, and cannot make TIFF.
+class NamingEncoder final : public ImageEncoder {
+public:
+    bool canEncode(const std::string& type) const override { return type != "image/tiff"; }
+    std::vector<std::byte> encode(std::span<const std::byte> picture, const std::string& type) const override {
+        std::vector<std::byte> made = bytesOf(type + " of ");
+        made.insert(made.end(), picture.begin(), picture.end());
+        return made;
+    }
+};
+
 class X11ClipboardTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -177,7 +189,7 @@ protected:
     }
 
     std::unique_ptr<X11Clipboard> connect(std::chrono::milliseconds patience = SelectionClient::defaultPatience) {
-        return std::make_unique<X11Clipboard>(server->display(), decoder, workers, patience);
+        return std::make_unique<X11Clipboard>(server->display(), decoder, encoder, workers, patience);
     }
 
     // Reads once every write so far is done: each program's jobs keep their order.
@@ -192,7 +204,18 @@ protected:
         return settled([&of] { return of.readString(); });
     }
     std::vector<ClipboardItem> items(X11Clipboard& of) {
-        return settled([&of] { return of.readItems(); });
+        return settled([&of] { return everything(of); });
+    }
+    static Task<std::vector<ClipboardItem>> everything(X11Clipboard& of) {
+        const std::vector<std::vector<std::string>> types = co_await of.readTypes();
+        std::vector<ClipboardItem> items(types.size());
+        for (std::size_t i = 0; i < types.size(); ++i) {
+            for (const std::string& type : types[i]) {
+                std::vector<std::byte> data = co_await of.readForm(i, type);
+                items[i].push_back({.type = type, .data = std::move(data)});
+            }
+        }
+        co_return items;
     }
     std::optional<Image> image(X11Clipboard& of) {
         return settled([&of] { return of.readImage(); });
@@ -207,6 +230,7 @@ protected:
 
     RunLoop loop;
     LinuxImageDecoder decoder;
+    NamingEncoder encoder;
     WorkerExecutor workers{1};
     std::unique_ptr<XTestServer> server;
     std::unique_ptr<X11Clipboard> ours;
@@ -230,6 +254,30 @@ TEST_F(X11ClipboardTest, EveryFormComesBackByteForByteHoweverLarge) {
     EXPECT_EQ(items(*ours), saved);
     ours->writeItems(items(*ours));
     EXPECT_EQ(items(*theirs), saved);
+}
+
+TEST_F(X11ClipboardTest, EncodingsThatWereNotSavedAreMadeWhenSomebodyAsks) {
+    const std::string picture(1'000'000, 'p');
+    ours->writeItems({{{"text/plain", bytesOf("alt")},
+                       {.type = "image/x-large", .encodedFrom = "image/png"},
+                       {.type = "image/tiff", .encodedFrom = "image/png"},
+                       {"image/png", bytesOf(picture)}}});
+    const std::vector<ClipboardItem> offered{{{"text/plain", bytesOf("alt")},
+                                              {"image/x-large", bytesOf("image/x-large of " + picture)},
+                                              {"image/png", bytesOf(picture)}}};
+    EXPECT_EQ(items(*theirs), offered);
+}
+
+TEST_F(X11ClipboardTest, AReadThatIsGivenUpKeepsNoOtherWaiting) {
+    makeSilentOwner();
+    auto patient = connect(1h);
+    const auto read = [](X11Clipboard& from) -> Task<void> { co_await from.readForm(0, "image/png"); };
+    std::optional<RunningTask> reading(std::in_place, loop, read(*patient));
+    reading->start();
+    ASSERT_TRUE(BareClient(server->connection()).waitFor(XCB_SELECTION_REQUEST));  // it waits now
+    patient->writeString("next");
+    reading.reset();
+    EXPECT_EQ(loop.complete(patient->readString()), "next");
 }
 
 TEST_F(X11ClipboardTest, TwoLargeReadsAtOnceGetTheirOwnBytes) {
@@ -279,7 +327,7 @@ TEST_F(X11ClipboardTest, AnOwnerThatNeverAnswersHasNothing) {
 TEST_F(X11ClipboardTest, ClosingWaitsForNoOwnerAndLosesNothing) {
     makeSilentOwner();
     auto closing = connect(1h);
-    const auto read = [](X11Clipboard& from) -> Task<void> { co_await from.readItems(); };
+    const auto read = [](X11Clipboard& from) -> Task<void> { co_await from.readTypes(); };
     RunningTask first(loop, read(*closing));
     RunningTask second(loop, read(*closing));
     first.start();
@@ -352,7 +400,7 @@ TEST_F(X11ClipboardTest, NothingHangsWhenTheServerDies) {
     server->stop();
     EXPECT_EQ(loop.complete(ours->readString()), std::nullopt);
     ours->writeString("nowhere");
-    EXPECT_EQ(loop.complete(ours->readItems()).size(), 0U);
+    EXPECT_EQ(loop.complete(ours->readTypes()).size(), 0U);
 }
 
 }  // namespace

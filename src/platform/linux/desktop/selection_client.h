@@ -10,8 +10,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,8 +29,13 @@ public:
     // The clipboard that a client is made for.
     struct User {
         int wakeDescriptor = -1;  // an eventfd that is written when pump() is to return; whoever waits reads it
-        std::stop_token closing;  // the eventfd is written after it is stopped
-        std::function<void()> changedByOthers;  // called on the pumping thread
+        // The functions are called on the pumping thread.
+        std::function<bool()> isGivenUp;  // whether the read under way is; the eventfd is written after that happens
+        std::function<void()> changedByOthers;
+        // Makes the type from the picture on another thread and calls `done` with it, later or at once;
+        // without data when it cannot be made. Nothing is called any more when the client has gone.
+        std::function<void(std::shared_ptr<const Bytes> picture, std::string type, std::function<void(Bytes)> done)>
+            encode;
     };
 
     virtual ~SelectionClient() = default;
@@ -48,7 +53,7 @@ public:
     // The forms that the owner offers, without those that only speak about the others; empty when there is none or it
     // does not answer.
     virtual std::vector<std::string> targets(Source source) = 0;
-    // The contents in one form.
+    // The contents in one form; none of those of our own that would have to be made first.
     virtual std::optional<Bytes> convert(std::string_view target, Source source) = 0;
 };
 

@@ -140,63 +140,43 @@ std::optional<Image> decoded(const ImageDecoder& decoder, const PictureSource& s
     }
 }
 
-std::vector<ClipboardItem> everything(SelectionClient& selection) {
-    ClipboardItem item;
-    for (std::string& type : selection.targets(Source::clipboard)) {
-        std::optional<Bytes> data = selection.convert(type, Source::clipboard);
-        if (data && !data->empty()) item.push_back({.type = std::move(type), .data = std::move(*data)});
+// Display servers know no items: the forms of all are offered, of equal ones the first.
+ClipboardItem formsOf(std::vector<ClipboardItem> items, const ImageEncoder& encoder) {
+    ClipboardItem forms;
+    for (ClipboardItem& item : items) {
+        for (ClipboardRepresentation& form : item) {
+            const bool isKnown = std::ranges::find(forms, form.type, &ClipboardRepresentation::type) != forms.end();
+            const bool canBeHad = form.encodedFrom.empty() || encoder.canEncode(form.type);
+            if (!isKnown && canBeHad) forms.push_back(std::move(form));
+        }
     }
-    if (item.empty()) return {};
-    return {std::move(item)};
+    return forms;
 }
 
 }  // namespace
 
-SelectionClipboard::WakeDescriptor::WakeDescriptor() : value(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-    if (value < 0) throw Error("系统资源不足，剪贴板不可用。");
+SelectionClipboard::Jobs::Jobs() : wakeDescriptor_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    if (wakeDescriptor_ < 0) throw Error("系统资源不足，剪贴板不可用。");
 }
 
-SelectionClipboard::WakeDescriptor::~WakeDescriptor() {
-    ::close(value);
+SelectionClipboard::Jobs::~Jobs() {
+    ::close(wakeDescriptor_);
 }
 
-SelectionClipboard::SelectionClipboard(const Connect& connect, const ImageDecoder& decoder, WorkerExecutor& workers)
-    : decoder_(decoder),
-      workers_(workers),
-      selection_(connect(
-          {.wakeDescriptor = wake_.value, .closing = closing_.get_token(), .changedByOthers = [this] { ++changes_; }})),
-      thread_([this] { run(); }) {}
-
-SelectionClipboard::~SelectionClipboard() {
-    closing_.request_stop();
-    post([this](SelectionClient& selection) {
-        selection.handOver();
-        isOver_ = true;
-    });
-    thread_.join();
-}
-
-void SelectionClipboard::post(Job job) {
+void SelectionClipboard::Jobs::post(Job job) {
     {
         const std::lock_guard lock(mutex_);
         jobs_.push_back(std::move(job));
     }
+    wake();
+}
+
+void SelectionClipboard::Jobs::wake() const {
     const std::uint64_t one = 1;
-    static_cast<void>(::write(wake_.value, &one, sizeof one));  // a full counter wakes as well
+    static_cast<void>(::write(wakeDescriptor_, &one, sizeof one));  // a full counter wakes as well
 }
 
-// A wait in the middle of a job may have been woken for the next one, so no other wake-up is awaited then.
-void SelectionClipboard::run() {
-    while (!isOver_) {
-        if (const std::optional<Job> job = nextJob()) {
-            (*job)(*selection_);
-        } else {
-            selection_->pump();
-        }
-    }
-}
-
-std::optional<SelectionClipboard::Job> SelectionClipboard::nextJob() {
+std::optional<SelectionClipboard::Job> SelectionClipboard::Jobs::next() {
     const std::lock_guard lock(mutex_);
     if (jobs_.empty()) return std::nullopt;
     std::optional<Job> job(std::move(jobs_.front()));
@@ -204,16 +184,66 @@ std::optional<SelectionClipboard::Job> SelectionClipboard::nextJob() {
     return job;
 }
 
-// Has the thread find the answer and brings it back to the awaiting loop.
+SelectionClipboard::SelectionClipboard(const Connect& connect, const ImageDecoder& decoder, const ImageEncoder& encoder,
+                                       WorkerExecutor& workers)
+    : decoder_(decoder), encoder_(encoder), workers_(workers), selection_(connect(user())), thread_([this] {
+          run();
+      }) {}
+
+SelectionClient::User SelectionClipboard::user() {
+    return {.wakeDescriptor = jobs_->wakeDescriptor(),
+            .isGivenUp = [this] { return closing_.stop_requested() || reader_.stop_requested(); },
+            .changedByOthers = [this] { ++changes_; },
+            .encode = [this](auto picture, auto type,
+                             auto done) { encode(std::move(picture), std::move(type), std::move(done)); }};
+}
+
+// The work may end after this object: what it knows of it are the jobs, which nobody does any more then. While the
+// program closes nobody is to wait for it.
+void SelectionClipboard::encode(std::shared_ptr<const Bytes> picture, std::string type,
+                                std::function<void(Bytes)> done) {
+    if (closing_.stop_requested()) return done({});
+    workers_.post([&encoder = encoder_, jobs = jobs_, picture = std::move(picture), type = std::move(type),
+                   done = std::move(done)](const std::stop_token&) {
+        auto made = std::make_shared<Bytes>(encoder.encode(*picture, type));
+        jobs->post([done, made](SelectionClient&) { done(std::move(*made)); });
+    });
+}
+
+SelectionClipboard::~SelectionClipboard() {
+    closing_.request_stop();
+    jobs_->post([this](SelectionClient& selection) {
+        selection.handOver();
+        isOver_ = true;
+    });
+    thread_.join();
+}
+
+// A wait in the middle of a job may have been woken for the next one, so no other wake-up is awaited then.
+void SelectionClipboard::run() {
+    while (!isOver_) {
+        if (const std::optional<Job> job = jobs_->next()) {
+            (*job)(*selection_);
+        } else {
+            selection_->pump();
+        }
+    }
+}
+
+// Has the thread find the answer and brings it back to the awaiting loop. A reader that goes ends the search, so that
+// the next job is not kept waiting.
 template <typename Result>
 Task<Result> SelectionClipboard::ask(std::function<Result(SelectionClient&)> question) {
     auto [answers, writer] = makeStream<Result>();
-    Job job = [question = std::move(question),
+    Job job = [this, question = std::move(question),
                writer = std::make_shared<StreamWriter<Result>>(std::move(writer))](SelectionClient& selection) {
-        if (!writer->stopToken().stop_requested()) writer->push(question(selection));
+        reader_ = writer->stopToken();
+        const std::stop_callback wake(reader_, [this] { jobs_->wake(); });
+        if (!reader_.stop_requested()) writer->push(question(selection));
+        reader_ = {};
         writer->finish();
     };
-    post(std::move(job));
+    jobs_->post(std::move(job));
     std::optional<Result> answer = co_await answers.next();
     co_return answer ? std::move(*answer) : Result{};
 }
@@ -228,8 +258,18 @@ Task<std::optional<std::string>> SelectionClipboard::readSelectedText() {
         [](SelectionClient& selection) { return plainText(selection, Source::primary); });
 }
 
-Task<std::vector<ClipboardItem>> SelectionClipboard::readItems() {
-    return ask<std::vector<ClipboardItem>>(everything);
+Task<std::vector<std::vector<std::string>>> SelectionClipboard::readTypes() {
+    using Types = std::vector<std::vector<std::string>>;
+    return ask<Types>([](SelectionClient& selection) {
+        std::vector<std::string> types = selection.targets(Source::clipboard);
+        return types.empty() ? Types{} : Types{std::move(types)};
+    });
+}
+
+Task<std::vector<std::byte>> SelectionClipboard::readForm(std::size_t item, std::string type) {
+    return ask<Bytes>([item, type = std::move(type)](SelectionClient& selection) {
+        return item == 0 ? selection.convert(type, Source::clipboard).value_or(Bytes{}) : Bytes{};
+    });
 }
 
 // An owner may promise more forms than it has, or damaged ones: the first that is a picture counts.
@@ -261,17 +301,10 @@ void SelectionClipboard::writeString(std::string text) {
 }
 
 void SelectionClipboard::writeItems(std::vector<ClipboardItem> items) {
-    // Display servers know no items: the forms of all are offered, of equal ones the first.
-    auto forms = std::make_shared<ClipboardItem>();
-    for (ClipboardItem& item : items) {
-        for (ClipboardRepresentation& form : item) {
-            if (std::ranges::find(*forms, form.type, &ClipboardRepresentation::type) == forms->end()) {
-                forms->push_back(std::move(form));
-            }
-        }
-    }
+    auto all = std::make_shared<std::vector<ClipboardItem>>(std::move(items));
     ++changes_;
-    post([forms](SelectionClient& selection) { selection.own(std::move(*forms)); });
+    jobs_->post(
+        [all, &encoder = encoder_](SelectionClient& selection) { selection.own(formsOf(std::move(*all), encoder)); });
 }
 
 }  // namespace ovrin

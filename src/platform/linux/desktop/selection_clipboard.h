@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -16,6 +17,7 @@
 
 #include "platform/clipboard_service.h"
 #include "platform/image_decoder.h"
+#include "platform/image_encoder.h"
 #include "platform/linux/desktop/selection_client.h"
 
 namespace ovrin {
@@ -27,8 +29,10 @@ public:
     // Connects to the display server; throws Error when there is none.
     using Connect = std::function<std::unique_ptr<SelectionClient>(SelectionClient::User)>;
 
-    // Decoder and workers (where pictures are decoded) outlive the object. Throws what `connect` does.
-    SelectionClipboard(const Connect& connect, const ImageDecoder& decoder, WorkerExecutor& workers);
+    // The workers decode and encode pictures: they outlive the object, the decoder and the encoder outlive them. Throws
+    // what `connect` does.
+    SelectionClipboard(const Connect& connect, const ImageDecoder& decoder, const ImageEncoder& encoder,
+                       WorkerExecutor& workers);
     SelectionClipboard(const SelectionClipboard&) = delete;
     SelectionClipboard& operator=(const SelectionClipboard&) = delete;
     // Finishes what was written and leaves the contents to the desktop's clipboard manager where there is one. Reads
@@ -41,37 +45,51 @@ public:
     Task<std::optional<Image>> readImage() override;
     Task<std::optional<std::string>> readString() override;
     Task<std::optional<std::string>> readSelectedText() override;
-    Task<std::vector<ClipboardItem>> readItems() override;
+    Task<std::vector<std::vector<std::string>>> readTypes() override;
+    Task<std::vector<std::byte>> readForm(std::size_t item, std::string type) override;
 
     void writeString(std::string text) override;
     void writeItems(std::vector<ClipboardItem> items) override;
 
 private:
     using Job = std::function<void(SelectionClient&)>;
-    struct WakeDescriptor {
-        WakeDescriptor();
-        ~WakeDescriptor();
-        WakeDescriptor(const WakeDescriptor&) = delete;
-        WakeDescriptor& operator=(const WakeDescriptor&) = delete;
-        int value;
+    // What the thread is to do. Lives as long as somebody may add to it.
+    class Jobs {
+    public:
+        Jobs();
+        ~Jobs();
+        Jobs(const Jobs&) = delete;
+        Jobs& operator=(const Jobs&) = delete;
+
+        // Any thread.
+        void post(Job job);
+        void wake() const;
+        std::optional<Job> next();
+        int wakeDescriptor() const { return wakeDescriptor_; }
+
+    private:
+        int wakeDescriptor_;
+        std::mutex mutex_;
+        std::deque<Job> jobs_;  // guarded by the mutex
     };
 
-    void post(Job job);
+    SelectionClient::User user();
+    void encode(std::shared_ptr<const std::vector<std::byte>> picture, std::string type,
+                std::function<void(std::vector<std::byte>)> done);
     template <typename Result>
     Task<Result> ask(std::function<Result(SelectionClient&)> question);
     void run();
-    std::optional<Job> nextJob();
 
     const ImageDecoder& decoder_;
+    const ImageEncoder& encoder_;
     WorkerExecutor& workers_;
     std::atomic<std::int64_t> changes_ = 0;
-    WakeDescriptor wake_;
+    std::shared_ptr<Jobs> jobs_ = std::make_shared<Jobs>();
     std::stop_source closing_;
+    std::stop_token reader_;                      // the thread's: stopped when nobody wants any more what it reads
     std::unique_ptr<SelectionClient> selection_;  // the thread's
     bool isOver_ = false;                         // the thread's
-    std::mutex mutex_;
-    std::deque<Job> jobs_;  // guarded by the mutex
-    std::thread thread_;    // the last member: it uses the others
+    std::thread thread_;                          // the last member: it uses the others
 };
 
 }  // namespace ovrin

@@ -7,12 +7,12 @@
 
 namespace ovrin {
 
-X11Clipboard::X11Clipboard(const char* display, const ImageDecoder& decoder, WorkerExecutor& workers,
-                           std::chrono::milliseconds patience)
+X11Clipboard::X11Clipboard(const char* display, const ImageDecoder& decoder, const ImageEncoder& encoder,
+                           WorkerExecutor& workers, std::chrono::milliseconds patience)
     : SelectionClipboard(
           [&](SelectionClient::User user) {
               return std::make_unique<X11Selection>(display, std::move(user), patience);
           },
-          decoder, workers) {}
+          decoder, encoder, workers) {}
 
 }  // namespace ovrin

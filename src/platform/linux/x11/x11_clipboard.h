@@ -10,9 +10,8 @@ namespace ovrin {
 class X11Clipboard final : public SelectionClipboard {
 public:
     // display: such as ":0"; null for the one the environment names. patience: how long an owner may let each piece
-    // wait. Decoder and workers (where pictures are decoded) outlive the object. Throws Error when there is no X server
-    // with XFixes.
-    X11Clipboard(const char* display, const ImageDecoder& decoder, WorkerExecutor& workers,
+    // wait. The others as SelectionClipboard says. Throws Error when there is no X server with XFixes.
+    X11Clipboard(const char* display, const ImageDecoder& decoder, const ImageEncoder& encoder, WorkerExecutor& workers,
                  std::chrono::milliseconds patience = SelectionClient::defaultPatience);
 };
 

@@ -90,14 +90,19 @@ bool X11Selection::handleArrived() {
     return hasHandled;
 }
 
-// Until the condition holds; false when the patience was in vain, or at a stop. What wakes the thread otherwise has to
-// wait.
-template <typename IsDone>
-bool X11Selection::pumpUntil(IsDone isDone, const std::stop_token& stop) {
+// Until the condition holds; false when the patience was in vain, or it is given up. What wakes the thread otherwise
+// has to wait.
+template <typename IsDone, typename IsGivenUp>
+bool X11Selection::pumpUntil(IsDone isDone, IsGivenUp isGivenUp) {
     const auto deadline = Clock::now() + patience_;
     bool done = isDone();
-    while (!done && !isLost() && !stop.stop_requested() && pump(deadline) != Pumped::deadline) done = isDone();
+    while (!done && !isLost() && !isGivenUp() && pump(deadline) != Pumped::deadline) done = isDone();
     return done;
+}
+
+template <typename IsDone>
+bool X11Selection::pumpUntil(IsDone isDone) {
+    return pumpUntil(isDone, [] { return false; });
 }
 
 xcb_atom_t X11Selection::atom(std::string_view name) {
@@ -206,41 +211,87 @@ void X11Selection::serve(const xcb_selection_request_event_t& request) {
     ++servedCount_;
     // Clients of an old kind name no property; they get the one named as the target (ICCCM 2.2).
     const xcb_atom_t property = request.property == XCB_ATOM_NONE ? request.target : request.property;
+    if (own_ && answerLater(request, property)) return;
     const bool isAnswered =
         own_ && (request.target == atom("MULTIPLE") ? answerMultiple(request.requestor, property)
                                                     : answer(request.requestor, request.target, property));
+    notify(request, isAnswered ? property : static_cast<xcb_atom_t>(XCB_ATOM_NONE));
+}
+
+// Tells the requestor where the answer lies; XCB_ATOM_NONE: refused.
+void X11Selection::notify(const xcb_selection_request_event_t& request, xcb_atom_t property) {
     xcb_selection_notify_event_t notice{};
     notice.response_type = XCB_SELECTION_NOTIFY;
     notice.time = request.time;
     notice.requestor = request.requestor;
     notice.selection = request.selection;
     notice.target = request.target;
-    notice.property = isAnswered ? property : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+    notice.property = property;
     xcb_send_event(connection_.get(), 0, request.requestor, XCB_EVENT_MASK_NO_EVENT,
                    reinterpret_cast<const char*>(&notice));
     xcb_flush(connection_.get());
 }
 
+const ClipboardRepresentation* X11Selection::ownForm(xcb_atom_t target) {
+    const auto form = std::ranges::find_if(own_->item, [&](const auto& known) { return atom(known.type) == target; });
+    return form == own_->item.end() ? nullptr : &*form;
+}
+
+const ClipboardRepresentation* X11Selection::ownForm(std::string_view type) const {
+    const auto form = std::ranges::find(own_->item, type, &ClipboardRepresentation::type);
+    return form == own_->item.end() ? nullptr : &*form;
+}
+
+// Lives on when the contents are no longer ours.
+std::shared_ptr<const X11Selection::Bytes> X11Selection::ownData(const ClipboardRepresentation& form) const {
+    return {own_, &form.data};
+}
+
+// Whether the form is one that has to be made first; the requestor hears of it when it is. One who wants several forms
+// at once (MULTIPLE: clipboard managers) gets those that are there.
+bool X11Selection::answerLater(const xcb_selection_request_event_t& request, xcb_atom_t property) {
+    const ClipboardRepresentation* const form = ownForm(request.target);
+    if (form == nullptr || form->encodedFrom.empty()) return false;
+    const ClipboardRepresentation* const source = ownForm(form->encodedFrom);
+    if (source == nullptr) return false;
+    user_.encode(ownData(*source), form->type, [this, request, property](Bytes data) {
+        ++servedCount_;
+        const bool isMade = !data.empty();
+        if (isMade) {
+            put(request.requestor, property, request.target, std::make_shared<const Bytes>(std::move(data)));
+        }
+        notify(request, isMade ? property : static_cast<xcb_atom_t>(XCB_ATOM_NONE));
+    });
+    return true;
+}
+
 bool X11Selection::answer(xcb_window_t requestor, xcb_atom_t target, xcb_atom_t property) {
-    const auto put = [&](xcb_atom_t type, std::uint8_t format, std::size_t count, const void* data) {
-        xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, requestor, property, type, format,
-                            static_cast<std::uint32_t>(count), data);
+    const auto putValues = [&](xcb_atom_t type, std::size_t count, const void* values) {
+        xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, requestor, property, type, 32,
+                            static_cast<std::uint32_t>(count), values);
         return true;
     };
     if (target == atom("TARGETS")) {
         std::vector<xcb_atom_t> offered{atom("TARGETS"), atom("MULTIPLE"), atom("TIMESTAMP")};
         for (const auto& form : own_->item) offered.push_back(atom(form.type));
-        return put(XCB_ATOM_ATOM, 32, offered.size(), offered.data());
+        return putValues(XCB_ATOM_ATOM, offered.size(), offered.data());
     }
-    if (target == atom("TIMESTAMP")) return put(XCB_ATOM_INTEGER, 32, 1, &own_->since);
+    if (target == atom("TIMESTAMP")) return putValues(XCB_ATOM_INTEGER, 1, &own_->since);
 
-    const auto form = std::ranges::find_if(own_->item, [&](const auto& known) { return atom(known.type) == target; });
-    if (form == own_->item.end()) return false;
+    const ClipboardRepresentation* const form = ownForm(target);
+    if (form == nullptr || !form->encodedFrom.empty()) return false;
     // "TEXT" asks for text in whatever encoding suits the owner (ICCCM 2.6.2).
-    const xcb_atom_t type = target == atom("TEXT") ? atom("UTF8_STRING") : target;
-    if (form->data.size() <= pieceSize_) return put(type, 8, form->data.size(), form->data.data());
-    beginTransfer(requestor, property, {.contents = own_, .data = &form->data, .type = type});
+    put(requestor, property, target == atom("TEXT") ? atom("UTF8_STRING") : target, ownData(*form));
     return true;
+}
+
+void X11Selection::put(xcb_window_t requestor, xcb_atom_t property, xcb_atom_t type,
+                       std::shared_ptr<const Bytes> data) {
+    if (data->size() > pieceSize_) {
+        return beginTransfer(requestor, property, {.data = std::move(data), .type = type});
+    }
+    xcb_change_property(connection_.get(), XCB_PROP_MODE_REPLACE, requestor, property, type, 8,
+                        static_cast<std::uint32_t>(data->size()), data->data());
 }
 
 // Pairs of target and property, each answered by itself (ICCCM 2.6.2); a refused one's property becomes none.
@@ -308,17 +359,17 @@ X11Selection::Property X11Selection::takeProperty(xcb_atom_t property) {
 }
 
 std::optional<X11Selection::Property> X11Selection::receive(Source source, xcb_atom_t target) {
-    if (user_.closing.stop_requested()) return std::nullopt;
+    if (user_.isGivenUp()) return std::nullopt;
     const xcb_atom_t selection = source == Source::primary ? xcb_atom_t{XCB_ATOM_PRIMARY} : atom("CLIPBOARD");
     const xcb_atom_t property = request(selection, target);
-    const bool isAnswered = pumpUntil([this] { return notified_.has_value(); }, user_.closing);
+    const bool isAnswered = pumpUntil([this] { return notified_.has_value(); }, user_.isGivenUp);
     if (!isAnswered || *notified_ == XCB_ATOM_NONE) return std::nullopt;
     hasNewPiece_ = false;
     Property contents = takeProperty(property);
     if (contents.type != atom("INCR")) return contents;
 
     contents = {};
-    while (pumpUntil([this] { return hasNewPiece_; }, user_.closing)) {
+    while (pumpUntil([this] { return hasNewPiece_; }, user_.isGivenUp)) {
         hasNewPiece_ = false;
         const Property piece = takeProperty(property);
         if (piece.data.empty()) return contents;
@@ -354,8 +405,8 @@ std::vector<std::string> X11Selection::targets(Source source) {
 
 std::optional<X11Selection::Bytes> X11Selection::convert(std::string_view target, Source source) {
     if (source == Source::clipboard && owns()) {
-        const auto form = std::ranges::find(own_->item, target, &ClipboardRepresentation::type);
-        if (form == own_->item.end()) return std::nullopt;
+        const ClipboardRepresentation* const form = ownForm(target);
+        if (form == nullptr || !form->encodedFrom.empty()) return std::nullopt;
         return form->data;
     }
     auto contents = receive(source, atom(target));

@@ -8,7 +8,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <stop_token>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -50,8 +49,7 @@ private:
     };
     // Contents on their way to somebody, piece by piece.
     struct Transfer {
-        std::shared_ptr<const OwnContents> contents;
-        const Bytes* data = nullptr;
+        std::shared_ptr<const Bytes> data;
         xcb_atom_t type = XCB_ATOM_NONE;
         std::size_t sent = 0;
     };
@@ -71,13 +69,21 @@ private:
     void handleProperty(const xcb_property_notify_event_t& event);
 
     void serve(const xcb_selection_request_event_t& request);
+    void notify(const xcb_selection_request_event_t& request, xcb_atom_t property);
     bool answer(xcb_window_t requestor, xcb_atom_t target, xcb_atom_t property);
     bool answerMultiple(xcb_window_t requestor, xcb_atom_t property);
+    bool answerLater(const xcb_selection_request_event_t& request, xcb_atom_t property);
+    const ClipboardRepresentation* ownForm(xcb_atom_t target);
+    const ClipboardRepresentation* ownForm(std::string_view type) const;
+    std::shared_ptr<const Bytes> ownData(const ClipboardRepresentation& form) const;
+    void put(xcb_window_t requestor, xcb_atom_t property, xcb_atom_t type, std::shared_ptr<const Bytes> data);
     void beginTransfer(xcb_window_t requestor, xcb_atom_t property, Transfer transfer);
     void continueTransfer(const TransferKey& key);
 
     template <typename IsDone>
-    bool pumpUntil(IsDone isDone, const std::stop_token& stop = {});
+    bool pumpUntil(IsDone isDone);
+    template <typename IsDone, typename IsGivenUp>
+    bool pumpUntil(IsDone isDone, IsGivenUp isGivenUp);
     xcb_atom_t request(xcb_atom_t selection, xcb_atom_t target);
     struct Property;
     Property takeProperty(xcb_atom_t property);

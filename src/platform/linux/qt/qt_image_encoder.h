@@ -1,0 +1,14 @@
+// Makes picture files with the window toolkit, which knows the types that programs of the desktop put on the clipboard.
+#pragma once
+
+#include "platform/image_encoder.h"
+
+namespace ovrin {
+
+class QtImageEncoder final : public ImageEncoder {
+public:
+    bool canEncode(const std::string& type) const override;
+    std::vector<std::byte> encode(std::span<const std::byte> picture, const std::string& type) const override;
+};
+
+}  // namespace ovrin
