@@ -1,9 +1,11 @@
 #include "fakes/child_process.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
 #include <utility>
 
@@ -88,6 +90,17 @@ struct Launch {
 }
 
 }  // namespace
+
+bool ChildProcess::isInstalled(const std::string& program) {
+    const char* const path = std::getenv("PATH");
+    const std::string directories = path == nullptr ? "" : path;
+    for (std::size_t begin = 0; begin <= directories.size();) {
+        const auto end = std::min(directories.find(':', begin), directories.size());
+        if (::access((directories.substr(begin, end - begin) + "/" + program).c_str(), X_OK) == 0) return true;
+        begin = end + 1;
+    }
+    return false;
+}
 
 ChildProcess::ChildProcess(const Setup& setup) : name_(setup.arguments.front()) {
     const auto arguments = pointersTo(setup.arguments);

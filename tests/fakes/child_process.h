@@ -26,6 +26,9 @@ public:
         Output output = Output::lines;
     };
 
+    // Whether a program of this name is in PATH.
+    static bool isInstalled(const std::string& program);
+
     // Throws Error when the program cannot be started, for example because it is not installed.
     explicit ChildProcess(const Setup& setup);
     ~ChildProcess() { stop(); }

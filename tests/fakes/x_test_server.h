@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
-#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
@@ -20,6 +19,7 @@
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
+#include "fakes/child_process.h"
 #include "platform/linux/x11/xcb_xkb.h"
 
 extern char** environ;  // NOLINT(readability-redundant-declaration)
@@ -34,16 +34,7 @@ inline constexpr xcb_keycode_t leftShift = 50, leftSuper = 133, capsLock = 66, n
 
 class XTestServer {
 public:
-    static bool isInstalled() {
-        const char* const path = std::getenv("PATH");
-        std::string directories = path == nullptr ? "" : path;
-        for (std::size_t begin = 0; begin <= directories.size();) {
-            const auto end = std::min(directories.find(':', begin), directories.size());
-            if (access((directories.substr(begin, end - begin) + "/Xvfb").c_str(), X_OK) == 0) return true;
-            begin = end + 1;
-        }
-        return false;
-    }
+    static bool isInstalled() { return ChildProcess::isInstalled("Xvfb"); }
 
     // screen: width, height and depth.
     explicit XTestServer(const std::string& screen = "640x480x24") {

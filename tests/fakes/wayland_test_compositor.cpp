@@ -1,0 +1,85 @@
+#include "fakes/wayland_test_compositor.h"
+
+#include <csignal>
+#include <cstddef>
+#include <cstdlib>
+#include <fstream>
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include "base/error.h"
+
+namespace ovrin {
+namespace {
+
+constexpr const char* socketName = "ipc";
+
+std::string valueOf(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+std::string nameOf(std::size_t index) {
+    return "HEADLESS-" + std::to_string(index + 1);
+}
+
+// The line at the end is written to the compositor's standard output once the socket is there.
+std::string configurationIn(const std::filesystem::path& folder, const std::vector<HeadlessOutput>& outputs) {
+    const std::filesystem::path path = folder / "config";
+    std::ofstream file(path);
+    file << "xwayland disable\nswaybg_command -\ndefault_border none\n";
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
+        const HeadlessOutput& output = outputs[i];
+        file << "output " << nameOf(i) << " mode " << output.width << 'x' << output.height << " position " << output.x
+             << ' ' << output.y << " scale " << output.scale << " transform " << output.transform << '\n';
+    }
+    file << "exec echo $WAYLAND_DISPLAY\n";
+    return path.string();
+}
+
+// The compositor refuses to run as root, who therefore runs it as the user that owns nothing.
+std::vector<std::string> asOrdinaryUser(const std::filesystem::path& folder, const std::vector<std::string>& command) {
+    if (::geteuid() != 0) return command;
+    const passwd* const nobody = ::getpwnam("nobody");
+    if (nobody == nullptr) throw Error("there is no user called nobody");
+    if (::chown(folder.c_str(), nobody->pw_uid, nobody->pw_gid) != 0) throw Error("cannot give the folder away");
+    std::vector<std::string> arguments{"setpriv", "--reuid=" + std::to_string(nobody->pw_uid),
+                                       "--regid=" + std::to_string(nobody->pw_gid), "--clear-groups",
+                                       "--pdeathsig=TERM"};
+    arguments.insert(arguments.end(), command.begin(), command.end());
+    return arguments;
+}
+
+ChildProcess::Setup setupIn(const std::filesystem::path& folder, const std::vector<HeadlessOutput>& outputs) {
+    return {
+        .arguments = asOrdinaryUser(folder, {"sway", "--config", configurationIn(folder, outputs)}),
+        .environment = {"PATH=" + valueOf("PATH"), "HOME=" + folder.string(), "XDG_RUNTIME_DIR=" + folder.string(),
+                        "SWAYSOCK=" + (folder / socketName).string(), "WLR_BACKENDS=headless", "WLR_RENDERER=pixman",
+                        "WLR_LIBINPUT_NO_DEVICES=1", "WLR_HEADLESS_OUTPUTS=" + std::to_string(outputs.size())}};
+}
+
+}  // namespace
+
+bool WaylandTestCompositor::mayBeSkipped() {
+    return !ChildProcess::isInstalled("sway") && valueOf("CI") != "true";
+}
+
+WaylandTestCompositor::WaylandTestCompositor(const std::vector<HeadlessOutput>& outputs)
+    : compositor_(setupIn(folder_.path(), outputs)) {
+    const std::string name = compositor_.readLine();
+    if (name.empty()) throw Error("the compositor ended at once");
+    socket_ = folder_.path() / name;
+}
+
+void WaylandTestCompositor::command(const std::string& line) const {
+    ChildProcess message({.arguments = {"swaymsg", "--socket", (folder_.path() / socketName).string(), "--", line},
+                          .environment = {"PATH=" + valueOf("PATH")}});
+    if (message.waitForEnd() != 0) throw Error("the compositor refuses: " + line);
+}
+
+void WaylandTestCompositor::freeze() const {
+    compositor_.signal(SIGSTOP);
+}
+
+}  // namespace ovrin
