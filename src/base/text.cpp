@@ -9,6 +9,7 @@
 #include <unicode/normalizer2.h>
 #include <unicode/normlzr.h>
 #include <unicode/stringoptions.h>
+#include <unicode/ubiditransform.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 #include <unicode/utext.h>
@@ -260,6 +261,24 @@ std::string foldedIgnoringCaseAndDiacritics(std::string_view text, CaseRules rul
     }
     bare.foldCase(foldingOptions(rules));
     return toUtf8(composed(bare).toLower(icu::Locale::getRoot()));
+}
+
+std::string inReadingOrder(const std::string& seen) {
+    const icu::UnicodeString visual = toUtf16(seen);
+    std::int32_t leftward = 0, rightward = 0;
+    for (std::int32_t i = 0; i < visual.length(); i = visual.moveIndex32(i, 1)) {
+        const UCharDirection direction = u_charDirection(visual.char32At(i));
+        if (direction == U_LEFT_TO_RIGHT) ++rightward;
+        if (direction == U_RIGHT_TO_LEFT || direction == U_RIGHT_TO_LEFT_ARABIC) ++leftward;
+    }
+    if (leftward == 0) return seen;
+    icu::UnicodeString logical;
+    UErrorCode status = U_ZERO_ERROR;
+    const std::int32_t length = ubiditransform_transform(
+        nullptr, visual.getBuffer(), visual.length(), logical.getBuffer(visual.length()), visual.length(), UBIDI_LTR,
+        UBIDI_VISUAL, leftward > rightward ? UBIDI_RTL : UBIDI_LTR, UBIDI_LOGICAL, UBIDI_MIRRORING_OFF, 0, &status);
+    logical.releaseBuffer(std::max(0, length));
+    return U_FAILURE(status) ? seen : toUtf8(logical);
 }
 
 std::string lowercased(std::string_view text) {

@@ -79,6 +79,10 @@ bool containsIgnoringCase(std::string_view text, std::string_view query, CaseRul
 std::string foldedIgnoringCaseAndDiacritics(std::string_view text, CaseRules rules);
 
 // Lower and upper case by Unicode's rules, independent of the locale.
+// Text whose characters were written down as they are seen, from left to right. Where most of its letters run from
+// right to left, so does the line.
+std::string inReadingOrder(const std::string& seen);
+
 std::string lowercased(std::string_view text);
 std::string uppercased(std::string_view text);
 

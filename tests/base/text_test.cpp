@@ -42,6 +42,13 @@ TEST(TextTest, TrimmingTakesWhiteSpaceOfEveryKindFromBothEnds) {
     EXPECT_EQ(trimmedBlanks(" \t[DONE] \n"), "[DONE] \n");
 }
 
+TEST(TextTest, WhatIsSeenIsReadTowardsTheSideItsLettersRunTo) {
+    EXPECT_EQ(inReadingOrder("plain text 12"), "plain text 12");
+    EXPECT_EQ(inReadingOrder("مكب ابحرم"), "مرحبا بكم");
+    EXPECT_EQ(inReadingOrder("نآلا Firefox حتفا"), "افتح Firefox الآن");
+    EXPECT_EQ(inReadingOrder("the word ةكبش alone"), "the word شبكة alone");
+}
+
 TEST(TextTest, CanonicalEqualityIgnoresOnlyTheSpelling) {
     EXPECT_TRUE(canonicallyEqual("caf\u00E9", "cafe\u0301"));
     EXPECT_TRUE(canonicallyEqual("\uD55C", "\u1112\u1161\u11AB"));

@@ -64,8 +64,8 @@ InferenceSession::InferenceSession(const std::filesystem::path& modelFile, int t
         throw Error("缺少文字识别模型文件 " + modelFile.string() + "。");
     try {
         runtime_ = std::make_unique<Runtime>(modelFile, threads);
-    } catch (const Ort::Exception& failure) {
-        throw Error("无法载入文字识别模型文件 " + modelFile.string() + "：" + firstLine(failure.what()));
+    } catch (const Ort::Exception&) {
+        throw Error("无法载入文字识别模型文件 " + modelFile.string() + "：文件已损坏，或者不是模型。");
     }
 }
 

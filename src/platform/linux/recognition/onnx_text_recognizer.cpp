@@ -15,6 +15,7 @@
 #include <opencv2/core.hpp>
 
 #include "base/error.h"
+#include "base/text.h"
 #include "platform/linux/recognition/library_pages.h"
 #include "platform/linux/recognition/page_reader.h"
 #include "platform/linux/recognition/reading_order.h"
@@ -64,7 +65,8 @@ void addLines(std::vector<TextObservation>& lines, const Page& page, const std::
             characters += static_cast<double>(reading.size());
             box |= covered;
         }
-        lines.push_back({.candidates = {{.string = text, .confidence = static_cast<float>(confidence / characters)}},
+        lines.push_back({.candidates = {{.string = text::inReadingOrder(text),
+                                         .confidence = static_cast<float>(confidence / characters)}},
                          .boundingBox = unitBox(box, image)});
     }
 }

@@ -1,6 +1,7 @@
-// Has a second reader read what the network could not.
+// Has other readers read what the network could not.
 #pragma once
 
+#include <span>
 #include <stop_token>
 #include <vector>
 
@@ -15,9 +16,10 @@ namespace ovrin {
 // network that can't read a script leaves its ink unexplained while it is sure of the rest.
 double unexplainedInk(const Reading& reading, const LinePiece& piece, const ColumnRun& columns);
 
-// Replaces readings of the network (one for each piece) by those of the second reader where the picture shows that they
-// are right. Words go over as a whole, but for endings right behind a word in Latin letters.
+// Replaces readings of the network (one for each piece) by those of the second readers where the picture shows that
+// they are right. Words go over as a whole, but for endings right behind a word in Latin letters.
 void readOtherScript(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces,
-                     const LineRecognizer& network, SecondReader& reader, const std::stop_token& stop);
+                     const LineRecognizer& network, std::span<SecondReader* const> readers,
+                     const std::stop_token& stop);
 
 }  // namespace ovrin

@@ -108,19 +108,17 @@ Page readAsItIs(const cv::Mat& picture, const PageReaders& readers, const std::s
     if (isAlone) readAll(longestOfHalf);
     if (!isAlone || meanConfidence(read.front().reading) < sureOfHalves) readAll(LineRecognizer::longestPart);
     Page page;
-    double characters = 0;
     for (auto& [piece, reading] : read) {
         // Two boxes may have grown to the same ink.
         const bool isKnown = std::ranges::find(page.pieces, piece.box, &LinePiece::box) != page.pieces.end();
         if (piece.runs.empty() || isKnown) continue;
-        page.confidence += worth(reading);
-        characters += static_cast<double>(reading.size());
         page.pieces.push_back(std::move(piece));
         page.readings.push_back(std::move(reading));
     }
-    if (characters > 0) page.confidence /= characters;
-    for (SecondReader* reader : readers.secondReaders)
-        readOtherScript(page.readings, page.pieces, network, *reader, stop);
+    readOtherScript(page.readings, page.pieces, network, readers.secondReaders, stop);
+    double characters = 0;
+    for (const Reading& reading : page.readings) characters += static_cast<double>(reading.size());
+    if (characters > 0) page.confidence = worth(page) / characters;
     return cleaned(std::move(page));
 }
 

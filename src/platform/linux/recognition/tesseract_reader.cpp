@@ -85,6 +85,7 @@ Reading TesseractReader::read(const LinePiece& piece, const ColumnRun& columns, 
     monitor.cancel = [](void* token, int /*words*/) {
         return static_cast<const std::stop_token*>(token)->stop_requested();
     };
+    const bool setsWordsApart = language_.script != Script::hangul && language_.script != Script::thai;
     Reading reading;
     if (engine->Recognize(&monitor) == 0) {
         const std::unique_ptr<tesseract::ResultIterator> symbol(engine->GetIterator());
@@ -94,14 +95,23 @@ Reading TesseractReader::read(const LinePiece& piece, const ColumnRun& columns, 
                 int left = 0, top = 0, right = 0, bottom = 0;
                 if (!text || !symbol->BoundingBox(tesseract::RIL_SYMBOL, &left, &top, &right, &bottom)) continue;
                 const auto characters = icu::UnicodeString::fromUTF8(text.get());
+                const bool isAtSpace = language_.script == Script::arabic
+                                           ? symbol->IsAtFinalElement(tesseract::RIL_WORD, tesseract::RIL_SYMBOL)
+                                           : symbol->IsAtBeginningOf(tesseract::RIL_WORD);
                 for (int i = 0; i < characters.length(); i = characters.moveIndex32(i, 1)) {
                     reading.push_back({.code = static_cast<char32_t>(characters.char32At(i)),
                                        .confidence = symbol->Confidence(tesseract::RIL_SYMBOL) / 100.0F,
                                        .left = (left - border) / scale + columns.left,
-                                       .right = (right - border) / scale + columns.left});
+                                       .right = (right - border) / scale + columns.left,
+                                       // Those between syllables are worth nothing.
+                                       .spaceBefore = isAtSpace && i == 0 && setsWordsApart ? 1.0 : 0.0});
                 }
             } while (symbol->Next(tesseract::RIL_SYMBOL));
         }
+    }
+    if (language_.script == Script::arabic) {  // as it is seen, from left to right
+        std::ranges::reverse(reading);
+        std::ranges::stable_sort(reading, {}, &ReadCharacter::center);
     }
     engine->Clear();
     const std::lock_guard lock(mutex_);
