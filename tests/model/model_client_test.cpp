@@ -499,7 +499,10 @@ protected:
     std::unique_ptr<RunLoop> ioLoop;
     std::stop_source started;
     FakeHTTPClient http;
-    WorkerExecutor worker{1};
+    std::binary_semaphore isAsked{0};  // the keyring
+    std::binary_semaphore isUnlocked{0};
+    std::atomic<bool> hasGivenUp = false;
+    WorkerExecutor worker{1};  // after what its work uses
     RunLoop mainLoop;
     Seen seen;
     std::jthread thread{[this] {
@@ -529,10 +532,7 @@ TEST_F(ModelClientThreads, GoOnStreamingWhileTheKeyringOfAnotherCallIsLocked) {
     AsyncStream<AnswerChange> open = client([] {}).stream(conversation, 0.2);
     mainLoop.complete([](AsyncStream<AnswerChange>& stream) -> Task<void> { co_await stream.next(); }(open));
 
-    std::binary_semaphore isAsked(0);
-    std::binary_semaphore isUnlocked(0);
-    std::atomic<bool> hasGivenUp = false;
-    const AsyncStream<AnswerChange> waiting = client([&] {
+    const AsyncStream<AnswerChange> waiting = client([this] {
                                                   isAsked.release();
                                                   hasGivenUp = !isUnlocked.try_acquire_for(10s);
                                               }).stream(conversation, 0.2);
