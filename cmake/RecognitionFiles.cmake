@@ -15,4 +15,7 @@ if(ONNXRuntime_BUNDLED)
   configure_file("${ONNXRuntime_LIBRARY}" "${_runtime}" COPYONLY)
   set_target_properties(ONNXRuntime::ONNXRuntime PROPERTIES IMPORTED_LOCATION "${_runtime}")
   install(FILES "${_runtime}" DESTINATION lib/ovrin)
+  set(_licenses "${OVRIN_RECOGNITION_FILES}/licenses")
+  install(FILES "${_licenses}/onnxruntime-LICENSE" "${_licenses}/onnxruntime-ThirdPartyNotices.txt"
+          DESTINATION share/doc/ovrin)
 endif()
