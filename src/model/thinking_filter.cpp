@@ -26,11 +26,14 @@ bool isBlank(std::string_view text) {
     return withoutLeading(text, blanks).empty();
 }
 
+bool isClosingTag(std::string_view line) {
+    const std::string_view text = withoutLeading(line, blanks);
+    return text.starts_with(closingTag) && isBlank(text.substr(closingTag.size()));
+}
+
 // Whether the line is the closing tag, or can become it.
 bool mayBeClosingTag(std::string_view line, bool isWhole) {
-    const std::string_view text = withoutLeading(line, blanks);
-    if (text.starts_with(closingTag)) return isBlank(text.substr(closingTag.size()));
-    return !isWhole && closingTag.starts_with(text);
+    return isClosingTag(line) || (!isWhole && closingTag.starts_with(withoutLeading(line, blanks)));
 }
 
 // How much of the end can be the beginning of the tag.
@@ -53,9 +56,9 @@ void ThinkingFilter::feed(std::string_view piece, std::vector<AnswerChange>& cha
 }
 
 void ThinkingFilter::finish(std::vector<AnswerChange>& changes) {
-    if (state_ != State::thinking && state_ != State::afterThought) ready_ += held_ + pending_;
+    if (state_ == State::watching && isClosingTag(pending_)) takeBack(changes);
+    if (state_ != State::thinking && state_ != State::afterThought) ready_ += pending_;
     pending_.clear();
-    held_.clear();
     flush(changes);
 }
 
@@ -69,9 +72,7 @@ bool ThinkingFilter::step(std::vector<AnswerChange>& changes) {
         case State::afterThought:
             return skipBlank();
         case State::watching:
-            return watchLine();
-        case State::closing:
-            return takeBack(changes);
+            return watchLine(changes);
         case State::answering:
             ready_ += std::exchange(pending_, {});
             break;
@@ -109,15 +110,14 @@ bool ThinkingFilter::skipBlank() {
     return !pending_.empty();
 }
 
-bool ThinkingFilter::watchLine() {
+bool ThinkingFilter::watchLine(std::vector<AnswerChange>& changes) {
     const auto end = pending_.find('\n');
     const bool isWhole = end != std::string::npos;
     const std::size_t length = isWhole ? end + 1 : pending_.size();
     const std::string_view line = std::string_view(pending_).substr(0, isWhole ? end : length);
     if (!isBegun_ && fence_ == '\0' && mayBeClosingTag(line, isWhole)) {
         if (!isWhole) return false;
-        held_ = pending_.substr(0, length);
-        state_ = State::closing;
+        takeBack(changes);
     } else {
         follow(line, isWhole);
         ready_.append(pending_, 0, length);
@@ -128,18 +128,10 @@ bool ThinkingFilter::watchLine() {
     return true;
 }
 
-bool ThinkingFilter::takeBack(std::vector<AnswerChange>& changes) {
-    const std::string_view text = withoutLeading(pending_, whiteSpace);
-    if (text.empty()) {
-        held_ += std::exchange(pending_, {});
-        return false;
-    }
-    changes.push_back({.kind = AnswerChange::Kind::replaced, .text = std::string(text)});
+void ThinkingFilter::takeBack(std::vector<AnswerChange>& changes) {
+    changes.push_back({.kind = AnswerChange::Kind::replaced});
     ready_.clear();
-    held_.clear();
-    pending_.clear();
-    state_ = State::answering;
-    return false;
+    state_ = State::afterThought;
 }
 
 // Keeps account of the code block that is open.

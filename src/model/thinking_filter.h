@@ -29,7 +29,6 @@ private:
         thinking,      // behind an opening tag
         afterThought,  // the white space behind a closing tag
         watching,      // for a closing tag that was never opened
-        closing,       // has met one, and waits for what comes behind it
         answering      // all else is the answer
     };
 
@@ -37,8 +36,8 @@ private:
     bool begin(std::vector<AnswerChange>& changes);
     bool think();
     bool skipBlank();
-    bool watchLine();
-    bool takeBack(std::vector<AnswerChange>& changes);
+    bool watchLine(std::vector<AnswerChange>& changes);
+    void takeBack(std::vector<AnswerChange>& changes);
     void follow(std::string_view lineSoFar, bool isWhole);
     void flush(std::vector<AnswerChange>& changes);
 
@@ -46,7 +45,6 @@ private:
     bool hasToldThinking_ = false;
     std::string pending_;  // not yet looked at, or kept for a tag
     std::string ready_;    // to be delivered
-    std::string held_;     // the closing tag and the white space behind it
 
     // Of the line that is being watched.
     std::string line_;  // its beginning
