@@ -15,6 +15,7 @@
 
 #include "fakes/fake_application_actions.h"
 #include "fakes/fake_synthetic_keyboard.h"
+#include "model/recorded_answers.h"
 #include "settings/settings_fixture.h"
 #include "settings/settings_view_model.h"
 #include "storage/history_store.h"
@@ -68,6 +69,18 @@ protected:
         {.store = surroundings(), .keyboard = keyboard, .history = history, .application = actions, .version = "1"}};
     QtSettingsWindow window{environment, icons.image(), viewModel, new SettingsPage(environment, "快捷键", {})};
 };
+
+TEST_F(SettingsWindowTest, TabReachesAFoundServiceAboveWhatItFillsIn) {
+    http.willAnswer({.chunks = {std::string(recorded::ollamaModels)}});
+    for (int port = 0; port < 3; ++port) http.willAnswer({.chunks = {"<html>"}});
+    show(SettingsSection::service);
+    loop.advance(std::chrono::seconds(1));
+    QApplication::processEvents();
+    QWidget& found = named("使用 Ollama");
+    QWidget* next = found.nextInFocusChain();
+    while (next->focusPolicy() == Qt::NoFocus || !next->isVisible()) next = next->nextInFocusChain();
+    EXPECT_EQ(next, &named("OpenAI 兼容"));
+}
 
 // What every control of the page says of itself.
 QString values(const QWidget& page) {

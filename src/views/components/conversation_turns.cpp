@@ -5,21 +5,12 @@
 #include <utility>
 
 #include "views/components/reading_column.h"
+#include "views/components/tab_order.h"
 
 namespace ovrin {
 
 namespace {
-
 constexpr int spacing = 20;
-
-// What Tab reaches before it comes to the widget; none where it is the first.
-QWidget* stopBefore(QWidget& widget) {
-    for (QWidget* before = widget.previousInFocusChain(); before != &widget; before = before->previousInFocusChain()) {
-        if (before->focusPolicy() != Qt::NoFocus) return before;
-    }
-    return nullptr;
-}
-
 }  // namespace
 
 ConversationTurns::ConversationTurns(ViewEnvironment& environment, ReadingColumn& column,
@@ -57,7 +48,7 @@ ConversationTurns::Shown ConversationTurns::add(const Turn& turn) {
     view->answer().setAccessibleName(QStringLiteral("回答 %1").arg(shown_.size() + 1));
     layout_->addWidget(view);
     // By themselves they would come after all that has been there before.
-    setTabOrder(shown_.empty() ? stopBefore(*this) : &shown_.back().view->answer(), &view->question());
+    setTabOrder(shown_.empty() ? tabStopBefore(*this) : &shown_.back().view->answer(), &view->question());
     setTabOrder(&view->question(), &view->answer());
     return {turn.id, std::string(turn.question), view};
 }

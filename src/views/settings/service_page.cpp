@@ -15,6 +15,7 @@
 #include "views/components/ov_secure_field.h"
 #include "views/components/ov_status_pill.h"
 #include "views/components/ov_text_field.h"
+#include "views/components/tab_order.h"
 #include "views/settings/header_rows.h"
 #include "views/settings/saved_note.h"
 #include "views/settings/settings_card.h"
@@ -128,6 +129,7 @@ void ServicePage::showLocalServices(QHBoxLayout& slot, SettingsLine& line) {
         line.setHint(QStringLiteral("Ollama、LM Studio、llama.cpp 或 vLLM 启动后会显示在这里"));
         return;
     }
+    QWidget* before = tabStopBefore(*slot.parentWidget());
     for (const LocalService& service : *found) {
         const QString name = toQString(service.name);
         const bool hasModels = !service.models.empty();
@@ -138,6 +140,8 @@ void ServicePage::showLocalServices(QHBoxLayout& slot, SettingsLine& line) {
         button->setToolTip(toQString(service.connectionURL));
         connect(button, &QAbstractButton::clicked, this, [this, service] { store_.useLocalService(service); });
         slot.addWidget(button);
+        if (before != nullptr) setTabOrder(before, button);
+        before = button;
     }
     slot.addStretch();
     line.setHint(QStringLiteral("点击即填入连接 URL 与模型，并清空 API Key"));
