@@ -201,6 +201,17 @@ TEST_F(TrayTest, TheBusStartsTheAssistantForLaunchersAndCommands) {
     EXPECT_EQ(assistant->run({"do", "quit"}), 0);
 }
 
+TEST_F(TrayTest, ACommandStartsTheAssistantWhereTheBusCannot) {
+    begin();
+    assistant->process().signal(SIGTERM);
+    EXPECT_EQ(assistant->process().waitForEnd(), 0);
+    std::ofstream(desktop->servicesFolder() / "com.quel.ovrin.service")
+        << "[D-BUS Service]\nName=com.quel.ovrin\nExec=/bin/false\n";
+    EXPECT_EQ(assistant->run({"do", "history"}), 0);
+    user->waitForWindow({.title = "历史记录 — Ovrin", .program = "ovrin"});
+    EXPECT_EQ(assistant->run({"do", "quit"}), 0);
+}
+
 TEST_F(TrayTest, TakesOverWhatIsConfiguredWhileItRuns) {
     begin();
     constexpr int keyJ = 38;

@@ -71,7 +71,13 @@ void waitForArrival(GDBusConnection* bus, pid_t program, std::chrono::millisecon
     g_main_context_pop_thread_default(context.get());
 }
 
-// False when the bus does not know how.
+// Whether the bus knew how to start a program, which then ended. The bus may have been told of another display or none.
+bool meansFailedStart(const GError* failure) {
+    const std::unique_ptr<gchar, decltype(&g_free)> name(g_dbus_error_get_remote_error(failure), g_free);
+    return name && std::string_view(name.get()).starts_with("org.freedesktop.DBus.Error.Spawn.");
+}
+
+// False when the bus cannot.
 bool startByBus(GDBusConnection* bus, std::chrono::milliseconds patience, const BusDeadline& deadline) {
     GError* failure = nullptr;
     const std::unique_ptr<GVariant, UnreferenceVariant> reply(g_dbus_connection_call_sync(
@@ -79,7 +85,9 @@ bool startByBus(GDBusConnection* bus, std::chrono::milliseconds patience, const 
         g_variant_new("(su)", applicationId, 0U), nullptr, G_DBUS_CALL_FLAGS_NONE, static_cast<int>(patience.count()),
         deadline.cancellable(), &failure));
     if (reply) return true;
-    if (!meansNotRunning(failure)) throw Error("the assistant did not start: " + takeMessage(failure));
+    if (!meansNotRunning(failure) && !meansFailedStart(failure)) {
+        throw Error("the assistant did not start: " + takeMessage(failure));
+    }
     g_error_free(failure);
     return false;
 }

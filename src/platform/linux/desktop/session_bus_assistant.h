@@ -1,5 +1,5 @@
-// Reaches the assistant over the session bus. Where the bus knows how to start it, the bus does; else this program's
-// own executable is started, with the API keys of this process's environment.
+// Reaches the assistant over the session bus. Where the bus can start it, the bus does; else this program's own
+// executable is started, with the API keys of this process's environment.
 #pragma once
 
 #include <chrono>
