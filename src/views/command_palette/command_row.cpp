@@ -17,6 +17,9 @@ namespace {
 constexpr int iconTile = 30;
 constexpr double iconSize = 15;
 constexpr int inset = 9;  // between the edge of the row and what it holds
+// From the top: the same for Chinese and for Latin letters, whose fonts are not of one height.
+constexpr int titleBaseline = 20;
+constexpr int subtitleBaseline = 38;
 
 class AccessibleCommandRow final : public QAccessibleWidget {
 public:
@@ -78,15 +81,15 @@ void CommandRow::paintEvent(QPaintEvent* /*event*/) {
              color(isSelected_ ? ColorToken::accentInk : ColorToken::ink2));
 
     const int right = drawShortcut(painter);
-    const QRect words(tile.right() + 11, 5, right - tile.right() - 21, height - 10);
-    const auto drawLine = [&](const QString& text, const theme::FontStyle& style, ColorToken token, Qt::Alignment at) {
+    const int left = tile.right() + 11;
+    const auto drawLine = [&](const QString& text, const theme::FontStyle& style, ColorToken token, int baseline) {
         const QFont font = toQFont(style);
         painter.setFont(font);
         painter.setPen(color(token));
-        painter.drawText(words, at | Qt::AlignLeft, QFontMetrics(font).elidedText(text, Qt::ElideRight, words.width()));
+        painter.drawText(left, baseline, QFontMetrics(font).elidedText(text, Qt::ElideRight, right - left - 10));
     };
-    drawLine(toQString(item_.title), theme::font::bodyMedium, ColorToken::ink, Qt::AlignTop);
-    drawLine(toQString(item_.subtitle.value_or("")), theme::font::caption, ColorToken::ink2, Qt::AlignBottom);
+    drawLine(toQString(item_.title), theme::font::bodyMedium, ColorToken::ink, titleBaseline);
+    drawLine(toQString(item_.subtitle.value_or("")), theme::font::caption, ColorToken::ink2, subtitleBaseline);
 }
 
 // The x coordinate that is left for the words.
