@@ -2,15 +2,11 @@
 
 #include <algorithm>
 
-#include <poll.h>
-
 #include "base/error.h"
 #include "xdg-output-unstable-v1-client.h"
 
 namespace ovrin {
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 [[noreturn]] void throwLost() {
     throw Error("与桌面（Wayland）的连接已断开。");
@@ -122,20 +118,32 @@ void WaylandConnection::findOutputs() {
 bool WaylandConnection::waitUntil(const std::function<bool()>& isDone, std::chrono::milliseconds time) const {
     const auto deadline = Clock::now() + time;
     while (!isDone()) {
-        if (wl_display_dispatch_pending(display()) < 0) throwLost();
-        if (isDone()) break;
-        if (wl_display_prepare_read(display()) != 0) continue;
-        const bool sent = wl_display_flush(display()) >= 0;
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
-        pollfd socket{wl_display_get_fd(display()), static_cast<short>(POLLIN | (sent ? 0 : POLLOUT)), 0};
-        if (left.count() <= 0 || poll(&socket, 1, static_cast<int>(left.count())) <= 0) {
-            wl_display_cancel_read(display());
-            if (left.count() <= 0) return false;
-            continue;
-        }
-        if (wl_display_read_events(display()) < 0) throwLost();
+        if (Clock::now() >= deadline) return false;
+        wait({}, deadline);
     }
     return true;
+}
+
+void WaylandConnection::wait(std::span<pollfd> others, std::optional<Clock::time_point> deadline) const {
+    for (pollfd& other : others) other.revents = 0;
+    if (wl_display_prepare_read(display()) == 0) {
+        const bool sent = wl_display_flush(display()) >= 0;
+        std::vector<pollfd> all{{wl_display_get_fd(display()), static_cast<short>(POLLIN | (sent ? 0 : POLLOUT)), 0}};
+        all.insert(all.end(), others.begin(), others.end());
+        int timeout = -1;
+        if (deadline) {
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - Clock::now()).count();
+            timeout = static_cast<int>(std::max<std::int64_t>(left, 0));
+        }
+        const bool isReady = poll(all.data(), all.size(), timeout) > 0;
+        if (isReady) std::copy(all.begin() + 1, all.end(), others.begin());
+        if (!isReady || all.front().revents == 0) {
+            wl_display_cancel_read(display());
+        } else if (wl_display_read_events(display()) < 0) {
+            throwLost();
+        }
+    }
+    if (wl_display_dispatch_pending(display()) < 0) throwLost();
 }
 
 void WaylandConnection::roundTrip() const {

@@ -6,9 +6,12 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
+#include <poll.h>
 #include <wayland-client.h>
 
 #include "base/geometry.h"
@@ -41,6 +44,7 @@ struct WaylandOutput {
 // Used by one thread at a time; the objects bound through it belong to it.
 class WaylandConnection {
 public:
+    using Clock = std::chrono::steady_clock;
     static constexpr std::chrono::milliseconds patience{2000};  // with a compositor that doesn't answer
 
     // name: of the compositor's socket; null for the one the environment names. Throws Error when no compositor
@@ -68,6 +72,10 @@ public:
     // Sends what is waiting and takes events in until `isDone` holds. False when it doesn't within that time. Throws
     // Error when the compositor has gone.
     bool waitUntil(const std::function<bool()>& isDone, std::chrono::milliseconds time = patience) const;
+
+    // Sends what is waiting and takes in what the compositor has said; where it has said nothing, waits for that, or
+    // for one of the other descriptors, until the deadline, if any. Throws Error when the compositor has gone.
+    void wait(std::span<pollfd> others, std::optional<Clock::time_point> deadline) const;
 
     // Waits until the compositor has dealt with everything that was asked of it. Throws Error when it doesn't.
     void roundTrip() const;

@@ -1,0 +1,211 @@
+#include "platform/linux/wayland/wayland_selection.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include "base/error.h"
+
+namespace ovrin {
+namespace {
+
+constexpr std::size_t pieceSize = 64U << 10U;  // what a pipe holds
+
+// A clipboard manager asks within some milliseconds; on a busy machine it may take more.
+constexpr std::chrono::milliseconds timeForManagers{300};
+
+void makeNonBlocking(int descriptor) {
+    ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) | O_NONBLOCK);
+}
+
+// Writes what the pipe takes now, and takes that away from the rest. False when nothing more can be written.
+bool writeSome(int pipe, std::span<const std::byte>& rest) {
+    const ssize_t count = ::write(pipe, rest.data(), std::min(rest.size(), pieceSize));
+    if (count < 0) return errno == EAGAIN || errno == EINTR;
+    rest = rest.subspan(static_cast<std::size_t>(count));
+    return !rest.empty();
+}
+
+}  // namespace
+
+WaylandSelection::Descriptor::~Descriptor() {
+    if (value_ >= 0) ::close(value_);
+}
+
+WaylandSelection::WaylandSelection(const char* name, User user, Limits limits)
+    : connection_(name),
+      user_(std::move(user)),
+      limits_(limits),
+      device_(std::make_unique<WaylandDataDevice>(connection_, [this](Source source) { handleChange(source); })) {}
+
+void WaylandSelection::pump() {
+    waitOnce(std::nullopt);
+}
+
+// The compositor tells of our own contents as well, after their source has become the owner; it tells a source that it
+// is no longer the owner before it tells of its successor.
+void WaylandSelection::handleChange(Source source) {
+    if (source == Source::primary || own_) return;
+    if (isClearing_ && device_->types(source).empty()) return;
+    user_.changedByOthers();
+}
+
+// Without a compositor nobody has anything.
+void WaylandSelection::doWithCompositor(const std::function<void()>& work) {
+    try {
+        if (!isLost_) work();
+    } catch (const Error&) {
+        isLost_ = true;
+        own_.reset();
+    }
+}
+
+void WaylandSelection::waitOnce(std::optional<Clock::time_point> deadline, int readable) {
+    std::vector<pollfd> descriptors{{user_.wakeDescriptor, POLLIN, 0}, {readable, POLLIN, 0}};
+    const std::size_t first = descriptors.size();
+    for (const Transfer& transfer : transfers_) descriptors.push_back({transfer.pipe->value(), POLLOUT, 0});
+    if (isLost_) {
+        ::poll(descriptors.data(), 1, -1);
+    } else {
+        doWithCompositor([&] { connection_.wait(descriptors, deadline); });
+    }
+    if ((descriptors[0].revents & POLLIN) != 0) {
+        std::uint64_t count = 0;
+        static_cast<void>(::read(user_.wakeDescriptor, &count, sizeof count));
+    }
+    // Those that have begun meanwhile are at the end.
+    std::size_t index = first;
+    std::erase_if(transfers_, [&](Transfer& transfer) {
+        const bool isReady = index < descriptors.size() && descriptors[index].revents != 0;
+        ++index;
+        return isReady && !writeSome(transfer.pipe->value(), transfer.rest);
+    });
+}
+
+void WaylandSelection::own(ClipboardItem item) {
+    if (item.empty()) {
+        own_.reset();
+        isClearing_ = true;
+        doWithCompositor([&] {
+            device_->setClipboard(nullptr);
+            connection_.roundTrip();
+        });
+        isClearing_ = false;
+        return;
+    }
+    doWithCompositor([&] {
+        WaylandDataSource source = device_->makeSource();
+        for (const auto& form : item) zwlr_data_control_source_v1_offer(source.get(), form.type.c_str());
+        static constexpr zwlr_data_control_source_v1_listener listener = {
+            [](void* self, zwlr_data_control_source_v1* /*source*/, const char* type, int pipe) {
+                static_cast<WaylandSelection*>(self)->serve(type, pipe);
+            },
+            [](void* self, zwlr_data_control_source_v1* /*source*/) {
+                static_cast<WaylandSelection*>(self)->own_.reset();
+            }};
+        zwlr_data_control_source_v1_add_listener(source.get(), &listener, this);
+        device_->setClipboard(source.get());
+        own_ = {.item = std::make_shared<const ClipboardItem>(std::move(item)),
+                .source = std::move(source),
+                .since = Clock::now()};
+        connection_.roundTrip();
+    });
+}
+
+const ClipboardRepresentation* WaylandSelection::ownForm(std::string_view type) const {
+    const auto form = std::ranges::find(*own_->item, type, &ClipboardRepresentation::type);
+    return form == own_->item->end() ? nullptr : &*form;
+}
+
+// A pipe that is closed without contents says that there are none.
+void WaylandSelection::serve(std::string_view type, int pipe) {
+    auto writing = std::make_shared<const Descriptor>(pipe);
+    const ClipboardRepresentation* const form = own_ ? ownForm(type) : nullptr;
+    if (form == nullptr) return;
+    makeNonBlocking(pipe);
+    const ClipboardRepresentation* const source = form->encodedFrom.empty() ? form : ownForm(form->encodedFrom);
+    if (source == nullptr) return;
+    // The data live on when the contents are no longer ours.
+    std::shared_ptr<const Bytes> data(own_->item, &source->data);
+    if (source == form) return beginTransfer(std::move(data), std::move(writing));
+    user_.encode(std::move(data), form->type, [this, writing](Bytes made) {
+        beginTransfer(std::make_shared<const Bytes>(std::move(made)), writing);
+    });
+}
+
+void WaylandSelection::beginTransfer(std::shared_ptr<const Bytes> data, std::shared_ptr<const Descriptor> pipe) {
+    const std::span<const std::byte> rest(*data);
+    transfers_.push_back({.data = std::move(data), .rest = rest, .pipe = std::move(pipe)});
+}
+
+void WaylandSelection::handOver() {
+    if (!own_) return;
+    const auto end = own_->since + timeForManagers;
+    while (own_ && Clock::now() < end) waitOnce(end);
+    const auto longest = Clock::now() + limits_.longest;
+    auto progress = Clock::now();
+    while (!transfers_.empty() && !isLost_ && Clock::now() < std::min(progress + limits_.patience, longest)) {
+        const std::size_t left = transfers_.front().rest.size();
+        waitOnce(std::min(progress + limits_.patience, longest));
+        if (transfers_.empty() || transfers_.front().rest.size() != left) progress = Clock::now();
+    }
+}
+
+std::vector<std::string> WaylandSelection::targets(Source source) {
+    std::vector<std::string> names;
+    const auto add = [&names](const std::string& name) {
+        if (!isMetaTarget(name) && std::ranges::find(names, name) == names.end()) names.push_back(name);
+    };
+    if (source == Source::clipboard && own_) {
+        for (const auto& form : *own_->item) add(form.type);
+    } else if (!isLost_) {
+        std::ranges::for_each(device_->types(source), add);
+    }
+    return names;
+}
+
+std::optional<SelectionClient::Bytes> WaylandSelection::convert(std::string_view target, Source source) {
+    if (source == Source::clipboard && own_) {
+        const ClipboardRepresentation* const form = ownForm(target);
+        if (form == nullptr || !form->encodedFrom.empty()) return std::nullopt;
+        return form->data;
+    }
+    if (isLost_ || std::ranges::find(device_->types(source), target) == device_->types(source).end()) {
+        return std::nullopt;
+    }
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) return std::nullopt;
+    const Descriptor reading(ends[0]);
+    makeNonBlocking(reading.value());
+    {
+        const Descriptor writing(ends[1]);  // the owner's alone from now on, so that its end is seen
+        device_->receive(source, std::string(target), writing.value());
+    }
+    return readToEnd(reading.value());
+}
+
+// What comes through the pipe; none when it doesn't come to an end.
+std::optional<SelectionClient::Bytes> WaylandSelection::readToEnd(int pipe) {
+    Bytes contents;
+    std::vector<std::byte> piece(pieceSize);
+    const auto end = Clock::now() + limits_.longest;
+    auto deadline = std::min(Clock::now() + limits_.patience, end);
+    while (!isLost_ && !user_.isGivenUp() && Clock::now() < deadline && contents.size() <= limits_.largest) {
+        const ssize_t count = ::read(pipe, piece.data(), piece.size());
+        if (count == 0) return contents;
+        if (count < 0) {
+            if (errno != EAGAIN) return std::nullopt;
+            waitOnce(deadline, pipe);
+            continue;
+        }
+        contents.insert(contents.end(), piece.begin(), piece.begin() + count);
+        deadline = std::min(Clock::now() + limits_.patience, end);
+    }
+    return std::nullopt;
+}
+
+}  // namespace ovrin

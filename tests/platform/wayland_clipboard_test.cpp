@@ -1,0 +1,238 @@
+#include "platform/linux/wayland/wayland_clipboard.h"
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "base/run_loop.h"
+#include "base/worker_executor.h"
+#include "fakes/child_process.h"
+#include "fakes/wayland_test_compositor.h"
+#include "platform/linux/recognition/linux_image_decoder.h"
+
+namespace ovrin {
+namespace {
+
+using namespace std::chrono_literals;
+
+std::vector<std::byte> bytesOf(const std::string& text) {
+    const auto bytes = std::as_bytes(std::span(text));
+    return {bytes.begin(), bytes.end()};
+}
+
+// "Encodes" by naming the type before the bytes.
+class NamingEncoder final : public ImageEncoder {
+public:
+    bool canEncode(const std::string& /*type*/) const override { return true; }
+    std::vector<std::byte> encode(std::span<const std::byte> picture, const std::string& type) const override {
+        std::vector<std::byte> made = bytesOf(type + " of ");
+        made.insert(made.end(), picture.begin(), picture.end());
+        return made;
+    }
+};
+
+// A program whose clipboard holds a text without an end.
+class EndlessOwner {
+public:
+    explicit EndlessOwner(const std::string& display)
+        : connection_(display.c_str()), device_(connection_, [](SelectionClient::Source) {}) {
+        source_ = device_.makeSource();
+        zwlr_data_control_source_v1_offer(source_.get(), "text/plain");
+        static constexpr zwlr_data_control_source_v1_listener listener = {
+            [](void* /*self*/, zwlr_data_control_source_v1* /*source*/, const char* /*type*/, int pipe) {
+                const std::string piece(4096, 'a');
+                while (::write(pipe, piece.data(), piece.size()) > 0) {
+                }
+                ::close(pipe);
+            },
+            [](void* /*self*/, zwlr_data_control_source_v1* /*source*/) {}};
+        zwlr_data_control_source_v1_add_listener(source_.get(), &listener, this);
+        device_.setClipboard(source_.get());
+        connection_.roundTrip();
+        thread_ = std::thread([this] { connection_.waitUntil([this] { return isOver_.load(); }, 1min); });
+    }
+    EndlessOwner(const EndlessOwner&) = delete;
+    EndlessOwner& operator=(const EndlessOwner&) = delete;
+    ~EndlessOwner() { thread_.join(); }
+
+    void finishAtNextEvent() { isOver_ = true; }
+
+private:
+    WaylandConnection connection_;
+    WaylandDataDevice device_;
+    WaylandDataSource source_;
+    std::atomic<bool> isOver_ = false;
+    std::thread thread_;
+};
+
+class WaylandClipboardTest : public testing::Test {
+protected:
+    void SetUp() override {
+        if (WaylandTestCompositor::mayBeSkipped()) GTEST_SKIP() << "sway is not installed (Debian package sway)";
+        std::signal(SIGPIPE, SIG_IGN);
+        compositor = std::make_unique<WaylandTestCompositor>();
+        ours = connect();
+    }
+
+    std::unique_ptr<WaylandClipboard> connect(WaylandSelection::Limits limits = {}) {
+        return std::make_unique<WaylandClipboard>(compositor->display().c_str(), decoder, encoder, workers, limits);
+    }
+
+    // Another program, such as wl-copy, which goes on serving what it has copied until it ends.
+    std::unique_ptr<ChildProcess> program(std::vector<std::string> command, const std::string& input = "") const {
+        return std::make_unique<ChildProcess>(
+            ChildProcess::Setup{.arguments = std::move(command),
+                                .environment = {"PATH=/usr/bin:/bin", "WAYLAND_DISPLAY=" + compositor->display(),
+                                                "XDG_RUNTIME_DIR=" + compositor->runtimeFolder().string()},
+                                .input = input});
+    }
+
+    // Another program has copied when this returns.
+    std::unique_ptr<ChildProcess> copy(std::vector<std::string> options, const std::string& text) {
+        const std::int64_t before = ours->changeCount();
+        std::vector<std::string> command{"wl-copy", "--foreground"};
+        command.insert(command.end(), options.begin(), options.end());
+        auto owner = program(std::move(command), text);
+        loop.complete(changeAfter(before));
+        return owner;
+    }
+    Task<void> changeAfter(std::int64_t before) {
+        while (ours->changeCount() == before) co_await sleepFor(1ms);
+    }
+
+    // What another program pastes.
+    std::string pasted(const std::string& type) {
+        loop.complete(ours->readString());  // what was written is done
+        return program({"wl-paste", "--no-newline", "--type", type})->readLine();
+    }
+
+    static Task<ClipboardItem> everything(WaylandClipboard& of) {
+        ClipboardItem item;
+        const std::vector<std::vector<std::string>> types = co_await of.readTypes();
+        if (types.empty()) co_return item;
+        for (const std::string& type : types.front()) {
+            std::vector<std::byte> data = co_await of.readForm(0, type);
+            item.push_back({.type = type, .data = std::move(data)});
+        }
+        co_return item;
+    }
+
+    RunLoop loop;
+    LinuxImageDecoder decoder;
+    NamingEncoder encoder;
+    WorkerExecutor workers{1};
+    std::unique_ptr<WaylandTestCompositor> compositor;
+    std::unique_ptr<WaylandClipboard> ours;
+};
+
+TEST_F(WaylandClipboardTest, TextGoesFromProgramToProgram) {
+    EXPECT_EQ(loop.complete(ours->readString()), std::nullopt);
+    ours->writeString("识别结果 “ok” 🙂");
+    EXPECT_EQ(pasted("text/plain;charset=utf-8"), "识别结果 “ok” 🙂");
+    const auto owner = copy({}, "译文\n第二行");
+    EXPECT_EQ(loop.complete(ours->readString()), "译文\n第二行");
+}
+
+TEST_F(WaylandClipboardTest, EveryFormComesBackByteForByteHoweverLarge) {
+    std::string large(3'000'000, '\0');
+    for (std::size_t i = 0; i < large.size(); ++i) large[i] = static_cast<char>(i * 7919 >> 5U);
+    const ClipboardItem saved{{"text/html", bytesOf("<b>粗</b>")},
+                              {"image/png", bytesOf(large)},
+                              {"x-kde-passwordManagerHint", bytesOf("secret")}};
+    const auto theirs = connect();
+    theirs->writeItems({saved});
+    loop.complete(theirs->readString());
+    EXPECT_EQ(loop.complete(everything(*ours)), saved);
+    ours->writeItems({{saved[0], {.type = "image/bmp", .encodedFrom = "image/png"}, saved[1], saved[2]}});
+    loop.complete(ours->readString());
+    const ClipboardItem restored{saved[0], {"image/bmp", bytesOf("image/bmp of " + large)}, saved[1], saved[2]};
+    EXPECT_EQ(loop.complete(everything(*theirs)), restored);
+    EXPECT_EQ(pasted("x-kde-passwordManagerHint"), "secret");
+}
+
+TEST_F(WaylandClipboardTest, AChangeIsCountedOnceWhoeverMadeIt) {
+    const auto theirs = connect();
+    const auto before = ours->changeCount();
+    ours->writeString("one");
+    loop.complete(ours->readString());
+    EXPECT_EQ(ours->changeCount(), before + 1);  // the compositor's word of it is no second change
+    theirs->writeString("two");
+    loop.complete(changeAfter(before + 1));
+    EXPECT_EQ(loop.complete(ours->readString()), "two");
+    EXPECT_EQ(ours->changeCount(), before + 2);
+    ours->writeItems({});
+    ours->writeItems({});
+    EXPECT_EQ(loop.complete(ours->readTypes()).size(), 0U);
+    EXPECT_EQ(ours->changeCount(), before + 4);
+    theirs->writeString("three");
+    loop.complete(changeAfter(before + 4));
+    theirs->writeItems({});
+    loop.complete(changeAfter(before + 5));
+    EXPECT_EQ(ours->changeCount(), before + 6);
+}
+
+TEST_F(WaylandClipboardTest, AnOwnerThatNeverAnswersHasNothing) {
+    const auto owner = copy({}, "never");
+    owner->signal(SIGSTOP);
+    const auto impatient = connect({.patience = 20ms});
+    EXPECT_EQ(loop.complete(impatient->readString()), std::nullopt);
+    impatient->writeString("still works");
+    loop.complete(impatient->readString());
+    EXPECT_EQ(loop.complete(ours->readString()), "still works");
+}
+
+TEST_F(WaylandClipboardTest, AnOwnerThatSendsWithoutEndHasNothing) {
+    EndlessOwner owner(compositor->display());
+    for (const WaylandSelection::Limits limits :
+         {WaylandSelection::Limits{.largest = 1U << 20U}, WaylandSelection::Limits{.longest = 20ms}}) {
+        EXPECT_EQ(loop.complete(connect(limits)->readString()), std::nullopt);
+    }
+    owner.finishAtNextEvent();
+    ours->writeString("over");
+}
+
+TEST_F(WaylandClipboardTest, WhatIsSelectedIsReadBesideTheClipboard) {
+    EXPECT_EQ(loop.complete(ours->readSelectedText()), std::nullopt);
+    const auto owner = copy({}, "copied");
+    const auto changes = ours->changeCount();
+    const auto selecting = program({"wl-copy", "--foreground", "--primary"}, "选中的文字");
+    const auto selected = [](WaylandClipboard& from) -> Task<std::string> {
+        std::optional<std::string> text;
+        while (!text) text = co_await from.readSelectedText();
+        co_return *text;
+    };
+    EXPECT_EQ(loop.complete(selected(*ours)), "选中的文字");
+    EXPECT_EQ(loop.complete(ours->readString()), "copied");
+    EXPECT_EQ(ours->changeCount(), changes);
+}
+
+TEST_F(WaylandClipboardTest, AManagerGetsWhatWasWrittenLastBeforeTheProgramEnds) {
+    ours->writeString("first");
+    const auto manager = program({"wl-paste", "--watch", "wc", "-c"});
+    ASSERT_EQ(manager->readLine(), "5");
+    ours->writeString(std::string(2'000'000, 'a'));
+    ours.reset();
+    EXPECT_EQ(manager->readLine(), "2000000");
+}
+
+TEST_F(WaylandClipboardTest, NothingHangsWhenTheCompositorDies) {
+    const auto owner = copy({}, "gone");
+    compositor->stop();
+    EXPECT_EQ(loop.complete(ours->readString()), std::nullopt);
+    ours->writeString("nowhere");
+    EXPECT_EQ(loop.complete(ours->readTypes()).size(), 0U);
+}
+
+}  // namespace
+}  // namespace ovrin
