@@ -2,6 +2,8 @@
 // the field or parameter that holds them.
 #pragma once
 
+#include <algorithm>
+
 namespace ovrin {
 
 struct Point {
@@ -23,5 +25,22 @@ struct Rect {
     double height = 0;
     friend bool operator==(const Rect&, const Rect&) = default;
 };
+
+// Whole pixels of a picture, from its upper-left corner.
+struct PixelRect {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    friend bool operator==(const PixelRect&, const PixelRect&) = default;
+};
+
+// Without any size where the two don't meet.
+inline PixelRect intersection(const PixelRect& a, const PixelRect& b) {
+    const int left = std::max(a.x, b.x);
+    const int top = std::max(a.y, b.y);
+    return {left, top, std::max(0, std::min(a.x + a.width, b.x + b.width) - left),
+            std::max(0, std::min(a.y + a.height, b.y + b.height) - top)};
+}
 
 }  // namespace ovrin

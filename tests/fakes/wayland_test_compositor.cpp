@@ -13,8 +13,6 @@
 namespace ovrin {
 namespace {
 
-constexpr const char* socketName = "ipc";
-
 std::string valueOf(const char* name) {
     const char* const value = std::getenv(name);
     return value == nullptr ? "" : value;
@@ -52,11 +50,10 @@ std::vector<std::string> asOrdinaryUser(const std::filesystem::path& folder, con
 }
 
 ChildProcess::Setup setupIn(const std::filesystem::path& folder, const std::vector<HeadlessOutput>& outputs) {
-    return {
-        .arguments = asOrdinaryUser(folder, {"sway", "--config", configurationIn(folder, outputs)}),
-        .environment = {"PATH=" + valueOf("PATH"), "HOME=" + folder.string(), "XDG_RUNTIME_DIR=" + folder.string(),
-                        "SWAYSOCK=" + (folder / socketName).string(), "WLR_BACKENDS=headless", "WLR_RENDERER=pixman",
-                        "WLR_LIBINPUT_NO_DEVICES=1", "WLR_HEADLESS_OUTPUTS=" + std::to_string(outputs.size())}};
+    return {.arguments = asOrdinaryUser(folder, {"sway", "--config", configurationIn(folder, outputs)}),
+            .environment = {"PATH=" + valueOf("PATH"), "HOME=" + folder.string(), "XDG_RUNTIME_DIR=" + folder.string(),
+                            "WLR_BACKENDS=headless", "WLR_RENDERER=pixman", "WLR_LIBINPUT_NO_DEVICES=1",
+                            "WLR_HEADLESS_OUTPUTS=" + std::to_string(outputs.size())}};
 }
 
 }  // namespace
@@ -70,12 +67,6 @@ WaylandTestCompositor::WaylandTestCompositor(const std::vector<HeadlessOutput>& 
     const std::string name = compositor_.readLine();
     if (name.empty()) throw Error("the compositor ended at once");
     socket_ = folder_.path() / name;
-}
-
-void WaylandTestCompositor::command(const std::string& line) const {
-    ChildProcess message({.arguments = {"swaymsg", "--socket", (folder_.path() / socketName).string(), "--", line},
-                          .environment = {"PATH=" + valueOf("PATH")}});
-    if (message.waitForEnd() != 0) throw Error("the compositor refuses: " + line);
 }
 
 void WaylandTestCompositor::freeze() const {

@@ -34,10 +34,6 @@ public:
     // XDG_RUNTIME_DIR for its programs. It belongs to the user that the compositor runs as.
     const std::filesystem::path& runtimeFolder() const { return folder_.path(); }
 
-    // Has it carry out a line as its configuration takes them, such as "output HEADLESS-1 scale 2". Throws Error when
-    // it refuses.
-    void command(const std::string& line) const;
-
     // As if it had crashed.
     void stop() { compositor_.stop(); }
     // As if it hung: it answers nobody from now on.

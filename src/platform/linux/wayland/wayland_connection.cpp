@@ -98,7 +98,9 @@ void* WaylandConnection::bindGlobal(const wl_interface& interface, std::uint32_t
 void WaylandConnection::findOutputs() {
     for (const auto& [name, global] : globals_) {
         if (global.interface != wl_output_interface.name) continue;
-        outputs_.emplace_back().output = static_cast<wl_output*>(bindNamed(name, wl_output_interface, 4));
+        WaylandOutput& output = outputs_.emplace_back();
+        output.number = name;
+        output.output = static_cast<wl_output*>(bindNamed(name, wl_output_interface, 4));
     }
     for (WaylandOutput& output : outputs_) wl_output_add_listener(output.output, &outputListener, &output);
     roundTrip();

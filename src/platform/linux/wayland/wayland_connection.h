@@ -33,7 +33,8 @@ using WaylandObject = std::unique_ptr<Object, DestroysWayland<destroy>>;
 // downwards.
 struct WaylandOutput {
     wl_output* output = nullptr;
-    std::string name;  // such as "HDMI-A-1"; empty where the compositor doesn't tell
+    std::uint32_t number = 0;  // the compositor's own, the same for every connection
+    std::string name;          // such as "HDMI-A-1"; empty where the compositor doesn't tell
     Rect frame;
     int transform = WL_OUTPUT_TRANSFORM_NORMAL;  // how the picture in memory is turned before it is shown
     int scale = 1;                               // as programs should draw; a whole number, at least the real scale

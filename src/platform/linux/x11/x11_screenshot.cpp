@@ -7,12 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include <sys/mman.h>
-#include <unistd.h>
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
 
 #include "base/error.h"
+#include "platform/linux/desktop/picture_memory.h"
 #include "platform/linux/x11/x11_connection.h"
 
 namespace ovrin {
@@ -23,33 +22,7 @@ namespace {
     throw Error(std::string("无法截取屏幕：") + reason);
 }
 
-// Memory that the display server writes the picture into.
-class SharedMemory {
-public:
-    explicit SharedMemory(std::size_t size)
-        : size_(size), descriptor_(::memfd_create("ovrin-screenshot", MFD_CLOEXEC)) {
-        if (descriptor_ < 0 || ::ftruncate(descriptor_, static_cast<off_t>(size)) != 0) fail("内存不足。");
-        data_ = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, descriptor_, 0);
-        if (data_ == MAP_FAILED) fail("内存不足。");
-    }
-    SharedMemory(const SharedMemory&) = delete;
-    SharedMemory& operator=(const SharedMemory&) = delete;
-    ~SharedMemory() {
-        if (data_ != MAP_FAILED) ::munmap(data_, size_);
-        if (descriptor_ >= 0) ::close(descriptor_);
-    }
-
-    // A second descriptor, for the server to close.
-    int duplicated() const { return ::dup(descriptor_); }
-    std::span<const std::uint8_t> bytes() const { return {static_cast<const std::uint8_t*>(data_), size_}; }
-
-private:
-    std::size_t size_;
-    int descriptor_;
-    void* data_ = MAP_FAILED;
-};
-
-// The same as a segment of a connection, which has to outlive it.
+// Memory for a picture as a segment of a connection, which has to outlive it.
 class SharedSegment {
 public:
     SharedSegment(xcb_connection_t* connection, std::size_t size)
@@ -73,7 +46,7 @@ public:
 
 private:
     xcb_connection_t* connection_;
-    SharedMemory memory_;
+    PictureMemory memory_;
     xcb_shm_seg_t id_;
 };
 
@@ -95,13 +68,6 @@ void copyOpaque(std::span<const std::uint8_t> source, std::uint8_t* target, std:
         pixel |= 0xFF000000U;
         std::memcpy(target + 4 * i, &pixel, sizeof pixel);
     }
-}
-
-PixelRect intersection(const PixelRect& a, const PixelRect& b) {
-    const int left = std::max(a.x, b.x);
-    const int top = std::max(a.y, b.y);
-    return {left, top, std::max(0, std::min(a.x + a.width, b.x + b.width) - left),
-            std::max(0, std::min(a.y + a.height, b.y + b.height) - top)};
 }
 
 }  // namespace

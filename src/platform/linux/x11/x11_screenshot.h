@@ -4,16 +4,10 @@
 #include <memory>
 #include <mutex>
 
+#include "base/geometry.h"
 #include "base/image.h"
 
 namespace ovrin {
-
-struct PixelRect {
-    int x = 0;  // device pixels from the upper-left corner of the root window
-    int y = 0;
-    int width = 0;
-    int height = 0;
-};
 
 class X11Screenshot {
 public:
@@ -23,8 +17,8 @@ public:
     X11Screenshot(const X11Screenshot&) = delete;
     X11Screenshot& operator=(const X11Screenshot&) = delete;
 
-    // What is on the screen now; what lies outside of the root window stays black. Any thread; calls take turns. Throws
-    // Error when there is no display or it fails.
+    // What is on the screen now, in pixels from the root window's upper-left corner; what lies outside of it stays
+    // black. Any thread; calls take turns. Throws Error when there is no display or it fails.
     Image take(const PixelRect& rectangle);
 
     // Has the memory for the next picture made ahead, which then comes quicker if it is of this size, in pixels, or
