@@ -3,6 +3,7 @@
 #include <QLabel>
 
 #include "model/deep_seek_error.h"
+#include "views/components/ov_button.h"
 #include "views/direct_ai/direct_ai_conversation.h"
 #include "views/input_translate/output_pane.h"
 #include "views/mini_popover/mini_popover_view.h"
@@ -61,13 +62,14 @@ TEST_F(BlankAnswerTest, IsSaidInThePanelOncePerAnswerUntilTheNextAttempt) {
 }
 
 TEST_F(BlankAnswerTest, IsSaidInTheOtherWindows) {
-    willAnswer("");
+    willAnswer(" \n");
     MiniPopoverViewModel card("text", "zh-Hans",
                               {.loop = loop, .translation = translation(), .clipboard = clipboard, .toasts = toasts});
     MiniPopoverView cardView(environment, card, brandImage);
     EXPECT_EQ(notes(cardView), 0);  // showing it starts the translation
     loop.runPosted();
     EXPECT_EQ(notes(cardView), 1);
+    for (const auto* const button : cardView.findChildren<OVButton*>()) EXPECT_FALSE(button->isEnabled());
 
     willAnswer("");
     InputTranslateViewModel input("text", "zh-Hans",

@@ -83,13 +83,14 @@ void OutputPane::refresh() {
     loader_->setVisible(isStreaming);
     const bool isBlank = viewModel_.isBlank().value();
     placeholder_->setVisible(output.empty() && !message && !isBlank);
-    text_->setVisible(!output.empty() && !isBlank);
+    const bool hasText = !output.empty() && !isBlank;
+    text_->setVisible(hasText);
     blank_->setVisible(isBlank);
     text_->setLanguage(viewModel_.outputLanguage());
     text_->setTextSoFar(output, isStreaming ? streaming : finished);
     error_->setMessage(message);
-    copy_->setEnabled(!output.empty());
-    speak_->setEnabled(!output.empty());
+    copy_->setEnabled(hasText);
+    speak_->setEnabled(hasText);
 }
 
 }  // namespace ovrin

@@ -107,12 +107,13 @@ void MiniPopoverView::refresh() {
     const bool isStreaming = viewModel_.isStreaming().value();
     pill_->setVisible(isStreaming);
     waiting_->setVisible(isStreaming && translation.empty());
-    text_->setVisible(!translation.empty() && !viewModel_.isBlank().value());
-    blank_->setVisible(viewModel_.isBlank().value());
+    const bool isBlank = viewModel_.isBlank().value();
+    text_->setVisible(!translation.empty() && !isBlank);
+    blank_->setVisible(isBlank);
     text_->setTextSoFar(translation,
                         isStreaming ? OVStreamingText::Progress::streaming : OVStreamingText::Progress::finished);
     error_->setMessage(viewModel_.errorMessage().value());
-    copy_->setEnabled(!translation.empty());
+    copy_->setEnabled(!translation.empty() && !isBlank);
 }
 
 void MiniPopoverView::showEvent(QShowEvent* /*event*/) {
