@@ -5,10 +5,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "base/environment.h"
 #include "base/event_loop.h"
 #include "base/published.h"
 #include "base/running_task.h"
@@ -19,7 +21,7 @@
 namespace ovrin {
 
 struct LocalService {
-    std::string name;           // as its makers call it; where that cannot be told, its address
+    std::string name;           // as its makers call it, with its port where several are called so; else its address
     std::string connectionURL;  // http://127.0.0.1:8080/v1
     std::vector<std::string> models;
 
@@ -28,8 +30,13 @@ struct LocalService {
 
 class LocalServiceFinder {
 public:
+    using Ports = std::vector<std::uint16_t>;
+    // Where Ollama, LM Studio, llama.cpp and vLLM listen unless they are told otherwise; those that OVRIN_LOCAL_PORTS
+    // names instead where it is set, separated by commas (what is no port is passed over, so that "none" is none).
+    static Ports ports(const Environment& environment);
+
     // All outlive the finder; the requests run on ioLoop.
-    LocalServiceFinder(EventLoop& loop, EventLoop& ioLoop, HTTPClientProtocol& http);
+    LocalServiceFinder(EventLoop& loop, EventLoop& ioLoop, HTTPClientProtocol& http, Ports ports);
     LocalServiceFinder(const LocalServiceFinder&) = delete;
     LocalServiceFinder& operator=(const LocalServiceFinder&) = delete;
     ~LocalServiceFinder();
@@ -49,6 +56,7 @@ private:
     EventLoop& loop_;
     EventLoop& ioLoop_;
     HTTPClientProtocol& http_;
+    Ports ports_;
     Published<std::optional<std::vector<LocalService>>> found_;
     std::vector<std::optional<LocalService>> answers_;  // by port
     int waiting_ = 0;

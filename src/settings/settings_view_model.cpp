@@ -39,7 +39,8 @@ SettingsViewModel::ConnectionStatus connectionStatus(const SettingsStore::Connec
 SettingsViewModel::SettingsViewModel(Services services)
     : services_(std::move(services)),
       store_(services_.store),
-      localServices_(services_.store.loop, services_.store.ioLoop, services_.store.http),
+      localServices_(services_.store.loop, services_.store.ioLoop, services_.store.http,
+                     LocalServiceFinder::ports(services_.store.environment())),
       connectionState_(watch(store_.connectionState(), [this](const SettingsStore::ConnectionState& state) {
           connectionStatus_.set(ovrin::connectionStatus(state));
       })) {

@@ -1,6 +1,7 @@
 // The windows for somebody who hears them and has no pointer.
 #include "desktop/accessibility_walk.h"
 #include "desktop/desktop_test.h"
+#include "fakes/loopback_server.h"
 
 namespace ovrin {
 namespace {
@@ -54,10 +55,19 @@ TEST_F(AccessibilityTest, TheHistoryCanBeWalkedThrough) {
 }
 
 TEST_F(AccessibilityTest, EveryPageOfTheSettingsCanBeWalkedThrough) {
-    begin();
+    const auto listModels = [](LoopbackServer::Connection& connection) {
+        connection.readRequest();
+        connection.send(httpResponse(R"({"data": [{"id": "small", "owned_by": "llamacpp"}]})"));
+    };
+    const LoopbackServer first(listModels);
+    const LoopbackServer second(listModels);
+    const std::string ports = std::to_string(first.port()) + "," + std::to_string(second.port());
+    begin({.environment = {"OVRIN_LOCAL_PORTS=" + ports}});
     for (const char* const section : {"general", "service", "shortcuts", "advanced", "about"}) {
         EXPECT_EQ(assistant->run({"do", "settings", section}), 0);
         const DesktopWindow window = user->waitForWindow({.title = "Ovrin 设置", .program = programName});
+        if (section == std::string_view("service"))
+            waitForWords("使用 llama.cpp（" + std::to_string(second.port()) + "）");
         user->waitForStillPicture(window.area);
         EXPECT_THAT(walk("Ovrin 设置"), IsEmpty()) << section;
     }

@@ -21,7 +21,7 @@ protected:
 
     VirtualLoop loop;
     FakeHTTPClient http;
-    LocalServiceFinder finder{loop, loop, http};
+    LocalServiceFinder finder{loop, loop, http, LocalServiceFinder::ports({})};
 };
 
 TEST_F(LocalServiceFinderTest, NamesWhatAnswersAndAsksWithoutAnyHeader) {
@@ -63,6 +63,27 @@ TEST_F(LocalServiceFinderTest, WaitsForNothingThatDoesNotAnswerAsAServiceDoes) {
     loop.advance(1s);
     EXPECT_EQ(http.abandonedRequests(), 5);
     EXPECT_EQ(finder.found().value()->size(), 1U) << "what was found stays";
+}
+
+TEST_F(LocalServiceFinderTest, TellsServicesOfOneNameApart) {
+    willList(recorded::llamaCppModels);
+    willList(recorded::vllmModels);
+    willList(recorded::llamaCppModels);
+    http.willHang();
+    finder.look();
+    loop.advance(300ms);
+    std::vector<std::string> names;
+    for (const LocalService& service : finder.found().value().value()) names.push_back(service.name);
+    EXPECT_EQ(names, (std::vector<std::string>{"llama.cpp（11434）", "vLLM", "llama.cpp（8080）"}));
+}
+
+TEST_F(LocalServiceFinderTest, LooksWhereTheUserSaysInstead) {
+    const auto ports = [](const std::string& named) {
+        return LocalServiceFinder::ports(Environment({{"OVRIN_LOCAL_PORTS", named}}));
+    };
+    EXPECT_EQ(ports("5000, 8081"), (LocalServiceFinder::Ports{5000, 8081}));
+    EXPECT_EQ(ports("none"), LocalServiceFinder::Ports());
+    EXPECT_EQ(ports("70000,0,80x,81"), LocalServiceFinder::Ports{81});
 }
 
 }  // namespace

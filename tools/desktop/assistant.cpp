@@ -52,6 +52,11 @@ void Assistant::restart() {
 
 std::vector<std::string> Assistant::environment() const {
     std::vector<std::string> variables = setup_.environment;
+    // Services of the machine are none of this desktop.
+    constexpr const char* ports = "OVRIN_LOCAL_PORTS=";
+    if (std::ranges::none_of(variables, [&](const std::string& variable) { return variable.starts_with(ports); })) {
+        variables.push_back(std::string(ports) + "none");
+    }
     if (setup_.serviceURL.empty()) return variables;
     variables.insert(variables.end(), {"OVRIN_BASE_URL=" + setup_.serviceURL, "OVRIN_API_STANDARD=" + setup_.standard,
                                        std::string("OVRIN_API_KEY=") + practiceKey});
