@@ -142,7 +142,7 @@ DesktopWindow Assistant::waitForPanel() const {
 }
 
 DesktopWindow Assistant::waitForPalette() const {
-    return user_.waitForWindow({.program = programName, .width = 520, .height = 460});
+    return user_.waitForWindow({.title = "命令面板", .program = programName});
 }
 
 DesktopWindow Assistant::waitForMenu() const {

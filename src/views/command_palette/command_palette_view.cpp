@@ -38,7 +38,7 @@ CommandPaletteView::CommandPaletteView(ViewEnvironment& environment, CommandPale
       area_(new OVScrollArea(environment)),
       list_(new CommandList(environment, viewModel)) {
     setWindowTitle(QStringLiteral("命令面板"));
-    setFixedSize(paletteSize);
+    setFrameSize(paletteSize);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
