@@ -39,6 +39,7 @@
 #include "platform/linux/packages/downloaded_packages.h"
 #include "platform/linux/packages/dpkg_system.h"
 #include "platform/linux/qt/application_bus.h"
+#include "platform/linux/qt/desktop_loader.h"
 #include "platform/linux/qt/desktop_package_installer.h"
 #include "platform/linux/qt/font_rendering.h"
 #include "platform/linux/qt/freedesktop_notification_center.h"
@@ -50,12 +51,10 @@
 #include "platform/linux/qt/recent_windows.h"
 #include "platform/linux/qt/termination_signals.h"
 #include "platform/linux/qt/window_memory.h"
-#include "platform/linux/qt/x11_screen_capture.h"
 #include "platform/linux/qt/x11_window.h"
 #include "platform/linux/recognition/linux_image_decoder.h"
 #include "platform/linux/recognition/linux_language_identifier.h"
 #include "platform/linux/recognition/onnx_text_recognizer.h"
-#include "platform/linux/x11/x11_clipboard.h"
 #include "platform/linux/x11/x11_connection.h"
 #include "platform/linux/x11/x11_hot_keys.h"
 #include "platform/linux/x11/x11_keyboard_layout.h"
@@ -192,9 +191,11 @@ private:
     // Where a picture's file may be on a disk that does not answer, and an encoding may take seconds.
     WorkerExecutor clipboardWorker_{1};
     X11Screenshot screenshot_;
-    X11ScreenCapture screen_{screenshot_, screenWorker_};
+    DesktopLoader desktop_;
+    std::unique_ptr<ScreenCapture> screen_ = desktop_.makeScreenCapture(screenshot_, screenWorker_);
     QtCaptureOverlays captureOverlays_{environment_, screenshot_};
-    X11Clipboard clipboard_{nullptr, decoder_, encoder_, clipboardWorker_};
+    std::unique_ptr<ClipboardService> ownedClipboard_ = desktop_.makeClipboard(decoder_, encoder_, clipboardWorker_);
+    ClipboardService& clipboard_ = *ownedClipboard_;
     X11SimulateKeyboard keyboard_{nullptr};
     QtDesktopLayout layout_;
     SpeechService speech_;
@@ -362,7 +363,7 @@ std::unique_ptr<SettingsWindow> AppDelegate::makeSettingsWindow(SettingsViewMode
 
 AppState::Surroundings AppDelegate::surroundings() {
     return {.loop = loop_,
-            .screen = screen_,
+            .screen = *screen_,
             .clipboard = clipboard_,
             .config = settings_.config,
             .history = *history_,

@@ -21,6 +21,8 @@
 #include "platform/linux/desktop/session_bus.h"
 #include "platform/linux/recognition/onnx_text_recognizer.h"
 #include "platform/linux/wayland/wayland_connection.h"
+#include "platform/linux/wayland/wayland_data_device.h"
+#include "platform/linux/wayland/wayland_screen_capture.h"
 #include "platform/linux/x11/x11_connection.h"
 #include "platform/linux/x11/x11_screenshot.h"
 #include "platform/linux/x11/xcb_xkb.h"
@@ -99,8 +101,13 @@ public:
         found.push_back(compositor());
         found.push_back(capture());
         found.push_back(byExtension("shortcuts", &xcb_xkb_id, "X11 key grabs", isNative()));
-        found.push_back(byExtension("clipboard", &xcb_xfixes_id, "X11 selections", false));
-        found.push_back(byExtension("selection", &xcb_xfixes_id, "X11 PRIMARY", isNative()));
+        if (isNative() && WaylandDataDevice::isOfferedBy(*wayland_)) {
+            found.push_back(available("clipboard", "data-control"));
+            found.push_back(available("selection", "PRIMARY by data-control"));
+        } else {
+            found.push_back(byExtension("clipboard", &xcb_xfixes_id, "X11 selections", false));
+            found.push_back(byExtension("selection", &xcb_xfixes_id, "X11 PRIMARY", isNative()));
+        }
         found.push_back(byExtension("replacement", &xcb_test_id, "X11 XTEST", isNative()));
     }
 
@@ -121,7 +128,11 @@ private:
     }
 
     Capability capture() const {
-        if (isNative()) return missing("capture", "the desktop shows pictures of the screen to no X11 program");
+        if (isNative()) {
+            return WaylandScreenCapture::isOfferedBy(*wayland_)
+                       ? available("capture", "screencopy")
+                       : missing("capture", "the compositor offers no pictures of the screen");
+        }
         if (!x11_) return missing("capture", "no display");
         try {
             X11Screenshot().take({.x = 0, .y = 0, .width = 1, .height = 1});

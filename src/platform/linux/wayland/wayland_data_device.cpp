@@ -6,16 +6,28 @@
 
 namespace ovrin {
 
-WaylandDataDevice::Manager WaylandDataDevice::bindManager(WaylandConnection& connection) {
-    // The protocol under the name that it has had since it became everybody's: on the wire it is the same, but that
-    // PRIMARY belongs to its first version. Its objects can do with the other name's descriptions.
-    static const wl_interface successor = [] {
-        wl_interface interface = zwlr_data_control_manager_v1_interface;
-        interface.name = "ext_data_control_manager_v1";
-        interface.version = 1;
-        return interface;
+namespace {
+
+// The protocol under the name that it has had since it became everybody's: on the wire it is the same, but that PRIMARY
+// belongs to its first version. Its objects can do with the other name's descriptions.
+const wl_interface& successor() {
+    static const wl_interface interface = [] {
+        wl_interface renamed = zwlr_data_control_manager_v1_interface;
+        renamed.name = "ext_data_control_manager_v1";
+        renamed.version = 1;
+        return renamed;
     }();
-    Manager manager(connection.bind<zwlr_data_control_manager_v1>(successor, 1));
+    return interface;
+}
+
+}  // namespace
+
+bool WaylandDataDevice::isOfferedBy(const WaylandConnection& connection) {
+    return connection.versionOf(successor()) > 0 || connection.versionOf(zwlr_data_control_manager_v1_interface) > 0;
+}
+
+WaylandDataDevice::Manager WaylandDataDevice::bindManager(WaylandConnection& connection) {
+    Manager manager(connection.bind<zwlr_data_control_manager_v1>(successor(), 1));
     if (!manager) {
         manager.reset(connection.bind<zwlr_data_control_manager_v1>(zwlr_data_control_manager_v1_interface, 2));
     }

@@ -29,6 +29,8 @@ class WaylandDataDevice {
 public:
     using Source = SelectionClient::Source;
 
+    static bool isOfferedBy(const WaylandConnection& connection);
+
     // changed: called when somebody has taken one of them over or left it empty, first for what is there already.
     // Throws Error when the compositor lets no program look at the clipboard.
     WaylandDataDevice(WaylandConnection& connection, std::function<void(Source)> changed);

@@ -90,6 +90,10 @@ Image takePicture(const ScreenshotRequest& request) {
 
 }  // namespace
 
+bool WaylandScreenCapture::isOfferedBy(const WaylandConnection& connection) {
+    return connection.versionOf(zwlr_screencopy_manager_v1_interface) > 0;
+}
+
 Task<std::vector<CapturableDisplay>> WaylandScreenCapture::displays() {
     const auto list = [](const std::stop_token&) { return displaysOf(WaylandConnection()); };
     std::vector<CapturableDisplay> displays = co_await workers_.run(list);

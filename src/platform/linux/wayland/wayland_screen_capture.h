@@ -6,9 +6,13 @@
 
 namespace ovrin {
 
+class WaylandConnection;
+
 // Connects anew for each call, which takes 2 ms and outlives a compositor that starts again.
 class WaylandScreenCapture final : public ScreenCapture {
 public:
+    static bool isOfferedBy(const WaylandConnection& connection);
+
     // The workers outlive the object.
     explicit WaylandScreenCapture(WorkerExecutor& workers) : workers_(workers) {}
 

@@ -1,0 +1,37 @@
+#include "platform/linux/qt/desktop_loader.h"
+
+#include "base/environment.h"
+#include "base/error.h"
+#include "platform/linux/qt/x11_screen_capture.h"
+#include "platform/linux/wayland/wayland_clipboard.h"
+#include "platform/linux/wayland/wayland_connection.h"
+#include "platform/linux/wayland/wayland_data_device.h"
+#include "platform/linux/wayland/wayland_screen_capture.h"
+#include "platform/linux/x11/x11_clipboard.h"
+
+namespace ovrin {
+
+DesktopLoader::DesktopLoader() {
+    if (!Environment::ofProcess().value("WAYLAND_DISPLAY")) return;
+    try {
+        const WaylandConnection connection;
+        takesPictures_ = WaylandScreenCapture::isOfferedBy(connection);
+        controlsClipboard_ = WaylandDataDevice::isOfferedBy(connection);
+    } catch (const Error&) {
+        return;  // the X11 adapters say what they cannot do there
+    }
+}
+
+std::unique_ptr<ScreenCapture> DesktopLoader::makeScreenCapture(X11Screenshot& screenshot,
+                                                                WorkerExecutor& workers) const {
+    if (takesPictures_) return std::make_unique<WaylandScreenCapture>(workers);
+    return std::make_unique<X11ScreenCapture>(screenshot, workers);
+}
+
+std::unique_ptr<ClipboardService> DesktopLoader::makeClipboard(const ImageDecoder& decoder, const ImageEncoder& encoder,
+                                                               WorkerExecutor& workers) const {
+    if (controlsClipboard_) return std::make_unique<WaylandClipboard>(nullptr, decoder, encoder, workers);
+    return std::make_unique<X11Clipboard>(nullptr, decoder, encoder, workers);
+}
+
+}  // namespace ovrin
