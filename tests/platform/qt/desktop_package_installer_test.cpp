@@ -57,40 +57,6 @@ protected:
     DesktopPackageInstaller installer;
 };
 
-// Answers the one call that it expects, or fails it.
-class Peer final : public QDBusVirtualObject {
-public:
-    using Handle = std::function<QDBusMessage(const QDBusMessage& call)>;
-
-    Peer(const QString& name, const QString& path, Handle handle)
-        : bus(QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), name)),
-          name_(name),
-          path_(path),
-          handle_(std::move(handle)) {
-        bus.registerVirtualObject(path, this, QDBusConnection::SubPath);
-        bus.registerService(name);
-    }
-    Peer(const Peer&) = delete;
-    Peer& operator=(const Peer&) = delete;
-    ~Peer() override {
-        bus.unregisterObject(path_);
-        bus = QDBusConnection(QString());
-        QDBusConnection::disconnectFromBus(name_);
-    }
-
-    QString introspect(const QString& /*path*/) const override { return {}; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-        return connection.send(handle_(message));
-    }
-
-    QDBusConnection bus;
-
-private:
-    QString name_;
-    QString path_;
-    Handle handle_;
-};
-
 TEST_F(DesktopPackageInstallerTest, PackageKitIsGivenTheFileFirst) {
     std::optional<QDBusMessage> asked;
     QString error;
