@@ -148,7 +148,7 @@ void WaylandConnection::wait(std::span<pollfd> others, std::optional<Clock::time
     if (wl_display_dispatch_pending(display()) < 0) throwLost();
 }
 
-void WaylandConnection::roundTrip() const {
+void WaylandConnection::roundTrip(std::chrono::milliseconds time) const {
     bool isAnswered = false;
     const WaylandObject<wl_callback, wl_callback_destroy> callback(wl_display_sync(display()));
     static constexpr wl_callback_listener listener = {
@@ -156,7 +156,7 @@ void WaylandConnection::roundTrip() const {
             *static_cast<bool*>(answered) = true;
         }};
     wl_callback_add_listener(callback.get(), &listener, &isAnswered);
-    if (!waitUntil([&] { return isAnswered; })) throw Error("桌面（Wayland）没有应答。");
+    if (!waitUntil([&] { return isAnswered; }, time)) throw Error("桌面（Wayland）没有应答。");
 }
 
 }  // namespace ovrin

@@ -78,8 +78,9 @@ public:
     // for one of the other descriptors, until the deadline, if any. Throws Error when the compositor has gone.
     void wait(std::span<pollfd> others, std::optional<Clock::time_point> deadline) const;
 
-    // Waits until the compositor has dealt with everything that was asked of it. Throws Error when it doesn't.
-    void roundTrip() const;
+    // Waits until the compositor has dealt with everything that was asked of it. Throws Error when it doesn't within
+    // that time.
+    void roundTrip(std::chrono::milliseconds time = patience) const;
 
 private:
     struct Global {

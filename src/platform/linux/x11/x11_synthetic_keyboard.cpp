@@ -9,7 +9,7 @@
 #include <unistd.h>
 #include <xcb/xtest.h>
 
-#include "base/text.h"
+#include "platform/linux/desktop/terminal_program.h"
 #include "platform/linux/x11/x11_keyboard.h"
 #include "platform/linux/x11/xcb_xkb.h"
 
@@ -64,19 +64,6 @@ std::optional<pid_t> processOf(xcb_connection_t* connection, xcb_window_t window
     return static_cast<pid_t>(*static_cast<const std::uint32_t*>(xcb_get_property_value(property.get())));
 }
 
-// Most terminals have the word in their class ("gnome-terminal-server", "xterm"); of others the whole class, in lower
-// case, or the last part of a class that is an application id.
-bool isTerminalClass(std::string_view name) {
-    constexpr std::array names{"alacritty", "blackbox", "console",     "contour", "foot",       "ghostty",     "guake",
-                               "hyper",     "kgx",      "kitty",       "konsole", "ptyxis",     "rio",         "rxvt",
-                               "sakura",    "st",       "st-256color", "tabby",   "terminator", "terminology", "tilda",
-                               "tilix",     "urxvt",    "warp",        "yakuake"};
-    const std::string lowercased = text::asciiLowercased(name);
-    const std::string_view last = std::string_view(lowercased).substr(lowercased.rfind('.') + 1);
-    return last.ends_with("term") || last.find("terminal") != std::string_view::npos ||
-           std::ranges::find(names, last) != names.end();
-}
-
 // By the two parts of WM_CLASS, each with a zero at its end (ICCCM 4.1.2.5).
 bool isTerminal(xcb_connection_t* connection, xcb_window_t window) {
     constexpr std::uint32_t longest = 64;  // in units of four bytes
@@ -87,7 +74,7 @@ bool isTerminal(xcb_connection_t* connection, xcb_window_t window) {
                           static_cast<std::size_t>(xcb_get_property_value_length(property.get())));
     while (!rest.empty()) {
         const std::string_view part = rest.substr(0, rest.find('\0'));
-        if (isTerminalClass(part)) return true;
+        if (isTerminalProgram(part)) return true;
         rest.remove_prefix(std::min(part.size() + 1, rest.size()));
     }
     return false;
