@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/linux/recognition/linux_image_decoder.h"
+
 namespace ovrin {
 namespace {
 
@@ -27,6 +29,11 @@ TEST(QtImageEncoderTest, MakesWhatProgramsOfferUnderTheNamesTheyUse) {
         EXPECT_EQ(read.size(), drawn.size()) << type;
         EXPECT_TRUE(encoder.encode(bytes.first(40), type).empty()) << type;
     }
+    const LinuxImageDecoder decoder;  // the toolkit may not read TIFF
+    const Image tiff = decoder.decode(encoder.encode(bytes, "image/tiff"));
+    EXPECT_EQ(tiff.width(), 20);
+    EXPECT_EQ(tiff.data()[2], 255);  // blue, green, red
+    EXPECT_TRUE(encoder.encode(bytes.first(40), "image/tiff").empty());
     for (const char* const type : {"image/svg+xml", "text/plain", "png", ""}) EXPECT_FALSE(encoder.canEncode(type));
 }
 

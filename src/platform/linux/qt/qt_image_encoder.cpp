@@ -8,6 +8,8 @@
 #include <array>
 #include <utility>
 
+#include "platform/linux/recognition/tiff_file.h"
+
 namespace ovrin {
 
 namespace {
@@ -37,13 +39,18 @@ QByteArray formatOf(const std::string& type) {
     return QImageWriter::supportedImageFormats().contains(format) ? format : QByteArray();
 }
 
+bool isTiff(const std::string& type) {
+    return type == "image/tiff";
+}
+
 }  // namespace
 
 bool QtImageEncoder::canEncode(const std::string& type) const {
-    return !formatOf(type).isEmpty();
+    return isTiff(type) || !formatOf(type).isEmpty();
 }
 
 std::vector<std::byte> QtImageEncoder::encode(std::span<const std::byte> picture, const std::string& type) const {
+    if (isTiff(type)) return tiffFile(picture);
     const auto image =
         QImage::fromData(reinterpret_cast<const uchar*>(picture.data()), static_cast<int>(picture.size()));
     QByteArray file;

@@ -1,4 +1,5 @@
-// Makes picture files with the window toolkit, which knows the types that programs of the desktop put on the clipboard.
+// Makes picture files with the window toolkit, which knows the types that programs of the desktop put on the clipboard;
+// TIFF, which programs of the other toolkit offer beside them, with the library that decodes pictures.
 #pragma once
 
 #include "platform/image_encoder.h"
