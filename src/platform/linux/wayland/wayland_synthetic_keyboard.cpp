@@ -46,6 +46,9 @@ WaylandSimulateKeyboard::WaylandSimulateKeyboard(const char* name)
     connection_.roundTrip();  // whether there is a keyboard
     connection_.roundTrip();  // its keymap
     if (!keymap_) keymap_ = WaylandKeymap::ofEnvironment();
+    // Now and not for the first stroke: compositors take the focus away from the window in front for a moment, and
+    // where this is the first keyboard, programs do not listen to it yet.
+    if (isTrusted() && prepareVirtualKeyboard()) connection_.roundTrip();
 }
 
 WaylandSimulateKeyboard::~WaylandSimulateKeyboard() {
@@ -134,12 +137,13 @@ void WaylandSimulateKeyboard::takeKeymap(std::uint32_t format, int descriptor, s
     if (std::optional<WaylandKeymap> keymap = WaylandKeymap::read(std::move(text))) keymap_ = std::move(keymap);
 }
 
-// Gives it the keymap of the seat's own keyboard, so that programs that go by a key's place understand it as well. False
-// when that is not possible.
+// Gives it the keymap of the seat's own keyboard, so that programs that go by a key's place understand it as well.
+// False when that is not possible.
 bool WaylandSimulateKeyboard::prepareVirtualKeyboard() {
     if (virtualKeyboard_ == nullptr) {
         virtualKeyboard_ = zwp_virtual_keyboard_manager_v1_create_virtual_keyboard(manager_, seat_);
     }
+    if (!keymap_) return false;
     if (givenKeymap_ == keymap_->text()) return true;
     const std::size_t size = keymap_->text().size() + 1;
     const int file = ::memfd_create("keymap", MFD_CLOEXEC);
