@@ -100,7 +100,7 @@ private:
             user_.savePicture(page, folder_ / "overlay.png");
         }
         user_.release();
-        const PixelArea toast = assistant_.waitForToast(ownShadow()).area;
+        const PixelArea toast = assistant_.waitForToast().area;
         user_.waitForPicture("the words of the toast", toast,
                              [](const QImage& picture) { return contrast(picture) > 100; });
         save("toast", toast.grownBy(shadow));

@@ -85,7 +85,7 @@ protected:
     void clickOn(const std::string& name) const;
     // The toast with this text; it is waited for, and then for its end.
     void expectToast(const std::string& text) const;
-    bool isToastShown() const { return !user->find({.program = programName, .width = 260, .height = 40}).empty(); }
+    bool isToastShown() const { return assistant->toast().has_value(); }
 
     static constexpr const char* programName = "ovrin";
 

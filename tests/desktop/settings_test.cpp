@@ -153,7 +153,7 @@ TEST_P(SettingsFirstRunTest, KeepsWhatIsSavedAndDropsWhatIsNot) {
     waitForWords("最大输出 Token 必须大于 0。");
     expectStoredKey(std::nullopt);
     fill("最大输出 Token", "512");
-    press("添加 Header");
+    for (const char* const key : {"Tab", "space"}) user->pressKeys(key);  // 添加 Header, which comes into sight
     fill("Header 1 名称", "X-Team");
     fill("Header 1 值", "blue");
     press("保存配置");

@@ -125,8 +125,19 @@ std::vector<DesktopWindow> Assistant::waitForOverlays(std::size_t count) const {
     });
 }
 
-DesktopWindow Assistant::waitForToast(int shadow) const {
-    return user_.waitForWindow({.program = programName, .width = 260 + 2 * shadow, .height = 40 + 2 * shadow});
+std::optional<DesktopWindow> Assistant::toast() const {
+    constexpr int width = 260;
+    constexpr int height = 40;
+    constexpr int widestShadow = 60;
+    for (const DesktopWindow& window : user_.find({.program = programName})) {
+        const int shadow = (window.area.width - width) / 2;  // the margin that it has where it has one
+        if (shadow >= 0 && shadow <= widestShadow && window.area.height == height + 2 * shadow) return window;
+    }
+    return std::nullopt;
+}
+
+DesktopWindow Assistant::waitForToast() const {
+    return *waitFor("a toast", [this] { return toast(); });
 }
 
 std::optional<DesktopWindow> Assistant::panel() const {

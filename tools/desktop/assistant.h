@@ -49,8 +49,9 @@ public:
     // Its windows, once they are there.
     std::vector<DesktopWindow> overlays() const;  // empty when no region is being selected
     std::vector<DesktopWindow> waitForOverlays(std::size_t count = 1) const;
-    DesktopWindow waitForToast(int shadow = 0) const;  // the margin that its shadow has
-    std::optional<DesktopWindow> panel() const;        // the result panel, while it is shown
+    std::optional<DesktopWindow> toast() const;  // while one is shown
+    DesktopWindow waitForToast() const;
+    std::optional<DesktopWindow> panel() const;  // the result panel, while it is shown
     DesktopWindow waitForPanel() const;
     DesktopWindow waitForPalette() const;
     DesktopWindow waitForMenu() const;  // any that it pops up
