@@ -96,6 +96,7 @@ TEST_F(KWinScreenCaptureTest, AsksForThePartInNativePixelsAndReadsThem) {
         asked = call.arguments();
         return answer(call, pixels, width, height, format);
     });
+    EXPECT_TRUE(KWinScreenCapture::isOffered());
     EXPECT_EQ(take(0, {10, 20, 2, 1}, 2, 1), (std::vector<std::uint32_t>{red, blue}));
     EXPECT_EQ(asked.mid(0, 4), (QVariantList{10, 20, 2U, 1U}));
     EXPECT_EQ(qdbus_cast<QVariantMap>(asked[4]), (QVariantMap{{"native-resolution", true}}));
@@ -124,7 +125,8 @@ TEST_F(KWinScreenCaptureTest, WhoeverIsTurnedAwayOrGetsTooLittleReadsWhy) {
               "无法截取屏幕：桌面没有返回图像。");
     EXPECT_EQ(failureWith([](const QDBusMessage& call) { return answer(call, {red}, 2, 1, 24); }),
               "无法截取屏幕：不支持此显示器的像素格式。");
-    EXPECT_TRUE(take(0, {0, 0, 2, 1}, 2, 1).empty());  // without KWin
+    EXPECT_FALSE(KWinScreenCapture::isOffered());
+    EXPECT_TRUE(take(0, {0, 0, 2, 1}, 2, 1).empty());
     EXPECT_EQ(failure, "无法截取屏幕：桌面没有返回图像。");
 }
 

@@ -17,9 +17,12 @@
 
 #include "base/environment.h"
 #include "base/error.h"
+#include "base/run_loop.h"
+#include "base/worker_executor.h"
 #include "platform/linux/desktop/bus_deadline.h"
 #include "platform/linux/desktop/session_bus.h"
 #include "platform/linux/recognition/onnx_text_recognizer.h"
+#include "platform/linux/wayland/kwin_screen_capture.h"
 #include "platform/linux/wayland/wayland_connection.h"
 #include "platform/linux/wayland/wayland_data_device.h"
 #include "platform/linux/wayland/wayland_screen_capture.h"
@@ -128,11 +131,9 @@ private:
     }
 
     Capability capture() const {
-        if (isNative()) {
-            return WaylandScreenCapture::isOfferedBy(*wayland_)
-                       ? available("capture", "screencopy")
-                       : missing("capture", "the compositor offers no pictures of the screen");
-        }
+        if (isNative() && WaylandScreenCapture::isOfferedBy(*wayland_)) return available("capture", "screencopy");
+        if (isNative() && KWinScreenCapture::isOffered()) return captureByKWin();
+        if (isNative()) return missing("capture", "the compositor offers no pictures of the screen");
         if (!x11_) return missing("capture", "no display");
         try {
             X11Screenshot().take({.x = 0, .y = 0, .width = 1, .height = 1});
@@ -140,6 +141,24 @@ private:
             return missing("capture", "the display gives no picture of the screen");
         }
         return available("capture", hasExtension(x11_.get(), &xcb_shm_id) ? "X11 shared memory" : "X11");
+    }
+
+    // KWin says only when it is asked for a picture whether it gives any.
+    static Capability captureByKWin() {
+        RunLoop loop;
+        WorkerExecutor workers(1);
+        KWinScreenCapture capture(workers);
+        try {
+            const std::vector<CapturableDisplay> displays = loop.complete(capture.displays());
+            if (displays.empty()) return missing("capture", "the compositor shows nothing anywhere");
+            loop.complete(capture.screenshot({.display = displays.front().id,
+                                              .sourceRect = {.x = 0, .y = 0, .width = 1, .height = 1},
+                                              .width = 1,
+                                              .height = 1}));
+        } catch (const Error&) {
+            return missing("capture", "KWin gave no picture of the screen, which it does for installed programs only");
+        }
+        return available("capture", "KWin.ScreenShot2");
     }
 
     Capability byExtension(const char* name, xcb_extension_t* extension, const char* mechanism, bool isDeaf) const {

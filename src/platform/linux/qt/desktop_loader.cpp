@@ -3,6 +3,7 @@
 #include "base/environment.h"
 #include "base/error.h"
 #include "platform/linux/qt/x11_screen_capture.h"
+#include "platform/linux/wayland/kwin_screen_capture.h"
 #include "platform/linux/wayland/wayland_clipboard.h"
 #include "platform/linux/wayland/wayland_connection.h"
 #include "platform/linux/wayland/wayland_data_device.h"
@@ -15,7 +16,11 @@ DesktopLoader::DesktopLoader() {
     if (!Environment::ofProcess().value("WAYLAND_DISPLAY")) return;
     try {
         const WaylandConnection connection;
-        takesPictures_ = WaylandScreenCapture::isOfferedBy(connection);
+        if (WaylandScreenCapture::isOfferedBy(connection)) {
+            pictures_ = Pictures::screencopy;
+        } else if (KWinScreenCapture::isOffered()) {
+            pictures_ = Pictures::kwin;
+        }
         controlsClipboard_ = WaylandDataDevice::isOfferedBy(connection);
     } catch (const Error&) {
         return;  // the X11 adapters say what they cannot do there
@@ -24,7 +29,8 @@ DesktopLoader::DesktopLoader() {
 
 std::unique_ptr<ScreenCapture> DesktopLoader::makeScreenCapture(X11Screenshot& screenshot,
                                                                 WorkerExecutor& workers) const {
-    if (takesPictures_) return std::make_unique<WaylandScreenCapture>(workers);
+    if (pictures_ == Pictures::screencopy) return std::make_unique<WaylandScreenCapture>(workers);
+    if (pictures_ == Pictures::kwin) return std::make_unique<KWinScreenCapture>(workers);
     return std::make_unique<X11ScreenCapture>(screenshot, workers);
 }
 

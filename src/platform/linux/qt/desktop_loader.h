@@ -1,6 +1,7 @@
 // The one place that knows which session this is: makes the adapters that differ between sessions.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "base/worker_executor.h"
@@ -26,7 +27,9 @@ public:
                                                     WorkerExecutor& workers) const;
 
 private:
-    bool takesPictures_ = false;
+    enum class Pictures : std::uint8_t { x11, screencopy, kwin };
+
+    Pictures pictures_ = Pictures::x11;
     bool controlsClipboard_ = false;
 };
 

@@ -29,6 +29,7 @@ using Clock = std::chrono::steady_clock;
 using Variant = std::unique_ptr<GVariant, UnreferenceVariant>;
 using Connection = std::unique_ptr<GDBusConnection, UnreferenceObject>;
 
+constexpr const char* service = "org.kde.KWin";
 constexpr std::chrono::milliseconds patience{2000};  // with the call, and then with the pixels
 
 [[noreturn]] void fail(const char* reason) {
@@ -110,7 +111,7 @@ RawPicture requestPicture(const PixelRect& area, const Pipe& pipe) {
     g_variant_builder_add(&options, "{sv}", "native-resolution", g_variant_new_boolean(TRUE));
     GError* error = nullptr;
     const Variant reply(g_dbus_connection_call_with_unix_fd_list_sync(
-        bus.get(), "org.kde.KWin", "/org/kde/KWin/ScreenShot2", "org.kde.KWin.ScreenShot2", "CaptureArea",
+        bus.get(), service, "/org/kde/KWin/ScreenShot2", "org.kde.KWin.ScreenShot2", "CaptureArea",
         g_variant_new("(iiuua{sv}h)", area.x, area.y, static_cast<guint32>(area.width),
                       static_cast<guint32>(area.height), &options, index),
         G_VARIANT_TYPE("(a{sv})"), G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, descriptors.get(), nullptr,
@@ -160,6 +161,19 @@ Image takePicture(const ScreenshotRequest& request) {
 }
 
 }  // namespace
+
+bool KWinScreenCapture::isOffered() {
+    try {
+        const BusDeadline deadline(patience);
+        const Connection bus = connectToBus(deadline.cancellable());
+        const Variant owner(g_dbus_connection_call_sync(
+            bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetNameOwner",
+            g_variant_new("(s)", service), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, deadline.cancellable(), nullptr));
+        return owner != nullptr;
+    } catch (const Error&) {
+        return false;  // without a bus there is no KWin on it
+    }
+}
 
 Task<std::vector<CapturableDisplay>> KWinScreenCapture::displays() {
     const auto list = [](const std::stop_token&) { return displaysOf(WaylandConnection()); };

@@ -10,6 +10,9 @@ namespace ovrin {
 // Connects anew for each call, as WaylandScreenCapture does.
 class KWinScreenCapture final : public ScreenCapture {
 public:
+    // Whether KWin is on the session bus. Blocks for two seconds where the bus doesn't answer.
+    static bool isOffered();
+
     // The workers outlive the object.
     explicit KWinScreenCapture(WorkerExecutor& workers) : workers_(workers) {}
 
