@@ -59,7 +59,6 @@
 #include "platform/linux/x11/x11_hot_keys.h"
 #include "platform/linux/x11/x11_keyboard_layout.h"
 #include "platform/linux/x11/x11_screenshot.h"
-#include "platform/linux/x11/x11_synthetic_keyboard.h"
 #include "recognition/capture_controller.h"
 #include "recognition/idle_releasing_recognizer.h"
 #include "recognition/vision_ocr_engine.h"
@@ -196,7 +195,8 @@ private:
     QtCaptureOverlays captureOverlays_{environment_, screenshot_};
     std::unique_ptr<ClipboardService> ownedClipboard_ = desktop_.makeClipboard(decoder_, encoder_, clipboardWorker_);
     ClipboardService& clipboard_ = *ownedClipboard_;
-    X11SimulateKeyboard keyboard_{nullptr};
+    std::unique_ptr<SimulateKeyboard> ownedKeyboard_ = desktop_.makeKeyboard();
+    SimulateKeyboard& keyboard_ = *ownedKeyboard_;
     QtDesktopLayout layout_;
     SpeechService speech_;
     FreedesktopNotificationCenter notifications_;

@@ -1,5 +1,7 @@
 #include "platform/linux/qt/desktop_loader.h"
 
+#include <QSocketNotifier>
+
 #include "base/environment.h"
 #include "base/error.h"
 #include "platform/linux/qt/x11_screen_capture.h"
@@ -8,9 +10,37 @@
 #include "platform/linux/wayland/wayland_connection.h"
 #include "platform/linux/wayland/wayland_data_device.h"
 #include "platform/linux/wayland/wayland_screen_capture.h"
+#include "platform/linux/wayland/wayland_synthetic_keyboard.h"
 #include "platform/linux/x11/x11_clipboard.h"
+#include "platform/linux/x11/x11_synthetic_keyboard.h"
+#include "virtual-keyboard-unstable-v1-client.h"
 
 namespace ovrin {
+
+namespace {
+
+// Takes in what the compositor tells from the main loop.
+class HeardKeyboard final : public SimulateKeyboard {
+public:
+    HeardKeyboard() {
+        QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_,
+                         [this] { notifier_.setEnabled(keyboard_.process()); });
+    }
+
+    bool isTrusted() override { return keyboard_.isTrusted(); }
+    bool requestTrust() override { return keyboard_.requestTrust(); }
+    bool reachesOtherProgram() override { return keyboard_.reachesOtherProgram(); }
+    Window frontWindow() override { return keyboard_.frontWindow(); }
+    Selection selection() override { return keyboard_.selection(); }
+    void copy() override { keyboard_.copy(); }
+    void paste() override { keyboard_.paste(); }
+
+private:
+    WaylandSimulateKeyboard keyboard_{nullptr};
+    QSocketNotifier notifier_{keyboard_.descriptor(), QSocketNotifier::Read};
+};
+
+}  // namespace
 
 DesktopLoader::DesktopLoader() {
     if (!Environment::ofProcess().value("WAYLAND_DISPLAY")) return;
@@ -22,6 +52,7 @@ DesktopLoader::DesktopLoader() {
             pictures_ = Pictures::kwin;
         }
         controlsClipboard_ = WaylandDataDevice::isOfferedBy(connection);
+        pressesKeys_ = controlsClipboard_ && connection.versionOf(zwp_virtual_keyboard_manager_v1_interface) > 0;
     } catch (const Error&) {
         return;  // the X11 adapters say what they cannot do there
     }
@@ -32,6 +63,11 @@ std::unique_ptr<ScreenCapture> DesktopLoader::makeScreenCapture(X11Screenshot& s
     if (pictures_ == Pictures::screencopy) return std::make_unique<WaylandScreenCapture>(workers);
     if (pictures_ == Pictures::kwin) return std::make_unique<KWinScreenCapture>(workers);
     return std::make_unique<X11ScreenCapture>(screenshot, workers);
+}
+
+std::unique_ptr<SimulateKeyboard> DesktopLoader::makeKeyboard() const {
+    if (pressesKeys_) return std::make_unique<HeardKeyboard>();
+    return std::make_unique<X11SimulateKeyboard>(nullptr);
 }
 
 std::unique_ptr<ClipboardService> DesktopLoader::makeClipboard(const ImageDecoder& decoder, const ImageEncoder& encoder,

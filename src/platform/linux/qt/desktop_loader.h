@@ -9,6 +9,7 @@
 #include "platform/image_decoder.h"
 #include "platform/image_encoder.h"
 #include "platform/screen_capture.h"
+#include "platform/synthetic_keyboard.h"
 
 namespace ovrin {
 
@@ -25,12 +26,14 @@ public:
     // Throws Error when there is no display.
     std::unique_ptr<ClipboardService> makeClipboard(const ImageDecoder& decoder, const ImageEncoder& encoder,
                                                     WorkerExecutor& workers) const;
+    std::unique_ptr<SimulateKeyboard> makeKeyboard() const;
 
 private:
     enum class Pictures : std::uint8_t { x11, screencopy, kwin };
 
     Pictures pictures_ = Pictures::x11;
     bool controlsClipboard_ = false;
+    bool pressesKeys_ = false;
 };
 
 }  // namespace ovrin
