@@ -45,8 +45,8 @@ auto uninterrupted(Function function) {
     return result;
 }
 
-Descriptor openFile(const fs::path& path, int flags, mode_t mode = 0) {
-    const int descriptor = uninterrupted([&] { return ::open(path.c_str(), flags | O_CLOEXEC, mode); });
+Descriptor openFile(const fs::path& path, int flags) {
+    const int descriptor = uninterrupted([&] { return ::open(path.c_str(), flags | O_CLOEXEC); });
     if (descriptor < 0) throw FileError(path, errno);
     return Descriptor(descriptor);
 }
@@ -192,7 +192,7 @@ std::string reasonOf(int code) {
 }
 
 FileError::FileError(const fs::path& path, int code)
-    : Error("无法读写文件“" + path.filename().string() + "”：" + reasonOf(code) + "。"),
+    : Error("无法读写“" + path.filename().string() + "”：" + reasonOf(code) + "。"),
       code_(code),
       systemDescription_(
           path.string() + ": " +
@@ -297,14 +297,17 @@ bool Stamp::stillHolds(const fs::path& path) const {
     return present == *this;
 }
 
+// Failures name the file that the lock is for, which is the one that the user knows.
 FileLock::FileLock(const fs::path& path, std::chrono::milliseconds patience) {
     const fs::path lock = directoryOf(path) / ("." + path.filename().string() + ".lock");
-    Descriptor file = openFile(lock, O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
+    const auto open = [&] { return ::open(lock.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600); };
+    Descriptor file(uninterrupted(open));
+    if (file.get() < 0) throw FileError(path, errno);
     constexpr std::chrono::milliseconds pause{2};
     const auto deadline = std::chrono::steady_clock::now() + patience;
     while (uninterrupted([&] { return ::flock(file.get(), LOCK_EX | LOCK_NB); }) < 0) {
         if (errno == ENOLCK || errno == EOPNOTSUPP) break;
-        if (errno != EWOULDBLOCK) throw FileError(lock, errno);
+        if (errno != EWOULDBLOCK) throw FileError(path, errno);
         if (std::chrono::steady_clock::now() >= deadline) throw FileError(path, EWOULDBLOCK);
         std::this_thread::sleep_for(pause);
     }

@@ -243,12 +243,16 @@ TEST(FilesTest, ALockHasOneHolderAndEndsWithItsProcess) {
 }
 
 TEST(FilesTest, ErrorsNameTheFileAndTheReasonInWindowsAndOnTheCommandLine) {
-    try {
-        readFile("/nowhere/at all", 1);
-        FAIL();
-    } catch (const FileError& error) {
-        EXPECT_EQ(error.systemDescription(), "/nowhere/at all: No such file or directory");
-        EXPECT_EQ(error.errorDescription(), "无法读写文件“at all”：文件不存在。");
+    const fs::path path = "/nowhere/at all";
+    for (const std::function<void()>& action : {std::function<void()>([&] { readFile(path, 1); }),
+                                                std::function<void()>([&] { const FileLock lock(path); })}) {
+        try {
+            action();
+            FAIL();
+        } catch (const FileError& error) {
+            EXPECT_EQ(error.systemDescription(), "/nowhere/at all: No such file or directory");
+            EXPECT_EQ(error.errorDescription(), "无法读写“at all”：文件不存在。");
+        }
     }
 }
 
