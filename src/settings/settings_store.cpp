@@ -25,7 +25,7 @@ using namespace std::chrono_literals;
 const std::string noModelList = "无法列出模型：";
 
 // More than that nobody looks through in a menu.
-constexpr std::size_t mostModelChoices = 200;
+constexpr std::size_t mostModelChoices = 500;
 
 // How long savedMessage stands.
 constexpr auto savedMessageTime = 2s;
