@@ -1,6 +1,7 @@
-// Linked into every test program that is built with the thread sanitizer. These libraries are not instrumented: it does
-// not see their locks and takes what they hand from thread to thread for races. Only what they do themselves is left
-// out; our own accesses stay checked.
+// Linked into every test program that is built with sanitizers: what they are to leave out of libraries that are not
+// instrumented. Our own accesses stay checked.
+
+// The thread sanitizer does not see their locks and takes what they hand from thread to thread for races.
 extern "C" const char* __tsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier)
     return "called_from_lib:libQt6Core.so\n"
            "called_from_lib:libQt6DBus.so\n"
@@ -13,4 +14,9 @@ extern "C" const char* __tsan_default_suppressions() {  // NOLINT(bugprone-reser
            "called_from_lib:libsecret-1.so\n"
            "race:libgio-2.0.so\n"
            "race:libglib-2.0.so\n";
+}
+
+// What fontconfig keeps for the window toolkit until the process ends.
+extern "C" const char* __lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier)
+    return "leak:libfontconfig.so\n";
 }
