@@ -45,10 +45,13 @@ SelectionTranslateService::SelectionTranslateService(ClipboardService& clipboard
     : clipboard_(clipboard), keyboard_(keyboard) {}
 
 Task<SelectedText> SelectionTranslateService::selectedText() {
-    if (!hasPermission()) throw SelectionError::accessibilityPermissionRequired();
     co_await waitForOtherProgram();
     SelectedText selected{.text = "", .window = keyboard_.frontWindow()};
-    switch (keyboard_.selection()) {
+    const SimulateKeyboard::Selection selection = keyboard_.selection();
+    // What the desktop shows takes no keys.
+    if (selection != SimulateKeyboard::Selection::shown && !hasPermission())
+        throw SelectionError::accessibilityPermissionRequired();
+    switch (selection) {
         case SimulateKeyboard::Selection::absent:
             throw SelectionError::noSelection();
         case SimulateKeyboard::Selection::shown:
