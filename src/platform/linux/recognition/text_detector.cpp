@@ -131,8 +131,8 @@ std::vector<cv::Rect> TextDetector::detect(const cv::Mat& picture, const std::st
     if (area.empty()) return {};
     const double scale = scaleFor(picture, area, stop);
     auto regions = detectAt(picture, area, scale, stop);
-    // What is large and alone may be seen only from further off.
-    if (regions.empty() && scale > leastScale) regions = detectAt(picture, area, leastScale, stop);
+    // What is large and alone in a small picture may be seen only from further off.
+    if (regions.empty() && area.area() < largeArea) regions = detectAt(picture, area, leastScale, stop);
     return joinOverlapping(std::move(regions));
 }
 
