@@ -26,10 +26,10 @@
 #include "platform/linux/wayland/wayland_connection.h"
 #include "platform/linux/wayland/wayland_data_device.h"
 #include "platform/linux/wayland/wayland_screen_capture.h"
+#include "platform/linux/wayland/wayland_synthetic_keyboard.h"
 #include "platform/linux/x11/x11_connection.h"
 #include "platform/linux/x11/x11_screenshot.h"
 #include "platform/linux/x11/xcb_xkb.h"
-#include "virtual-keyboard-unstable-v1-client.h"
 
 namespace ovrin {
 namespace {
@@ -112,7 +112,7 @@ public:
             found.push_back(byExtension("clipboard", &xcb_xfixes_id, "X11 selections", false));
             found.push_back(byExtension("selection", &xcb_xfixes_id, "X11 PRIMARY", isNative()));
         }
-        if (isNative() && wayland_->versionOf(zwp_virtual_keyboard_manager_v1_interface) > 0) {
+        if (isNative() && WaylandSimulateKeyboard::isOfferedBy(*wayland_)) {
             found.push_back(available("replacement", "virtual keyboard"));
         } else {
             found.push_back(byExtension("replacement", &xcb_test_id, "X11 XTEST", isNative()));

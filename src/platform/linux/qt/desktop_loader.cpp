@@ -13,7 +13,6 @@
 #include "platform/linux/wayland/wayland_synthetic_keyboard.h"
 #include "platform/linux/x11/x11_clipboard.h"
 #include "platform/linux/x11/x11_synthetic_keyboard.h"
-#include "virtual-keyboard-unstable-v1-client.h"
 
 namespace ovrin {
 
@@ -52,7 +51,7 @@ DesktopLoader::DesktopLoader() {
             pictures_ = Pictures::kwin;
         }
         controlsClipboard_ = WaylandDataDevice::isOfferedBy(connection);
-        pressesKeys_ = controlsClipboard_ && connection.versionOf(zwp_virtual_keyboard_manager_v1_interface) > 0;
+        pressesKeys_ = WaylandSimulateKeyboard::isOfferedBy(connection);
     } catch (const Error&) {
         return;  // the X11 adapters say what they cannot do there
     }

@@ -175,16 +175,6 @@ bool KWinScreenCapture::isOffered() {
     }
 }
 
-Task<std::vector<CapturableDisplay>> KWinScreenCapture::displays() {
-    const auto list = [](const std::stop_token&) { return displaysOf(WaylandConnection()); };
-    std::vector<CapturableDisplay> displays = co_await workers_.run(list);
-    co_return displays;
-}
-
-Task<Image> KWinScreenCapture::screenshot(ScreenshotRequest request) {
-    const auto take = [request](const std::stop_token&) { return takePicture(request); };
-    Image image = co_await workers_.run(take);
-    co_return image;
-}
+KWinScreenCapture::KWinScreenCapture(WorkerExecutor& workers) : CompositorScreenCapture(workers, takePicture) {}
 
 }  // namespace ovrin

@@ -23,7 +23,9 @@ const wl_interface& successor() {
 }  // namespace
 
 bool WaylandDataDevice::isOfferedBy(const WaylandConnection& connection) {
-    return connection.versionOf(successor()) > 0 || connection.versionOf(zwlr_data_control_manager_v1_interface) > 0;
+    const bool isNamed =
+        connection.versionOf(successor()) > 0 || connection.versionOf(zwlr_data_control_manager_v1_interface) > 0;
+    return isNamed && connection.seat() != nullptr;
 }
 
 WaylandDataDevice::Manager WaylandDataDevice::bindManager(WaylandConnection& connection) {

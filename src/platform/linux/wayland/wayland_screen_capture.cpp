@@ -94,16 +94,6 @@ bool WaylandScreenCapture::isOfferedBy(const WaylandConnection& connection) {
     return connection.versionOf(zwlr_screencopy_manager_v1_interface) > 0;
 }
 
-Task<std::vector<CapturableDisplay>> WaylandScreenCapture::displays() {
-    const auto list = [](const std::stop_token&) { return displaysOf(WaylandConnection()); };
-    std::vector<CapturableDisplay> displays = co_await workers_.run(list);
-    co_return displays;
-}
-
-Task<Image> WaylandScreenCapture::screenshot(ScreenshotRequest request) {
-    const auto take = [request](const std::stop_token&) { return takePicture(request); };
-    Image image = co_await workers_.run(take);
-    co_return image;
-}
+WaylandScreenCapture::WaylandScreenCapture(WorkerExecutor& workers) : CompositorScreenCapture(workers, takePicture) {}
 
 }  // namespace ovrin

@@ -26,6 +26,11 @@ constexpr auto ignored = [](auto...) {};
 
 }  // namespace
 
+bool WaylandSimulateKeyboard::isOfferedBy(const WaylandConnection& connection) {
+    return WaylandDataDevice::isOfferedBy(connection) &&
+           connection.versionOf(zwp_virtual_keyboard_manager_v1_interface) > 0;
+}
+
 WaylandSimulateKeyboard::WaylandSimulateKeyboard(const char* name)
     : connection_(name),
       toplevels_(connection_),

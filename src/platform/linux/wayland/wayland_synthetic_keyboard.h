@@ -20,6 +20,9 @@ namespace ovrin {
 
 class WaylandSimulateKeyboard final : public SimulateKeyboard {
 public:
+    // Whether it can tell what is selected and press keys.
+    static bool isOfferedBy(const WaylandConnection& connection);
+
     // name: of the compositor's socket; null for the one the environment names. Throws Error when no compositor
     // answers, or it does not tell what is selected.
     explicit WaylandSimulateKeyboard(const char* name);

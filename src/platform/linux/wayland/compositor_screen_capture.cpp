@@ -1,0 +1,20 @@
+#include "platform/linux/wayland/compositor_screen_capture.h"
+
+#include "platform/linux/wayland/wayland_connection.h"
+#include "platform/linux/wayland/wayland_displays.h"
+
+namespace ovrin {
+
+Task<std::vector<CapturableDisplay>> CompositorScreenCapture::displays() {
+    const auto list = [](const std::stop_token&) { return displaysOf(WaylandConnection()); };
+    std::vector<CapturableDisplay> displays = co_await workers_.run(list);
+    co_return displays;
+}
+
+Task<Image> CompositorScreenCapture::screenshot(ScreenshotRequest request) {
+    const auto take = [takePicture = takePicture_, request](const std::stop_token&) { return takePicture(request); };
+    Image image = co_await workers_.run(take);
+    co_return image;
+}
+
+}  // namespace ovrin
