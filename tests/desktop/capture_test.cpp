@@ -107,18 +107,17 @@ TEST_F(CaptureTest, EscapeEndsTheSelectionSilentlyEvenInTheMiddleOfADrag) {
     const auto line = openPage().lines()[1];
     press(Action::captureOCR);
     assistant->waitForOverlays();
-    // The overlay has the keyboard some milliseconds after the keys of the shortcut are up: a user who is quicker
-    // presses again.
-    waitFor("the end of the first overlay", [&] {
+    // The overlay has the keyboard a little after the keys of the shortcut are up: a user who is quicker presses again.
+    const auto isEndedByEscape = [&] {
         user->pressKeys("Escape");
         return assistant->overlays().empty();
-    });
+    };
+    waitFor("the end of the overlay", isEndedByEscape);
 
     press(Action::captureOCR);
     assistant->waitForOverlays();
     user->beginDrag(line.area.topLeft(), line.area.bottomRight());
-    user->pressKeys("Escape");
-    waitFor("the end of the overlay", [&] { return assistant->overlays().empty(); });
+    waitFor("the end of the overlay in the middle of a drag", isEndedByEscape);
     user->release();
     EXPECT_FALSE(isToastShown());
 
