@@ -32,7 +32,6 @@
 #include "language/selection_translate_service.h"
 #include "platform/linux/desktop/application_name.h"
 #include "platform/linux/desktop/autostart_login_item.h"
-#include "platform/linux/desktop/desktop_system_shortcuts.h"
 #include "platform/linux/desktop/own_executable.h"
 #include "platform/linux/desktop/speech_service.h"
 #include "platform/linux/network/url_session_http_client.h"
@@ -42,7 +41,6 @@
 #include "platform/linux/qt/desktop_loader.h"
 #include "platform/linux/qt/desktop_package_installer.h"
 #include "platform/linux/qt/font_rendering.h"
-#include "platform/linux/qt/freedesktop_notification_center.h"
 #include "platform/linux/qt/inotify_file_watcher.h"
 #include "platform/linux/qt/linux_desktop_settings.h"
 #include "platform/linux/qt/qt_desktop_layout.h"
@@ -56,9 +54,6 @@
 #include "platform/linux/recognition/linux_language_identifier.h"
 #include "platform/linux/recognition/onnx_text_recognizer.h"
 #include "platform/linux/x11/x11_connection.h"
-#include "platform/linux/x11/x11_hot_keys.h"
-#include "platform/linux/x11/x11_keyboard_layout.h"
-#include "platform/linux/x11/x11_screenshot.h"
 #include "recognition/capture_controller.h"
 #include "recognition/idle_releasing_recognizer.h"
 #include "recognition/vision_ocr_engine.h"
@@ -189,17 +184,17 @@ private:
     QtImageEncoder encoder_;
     // Where a picture's file may be on a disk that does not answer, and an encoding may take seconds.
     WorkerExecutor clipboardWorker_{1};
-    X11Screenshot screenshot_;
     DesktopLoader desktop_;
-    std::unique_ptr<ScreenCapture> screen_ = desktop_.makeScreenCapture(screenshot_, screenWorker_);
-    QtCaptureOverlays captureOverlays_{environment_, screenshot_};
+    std::unique_ptr<ScreenCapture> screen_ = desktop_.makeScreenCapture(screenWorker_);
+    QtCaptureOverlays captureOverlays_{environment_, desktop_.screenshot()};
     std::unique_ptr<ClipboardService> ownedClipboard_ = desktop_.makeClipboard(decoder_, encoder_, clipboardWorker_);
     ClipboardService& clipboard_ = *ownedClipboard_;
     std::unique_ptr<SimulateKeyboard> ownedKeyboard_ = desktop_.makeKeyboard();
     SimulateKeyboard& keyboard_ = *ownedKeyboard_;
     QtDesktopLayout layout_;
     SpeechService speech_;
-    FreedesktopNotificationCenter notifications_;
+    std::unique_ptr<NotificationCenter> ownedNotifications_ = desktop_.makeNotificationCenter();
+    NotificationCenter& notifications_ = *ownedNotifications_;
     AutostartLoginItem loginItem_{Environment::ofProcess(), ownExecutable()};
     RecentWindows recentWindows_;
     WindowMemory windowMemory_{[this] { return recentWindows_.lastUsed() != nullptr; }};
@@ -247,8 +242,10 @@ private:
                               }};
 
     // How they are reached.
-    X11HotKeys hotKeys_{loop_, nullptr};
-    X11KeyboardLayout keyboardLayout_{nullptr};
+    std::unique_ptr<HotKeys> ownedHotKeys_ = desktop_.makeHotKeys(loop_);
+    HotKeys& hotKeys_ = *ownedHotKeys_;
+    std::unique_ptr<KeyboardLayout> ownedKeyboardLayout_ = desktop_.makeKeyboardLayout();
+    KeyboardLayout& keyboardLayout_ = *ownedKeyboardLayout_;
     KeyboardShortcuts::Registry registry_{settings_.defaults, hotKeys_, keyboardLayout_, [](const std::string& line) {
                                               std::puts(line.c_str());
                                               std::fflush(stdout);
@@ -264,12 +261,11 @@ private:
             return std::make_unique<CommandPaletteView>(environment_, viewModel, std::move(requestClose));
         },
         loop_, text::caseRules(Environment::ofProcess())};
-    QtStatusItem statusItem_{environment_, keyboardLayout_, screenshot_};
+    QtStatusItem statusItem_{environment_, keyboardLayout_, desktop_.screenshot()};
     TrayNotice trayNotice_{{.loop = loop_, .statusItem = statusItem_, .notifications = notifications_}};
     SettingsKey settingsKey_{[this] { showSettings(std::nullopt); }};
     std::optional<StatusBarController> statusBar_;  // from the launch on
-    std::unique_ptr<SystemShortcuts> systemShortcuts_ =
-        makeDesktopSystemShortcuts(Environment::ofProcess(), keyboardLayout_);
+    std::unique_ptr<SystemShortcuts> systemShortcuts_ = desktop_.makeSystemShortcuts(keyboardLayout_);
     std::optional<ShortcutsPageViewModel> shortcutsPage_;  // from the first look at the settings on
     SettingsWindowController settingsWindow_{
         settingsServices(), [this](SettingsViewModel& viewModel) { return makeSettingsWindow(viewModel); }};

@@ -14,6 +14,7 @@
 #include "platform/toast_presenter.h"
 #include "storage/app_config.h"
 #include "storage/history_store.h"
+#include "windows/copying.h"
 #include "windows/result_presenter.h"
 #include "windows/translation_card_presenter.h"
 
@@ -108,8 +109,7 @@ Task<void> AppState::recognize(Image image, CaptureIntent intent) {
 
     const std::string text = result.fullText();
     surroundings_.history.save({.sourceText = text, .resultText = std::nullopt, .recordType = recordType(intent)});
-    surroundings_.clipboard.writeString(text);
-    surroundings_.toasts.show("识别结果已复制", successSymbol);
+    copyAndTell(text, "识别结果已复制", surroundings_.clipboard, surroundings_.toasts);
     present(std::move(result), std::move(image), intent);
 }
 
@@ -129,6 +129,7 @@ void AppState::present(OCRResult result, Image image, CaptureIntent intent) {
 }
 
 void AppState::clipboardOCR() {
+    if (const auto problem = surroundings_.clipboard.problem()) return showProblem(*problem);
     flows_.start(recognizeClipboardImage());
 }
 
@@ -142,6 +143,7 @@ Task<void> AppState::recognizeClipboardImage() {
 }
 
 void AppState::clipboardTranslate() {
+    if (const auto problem = surroundings_.clipboard.problem()) return showProblem(*problem);
     flows_.start(translateClipboard());
 }
 

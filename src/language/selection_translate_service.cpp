@@ -45,6 +45,7 @@ SelectionTranslateService::SelectionTranslateService(ClipboardService& clipboard
     : clipboard_(clipboard), keyboard_(keyboard) {}
 
 Task<SelectedText> SelectionTranslateService::selectedText() {
+    if (const auto problem = clipboard_.problem()) throw Error(*problem);
     co_await waitForOtherProgram();
     SelectedText selected{.text = "", .window = keyboard_.frontWindow()};
     const SimulateKeyboard::Selection selection = keyboard_.selection();

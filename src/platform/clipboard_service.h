@@ -35,6 +35,10 @@ class ClipboardService {
 public:
     virtual ~ClipboardService() = default;
 
+    // Why the session has no clipboard for the program, as a sentence for the user; none where it has. Without one
+    // nothing is read, and what is written is lost.
+    virtual std::optional<std::string> problem() const { return std::nullopt; }
+
     // Differs after every change of the contents, whoever made it.
     virtual std::int64_t changeCount() const = 0;
 

@@ -7,9 +7,8 @@
 
 #include "base/memory.h"
 #include "base/text.h"
-#include "platform/clipboard_service.h"
-#include "platform/toast_presenter.h"
 #include "storage/history_store.h"
+#include "windows/copying.h"
 #include "windows/result_presenter.h"
 
 namespace ovrin {
@@ -96,8 +95,8 @@ void HistoryViewModel::open(const HistoryRecord& record) {
 
 void HistoryViewModel::copy(const HistoryRecord& record) {
     const bool hasResult = record.resultText && !record.resultText->empty();
-    services_.clipboard.writeString(hasResult ? *record.resultText : record.sourceText);
-    services_.toasts.show("内容已复制", "checkmark");
+    copyAndTell(hasResult ? *record.resultText : record.sourceText, "内容已复制", services_.clipboard,
+                services_.toasts);
 }
 
 void HistoryViewModel::deleteRecord(const Uuid& id) {

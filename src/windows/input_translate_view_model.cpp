@@ -3,10 +3,9 @@
 #include <functional>
 
 #include "base/text.h"
-#include "platform/clipboard_service.h"
-#include "platform/toast_presenter.h"
 #include "storage/history_store.h"
 #include "windows/answer_reading.h"
+#include "windows/copying.h"
 
 namespace ovrin {
 
@@ -74,8 +73,7 @@ void InputTranslateViewModel::clear() {
 
 void InputTranslateViewModel::copyTranslation() {
     if (outputText_->empty()) return;
-    services_.clipboard.writeString(outputText_.value());
-    services_.toasts.show("译文已复制", "checkmark");
+    copyAndTell(outputText_.value(), "译文已复制", services_.clipboard, services_.toasts);
 }
 
 void InputTranslateViewModel::speakTranslation() {

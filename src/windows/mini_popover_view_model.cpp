@@ -4,9 +4,8 @@
 #include <utility>
 
 #include "language/language_names.h"
-#include "platform/clipboard_service.h"
-#include "platform/toast_presenter.h"
 #include "windows/answer_reading.h"
+#include "windows/copying.h"
 
 namespace ovrin {
 
@@ -46,8 +45,7 @@ void MiniPopoverViewModel::cancel() {
 
 void MiniPopoverViewModel::copyTranslation() {
     if (translation_->empty()) return;
-    services_.clipboard.writeString(translation_.value());
-    services_.toasts.show("译文已复制", "checkmark");
+    copyAndTell(translation_.value(), "译文已复制", services_.clipboard, services_.toasts);
 }
 
 }  // namespace ovrin

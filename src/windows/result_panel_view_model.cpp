@@ -5,11 +5,10 @@
 #include <utility>
 
 #include "base/text.h"
-#include "platform/clipboard_service.h"
-#include "platform/toast_presenter.h"
 #include "storage/app_config.h"
 #include "storage/history_store.h"
 #include "windows/answer_reading.h"
+#include "windows/copying.h"
 
 namespace ovrin {
 
@@ -231,8 +230,7 @@ void ResultPanelViewModel::closeAIConversation() {
 }
 
 void ResultPanelViewModel::copyPrimaryText() {
-    services_.clipboard.writeString(primaryText());
-    services_.toasts.show("内容已复制", "checkmark");
+    copyAndTell(primaryText(), "内容已复制", services_.clipboard, services_.toasts);
 }
 
 void ResultPanelViewModel::speakPrimaryText() {

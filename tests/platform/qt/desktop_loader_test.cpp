@@ -7,7 +7,6 @@
 #include "base/run_loop.h"
 #include "base/worker_executor.h"
 #include "fakes/wayland_test_compositor.h"
-#include "platform/linux/x11/x11_screenshot.h"
 
 namespace ovrin {
 namespace {
@@ -17,9 +16,8 @@ TEST(DesktopLoaderTest, PicturesOfAWaylandSessionComeFromItsCompositor) {
     const WaylandTestCompositor compositor({{.width = 640, .height = 480}});
     RunLoop loop;
     WorkerExecutor workers(1);
-    X11Screenshot screenshot;
     ::setenv("WAYLAND_DISPLAY", compositor.display().c_str(), 1);
-    const auto screen = DesktopLoader().makeScreenCapture(screenshot, workers);
+    const auto screen = DesktopLoader().makeScreenCapture(workers);
     EXPECT_TRUE(screen->preflightAccess());
     const auto displays = loop.complete(screen->displays());
     ASSERT_EQ(displays.size(), 1U);
@@ -27,7 +25,7 @@ TEST(DesktopLoaderTest, PicturesOfAWaylandSessionComeFromItsCompositor) {
 
     // Where no compositor answers, X11 would show black pictures.
     ::setenv("WAYLAND_DISPLAY", "nobody", 1);
-    EXPECT_FALSE(DesktopLoader().makeScreenCapture(screenshot, workers)->preflightAccess());
+    EXPECT_FALSE(DesktopLoader().makeScreenCapture(workers)->preflightAccess());
     ::unsetenv("WAYLAND_DISPLAY");
 }
 

@@ -11,6 +11,7 @@
 #include "platform/linux/desktop/detached_program.h"
 #include "platform/linux/desktop/own_executable.h"
 #include "platform/linux/desktop/session_bus.h"
+#include "platform/linux/desktop/session_displays.h"
 
 namespace ovrin {
 
@@ -117,7 +118,7 @@ RunningAssistant::Reply SessionBusAssistant::perform(const std::string& commandN
 
 bool SessionBusAssistant::start() {
     const Environment environment = Environment::ofProcess();
-    if (!environment.value("DISPLAY")) return false;
+    if (!hasDisplay(environment)) return false;
     const BusDeadline deadline(patienceWithStart);
     const auto bus = connect(deadline);
     if (startByBus(bus.get(), patienceWithStart, deadline)) return true;

@@ -21,6 +21,7 @@
 #include "base/worker_executor.h"
 #include "platform/linux/desktop/bus_deadline.h"
 #include "platform/linux/desktop/session_bus.h"
+#include "platform/linux/desktop/session_displays.h"
 #include "platform/linux/recognition/onnx_text_recognizer.h"
 #include "platform/linux/wayland/kwin_screen_capture.h"
 #include "platform/linux/wayland/wayland_connection.h"
@@ -85,14 +86,14 @@ class DisplayInspection {
 public:
     DisplayInspection() {
         const Environment environment = Environment::ofProcess();
-        if (environment.value("WAYLAND_DISPLAY")) {
+        if (hasWaylandDisplay(environment)) {
             try {
                 wayland_.emplace();
             } catch (const Error&) {
                 return;
             }
         }
-        if (!environment.value("DISPLAY")) return;
+        if (!hasX11Display(environment)) return;
         try {
             x11_ = connectToX11(nullptr);
         } catch (const Error&) {

@@ -1,9 +1,14 @@
 #include "platform/linux/qt/desktop_loader.h"
 
 #include <QSocketNotifier>
+#include <string>
 
 #include "base/environment.h"
 #include "base/error.h"
+#include "platform/linux/desktop/desktop_system_shortcuts.h"
+#include "platform/linux/desktop/session_bus.h"
+#include "platform/linux/desktop/session_displays.h"
+#include "platform/linux/qt/freedesktop_notification_center.h"
 #include "platform/linux/qt/x11_screen_capture.h"
 #include "platform/linux/wayland/kwin_screen_capture.h"
 #include "platform/linux/wayland/wayland_clipboard.h"
@@ -12,7 +17,11 @@
 #include "platform/linux/wayland/wayland_screen_capture.h"
 #include "platform/linux/wayland/wayland_synthetic_keyboard.h"
 #include "platform/linux/x11/x11_clipboard.h"
+#include "platform/linux/x11/x11_hot_keys.h"
+#include "platform/linux/x11/x11_keyboard_layout.h"
 #include "platform/linux/x11/x11_synthetic_keyboard.h"
+#include "platform/null_adapters.h"
+#include "platform/us_keyboard_layout.h"
 
 namespace ovrin {
 
@@ -39,10 +48,24 @@ private:
     QSocketNotifier notifier_{keyboard_.descriptor(), QSocketNotifier::Read};
 };
 
+constexpr const char* capturesNowhere = "无法截取屏幕：此桌面不支持。";
+constexpr const char* keysBelongToDesktop = "此桌面不支持全局快捷键，请在系统设置中把快捷键绑定到命令“ovrin do”。";
+
+// Without the service, or the extension, that an adapter needs, its null adapter stands in with the reason.
+template <typename Seam, typename Make, typename MakeWithout>
+std::unique_ptr<Seam> orWithout(const Make& make, const MakeWithout& makeWithout) {
+    try {
+        return make();
+    } catch (const Error& error) {
+        return makeWithout(error.errorDescription());
+    }
+}
+
 }  // namespace
 
-DesktopLoader::DesktopLoader() {
-    if (!Environment::ofProcess().value("WAYLAND_DISPLAY")) return;
+DesktopLoader::DesktopLoader()
+    : isWayland_(hasWaylandDisplay(Environment::ofProcess())), pictures_(isWayland_ ? Pictures::none : Pictures::x11) {
+    if (!isWayland_) return;
     try {
         const WaylandConnection connection;
         if (WaylandScreenCapture::isOfferedBy(connection)) {
@@ -53,26 +76,63 @@ DesktopLoader::DesktopLoader() {
         controlsClipboard_ = WaylandDataDevice::isOfferedBy(connection);
         pressesKeys_ = WaylandSimulateKeyboard::isOfferedBy(connection);
     } catch (const Error&) {
-        return;  // the X11 adapters say what they cannot do there
+        return;  // the adapters say what they cannot do there
     }
 }
 
-std::unique_ptr<ScreenCapture> DesktopLoader::makeScreenCapture(X11Screenshot& screenshot,
-                                                                WorkerExecutor& workers) const {
-    if (pictures_ == Pictures::screencopy) return std::make_unique<WaylandScreenCapture>(workers);
-    if (pictures_ == Pictures::kwin) return std::make_unique<KWinScreenCapture>(workers);
-    return std::make_unique<X11ScreenCapture>(screenshot, workers);
-}
-
-std::unique_ptr<SimulateKeyboard> DesktopLoader::makeKeyboard() const {
-    if (pressesKeys_) return std::make_unique<HeardKeyboard>();
-    return std::make_unique<X11SimulateKeyboard>(nullptr);
+std::unique_ptr<ScreenCapture> DesktopLoader::makeScreenCapture(WorkerExecutor& workers) {
+    switch (pictures_) {
+        case Pictures::x11:
+            return std::make_unique<X11ScreenCapture>(screenshot_, workers);
+        case Pictures::screencopy:
+            return std::make_unique<WaylandScreenCapture>(workers);
+        case Pictures::kwin:
+            return std::make_unique<KWinScreenCapture>(workers);
+        case Pictures::none:
+            break;
+    }
+    return std::make_unique<NullScreenCapture>(capturesNowhere);
 }
 
 std::unique_ptr<ClipboardService> DesktopLoader::makeClipboard(const ImageDecoder& decoder, const ImageEncoder& encoder,
                                                                WorkerExecutor& workers) const {
-    if (controlsClipboard_) return std::make_unique<WaylandClipboard>(nullptr, decoder, encoder, workers);
-    return std::make_unique<X11Clipboard>(nullptr, decoder, encoder, workers);
+    return orWithout<ClipboardService>(
+        [&]() -> std::unique_ptr<ClipboardService> {
+            if (controlsClipboard_) return std::make_unique<WaylandClipboard>(nullptr, decoder, encoder, workers);
+            return std::make_unique<X11Clipboard>(nullptr, decoder, encoder, workers);
+        },
+        [](const std::string& reason) { return std::make_unique<NullClipboard>(reason); });
+}
+
+std::unique_ptr<SimulateKeyboard> DesktopLoader::makeKeyboard() const {
+    return orWithout<SimulateKeyboard>(
+        [this]() -> std::unique_ptr<SimulateKeyboard> {
+            if (pressesKeys_) return std::make_unique<HeardKeyboard>();
+            return std::make_unique<X11SimulateKeyboard>(nullptr);
+        },
+        [](const std::string& /*reason*/) { return std::make_unique<NullSimulateKeyboard>(); });
+}
+
+// XWayland takes key grabs too, but hears of keys only while one of its own windows has the keyboard.
+std::unique_ptr<HotKeys> DesktopLoader::makeHotKeys(EventLoop& mainLoop) const {
+    if (isWayland_) return std::make_unique<NullHotKeys>(keysBelongToDesktop);
+    return orWithout<HotKeys>([&] { return std::make_unique<X11HotKeys>(mainLoop, nullptr); },
+                              [](const std::string& reason) { return std::make_unique<NullHotKeys>(reason); });
+}
+
+std::unique_ptr<KeyboardLayout> DesktopLoader::makeKeyboardLayout() const {
+    return orWithout<KeyboardLayout>(
+        [] { return std::make_unique<X11KeyboardLayout>(nullptr); },
+        [](const std::string& /*reason*/) { return std::make_unique<USKeyboardLayout>(); });
+}
+
+std::unique_ptr<SystemShortcuts> DesktopLoader::makeSystemShortcuts(const KeyboardLayout& layout) const {
+    return makeDesktopSystemShortcuts(Environment::ofProcess(), layout);
+}
+
+std::unique_ptr<NotificationCenter> DesktopLoader::makeNotificationCenter() const {
+    if (sessionBus(Environment::ofProcess()) == SessionBus::none) return std::make_unique<NullNotificationCenter>();
+    return std::make_unique<FreedesktopNotificationCenter>();
 }
 
 }  // namespace ovrin

@@ -1,19 +1,24 @@
-// The one place that knows which session this is: makes the adapters that differ between sessions.
+// The one place that knows which session this is: makes the adapters that differ between sessions. Where a session has
+// nothing for a seam, what is made tells the user so at the action that needs it; nothing else is lost.
 #pragma once
 
 #include <cstdint>
 #include <memory>
 
+#include "base/event_loop.h"
 #include "base/worker_executor.h"
 #include "platform/clipboard_service.h"
+#include "platform/hot_keys.h"
 #include "platform/image_decoder.h"
 #include "platform/image_encoder.h"
+#include "platform/keyboard_layout.h"
+#include "platform/linux/x11/x11_screenshot.h"
+#include "platform/notification_center.h"
 #include "platform/screen_capture.h"
 #include "platform/synthetic_keyboard.h"
+#include "platform/system_shortcuts.h"
 
 namespace ovrin {
-
-class X11Screenshot;
 
 class DesktopLoader {
 public:
@@ -21,19 +26,27 @@ public:
     // XWayland there; pictures of the screen and the clipboard don't.
     DesktopLoader();
 
-    // What is handed over outlives what is made.
-    std::unique_ptr<ScreenCapture> makeScreenCapture(X11Screenshot& screenshot, WorkerExecutor& workers) const;
-    // Throws Error when there is no display.
+    // What is handed over outlives what is made, as does the loader.
+    std::unique_ptr<ScreenCapture> makeScreenCapture(WorkerExecutor& workers);
     std::unique_ptr<ClipboardService> makeClipboard(const ImageDecoder& decoder, const ImageEncoder& encoder,
                                                     WorkerExecutor& workers) const;
     std::unique_ptr<SimulateKeyboard> makeKeyboard() const;
+    std::unique_ptr<HotKeys> makeHotKeys(EventLoop& mainLoop) const;
+    std::unique_ptr<KeyboardLayout> makeKeyboardLayout() const;
+    std::unique_ptr<SystemShortcuts> makeSystemShortcuts(const KeyboardLayout& layout) const;
+    std::unique_ptr<NotificationCenter> makeNotificationCenter() const;
+
+    // What X11 windows look like on the screen.
+    X11Screenshot& screenshot() { return screenshot_; }
 
 private:
-    enum class Pictures : std::uint8_t { x11, screencopy, kwin };
+    enum class Pictures : std::uint8_t { x11, screencopy, kwin, none };
 
-    Pictures pictures_ = Pictures::x11;
+    bool isWayland_;
+    Pictures pictures_;
     bool controlsClipboard_ = false;
     bool pressesKeys_ = false;
+    X11Screenshot screenshot_;
 };
 
 }  // namespace ovrin

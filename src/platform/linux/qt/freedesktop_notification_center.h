@@ -1,4 +1,4 @@
-// Notifications over org.freedesktop.Notifications. A desktop without a notification service shows none.
+// Notifications over org.freedesktop.Notifications. Where no service answers, none is shown.
 #pragma once
 
 #include <memory>
@@ -9,7 +9,7 @@ namespace ovrin {
 
 class NotificationService;
 
-// After the QCoreApplication, before which it must go. No call waits for the service.
+// In a session with a bus; after the QCoreApplication, before which it must go. No call waits for the service.
 class FreedesktopNotificationCenter final : public NotificationCenter {
 public:
     FreedesktopNotificationCenter();
@@ -22,7 +22,7 @@ public:
     void add(Notification notification) override;
 
 private:
-    std::unique_ptr<NotificationService> service_;  // null without a session bus
+    std::unique_ptr<NotificationService> service_;
 };
 
 }  // namespace ovrin

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <cstddef>
 
-#include "base/environment.h"
 #include "platform/linux/qt/qt_screens.h"
 #include "recognition/ocr_engine_error.h"
 
@@ -24,10 +23,6 @@ PixelRect pixelsOf(const ScreenInfo& screen, const ScreenshotRequest& request) {
 }
 
 }  // namespace
-
-bool X11ScreenCapture::preflightAccess() {
-    return !Environment::ofProcess().value("WAYLAND_DISPLAY");
-}
 
 Task<std::vector<CapturableDisplay>> X11ScreenCapture::displays() {
     std::vector<CapturableDisplay> displays;

@@ -13,8 +13,8 @@ public:
     X11ScreenCapture(X11Screenshot& screenshot, WorkerExecutor& workers) : screenshot_(screenshot), workers_(workers) {}
 
     // X11 lets every program see the screen. In a Wayland session what is read through it is black.
-    bool preflightAccess() override;
-    bool requestAccess() override { return preflightAccess(); }
+    bool preflightAccess() override { return true; }
+    bool requestAccess() override { return true; }
 
     Task<std::vector<CapturableDisplay>> displays() override;
     Task<Image> screenshot(ScreenshotRequest request) override;

@@ -1,0 +1,97 @@
+// What stands behind a seam where the session has nothing for it: they work everywhere and do nothing. Each is given
+// the reason, a sentence that the user reads at the action that needs it. KeyboardLayout has USKeyboardLayout.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/error.h"
+#include "platform/clipboard_service.h"
+#include "platform/hot_keys.h"
+#include "platform/notification_center.h"
+#include "platform/screen_capture.h"
+#include "platform/synthetic_keyboard.h"
+
+namespace ovrin {
+
+class NullScreenCapture final : public ScreenCapture {
+public:
+    explicit NullScreenCapture(std::string reason) : reason_(std::move(reason)) {}
+
+    bool preflightAccess() override { return false; }
+    bool requestAccess() override { return false; }
+    Task<std::vector<CapturableDisplay>> displays() override {
+        throw Error(reason_);
+        co_return std::vector<CapturableDisplay>();
+    }
+    Task<Image> screenshot(ScreenshotRequest /*request*/) override {
+        throw Error(reason_);
+        co_return Image();
+    }
+
+private:
+    std::string reason_;
+};
+
+class NullHotKeys final : public HotKeys {
+public:
+    explicit NullHotKeys(std::string reason) : reason_(std::move(reason)) {}
+
+    void setEvents(HotKeyEvents /*events*/) override {}
+    HotKeyAnswer registerHotKey(HotKeyId /*id*/, const KeyboardShortcuts::Shortcut& /*shortcut*/) override {
+        throw Error(reason_);
+    }
+    void unregisterHotKey(HotKeyId /*id*/) override {}
+    void suspend() override {}
+    void resume() override {}
+    bool allowsOptionAlone() const override { return true; }
+
+private:
+    std::string reason_;
+};
+
+class NullClipboard final : public ClipboardService {
+public:
+    explicit NullClipboard(std::string reason) : reason_(std::move(reason)) {}
+
+    std::optional<std::string> problem() const override { return reason_; }
+    std::int64_t changeCount() const override { return 0; }
+    Task<std::optional<Image>> readImage() override { co_return std::nullopt; }
+    Task<std::optional<std::string>> readString() override { co_return std::nullopt; }
+    Task<std::optional<std::string>> readSelectedText() override { co_return std::nullopt; }
+    Task<std::vector<std::vector<std::string>>> readTypes() override {
+        co_return std::vector<std::vector<std::string>>();
+    }
+    Task<std::vector<std::byte>> readForm(std::size_t /*item*/, std::string /*type*/) override {
+        co_return std::vector<std::byte>();
+    }
+    void writeString(std::string /*text*/) override {}
+    void writeItems(std::vector<ClipboardItem> /*items*/) override {}
+
+private:
+    std::string reason_;
+};
+
+// It is not trusted, for which the callers have a sentence of their own. What is selected shows without keys at most.
+class NullSimulateKeyboard final : public SimulateKeyboard {
+public:
+    bool isTrusted() override { return false; }
+    bool requestTrust() override { return false; }
+    bool reachesOtherProgram() override { return true; }
+    Window frontWindow() override { return Window::nowhere; }
+    Selection selection() override { return Selection::shown; }
+    void copy() override {}
+    void paste() override {}
+};
+
+class NullNotificationCenter final : public NotificationCenter {
+public:
+    void requestAuthorization(NotificationAuthorization /*wanted*/) override {}
+    void add(Notification /*notification*/) override {}
+};
+
+}  // namespace ovrin
