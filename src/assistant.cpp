@@ -49,7 +49,7 @@
 #include "platform/linux/qt/recent_windows.h"
 #include "platform/linux/qt/termination_signals.h"
 #include "platform/linux/qt/window_memory.h"
-#include "platform/linux/qt/x11_window.h"
+#include "platform/linux/qt/window_role.h"
 #include "platform/linux/recognition/linux_image_decoder.h"
 #include "platform/linux/recognition/linux_language_identifier.h"
 #include "platform/linux/recognition/onnx_text_recognizer.h"
@@ -261,7 +261,8 @@ private:
             return std::make_unique<CommandPaletteView>(environment_, viewModel, std::move(requestClose));
         },
         loop_, text::caseRules(Environment::ofProcess())};
-    QtStatusItem statusItem_{environment_, keyboardLayout_, desktop_.screenshot()};
+    X11Tray tray_{desktop_.screenshot()};
+    QtStatusItem statusItem_{environment_, keyboardLayout_, tray_};
     TrayNotice trayNotice_{{.loop = loop_, .statusItem = statusItem_, .notifications = notifications_}};
     SettingsKey settingsKey_{[this] { showSettings(std::nullopt); }};
     std::optional<StatusBarController> statusBar_;  // from the launch on
@@ -405,7 +406,7 @@ void AppDelegate::applicationDidFinishLaunching() {
 }
 
 void AppDelegate::applicationShouldHandleReopen() {
-    if (QWindow* const window = recentWindows_.lastUsed()) return x11::activate(*window);
+    if (QWindow* const window = recentWindows_.lastUsed()) return activate(*window);
     settingsWindow_.show();
 }
 

@@ -12,7 +12,7 @@
 #include <cmath>
 #include <utility>
 
-#include "platform/linux/qt/x11_window.h"
+#include "platform/linux/qt/window_role.h"
 #include "recognition/capture_geometry.h"
 #include "theme/type_scale.h"
 #include "views/components/drawing.h"
@@ -23,9 +23,6 @@ namespace {
 
 constexpr int fadeInMilliseconds = 160;
 constexpr int frameMilliseconds = 16;
-constexpr int keyboardGrabInterval = 5;  // milliseconds
-constexpr int latestQuickGrab = 1000;    // milliseconds after which another program is known to hold the keyboard
-constexpr int slowKeyboardGrabInterval = 100;
 constexpr int screensSettlingTime = 50;  // milliseconds
 constexpr float dimming = 0.32F;
 constexpr double selectionRadius = 5;
@@ -83,7 +80,7 @@ void drawWithEvenDigits(QPainter& painter, const QRectF& label, const QString& t
 
 CaptureOverlayView::CaptureOverlayView(const QRect& frame, QImage backdrop, CaptureOverlays::Callbacks callbacks)
     : backdrop_(std::move(backdrop)), callbacks_(std::move(callbacks)) {
-    setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint | Qt::WindowStaysOnTopHint);
+    giveRole(*this, WindowRole::overlay);
     setAttribute(backdrop_.isNull() ? Qt::WA_TranslucentBackground : Qt::WA_OpaquePaintEvent);
     setCursor(Qt::CrossCursor);
     setFocusPolicy(Qt::StrongFocus);
@@ -96,11 +93,10 @@ CaptureOverlayView::CaptureOverlayView(const QRect& frame, QImage backdrop, Capt
     fadeIn_.setCurrentTime(frameMilliseconds);  // a first frame without any dimming would be one that comes late
     if (backdrop_.isNull()) {
         create();
-        x11::setFirstColor(*windowHandle(), dimmingColor());  // the program's own first picture takes longer
+        setFirstColor(*windowHandle(), dimmingColor());  // the program's own first picture takes longer
     }
     show();
     raise();
-    grabKeyboardSoon();
     followScreens();
 }
 
@@ -128,18 +124,6 @@ void CaptureOverlayView::followScreens() {
     for (const QScreen* screen : QGuiApplication::screens()) {
         connect(screen, &QScreen::geometryChanged, this, changed);
     }
-}
-
-// The window manager gives no focus to this window, so Escape only arrives through a grab. While the keys of the
-// shortcut are still down, the keyboard belongs to the shortcut's own grab: try until they are up.
-void CaptureOverlayView::grabKeyboardSoon() {
-    const auto attempt = [this] {
-        if (windowHandle()->setKeyboardGrabEnabled(true)) keyboardGrab_.stop();
-    };
-    connect(&keyboardGrab_, &QTimer::timeout, this, attempt);
-    QTimer::singleShot(latestQuickGrab, this, [this] { keyboardGrab_.setInterval(slowKeyboardGrabInterval); });
-    keyboardGrab_.start(keyboardGrabInterval);
-    attempt();
 }
 
 QColor CaptureOverlayView::dimmingColor() const {

@@ -29,7 +29,6 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    void grabKeyboardSoon();
     void followScreens();
     void cancel();
     void updateSelection(const std::optional<Point>& previousPoint);
@@ -48,7 +47,6 @@ private:
     std::optional<Point> startPoint_;    // view space
     std::optional<Point> currentPoint_;  // view space
     QVariantAnimation fadeIn_;           // 0..1
-    QTimer keyboardGrab_;
     QTimer screensSettle_;
 };
 

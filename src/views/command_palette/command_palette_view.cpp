@@ -14,7 +14,6 @@
 #include <utility>
 
 #include "platform/linux/qt/input_focus_watch.h"
-#include "platform/linux/qt/x11_window.h"
 #include "views/command_palette/command_list.h"
 #include "views/components/ov_button.h"
 #include "views/components/ov_scroll_area.h"
@@ -31,7 +30,7 @@ const theme::FontStyle queryFont{15, theme::FontWeight::medium, theme::FontDesig
 
 CommandPaletteView::CommandPaletteView(ViewEnvironment& environment, CommandPaletteViewModel& viewModel,
                                        std::function<void()> requestClose)
-    : OVFloatingWindow(environment, cornerRadius, Focus::accepts),
+    : OVFloatingWindow(environment, cornerRadius, WindowRole::palette),
       viewModel_(viewModel),
       requestClose_(std::move(requestClose)),
       field_(new OVTextField(environment, QStringLiteral("搜索命令…"))),
@@ -97,10 +96,8 @@ void CommandPaletteView::present() {
     const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
     if (screen == nullptr) screen = QGuiApplication::primaryScreen();
     if (screen != nullptr) move(screen->availableGeometry().center() - rect().center());
-    winId();  // makes the native window
-    x11::keepOnEveryWorkspace(*windowHandle());
     show();
-    x11::activate(*windowHandle());
+    activate(*windowHandle());
     field_->setFocus();
 }
 

@@ -22,7 +22,7 @@ constexpr double iconSize = 18;
 }  // namespace
 
 OVAlert::OVAlert(ViewEnvironment& environment, const Words& words, QWidget& owner)
-    : OVFloatingWindow(environment, cornerRadius, Focus::accepts),
+    : OVFloatingWindow(environment, cornerRadius, WindowRole::alert),
       owner_(owner.window()),
       buttons_(new QHBoxLayout),
       dismissButton_(new OVButton(environment, words.dismissButton, OVButton::Kind::primary)) {

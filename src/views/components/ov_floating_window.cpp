@@ -6,7 +6,6 @@
 #include <QWindow>
 #include <utility>
 
-#include "platform/linux/qt/x11_window.h"
 #include "views/components/drawing.h"
 
 namespace ovrin {
@@ -18,19 +17,12 @@ constexpr int shadowMargin = 26;
 constexpr double shadowBlur = 22;
 constexpr double shadowOffset = 6;
 
-Qt::WindowFlags flagsFor(OVFloatingWindow::Focus focus) {
-    const Qt::WindowFlags common = Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint;
-    if (focus == OVFloatingWindow::Focus::accepts) return Qt::Tool | common;
-    return Qt::ToolTip | Qt::WindowDoesNotAcceptFocus | common;
-}
-
 }  // namespace
 
-OVFloatingWindow::OVFloatingWindow(ViewEnvironment& environment, double cornerRadius, Focus focus)
+OVFloatingWindow::OVFloatingWindow(ViewEnvironment& environment, double cornerRadius, WindowRole role)
     : OVWindowBackground(environment, cornerRadius), cornerRadius_(cornerRadius) {
-    setWindowFlags(flagsFor(focus));
+    giveRole(*this, role);
     setAttribute(Qt::WA_TranslucentBackground);
-    setAttribute(Qt::WA_ShowWithoutActivating, focus == Focus::never);
     connect(&environment, &ViewEnvironment::changed, this, &OVFloatingWindow::applyShape);
 }
 
@@ -81,7 +73,7 @@ void OVFloatingWindow::applyShape() {
 }
 
 void OVFloatingWindow::tellMargin() {
-    if (QWindow* const window = windowHandle()) x11::setShadowMargins(*window, {.shadow = shadowMargin_});
+    if (QWindow* const window = windowHandle()) setShadowMargins(*window, {.shadow = shadowMargin_});
 }
 
 }  // namespace ovrin

@@ -1,8 +1,7 @@
 // A frameless window with rounded corners over the page colour that floats above others: toast, palette, card.
 #pragma once
 
-#include <cstdint>
-
+#include "platform/linux/qt/window_role.h"
 #include "views/components/ov_window_background.h"
 
 namespace ovrin {
@@ -11,13 +10,8 @@ class OVFloatingWindow : public OVWindowBackground {
     Q_OBJECT
 
 public:
-    enum class Focus : std::uint8_t {
-        never,   // shows without activating, lets the keyboard stay where it is
-        accepts  // takes the keyboard when it is shown
-    };
-
     // cornerRadius in points. Where nothing composites the screen the window is cut to its shape instead of blended.
-    OVFloatingWindow(ViewEnvironment& environment, double cornerRadius, Focus focus);
+    OVFloatingWindow(ViewEnvironment& environment, double cornerRadius, WindowRole role);
 
     // Where the upper-left corner of its frame goes, on the screen.
     void moveFrame(const QPoint& corner);

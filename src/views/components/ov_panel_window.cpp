@@ -13,7 +13,7 @@
 #include <array>
 #include <utility>
 
-#include "platform/linux/qt/x11_window.h"
+#include "platform/linux/qt/window_role.h"
 #include "views/components/drawing.h"
 
 namespace ovrin {
@@ -72,9 +72,10 @@ private:
     Qt::Edges edges_;
 };
 
-OVPanelWindow::OVPanelWindow(ViewEnvironment& environment, const QString& title, QSize size, QSize minimumSize)
+OVPanelWindow::OVPanelWindow(ViewEnvironment& environment, const QString& title, QSize size, QSize minimumSize,
+                             WindowRole role)
     : OVWidget(environment), minimumFrame_(minimumSize) {
-    setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint);
+    giveRole(*this, role);
     setAttribute(Qt::WA_TranslucentBackground);
     setWindowTitle(titleInTaskBar(title));
     const std::array<Qt::Edges, 8> all{Qt::LeftEdge,
@@ -132,7 +133,7 @@ void OVPanelWindow::setMinimumFrame(QSize size) {
 void OVPanelWindow::present() {
     if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
-    x11::activate(*windowHandle());
+    activate(*windowHandle());
 }
 
 double OVPanelWindow::cornerRadius() const {
@@ -141,7 +142,7 @@ double OVPanelWindow::cornerRadius() const {
 
 void OVPanelWindow::adaptToDesktop() {
     const bool isWanted = shadow_ == Shadow::always || (shadow_ == Shadow::inDarkAppearance && environment().isDark());
-    const bool hasShadow = isWanted && environment().settings().isComposited && !isFilling() && x11::knowsOwnShadows();
+    const bool hasShadow = isWanted && environment().settings().isComposited && !isFilling() && knowsOwnShadows();
     setMargin(hasShadow ? shadowMargin : 0);
     frameWithShadow_ = {};
     layOut();
@@ -173,7 +174,7 @@ void OVPanelWindow::layOut() {
         setMask(roundedShape(size(), cornerRadius()));
     }
     if (windowHandle() != nullptr && isVisible()) {
-        x11::setShadowMargins(*windowHandle(), {.shadow = margin_, .grip = gripOutside});
+        setShadowMargins(*windowHandle(), {.shadow = margin_, .grip = gripOutside});
     }
 }
 

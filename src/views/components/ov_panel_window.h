@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "platform/linux/qt/window_role.h"
 #include "views/components/ov_widget.h"
 
 namespace ovrin {
@@ -22,7 +23,8 @@ public:
     enum class Shadow : std::uint8_t { always, inDarkAppearance, never };
 
     // Sizes are those of the frame, without the shadow. It is made centred on the screen of the pointer, and hidden.
-    OVPanelWindow(ViewEnvironment& environment, const QString& title, QSize size, QSize minimumSize);
+    OVPanelWindow(ViewEnvironment& environment, const QString& title, QSize size, QSize minimumSize,
+                  WindowRole role = WindowRole::ordinary);
     ~OVPanelWindow() override;
 
     // The content before leaves the screen at once and is destroyed after the present event, which may be its own. The

@@ -8,7 +8,7 @@
 #include <QWindow>
 #include <cmath>
 
-#include "platform/linux/qt/x11_window.h"
+#include "platform/linux/qt/window_role.h"
 #include "views/components/drawing.h"
 #include "views/components/ov_button.h"
 #include "views/components/ov_menu.h"
@@ -154,7 +154,7 @@ void OVTitleBar::mouseDoubleClickEvent(QMouseEvent* event) {
 
 // The window manager's own menu, or where that cannot be asked for, one of what the bar can do.
 void OVTitleBar::contextMenuEvent(QContextMenuEvent* event) {
-    if (x11::showWindowMenu(*window()->windowHandle())) return;
+    if (showWindowMenu(*window()->windowHandle())) return;
     auto* menu = new OVMenu(environment(), this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->add(QStringLiteral("最小化"), OVMenu::Entry::available, [this] { minimize(); });

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "platform/linux/qt/input_focus_watch.h"
-#include "platform/linux/qt/x11_window.h"
 #include "views/direct_ai/direct_ai_view.h"
 
 namespace ovrin {
@@ -37,7 +36,8 @@ QEasingCurve easeInEaseOut() {
 
 QtDirectAIPanel::QtDirectAIPanel(ViewEnvironment& environment, const Published<std::string>& brandImage,
                                  DirectAIViewModel& viewModel, const Form& form, Events events)
-    : OVPanelWindow(environment, QStringLiteral("TalkBox"), toQSize(form.size), toQSize(form.minimumSize)),
+    : OVPanelWindow(environment, QStringLiteral("TalkBox"), toQSize(form.size), toQSize(form.minimumSize),
+                    WindowRole::chat),
       events_(std::move(events)),
       view_(new DirectAIView(environment, viewModel, brandImage)) {
     setLevel(Level::floating);
@@ -59,10 +59,6 @@ void QtDirectAIPanel::bindAnimation() {
 }
 
 void QtDirectAIPanel::present() {
-    if (!isVisible()) {
-        winId();  // makes the native window
-        x11::keepOnEveryWorkspace(*windowHandle());
-    }
     OVPanelWindow::present();
     view_->focusField();
 }

@@ -15,7 +15,7 @@ constexpr double cornerRadius = 16;
 
 MiniPopoverPanel::MiniPopoverPanel(ViewEnvironment& environment, const Published<std::string>& brandImage,
                                    MiniPopoverViewModel& viewModel, std::function<void()> requestClose)
-    : OVFloatingWindow(environment, cornerRadius, Focus::never) {
+    : OVFloatingWindow(environment, cornerRadius, WindowRole::card) {
     setWindowTitle(QStringLiteral("即时翻译"));
     auto* view = new MiniPopoverView(environment, viewModel, brandImage);
     connect(view, &MiniPopoverView::closeRequested, this, std::move(requestClose));

@@ -2,17 +2,12 @@
 
 #include <QBuffer>
 #include <QCursor>
-#include <QGuiApplication>
 #include <QSystemTrayIcon>
 #include <QTimer>
 #include <chrono>
-#include <string>
 #include <utility>
-#include <vector>
 
-#include "base/error.h"
 #include "platform/linux/qt/qt_screens.h"
-#include "platform/linux/x11/x11_panels.h"
 #include "views/components/drawing.h"
 #include "views/status_item/status_bar_icon.h"
 
@@ -22,14 +17,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr const char* embeddingSelection = "_NET_SYSTEM_TRAY_S0";
 // Until a panel that has just appeared has drawn itself.
 constexpr auto timeToDraw = 1500ms;
-
-xcb_connection_t* toolkitConnection() {
-    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 == nullptr ? nullptr : x11->connection();
-}
 
 // Panels that can't be looked at: these desktops have dark ones in either appearance.
 bool hasDarkPanelAlways() {
@@ -52,10 +41,10 @@ QByteArray hostIcon(OVIcon icon) {
 
 }  // namespace
 
-QtStatusItem::QtStatusItem(ViewEnvironment& environment, const KeyboardLayout& layout, X11Screenshot& screenshot)
+QtStatusItem::QtStatusItem(ViewEnvironment& environment, const KeyboardLayout& layout, X11Tray& tray)
     : environment_(environment),
       layout_(layout),
-      screenshot_(screenshot),
+      tray_(tray),
       hostMenu_({.makeMenu = [this] { return events_.makeMenu ? events_.makeMenu() : Menu(); }, .png = hostIcon}),
       notifierItem_(DBusMenu::path) {
     connect(&environment_, &ViewEnvironment::changed, this, &QtStatusItem::updateTint);
@@ -67,7 +56,7 @@ QtStatusItem::QtStatusItem(ViewEnvironment& environment, const KeyboardLayout& l
         if (events_.hostMenuDidOpen) events_.hostMenuDidOpen();
     });
     connect(&hostMenu_, &DBusMenu::closed, this, &QtStatusItem::hostMenuClosed);
-    followEmbeddingPanels();
+    connect(&tray_, &X11Tray::changed, this, &QtStatusItem::chooseHost);
     updateTint();
     drawIcon();
     hostMenu_.start();
@@ -78,25 +67,12 @@ QtStatusItem::~QtStatusItem() {
     delete menu_;
 }
 
-void QtStatusItem::followEmbeddingPanels() {
-    try {
-        embeddingPanels_.emplace(nullptr, std::vector<std::string>{embeddingSelection});
-    } catch (const Error&) {
-        return;  // no X11 desktop: no such panels
-    }
-    embeddingPanelsChanged_.emplace(embeddingPanels_->descriptor(), QSocketNotifier::Read);
-    connect(&*embeddingPanelsChanged_, &QSocketNotifier::activated, this, [this] {
-        if (!embeddingPanels_->process()) embeddingPanelsChanged_->setEnabled(false);
-        chooseHost();
-    });
-}
-
 void QtStatusItem::chooseHost() {
     using Host = StatusNotifierItem::Host;
     leftClick_.set(notifierItem_.opensMenuOnLeftClick() ? LeftClick::opensHostMenu : LeftClick::isHeard);
     if (notifierItem_.host() == Host::unknown) return;
     const bool isOnBus = notifierItem_.host() == Host::there;
-    const bool canEmbed = !isOnBus && embeddingPanels_ && embeddingPanels_->hasOwner(embeddingSelection);
+    const bool canEmbed = !isOnBus && tray_.embedsIcons();
     if (!canEmbed) embedded_.reset();
     if (canEmbed && !embedded_) embed();
     if (isOnBus || canEmbed) QTimer::singleShot(timeToDraw, this, &QtStatusItem::updateTint);
@@ -167,9 +143,7 @@ void QtStatusItem::hostMenuClosed(const std::function<void()>& action) const {
 
 void QtStatusItem::updateTint() {
     const auto fallback = hasDarkPanelAlways() ? theme::Appearance::dark : environment_.settings().appearance;
-    auto* const connection = toolkitConnection();
-    const auto seen = connection != nullptr ? panelAppearance(connection, screenshot_) : std::nullopt;
-    if (std::exchange(panel_, seen.value_or(fallback)) != panel_) drawIcon();
+    if (std::exchange(panel_, tray_.appearance().value_or(fallback)) != panel_) drawIcon();
 }
 
 void QtStatusItem::drawIcon() {

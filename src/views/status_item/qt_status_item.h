@@ -5,7 +5,6 @@
 
 #include <QPoint>
 #include <QPointer>
-#include <QSocketNotifier>
 #include <memory>
 #include <optional>
 
@@ -13,8 +12,7 @@
 #include "platform/keyboard_layout.h"
 #include "platform/linux/qt/dbus_menu.h"
 #include "platform/linux/qt/status_notifier_item.h"
-#include "platform/linux/x11/x11_screenshot.h"
-#include "platform/linux/x11/x11_selection_owners.h"
+#include "platform/linux/qt/x11_tray.h"
 #include "platform/status_item.h"
 #include "views/components/view_environment.h"
 #include "views/status_item/status_menu.h"
@@ -28,7 +26,7 @@ class QtStatusItem final : public QObject, public StatusItem {
 
 public:
     // All three outlive the object.
-    QtStatusItem(ViewEnvironment& environment, const KeyboardLayout& layout, X11Screenshot& screenshot);
+    QtStatusItem(ViewEnvironment& environment, const KeyboardLayout& layout, X11Tray& tray);
     ~QtStatusItem() override;
 
     const Published<Visibility>& visibility() const override { return visibility_; }
@@ -39,7 +37,6 @@ public:
     void showMenu(Menu menu) override;
 
 private:
-    void followEmbeddingPanels();
     void chooseHost();
     void embed();
     void handleLeftClick(std::optional<QPoint> place);
@@ -54,15 +51,13 @@ private:
 
     ViewEnvironment& environment_;
     const KeyboardLayout& layout_;
-    X11Screenshot& screenshot_;
+    X11Tray& tray_;
     StatusItemEvents events_;
     Published<Visibility> visibility_;
     Published<LeftClick> leftClick_;
 
     DBusMenu hostMenu_;
     StatusNotifierItem notifierItem_;
-    std::optional<X11SelectionOwners> embeddingPanels_;
-    std::optional<QSocketNotifier> embeddingPanelsChanged_;
     std::unique_ptr<QSystemTrayIcon> embedded_;
 
     theme::Appearance panel_ = theme::Appearance::dark;

@@ -7,7 +7,7 @@
 
 #include <xcb/xcb.h>
 
-#include "platform/linux/qt/x11_window.h"
+#include "platform/linux/qt/window_role.h"
 
 namespace ovrin {
 
@@ -42,7 +42,7 @@ bool InputFocusWatch::nativeEventFilter(const QByteArray& eventType, void* messa
 
 void InputFocusWatch::judge() {
     const QWindow* const window = window_.windowHandle();
-    if (window == nullptr || !window_.isVisible() || window_.isActiveWindow() || x11::hasInputFocus(*window)) return;
+    if (window == nullptr || !window_.isVisible() || window_.isActiveWindow() || hasInputFocus(*window)) return;
     emit left();
 }
 

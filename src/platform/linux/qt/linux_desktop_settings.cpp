@@ -82,10 +82,11 @@ protected:
 
 private:
     void followCompositor(const char* display) {
+        if (QGuiApplication::platformName().startsWith(QStringLiteral("wayland"))) return;  // composites by nature
         try {
             owners_.emplace(display, std::vector<std::string>{compositorSelection});
         } catch (const Error&) {
-            return;  // not an X11 desktop: those composite by nature
+            return;  // the server has gone
         }
         notifier_.emplace(owners_->descriptor(), QSocketNotifier::Read);
         connect(&*notifier_, &QSocketNotifier::activated, this, [this] {

@@ -2,6 +2,8 @@
 // nothing happens where the windows are not on X11.
 #pragma once
 
+#include "platform/linux/qt/window_role.h"
+
 class QColor;
 class QWindow;
 
@@ -10,13 +12,6 @@ namespace ovrin::x11 {
 // Whether the window manager knows windows that draw a shadow of their own around their frame.
 bool knowsOwnShadows();
 
-struct ShadowMargins {
-    int shadow = 0;  // points on every side that belong to the shadow
-    int grip = 0;    // points of them, beside the frame, that still take the pointer
-};
-
-// Tells the window manager, and lets clicks on the shadow go to what lies below. Call it again when the window's size
-// has changed. Margins of 0 take it back.
 void setShadowMargins(QWindow& window, const ShadowMargins& margins);
 
 // What the server fills the window with when it comes up, before the program has drawn anything. The window exists

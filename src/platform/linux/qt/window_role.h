@@ -1,0 +1,51 @@
+// What the windows of the program are to the desktop, and what only the desktop can do for them. Here and in the files
+// behind it stands all that differs between window systems; views know nothing of them. Main thread.
+#pragma once
+
+#include <cstdint>
+
+class QColor;
+class QWidget;
+class QWindow;
+
+namespace ovrin {
+
+enum class WindowRole : std::uint8_t {
+    ordinary,  // as those of any program, with a frame of its own: panel, input translation, history, settings
+    chat,      // the same on every workspace
+    alert,     // above the window that it belongs to
+    palette,   // above other windows on every workspace, with the keyboard
+    card,      // above other windows, never with the keyboard
+    overlay    // covers a display with all that is on it, and takes pointer and keyboard
+};
+
+// Gives the window its flags and lets the desktop know each time it is shown. Before it is shown for the first time.
+void giveRole(QWidget& window, WindowRole role);
+
+// Brings a window that is shown to the front, with the keyboard.
+void activate(QWindow& window);
+
+// Whether what is typed goes to the window, even while the toolkit calls it inactive because another program, such as
+// an input method, holds the keyboard for a moment.
+bool hasInputFocus(const QWindow& window);
+
+// Whether the desktop takes windows that draw a shadow of their own around their frame.
+bool knowsOwnShadows();
+
+struct ShadowMargins {
+    int shadow = 0;  // points on every side that belong to the shadow
+    int grip = 0;    // points of them, beside the frame, that still take the pointer
+};
+
+// Tells the desktop, and lets clicks on the shadow go to what lies below. Call it again when the window's size has
+// changed. Margins of 0 take it back.
+void setShadowMargins(QWindow& window, const ShadowMargins& margins);
+
+// What the window is filled with when it comes up, before the program has drawn anything. The window exists already and
+// is not shown yet; where it is translucent, so is the colour.
+void setFirstColor(QWindow& window, const QColor& color);
+
+// Has the desktop show its menu of the window at the pointer. False where it has none to show.
+bool showWindowMenu(QWindow& window);
+
+}  // namespace ovrin
