@@ -29,8 +29,10 @@ void screencopy(benchmark::State& state) {
     WorkerExecutor workers(1);
     WaylandScreenCapture capture(workers);
     const CapturableDisplay display = loop.complete(capture.displays()).at(0);
-    const ScreenshotRequest request{
-        .display = display.id, .sourceRect = display.frame, .width = width, .height = height};
+    const ScreenshotRequest request{.display = display.id,
+                                    .sourceRect = toLocalSpace(display.frame, display.frame),
+                                    .width = width,
+                                    .height = height};
     for (auto _ : state) benchmark::DoNotOptimize(loop.complete(capture.screenshot(request)));
 }
 BENCHMARK(screencopy)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1)->Repetitions(repetitions);

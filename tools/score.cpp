@@ -139,9 +139,10 @@ void draw(const fs::path& file, const Image& image, const std::vector<TextObserv
     QPainter painter(&sheet);
     painter.drawImage(0, 0, QImage(image.data(), image.width(), image.height(), QImage::Format_RGB32));
     for (const auto& observation : observations) {
-        const Rect& box = observation.boundingBox;
-        const QRectF place(box.x * image.width(), (1 - box.y - box.height) * image.height(), box.width * image.width(),
-                           box.height * image.height());
+        const LocalRect box = toLocalSpace(
+            observation.boundingBox,
+            LocalRect{.width = static_cast<double>(image.width()), .height = static_cast<double>(image.height())});
+        const QRectF place(box.x, box.y, box.width, box.height);
         const auto& candidate = observation.candidates.front();
         const bool right = truth.find(plain(candidate.string)) != std::u32string::npos;
         painter.setPen(QPen(right ? QColor(0, 150, 60) : QColor(220, 0, 0), 1));

@@ -74,12 +74,12 @@ void AppState::startCapture(CaptureIntent intent) {
 }
 
 void AppState::selectionEnded(RegionSelector::Result result, CaptureIntent intent) {
-    if (const Rect* rect = std::get_if<Rect>(&result)) return flows_.start(finishCapture(*rect, intent));
+    if (const DisplayRect* rect = std::get_if<DisplayRect>(&result)) return flows_.start(finishCapture(*rect, intent));
     isCapturing_.set(false);
     reportFailure(std::get<std::exception_ptr>(result));
 }
 
-Task<void> AppState::finishCapture(Rect rect, CaptureIntent intent) {
+Task<void> AppState::finishCapture(DisplayRect rect, CaptureIntent intent) {
     co_await sleepFor(settlingTime);
     Image image;
     try {

@@ -82,7 +82,7 @@ public:
 
 private:
     void selectionEnded(RegionSelector::Result result, CaptureIntent intent);
-    Task<void> finishCapture(Rect rect, CaptureIntent intent);
+    Task<void> finishCapture(DisplayRect rect, CaptureIntent intent);
     Task<void> recognize(Image image, CaptureIntent intent);
     void present(OCRResult result, Image image, CaptureIntent intent);
     Task<void> recognizeClipboardImage();

@@ -18,20 +18,19 @@ public:
 class CaptureOverlays {
 public:
     struct Callbacks {
-        std::function<void(Rect)> onSelection;  // in the overlay's view space: points, origin at its lower-left corner
+        std::function<void(DisplayRect)> onSelection;
         std::function<void()> onCancel;
         std::function<void()> onScreensChanged;  // displays came, went or changed: the overlays no longer fit
     };
 
     virtual ~CaptureOverlays() = default;
 
-    // The frames of all displays, the primary one first: points in window space (origin at the primary display's
-    // lower-left corner, y upwards).
-    virtual std::vector<Rect> screenFrames() = 0;
+    // The frames of all displays, the primary one first.
+    virtual std::vector<DisplayRect> screenFrames() = 0;
 
     // Covers the display with that frame. The callbacks come later, on the main thread; the overlay may be destroyed
     // from inside them.
-    virtual std::unique_ptr<CaptureOverlayWindow> show(const Rect& screenFrame, Callbacks callbacks) = 0;
+    virtual std::unique_ptr<CaptureOverlayWindow> show(const DisplayRect& screenFrame, Callbacks callbacks) = 0;
 
     // Brings the program to the front, so that the overlays hear the keyboard.
     virtual void activateApplication() = 0;

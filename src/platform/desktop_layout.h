@@ -1,6 +1,4 @@
 // Seam: where the displays of the desktop are, what of them is free for windows, and where the pointer is.
-//
-// Points in window space: origin at the primary display's lower-left corner, y upwards.
 #pragma once
 
 #include <vector>
@@ -10,8 +8,8 @@
 namespace ovrin {
 
 struct DesktopScreen {
-    Rect frame;
-    Rect visibleFrame;  // without panels and docks
+    WindowRect frame;
+    WindowRect visibleFrame;  // without panels and docks
 
     bool operator==(const DesktopScreen&) const = default;
 };
@@ -26,7 +24,7 @@ public:
 
     // The lower-left corner of the point below the pointer's tip: within its display's frame, never on the frame's
     // upper or right edge.
-    virtual Point pointerLocation() = 0;
+    virtual WindowPoint pointerLocation() = 0;
 };
 
 }  // namespace ovrin

@@ -14,15 +14,15 @@ enum class DisplayId : std::uint64_t {};
 
 struct CapturableDisplay {
     DisplayId id{};
-    Rect frame;              // points, display space: origin at the primary display's upper-left corner, y downwards
+    DisplayRect frame;
     double scaleFactor = 1;  // device pixels per point
 };
 
 struct ScreenshotRequest {
     DisplayId display{};
-    Rect sourceRect;  // points, from the display's own upper-left corner
-    int width = 0;    // pixels of the picture
-    int height = 0;   // pixels of the picture
+    LocalRect sourceRect;  // of the display
+    int width = 0;         // pixels of the picture
+    int height = 0;        // pixels of the picture
 };
 
 class ScreenCapture {

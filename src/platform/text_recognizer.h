@@ -30,7 +30,7 @@ struct TextCandidate {
 // One visual line.
 struct TextObservation {
     std::vector<TextCandidate> candidates;  // best first
-    Rect boundingBox;                       // unit square of the whole picture, origin at its lower-left corner
+    UnitRect boundingBox;                   // of the whole picture
 
     std::vector<TextCandidate> topCandidates(std::size_t count) const {
         return {candidates.begin(),

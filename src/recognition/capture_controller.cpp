@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "base/error.h"
-#include "recognition/capture_geometry.h"
 
 namespace ovrin {
 
@@ -19,23 +18,14 @@ void CaptureController::begin(Completion completion) {
 
 void CaptureController::showOverlays() {
     overlayWindows_.clear();
-    const std::vector<Rect> frames = overlays_.screenFrames();
-    for (const Rect& frame : frames) {
-        CaptureOverlays::Callbacks callbacks{
-            .onSelection = [this, frame, height = frames.front().height](
-                               const Rect& selection) { selected(selection, frame, height); },
-            .onCancel = [this] { cancelled(); },
-            .onScreensChanged = [this] { showOverlays(); }};
+    for (const DisplayRect& frame : overlays_.screenFrames()) {
+        CaptureOverlays::Callbacks callbacks{.onSelection = [this](const DisplayRect& selection) { finish(selection); },
+                                             .onCancel = [this] { cancelled(); },
+                                             .onScreensChanged = [this] { showOverlays(); }};
         if (auto window = overlays_.show(frame, std::move(callbacks))) overlayWindows_.push_back(std::move(window));
     }
     if (overlayWindows_.empty()) return cancelled();  // there is no display to choose on
     overlays_.activateApplication();
-}
-
-void CaptureController::selected(const Rect& selection, const Rect& screenFrame, double primaryHeight) {
-    const Rect inWindowSpace{selection.x + screenFrame.x, selection.y + screenFrame.y, selection.width,
-                             selection.height};
-    finish(capture::toDisplaySpace(inWindowSpace, primaryHeight));
 }
 
 void CaptureController::cancelled() {

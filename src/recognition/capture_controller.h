@@ -23,7 +23,6 @@ private:
     void showOverlays();
     void reset();
     void finish(const Result& result);
-    void selected(const Rect& selection, const Rect& screenFrame, double primaryHeight);
     void cancelled();
 
     CaptureOverlays& overlays_;

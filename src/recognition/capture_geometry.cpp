@@ -22,58 +22,38 @@ constexpr double keyBoxHeight = 20;
 constexpr double keyBoxInset = 10;
 constexpr double smallestKeyBox = 30;
 
-double maxX(const Rect& r) {
-    return r.x + r.width;
-}
-double maxY(const Rect& r) {
-    return r.y + r.height;
-}
-double midX(const Rect& r) {
-    return r.x + r.width * 0.5;
-}
-double midY(const Rect& r) {
-    return r.y + r.height * 0.5;
-}
-
 }  // namespace
 
-Rect selectionBetween(Point start, Point end) {
+LocalRect selectionBetween(LocalPoint start, LocalPoint end) {
     return {std::min(start.x, end.x), std::min(start.y, end.y), std::abs(start.x - end.x), std::abs(start.y - end.y)};
 }
 
-bool isSelection(const Rect& rectangle) {
+bool isSelection(const LocalRect& rectangle) {
     return rectangle.width > smallestSelection && rectangle.height > smallestSelection;
 }
 
-Rect toDisplaySpace(const Rect& rectangle, std::optional<double> primaryDisplayHeight) {
-    if (!primaryDisplayHeight) return rectangle;
-    return {rectangle.x, *primaryDisplayHeight - maxY(rectangle), rectangle.width, rectangle.height};
-}
-
-std::string sizeLabelText(const Rect& selection) {
+std::string sizeLabelText(const LocalRect& selection) {
     return std::to_string(static_cast<long>(selection.width)) + " × " +
            std::to_string(static_cast<long>(selection.height));
 }
 
-Rect sizeLabelFrame(const Rect& selection, const Rect& bounds, Size text) {
+LocalRect sizeLabelFrame(const LocalRect& selection, const LocalRect& bounds, Size text) {
     const double width = std::ceil(text.width) + 2 * labelPadding;
-    const double x = std::min(maxX(bounds) - width - edgeGap, std::max(selection.x, edgeGap));
-    const bool fitsBelow = selection.y - labelHeight - labelGap >= edgeGap;
-    const double y = fitsBelow ? selection.y - labelHeight - labelGap
-                               : std::min(maxY(selection) + labelGap, maxY(bounds) - labelHeight - edgeGap);
+    const double x = std::min(bounds.maxX() - width - edgeGap, std::max(selection.x, edgeGap));
+    const bool fitsBelow = selection.maxY() + labelGap + labelHeight + edgeGap <= bounds.maxY();
+    const double y = fitsBelow ? selection.maxY() + labelGap : std::max(selection.y - labelGap - labelHeight, edgeGap);
     return {x, y, width, labelHeight};
 }
 
-HintLayout hintLayout(const Rect& bounds, Size hint, Size key) {
+HintLayout hintLayout(const LocalRect& bounds, Size hint, Size key) {
     const double keyWidth = std::max(std::ceil(key.width) + 12, smallestKeyBox);
     const double pillWidth = keyWidth + std::ceil(hint.width) + pillSpare;
     HintLayout layout;
-    layout.pill = {midX(bounds) - pillWidth * 0.5, maxY(bounds) - pillDistanceFromTop - pillHeight, pillWidth,
-                   pillHeight};
-    layout.hintOrigin = {layout.pill.x + pillPadding, midY(layout.pill) - hint.height * 0.5};
-    layout.keyBox = {maxX(layout.pill) - keyWidth - keyBoxInset, midY(layout.pill) - keyBoxHeight * 0.5, keyWidth,
-                     keyBoxHeight};
-    layout.keyOrigin = {midX(layout.keyBox) - key.width * 0.5, midY(layout.keyBox) - key.height * 0.5};
+    layout.pill = {bounds.center().x - pillWidth / 2, pillDistanceFromTop, pillWidth, pillHeight};
+    const double middle = layout.pill.center().y;
+    layout.hintOrigin = {layout.pill.x + pillPadding, middle - hint.height / 2};
+    layout.keyBox = {layout.pill.maxX() - keyWidth - keyBoxInset, middle - keyBoxHeight / 2, keyWidth, keyBoxHeight};
+    layout.keyOrigin = {layout.keyBox.center().x - key.width / 2, middle - key.height / 2};
     return layout;
 }
 

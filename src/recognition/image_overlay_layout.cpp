@@ -13,19 +13,12 @@ constexpr double largestFontSize = 16;
 
 }  // namespace
 
-Rect imageRectangle(Size view, Size image) {
+LocalRect imageRectangle(Size view, Size image) {
     if (image.width <= 0 || image.height <= 0) return {0, 0, view.width, view.height};
     const double scale = std::min(view.width / image.width, view.height / image.height);
     const double width = image.width * scale;
     const double height = image.height * scale;
     return {(view.width - width) * 0.5, (view.height - height) * 0.5, width, height};
-}
-
-Rect labelRectangle(const Rect& imageRectangle, const Rect& normalizedBoundingBox) {
-    const Rect& box = normalizedBoundingBox;
-    const double top = box.y + box.height;
-    return {imageRectangle.x + imageRectangle.width * box.x, imageRectangle.y + imageRectangle.height * (1 - top),
-            imageRectangle.width * box.width, imageRectangle.height * box.height};
 }
 
 double labelFontSize(double labelHeight) {
@@ -44,13 +37,13 @@ std::vector<std::string> translatedLines(std::string_view translatedText) {
     return lines;
 }
 
-std::vector<Label> labels(const Rect& imageRectangle, const std::vector<OCRParagraph>& paragraphs,
+std::vector<Label> labels(const LocalRect& imageRectangle, const std::vector<OCRParagraph>& paragraphs,
                           std::string_view translatedText) {
     const std::vector<std::string> lines = translatedLines(translatedText);
     std::vector<Label> result;
     for (const OCRParagraph& paragraph : paragraphs) {
         const std::size_t index = result.size();
-        const Rect frame = labelRectangle(imageRectangle, paragraph.normalizedBoundingBox);
+        const LocalRect frame = toLocalSpace(paragraph.normalizedBoundingBox, imageRectangle);
         result.push_back({.text = index < lines.size() ? lines[index] : paragraph.text,
                           .frame = frame,
                           .fontSize = labelFontSize(frame.height)});

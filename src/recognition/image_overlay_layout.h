@@ -1,7 +1,5 @@
 // The layout of the translation over the captured picture: where the picture lies in its view, and the dark label that
-// covers each recognised paragraph with its translated line.
-//
-// Everything is in points in the view's own space, origin at its upper-left corner, y downwards. Pure functions.
+// covers each recognised paragraph with its translated line. Pure functions.
 #pragma once
 
 #include <string>
@@ -22,17 +20,14 @@ inline constexpr double labelMinimumScale = 0.6;  // of the font size, when the 
 
 struct Label {
     std::string text;
-    Rect frame;
+    LocalRect frame;
     double fontSize = 0;  // before it shrinks to fit
 
     bool operator==(const Label&) const = default;
 };
 
 // The picture as large as it fits, centred; the whole view for a picture of no size.
-Rect imageRectangle(Size view, Size image);
-
-// The paragraph's box (unit square, origin at the picture's lower-left corner, y upwards) on the picture.
-Rect labelRectangle(const Rect& imageRectangle, const Rect& normalizedBoundingBox);
+LocalRect imageRectangle(Size view, Size image);
 
 // For a label of that height.
 double labelFontSize(double labelHeight);
@@ -41,7 +36,7 @@ double labelFontSize(double labelHeight);
 std::vector<std::string> translatedLines(std::string_view translatedText);
 
 // One label a paragraph, in their order: the line of the same number, or for want of one the recognised text.
-std::vector<Label> labels(const Rect& imageRectangle, const std::vector<OCRParagraph>& paragraphs,
+std::vector<Label> labels(const LocalRect& imageRectangle, const std::vector<OCRParagraph>& paragraphs,
                           std::string_view translatedText);
 
 }  // namespace ovrin::overlay

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -15,18 +16,6 @@ namespace ovrin {
 
 namespace {
 
-Rect standardized(Rect rect) {
-    if (rect.width < 0) {
-        rect.x += rect.width;
-        rect.width = -rect.width;
-    }
-    if (rect.height < 0) {
-        rect.y += rect.height;
-        rect.height = -rect.height;
-    }
-    return rect;
-}
-
 // The double with the fewest digits that reads back to the same float, so that 0.9 is written 0.9.
 double shortest(float value) {
     char text[32];
@@ -36,17 +25,17 @@ double shortest(float value) {
     return result;
 }
 
-std::optional<Point> pair(const json::Value& value) {
+std::optional<std::pair<double, double>> pair(const json::Value& value) {
     if (!value.is_array() || value.size() != 2 || !value[0].is_number() || !value[1].is_number()) return std::nullopt;
-    return Point{value[0].get<double>(), value[1].get<double>()};
+    return std::pair{value[0].get<double>(), value[1].get<double>()};
 }
 
-std::optional<Rect> box(const json::Value* value) {
+std::optional<UnitRect> box(const json::Value* value) {
     if (value == nullptr || !value->is_array() || value->size() != 2) return std::nullopt;
     const auto origin = pair((*value)[0]);
     const auto size = pair((*value)[1]);
     if (!origin || !size) return std::nullopt;
-    return Rect{origin->x, origin->y, size->x, size->y};
+    return UnitRect{origin->first, origin->second, size->first, size->second};
 }
 
 template <typename T>
@@ -64,11 +53,11 @@ std::string OCRParagraph::id() const {
 
 bool OCRParagraph::operator==(const OCRParagraph& other) const {
     return text == other.text && confidence == other.confidence &&
-           standardized(normalizedBoundingBox) == standardized(other.normalizedBoundingBox);
+           normalizedBoundingBox.standardized() == other.normalizedBoundingBox.standardized();
 }
 
 nlohmann::ordered_json OCRParagraph::toJson() const {
-    const Rect& rect = normalizedBoundingBox;
+    const UnitRect& rect = normalizedBoundingBox;
     return {{"text", text},
             {"confidence", shortest(confidence)},
             {"normalizedBoundingBox", {{rect.x, rect.y}, {rect.width, rect.height}}}};
@@ -86,6 +75,6 @@ OCRParagraph OCRParagraph::fromJson(const json::Value& json) {
 }  // namespace ovrin
 
 std::size_t std::hash<ovrin::OCRParagraph>::operator()(const ovrin::OCRParagraph& paragraph) const noexcept {
-    const ovrin::Rect box = ovrin::standardized(paragraph.normalizedBoundingBox);
+    const ovrin::UnitRect box = paragraph.normalizedBoundingBox.standardized();
     return ovrin::hashOf(paragraph.text, paragraph.confidence, box.x, box.y, box.width, box.height);
 }

@@ -12,9 +12,9 @@
 namespace ovrin {
 
 struct OCRParagraph {
-    std::string text;            // UTF-8, as recognised: not trimmed
-    float confidence = 0;        // 0..1
-    Rect normalizedBoundingBox;  // unit square of the whole picture, origin at its lower-left corner, y upwards
+    std::string text;      // UTF-8, as recognised: not trimmed
+    float confidence = 0;  // 0..1
+    UnitRect normalizedBoundingBox;
 
     // Tells paragraphs apart in lists: the origin's x and y as shortest decimals and the text, joined by "-".
     std::string id() const;

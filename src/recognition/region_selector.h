@@ -11,9 +11,8 @@ namespace ovrin {
 
 class RegionSelector {
 public:
-    // The chosen rectangle in points in display space (origin at the primary display's upper-left corner, y downwards),
-    // or why there is none: a CancellationError when the user gave up.
-    using Result = std::variant<Rect, std::exception_ptr>;
+    // The chosen rectangle, or why there is none: a CancellationError when the user gave up.
+    using Result = std::variant<DisplayRect, std::exception_ptr>;
     using Completion = std::function<void(Result)>;
 
     virtual ~RegionSelector() = default;

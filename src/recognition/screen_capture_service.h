@@ -13,11 +13,10 @@ public:
     // The screen has to outlive the service.
     explicit ScreenCaptureService(ScreenCapture& screen) : screen_(screen) {}
 
-    // rect: points in display space (origin at the primary display's upper-left corner, y downwards). Where it spans
-    // displays, only its part on the first listed display that it touches is captured. Throws
-    // OCREngineError::invalidImage for less than 2 points either way and for a rectangle on no display; failures of
-    // the platform come through unchanged.
-    Task<Image> capture(Rect rect);
+    // Where the rectangle spans displays, only its part on the first listed display that it touches is captured.
+    // Throws OCREngineError::invalidImage for less than 2 points either way and for a rectangle on no display; failures
+    // of the platform come through unchanged.
+    Task<Image> capture(DisplayRect rect);
 
 private:
     ScreenCapture& screen_;

@@ -6,21 +6,17 @@ namespace ovrin {
 
 namespace {
 
-constexpr Point distanceFromPointer{12, 37};  // of the card's upper-left corner
+constexpr Size distanceFromPointer{12, 37};  // of the card's upper-left corner
 
 // What is kept free between the card and the edges of the visible frame; above and on the right beyond its shadow.
 constexpr double nearMargin = 8;
 constexpr double rightMargin = 38;
 constexpr double topMargin = 33;
 
-bool contains(const Rect& rect, Point point) {
-    return point.x >= rect.x && point.x < rect.x + rect.width && point.y >= rect.y && point.y < rect.y + rect.height;
-}
-
-Rect visibleFrameAt(Point point, const std::vector<DesktopScreen>& screens) {
+WindowRect visibleFrameAt(WindowPoint point, const std::vector<DesktopScreen>& screens) {
     if (screens.empty()) return {};
     const auto screen = std::ranges::find_if(
-        screens, [point](const DesktopScreen& candidate) { return contains(candidate.frame, point); });
+        screens, [point](const DesktopScreen& candidate) { return candidate.frame.contains(point); });
     return screen != screens.end() ? screen->visibleFrame : screens.front().visibleFrame;
 }
 
@@ -31,13 +27,13 @@ double between(double lowest, double value, double highest) {
 
 }  // namespace
 
-Point miniPopoverOrigin(Point pointer, const std::vector<DesktopScreen>& screens) {
-    const Rect visible = visibleFrameAt(pointer, screens);
+WindowPoint miniPopoverOrigin(WindowPoint pointer, const std::vector<DesktopScreen>& screens) {
+    const WindowRect visible = visibleFrameAt(pointer, screens);
     const auto [width, height] = miniPopoverSize;
-    return {between(visible.x + nearMargin, pointer.x + distanceFromPointer.x,
-                    visible.x + visible.width - width - rightMargin),
-            between(visible.y + nearMargin, pointer.y - distanceFromPointer.y - height,
-                    visible.y + visible.height - height - topMargin)};
+    return {
+        between(visible.x + nearMargin, pointer.x + distanceFromPointer.width, visible.maxX() - width - rightMargin),
+        between(visible.y + nearMargin, pointer.y - distanceFromPointer.height - height,
+                visible.maxY() - height - topMargin)};
 }
 
 }  // namespace ovrin

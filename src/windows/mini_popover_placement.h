@@ -10,7 +10,7 @@ namespace ovrin {
 
 inline constexpr Size miniPopoverSize{350, 225};  // points
 
-// The card's lower-left corner; points in window space, as all of the desktop's layout.
-Point miniPopoverOrigin(Point pointer, const std::vector<DesktopScreen>& screens);
+// The card's lower-left corner.
+WindowPoint miniPopoverOrigin(WindowPoint pointer, const std::vector<DesktopScreen>& screens);
 
 }  // namespace ovrin

@@ -16,7 +16,7 @@ public:
     // Puts the card's lower-left corner there (points in window space: origin at the primary display's lower-left
     // corner, y upwards), above all other windows, on every workspace and over full-screen programs. The keyboard stays
     // where it is.
-    virtual void present(Point origin) = 0;
+    virtual void present(WindowPoint origin) = 0;
 };
 
 // Makes the card of miniPopoverSize, not yet visible. It calls start() of the view model, which outlives it, when its

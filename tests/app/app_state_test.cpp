@@ -113,7 +113,7 @@ protected:
         return journal_.take();
     }
 
-    void selectRegion(Rect rect = {10, 20, 300, 50}) { std::exchange(selector_->completion, {})(rect); }
+    void selectRegion(DisplayRect rect = {10, 20, 300, 50}) { std::exchange(selector_->completion, {})(rect); }
     void failSelection(std::exception_ptr failure) { std::exchange(selector_->completion, {})(std::move(failure)); }
 
     // Up to the wait for the engine.
@@ -163,7 +163,7 @@ TEST_F(AppStateTest, ACaptureTakesItsStepsInOrderAndWaits140Milliseconds) {
     EXPECT_EQ(events(), Events{});
     loop_.advance(1ns);
     EXPECT_EQ(events(), Events{"screenshot"});
-    EXPECT_EQ(screen_.lastRequest.sourceRect, (Rect{10, 20, 300, 50}));
+    EXPECT_EQ(screen_.lastRequest.sourceRect, (LocalRect{10, 20, 300, 50}));
     screen_.picture.succeed(picture_);
     EXPECT_EQ(events(), (Events{"activity: 正在识别文字", "recognition"}));
     EXPECT_EQ(engine_->lastImage.data(), picture_.data());
@@ -479,7 +479,7 @@ TEST_P(AppStateEndTest, NothingHappensAfterwards) {
     app_.reset();
 
     // Whatever it waited for comes all the same.
-    if (completion) completion(Rect{10, 20, 300, 50});
+    if (completion) completion(DisplayRect{10, 20, 300, 50});
     screen_.picture.succeed(picture_);
     service_.answer.succeed("salut");
     loop_.advance(1h);

@@ -10,10 +10,10 @@ namespace ovrin {
 class FakeDesktopLayout final : public DesktopLayout {
 public:
     std::vector<DesktopScreen> listed{{.frame = {0, 0, 1920, 1080}, .visibleFrame = {0, 40, 1920, 1040}}};
-    Point pointer{100, 900};
+    WindowPoint pointer{100, 900};
 
     std::vector<DesktopScreen> screens() override { return listed; }
-    Point pointerLocation() override { return pointer; }
+    WindowPoint pointerLocation() override { return pointer; }
 };
 
 }  // namespace ovrin

@@ -20,9 +20,9 @@ public:
 
     MiniPopoverViewModel& viewModel;
     const std::function<void()> requestClose;
-    Point origin;
+    WindowPoint origin;
 
-    void present(Point at) override {
+    void present(WindowPoint at) override {
         origin = at;
         journal_.add("card: " + viewModel.sourceText().value());
         viewModel.start();

@@ -35,10 +35,10 @@ TEST_F(WaylandConnectionTest, TellsWhereTheOutputsAreInPoints) {
     const std::vector<WaylandOutput>& outputs = connection.outputs();
     ASSERT_EQ(outputs.size(), 2U);
     EXPECT_EQ(outputs[0].name, "HEADLESS-1");
-    EXPECT_EQ(outputs[0].frame, (Rect{0, 0, 853, 480}));
+    EXPECT_EQ(outputs[0].frame, (Rect<LayoutPoints>{0, 0, 853, 480}));
     EXPECT_EQ(outputs[0].modeWidth, 1280);
     EXPECT_EQ(outputs[0].scale, 2);
-    EXPECT_EQ(outputs[1].frame, (Rect{853, 40, 600, 800}));
+    EXPECT_EQ(outputs[1].frame, (Rect<LayoutPoints>{853, 40, 600, 800}));
     EXPECT_EQ(outputs[1].modeWidth, 800);
     EXPECT_NE(outputs[1].transform, WL_OUTPUT_TRANSFORM_NORMAL);
 }

@@ -115,7 +115,7 @@ protected:
         ::setenv("WAYLAND_DISPLAY", compositor->display().c_str(), 1);
     }
     std::vector<CapturableDisplay> displays() { return loop.complete(capture.displays()); }
-    Image take(const CapturableDisplay& display, const Rect& part, int width, int height) {
+    Image take(const CapturableDisplay& display, const LocalRect& part, int width, int height) {
         return loop.complete(
             capture.screenshot({.display = display.id, .sourceRect = part, .width = width, .height = height}));
     }
@@ -174,9 +174,9 @@ TEST_F(WaylandScreenCaptureTest, PartsOfScaledOutputsHaveTheirPixels) {
     start({{.width = 1280, .height = 720, .scale = 1.5, .x = 200, .y = 100}, {.width = 800, .scale = 2}});
     const std::vector<CapturableDisplay> found = displays();
     ASSERT_EQ(found.size(), 2U);
-    EXPECT_EQ(found[0].frame, (Rect{0, 0, 853, 480}));
+    EXPECT_EQ(found[0].frame, (DisplayRect{0, 0, 853, 480}));
     EXPECT_EQ(found[0].scaleFactor, 1.5);
-    EXPECT_EQ(found[1].frame, (Rect{-200, -100, 400, 360}));
+    EXPECT_EQ(found[1].frame, (DisplayRect{-200, -100, 400, 360}));
     EXPECT_EQ(found[1].scaleFactor, 2);
     const Quarters::Colors colors{red, green, blue, white};
     const Quarters first(compositor->display(), 0, colors);

@@ -14,7 +14,7 @@ namespace ovrin {
 namespace {
 
 TEST(CaptureGeometry, ASelectionIsTheSameWhicheverWayItIsDragged) {
-    const Rect expected{10, 20, 30, 40};
+    const LocalRect expected{10, 20, 30, 40};
     EXPECT_EQ(capture::selectionBetween({10, 20}, {40, 60}), expected);
     EXPECT_EQ(capture::selectionBetween({40, 60}, {10, 20}), expected);
     EXPECT_EQ(capture::selectionBetween({40, 20}, {10, 60}), expected);
@@ -22,31 +22,24 @@ TEST(CaptureGeometry, ASelectionIsTheSameWhicheverWayItIsDragged) {
     EXPECT_FALSE(capture::isSelection({0, 0, 4, 40}));
 }
 
-TEST(CaptureGeometry, DisplaySpaceGrowsDownFromThePrimaryDisplay) {
-    EXPECT_EQ(capture::toDisplaySpace({100, 100, 50, 20}, 1080), (Rect{100, 960, 50, 20}));
-    // Above and left of the primary display.
-    EXPECT_EQ(capture::toDisplaySpace({-200, 1100, 50, 20}, 1080), (Rect{-200, -40, 50, 20}));
-    EXPECT_EQ(capture::toDisplaySpace({1, 2, 3, 4}, std::nullopt), (Rect{1, 2, 3, 4}));
-}
-
 TEST(CaptureGeometry, TheSizeLabelStaysInsideTheScreen) {
-    const Rect bounds{0, 0, 1920, 1080};
+    const LocalRect bounds{0, 0, 1920, 1080};
     const Size text{59.4, 13};
     EXPECT_EQ(capture::sizeLabelText({0, 0, 640.9, 480.2}), "640 × 480");
-    EXPECT_EQ(capture::sizeLabelFrame({300, 400, 200, 100}, bounds, text), (Rect{300, 370, 76, 22}));
+    EXPECT_EQ(capture::sizeLabelFrame({300, 400, 200, 100}, bounds, text), (LocalRect{300, 508, 76, 22}));
     // Less than 42 points of room below: above the selection, and below the top edge of the screen.
-    EXPECT_EQ(capture::sizeLabelFrame({300, 42, 200, 100}, bounds, text).y, 12);
-    EXPECT_EQ(capture::sizeLabelFrame({300, 41, 200, 100}, bounds, text).y, 149);
-    EXPECT_EQ(capture::sizeLabelFrame({300, 0, 200, 1080}, bounds, text).y, 1046);
+    EXPECT_EQ(capture::sizeLabelFrame({300, 938, 200, 100}, bounds, text).y, 1046);
+    EXPECT_EQ(capture::sizeLabelFrame({300, 939, 200, 100}, bounds, text).y, 909);
+    EXPECT_EQ(capture::sizeLabelFrame({300, 0, 200, 1080}, bounds, text).y, 12);
     EXPECT_EQ(capture::sizeLabelFrame({0, 400, 50, 50}, bounds, text).x, 12);
     EXPECT_EQ(capture::sizeLabelFrame({1900, 400, 20, 50}, bounds, text).x, 1832);
 }
 
 TEST(CaptureGeometry, TheHintHangsUnderTheTopEdge) {
     const auto layout = capture::hintLayout({0, 0, 1000, 600}, {75.2, 15}, {16.5, 13});
-    EXPECT_EQ(layout.pill, (Rect{425, 540, 150, 36}));
-    EXPECT_EQ(layout.hintOrigin, (Point{439, 550.5}));
-    EXPECT_EQ(layout.keyBox, (Rect{535, 548, 30, 20}));
+    EXPECT_EQ(layout.pill, (LocalRect{425, 24, 150, 36}));
+    EXPECT_EQ(layout.hintOrigin, (LocalPoint{439, 34.5}));
+    EXPECT_EQ(layout.keyBox, (LocalRect{535, 32, 30, 20}));
 }
 
 class FakeOverlays final : public CaptureOverlays {
@@ -59,14 +52,14 @@ public:
         int& count;
     };
 
-    std::vector<Rect> screenFrames() override { return frames; }
-    std::unique_ptr<CaptureOverlayWindow> show(const Rect& /*screenFrame*/, Callbacks given) override {
+    std::vector<DisplayRect> screenFrames() override { return frames; }
+    std::unique_ptr<CaptureOverlayWindow> show(const DisplayRect& /*screenFrame*/, Callbacks given) override {
         callbacks.push_back(std::move(given));
         return std::make_unique<Window>(onScreen);
     }
     void activateApplication() override {}
 
-    std::vector<Rect> frames{{0, 0, 1920, 1080}, {-1280, 300, 1280, 800}};
+    std::vector<DisplayRect> frames{{0, 0, 1920, 1080}, {-1280, -20, 1280, 800}};
     std::vector<Callbacks> callbacks;
     int onScreen = 0;
 };
@@ -89,9 +82,9 @@ TEST_F(CaptureControllerTest, TheFirstOverlayToReportEndsTheSelectionOnAllDispla
     controller.begin(completion());
     EXPECT_EQ(settingsHidden, 1);
     EXPECT_EQ(overlays.onScreen, 2);
-    overlays.callbacks[1].onSelection({10, 20, 100, 50});
+    overlays.callbacks[1].onSelection({-1270, 710, 100, 50});
     ASSERT_EQ(results.size(), 1U);
-    EXPECT_EQ(std::get<Rect>(results[0]), (Rect{-1270, 710, 100, 50}));
+    EXPECT_EQ(std::get<DisplayRect>(results[0]), (DisplayRect{-1270, 710, 100, 50}));
     EXPECT_FALSE(controller.isSelecting());
 }
 
@@ -119,7 +112,7 @@ TEST_F(CaptureControllerTest, WhenADisplayIsUnpluggedTheUserGoesOnWithTheOthers)
     EXPECT_EQ(overlays.onScreen, 1);
     overlays.callbacks.back().onSelection({0, 0, 10, 10});
     ASSERT_EQ(results.size(), 1U);
-    EXPECT_EQ(std::get<Rect>(results[0]), (Rect{0, 790, 10, 10}));
+    EXPECT_EQ(std::get<DisplayRect>(results[0]), (DisplayRect{0, 0, 10, 10}));
 }
 
 TEST_F(CaptureControllerTest, WithoutAnyDisplayTheSelectionEnds) {

@@ -17,7 +17,7 @@ using DateForm = OCRResult::DateForm;
 
 const Timestamp moment = std::chrono::sys_days{std::chrono::year{2026} / 3 / 1} + 9h + 5min + 7s + 123456us;
 
-OCRParagraph paragraph(std::string text, Rect box = {0.1, 0.2, 0.3, 0.4}) {
+OCRParagraph paragraph(std::string text, UnitRect box = {0.1, 0.2, 0.3, 0.4}) {
     return {.text = std::move(text), .confidence = 0.9F, .normalizedBoundingBox = box};
 }
 

@@ -17,13 +17,13 @@ protected:
                           {.id = DisplayId{9}, .frame = {-500, -100, 500, 400}, .scaleFactor = 2}};
     }
 
-    ScreenshotRequest requestFor(Rect rect) {
+    ScreenshotRequest requestFor(DisplayRect rect) {
         screen_.picture.succeed(Image(1, 1, {0, 0, 0, 255}));
         loop_.complete(service_.capture(rect));
         return screen_.lastRequest;
     }
 
-    void refuses(Rect rect) {
+    void refuses(DisplayRect rect) {
         try {
             loop_.complete(service_.capture(rect));
             FAIL() << "expected an error";
@@ -42,7 +42,7 @@ protected:
 TEST_F(ScreenCaptureServiceTest, CapturesInTheDisplaysOwnSpaceAndPixels) {
     const auto request = requestFor({-490, -90, 100.75, 50});
     EXPECT_EQ(request.display, DisplayId{9});
-    EXPECT_EQ(request.sourceRect, (Rect{10, 10, 100.75, 50}));
+    EXPECT_EQ(request.sourceRect, (LocalRect{10, 10, 100.75, 50}));
     EXPECT_EQ(request.width, 201);
     EXPECT_EQ(request.height, 100);
 }
@@ -50,7 +50,7 @@ TEST_F(ScreenCaptureServiceTest, CapturesInTheDisplaysOwnSpaceAndPixels) {
 TEST_F(ScreenCaptureServiceTest, CapturesOnlyThePartOnTheFirstListedDisplayItTouches) {
     auto request = requestFor({-100, 50, 300, 900});
     EXPECT_EQ(request.display, DisplayId{7});
-    EXPECT_EQ(request.sourceRect, (Rect{0, 50, 200, 750}));
+    EXPECT_EQ(request.sourceRect, (LocalRect{0, 50, 200, 750}));
 
     // Touching an edge is not enough; a sliver still gives a picture.
     request = requestFor({-100, 50, 100, 10});

@@ -22,7 +22,7 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
-TextObservation line(std::string text, float confidence = 0.5F, Rect box = {}) {
+TextObservation line(std::string text, float confidence = 0.5F, UnitRect box = {}) {
     return {.candidates = {{.string = std::move(text), .confidence = confidence}, {.string = "worse"}},
             .boundingBox = box};
 }
@@ -46,7 +46,7 @@ protected:
 };
 
 TEST_F(VisionOCREngineTest, KeepsTheBestReadingOfEveryLineInOrderAsItIs) {
-    const Rect box{0.1, 0.7, 0.5, 0.05};
+    const UnitRect box{0.1, 0.7, 0.5, 0.05};
     reads({line(" 你好 ", 0.25F, box), TextObservation{}, line("world", 0.0F)});
     identifier_.answer = "zh-Hans";
 

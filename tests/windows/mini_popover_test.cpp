@@ -11,7 +11,7 @@ namespace {
 TEST(MiniPopoverPlacement, StandsBesideThePointerInsideTheVisibleFrame) {
     const std::vector<DesktopScreen> screens{{.frame = {0, 0, 1920, 1080}, .visibleFrame = {60, 40, 1860, 1000}}};
     const struct {
-        Point pointer, origin;
+        WindowPoint pointer, origin;
     } rows[] = {
         {{500, 800}, {512, 538}},     // card from 538 to 763, 37 below the pointer
         {{0, 0}, {68, 48}},           // lower-left corner
@@ -19,17 +19,17 @@ TEST(MiniPopoverPlacement, StandsBesideThePointerInsideTheVisibleFrame) {
         {{5000, 500}, {1532, 238}},   // on no display: the primary one
     };
     for (const auto& row : rows) EXPECT_EQ(miniPopoverOrigin(row.pointer, screens), row.origin) << row.pointer.x;
-    EXPECT_EQ(miniPopoverOrigin({500, 800}, {}), (Point{-388, -258}));
+    EXPECT_EQ(miniPopoverOrigin({500, 800}, {}), (WindowPoint{-388, -258}));
 }
 
 TEST(MiniPopoverPlacement, StaysOnThePointersDisplay) {
     const std::vector<DesktopScreen> screens{{.frame = {0, 0, 1920, 1080}, .visibleFrame = {0, 0, 1920, 1080}},
                                              {.frame = {1920, 300, 1280, 800}, .visibleFrame = {1920, 300, 1280, 760}},
                                              {.frame = {0, -600, 800, 600}, .visibleFrame = {0, -600, 800, 600}}};
-    EXPECT_EQ(miniPopoverOrigin({1920, 400}, screens), (Point{1932, 308}));
-    EXPECT_EQ(miniPopoverOrigin({1919, 400}, screens), (Point{1532, 138}));
-    EXPECT_EQ(miniPopoverOrigin({100, -1}, screens), (Point{112, -263}));
-    EXPECT_EQ(miniPopoverOrigin({100, 0}, screens), (Point{112, 8}));
+    EXPECT_EQ(miniPopoverOrigin({1920, 400}, screens), (WindowPoint{1932, 308}));
+    EXPECT_EQ(miniPopoverOrigin({1919, 400}, screens), (WindowPoint{1532, 138}));
+    EXPECT_EQ(miniPopoverOrigin({100, -1}, screens), (WindowPoint{112, -263}));
+    EXPECT_EQ(miniPopoverOrigin({100, 0}, screens), (WindowPoint{112, 8}));
 }
 
 class MiniPopoverTest : public PanelTest {
@@ -61,7 +61,7 @@ protected:
 TEST_F(MiniPopoverTest, StreamsTheTranslationOnceItIsOnScreen) {
     willStream("你");
     presenter.show("hello");
-    EXPECT_EQ(card->origin, (Point{112, 638}));
+    EXPECT_EQ(card->origin, (WindowPoint{112, 638}));
     MiniPopoverViewModel& model = card->viewModel;
     EXPECT_EQ(model.targetLanguageName(), "Traditional Chinese (Taiwan)");
     EXPECT_TRUE(model.isStreaming().value());

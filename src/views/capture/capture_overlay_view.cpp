@@ -76,15 +76,19 @@ void drawWithEvenDigits(QPainter& painter, const QRectF& label, const QString& t
     }
 }
 
+LocalPoint toLocalPoint(const QPointF& position) {
+    return {position.x(), position.y()};
+}
+
 }  // namespace
 
-CaptureOverlayView::CaptureOverlayView(const QRect& frame, QImage backdrop, CaptureOverlays::Callbacks callbacks)
-    : backdrop_(std::move(backdrop)), callbacks_(std::move(callbacks)) {
+CaptureOverlayView::CaptureOverlayView(const ScreenInfo& screen, QImage backdrop, CaptureOverlays::Callbacks callbacks)
+    : screenFrame_(screen.displaySpaceFrame), backdrop_(std::move(backdrop)), callbacks_(std::move(callbacks)) {
     giveRole(*this, WindowRole::overlay);
     setAttribute(backdrop_.isNull() ? Qt::WA_TranslucentBackground : Qt::WA_OpaquePaintEvent);
     setCursor(Qt::CrossCursor);
     setFocusPolicy(Qt::StrongFocus);
-    setGeometry(frame);
+    setGeometry(screen.frame);
     fadeIn_.setStartValue(0.0);
     fadeIn_.setEndValue(1.0);
     fadeIn_.setDuration(fadeInMilliseconds);
@@ -101,14 +105,14 @@ CaptureOverlayView::CaptureOverlayView(const QRect& frame, QImage backdrop, Capt
 }
 
 // What the pointer has changed since it was at the place.
-void CaptureOverlayView::updateSelection(const std::optional<Point>& previousPoint) {
+void CaptureOverlayView::updateSelection(const std::optional<LocalPoint>& previousPoint) {
     if (previousPoint) update(drawnArea(capture::selectionBetween(*startPoint_, *previousPoint)));
     update(drawnArea(capture::selectionBetween(*startPoint_, *currentPoint_)));
 }
 
-QRegion CaptureOverlayView::drawnArea(const Rect& selection) const {
+QRegion CaptureOverlayView::drawnArea(const LocalRect& selection) const {
     constexpr int lineMargin = 3;
-    const QRect area = fromViewSpace(selection).toAlignedRect();
+    const QRect area = toQRectF(selection).toAlignedRect();
     return QRegion(area.adjusted(-lineMargin, -lineMargin, lineMargin, lineMargin)) +
            sizeLabelFrame(selection).toAlignedRect();
 }
@@ -130,16 +134,8 @@ QColor CaptureOverlayView::dimmingColor() const {
     return black(dimming * fadeIn_.currentValue().toFloat());
 }
 
-Rect CaptureOverlayView::bounds() const {
+LocalRect CaptureOverlayView::bounds() const {
     return {0, 0, static_cast<double>(width()), static_cast<double>(height())};
-}
-
-Point CaptureOverlayView::toViewSpace(const QPointF& position) const {
-    return {position.x(), height() - position.y()};
-}
-
-QRectF CaptureOverlayView::fromViewSpace(const Rect& rectangle) const {
-    return {rectangle.x, height() - rectangle.y - rectangle.height, rectangle.width, rectangle.height};
 }
 
 void CaptureOverlayView::paintEvent(QPaintEvent* event) {
@@ -164,9 +160,9 @@ void CaptureOverlayView::paintEvent(QPaintEvent* event) {
     }
 }
 
-void CaptureOverlayView::drawSelection(QPainter& painter, const Rect& selection) const {
+void CaptureOverlayView::drawSelection(QPainter& painter, const LocalRect& selection) const {
     QPainterPath path;
-    path.addRoundedRect(fromViewSpace(selection), selectionRadius, selectionRadius);
+    path.addRoundedRect(toQRectF(selection), selectionRadius, selectionRadius);
     painter.save();
     painter.setClipPath(path);
     if (backdrop_.isNull()) {
@@ -185,13 +181,12 @@ void CaptureOverlayView::drawSelection(QPainter& painter, const Rect& selection)
     drawSize(painter, selection);
 }
 
-QRectF CaptureOverlayView::sizeLabelFrame(const Rect& selection) const {
+QRectF CaptureOverlayView::sizeLabelFrame(const LocalRect& selection) const {
     const QString text = toQString(capture::sizeLabelText(selection));
-    return fromViewSpace(
-        capture::sizeLabelFrame(selection, bounds(), measuredWithEvenDigits(labelFont(sizeFont), text)));
+    return toQRectF(capture::sizeLabelFrame(selection, bounds(), measuredWithEvenDigits(labelFont(sizeFont), text)));
 }
 
-void CaptureOverlayView::drawSize(QPainter& painter, const Rect& selection) const {
+void CaptureOverlayView::drawSize(QPainter& painter, const LocalRect& selection) const {
     const QRectF label = sizeLabelFrame(selection);
     fillRounded(painter, label, 8, black(0.62F));
     painter.setFont(labelFont(sizeFont));
@@ -208,17 +203,17 @@ void CaptureOverlayView::drawHint(QPainter& painter) const {
     const Size keySize = measured(keyText, key);
     const capture::HintLayout layout = capture::hintLayout(bounds(), hintSize, keySize);
 
-    const QRectF pill = fromViewSpace(layout.pill);
+    const QRectF pill = toQRectF(layout.pill);
     painter.setPen(QPen(white(0.12F), 0.75));
     painter.setBrush(black(0.58F));
     painter.drawRoundedRect(pill, 18, 18);
-    fillRounded(painter, fromViewSpace(layout.keyBox), 6, white(0.1F));
+    fillRounded(painter, toQRectF(layout.keyBox), 6, white(0.1F));
 
-    const auto drawText = [&](const QFont& font, const QColor& color, const Point& origin, const Size& size,
+    const auto drawText = [&](const QFont& font, const QColor& color, const LocalPoint& origin, const Size& size,
                               const QString& text) {
         painter.setFont(font);
         painter.setPen(color);
-        painter.drawText(fromViewSpace({origin.x, origin.y, std::ceil(size.width) + 1, size.height}),
+        painter.drawText(QRectF(origin.x, origin.y, std::ceil(size.width) + 1, size.height),
                          Qt::AlignLeft | Qt::AlignVCenter, text);
     };
     drawText(hintText, white(0.92F), layout.hintOrigin, hintSize, hint);
@@ -228,20 +223,20 @@ void CaptureOverlayView::drawHint(QPainter& painter) const {
 void CaptureOverlayView::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::RightButton) return cancel();
     if (event->button() != Qt::LeftButton) return;
-    startPoint_ = currentPoint_ = toViewSpace(event->position());
+    startPoint_ = currentPoint_ = toLocalPoint(event->position());
     update();  // the hint goes
 }
 
 void CaptureOverlayView::mouseMoveEvent(QMouseEvent* event) {
     if (!startPoint_) return;
-    const std::optional<Point> previousPoint = std::exchange(currentPoint_, toViewSpace(event->position()));
+    const std::optional<LocalPoint> previousPoint = std::exchange(currentPoint_, toLocalPoint(event->position()));
     updateSelection(previousPoint);
 }
 
 void CaptureOverlayView::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton || !startPoint_) return;
-    currentPoint_ = toViewSpace(event->position());
-    const Rect selection = capture::selectionBetween(*startPoint_, *currentPoint_);
+    currentPoint_ = toLocalPoint(event->position());
+    const LocalRect selection = capture::selectionBetween(*startPoint_, *currentPoint_);
     if (!capture::isSelection(selection)) {
         startPoint_.reset();
         currentPoint_.reset();
@@ -249,7 +244,8 @@ void CaptureOverlayView::mouseReleaseEvent(QMouseEvent* event) {
         return;
     }
     // As in cancel().
-    QTimer::singleShot(0, this, [report = callbacks_.onSelection, selection] { report(selection); });
+    QTimer::singleShot(
+        0, this, [report = callbacks_.onSelection, place = toDisplaySpace(selection, screenFrame_)] { report(place); });
 }
 
 void CaptureOverlayView::keyPressEvent(QKeyEvent* event) {

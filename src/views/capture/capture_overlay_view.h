@@ -10,6 +10,7 @@
 
 #include "base/geometry.h"
 #include "platform/capture_overlays.h"
+#include "platform/linux/qt/qt_screens.h"
 
 namespace ovrin {
 
@@ -17,9 +18,9 @@ class CaptureOverlayView final : public QWidget, public CaptureOverlayWindow {
     Q_OBJECT
 
 public:
-    // Covers the rectangle (points, upper-left origin) at once. backdrop is a picture of what lies beneath, for
-    // displays that nothing composites; none lets the desktop shine through.
-    CaptureOverlayView(const QRect& frame, QImage backdrop, CaptureOverlays::Callbacks callbacks);
+    // Covers the display at once. backdrop is a picture of what lies beneath, for displays that nothing composites;
+    // none lets the desktop shine through.
+    CaptureOverlayView(const ScreenInfo& screen, QImage backdrop, CaptureOverlays::Callbacks callbacks);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -31,22 +32,21 @@ protected:
 private:
     void followScreens();
     void cancel();
-    void updateSelection(const std::optional<Point>& previousPoint);
+    void updateSelection(const std::optional<LocalPoint>& previousPoint);
     QColor dimmingColor() const;
-    Rect bounds() const;
-    Point toViewSpace(const QPointF& position) const;
-    QRectF fromViewSpace(const Rect& rectangle) const;
-    QRegion drawnArea(const Rect& selection) const;
-    QRectF sizeLabelFrame(const Rect& selection) const;
-    void drawSelection(QPainter& painter, const Rect& selection) const;
-    void drawSize(QPainter& painter, const Rect& selection) const;
+    LocalRect bounds() const;
+    QRegion drawnArea(const LocalRect& selection) const;
+    QRectF sizeLabelFrame(const LocalRect& selection) const;
+    void drawSelection(QPainter& painter, const LocalRect& selection) const;
+    void drawSize(QPainter& painter, const LocalRect& selection) const;
     void drawHint(QPainter& painter) const;
 
+    DisplayRect screenFrame_;
     QImage backdrop_;
     CaptureOverlays::Callbacks callbacks_;
-    std::optional<Point> startPoint_;    // view space
-    std::optional<Point> currentPoint_;  // view space
-    QVariantAnimation fadeIn_;           // 0..1
+    std::optional<LocalPoint> startPoint_;
+    std::optional<LocalPoint> currentPoint_;
+    QVariantAnimation fadeIn_;  // 0..1
     QTimer screensSettle_;
 };
 

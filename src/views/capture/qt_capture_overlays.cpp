@@ -36,24 +36,24 @@ int pixelsOf(double points, double scaleFactor) {
 
 }  // namespace
 
-std::vector<Rect> QtCaptureOverlays::screenFrames() {
-    std::vector<Rect> frames;
-    for (const ScreenInfo& screen : screenInfos()) frames.push_back(screen.windowSpaceFrame);
+std::vector<DisplayRect> QtCaptureOverlays::screenFrames() {
+    std::vector<DisplayRect> frames;
+    for (const ScreenInfo& screen : screenInfos()) frames.push_back(screen.displaySpaceFrame);
     return frames;
 }
 
-std::unique_ptr<CaptureOverlayWindow> QtCaptureOverlays::show(const Rect& screenFrame, Callbacks callbacks) {
+std::unique_ptr<CaptureOverlayWindow> QtCaptureOverlays::show(const DisplayRect& screenFrame, Callbacks callbacks) {
     const std::vector<ScreenInfo> screens = screenInfos();
-    const auto screen = std::ranges::find(screens, screenFrame, &ScreenInfo::windowSpaceFrame);
+    const auto screen = std::ranges::find(screens, screenFrame, &ScreenInfo::displaySpaceFrame);
     if (screen == screens.end()) return nullptr;  // unplugged this very moment
     QImage backdrop = environment_.settings().isComposited ? QImage() : backdropOf(*screen, screenshot_);
     // The picture is taken as soon as the screen has settled.
     callbacks.onSelection = [report = std::move(callbacks.onSelection), &screenshot = screenshot_,
-                             scaleFactor = screen->scaleFactor](const Rect& selection) {
+                             scaleFactor = screen->scaleFactor](const DisplayRect& selection) {
         report(selection);
         screenshot.prepare(pixelsOf(selection.width, scaleFactor), pixelsOf(selection.height, scaleFactor));
     };
-    return std::make_unique<CaptureOverlayView>(screen->frame, std::move(backdrop), std::move(callbacks));
+    return std::make_unique<CaptureOverlayView>(*screen, std::move(backdrop), std::move(callbacks));
 }
 
 }  // namespace ovrin

@@ -14,8 +14,8 @@ public:
     QtCaptureOverlays(const ViewEnvironment& environment, X11Screenshot& screenshot)
         : environment_(environment), screenshot_(screenshot) {}
 
-    std::vector<Rect> screenFrames() override;
-    std::unique_ptr<CaptureOverlayWindow> show(const Rect& screenFrame, Callbacks callbacks) override;
+    std::vector<DisplayRect> screenFrames() override;
+    std::unique_ptr<CaptureOverlayWindow> show(const DisplayRect& screenFrame, Callbacks callbacks) override;
     // The overlays take the keyboard themselves: the window manager does not know of them.
     void activateApplication() override {}
 

@@ -57,6 +57,10 @@ QByteArray tinted(OVIcon icon, const QColor& color) {
 
 }  // namespace
 
+QRectF toQRectF(const LocalRect& rectangle) {
+    return {rectangle.x, rectangle.y, rectangle.width, rectangle.height};
+}
+
 QColor toQColor(const theme::Color& color) {
     return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
                             static_cast<float>(color.blue), static_cast<float>(color.alpha));

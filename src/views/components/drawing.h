@@ -9,6 +9,7 @@
 #include <QString>
 #include <string_view>
 
+#include "base/geometry.h"
 #include "base/image.h"
 #include "theme/color_token.h"
 #include "theme/ov_icon.h"
@@ -20,6 +21,8 @@ class QPainter;
 namespace ovrin {
 
 class ViewEnvironment;
+
+QRectF toQRectF(const LocalRect& rectangle);
 
 QColor toQColor(const theme::Color& color);
 

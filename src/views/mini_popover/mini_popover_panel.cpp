@@ -25,7 +25,7 @@ MiniPopoverPanel::MiniPopoverPanel(ViewEnvironment& environment, const Published
     setFrameSize(QSizeF(miniPopoverSize.width, miniPopoverSize.height).toSize());
 }
 
-void MiniPopoverPanel::present(Point origin) {
+void MiniPopoverPanel::present(WindowPoint origin) {
     if (QGuiApplication::primaryScreen() != nullptr) {
         moveFrame(fromWindowSpace({origin.x, origin.y + miniPopoverSize.height}));
     }

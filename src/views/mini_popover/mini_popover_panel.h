@@ -18,7 +18,7 @@ public:
     MiniPopoverPanel(ViewEnvironment& environment, const Published<std::string>& brandImage,
                      MiniPopoverViewModel& viewModel, std::function<void()> requestClose);
 
-    void present(Point origin) override;
+    void present(WindowPoint origin) override;
 };
 
 }  // namespace ovrin

@@ -8,14 +8,6 @@
 
 namespace ovrin {
 
-namespace {
-
-QRectF toQRectF(const Rect& rectangle) {
-    return {rectangle.x, rectangle.y, rectangle.width, rectangle.height};
-}
-
-}  // namespace
-
 ImageOverlayView::ImageOverlayView(ViewEnvironment& environment, const Image& image,
                                    std::vector<OCRParagraph> paragraphs, std::string language, QWidget* parent)
     : OVWidget(environment, parent),
@@ -39,7 +31,7 @@ void ImageOverlayView::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillRect(rect(), color(theme::ColorToken::page));
     const Size view{static_cast<double>(width()), static_cast<double>(height())};
-    const Rect picture = overlay::imageRectangle(view, {imageSize().width(), imageSize().height()});
+    const LocalRect picture = overlay::imageRectangle(view, {imageSize().width(), imageSize().height()});
     drawPicture(painter, toQRectF(picture));
     for (const overlay::Label& label : overlay::labels(picture, paragraphs_, translatedText_)) {
         drawLabel(painter, label);

@@ -21,7 +21,7 @@ TEST(DesktopLoaderTest, PicturesOfAWaylandSessionComeFromItsCompositor) {
     EXPECT_TRUE(screen->preflightAccess());
     const auto displays = loop.complete(screen->displays());
     ASSERT_EQ(displays.size(), 1U);
-    EXPECT_EQ(displays.front().frame, (Rect{0, 0, 640, 480}));
+    EXPECT_EQ(displays.front().frame, (DisplayRect{0, 0, 640, 480}));
 
     // Where no compositor answers, X11 would show black pictures.
     ::setenv("WAYLAND_DISPLAY", "nobody", 1);

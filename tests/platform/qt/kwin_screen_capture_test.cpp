@@ -50,7 +50,7 @@ protected:
         waitUntil([&] { return isDone; });
     }
     // The pixels of the picture; none, and the failure's words, where there is none.
-    std::vector<std::uint32_t> take(std::size_t display, const Rect& part, int width, int height) {
+    std::vector<std::uint32_t> take(std::size_t display, const LocalRect& part, int width, int height) {
         std::vector<std::uint32_t> pixels;
         run(read({.display = displays.at(display).id, .sourceRect = part, .width = width, .height = height}, pixels));
         return pixels;

@@ -166,7 +166,7 @@ TEST_F(CorpusTest, BoxesLieOnTheirLinesInUnitCoordinatesFromTheLowerLeft) {
             ++expected;
             const double middle = (line[1] + line[3]) / 2;
             found += std::any_of(observations.begin(), observations.end(), [&](const TextObservation& observation) {
-                const Rect& box = observation.boundingBox;
+                const UnitRect& box = observation.boundingBox;
                 const double top = (1 - box.y - box.height) * picture.height();
                 const double bottom = (1 - box.y) * picture.height();
                 const double left = box.x * picture.width();

@@ -15,9 +15,9 @@ std::vector<DesktopScreen> QtDesktopLayout::screens() {
     return screens;
 }
 
-Point QtDesktopLayout::pointerLocation() {
+WindowPoint QtDesktopLayout::pointerLocation() {
     if (QGuiApplication::primaryScreen() == nullptr) return {};
-    const Rect point = toWindowSpace(QRect(QCursor::pos(), QSize(1, 1)));
+    const WindowRect point = toWindowSpace(QRect(QCursor::pos(), QSize(1, 1)));
     return {point.x, point.y};
 }
 

@@ -8,7 +8,7 @@ namespace ovrin {
 class QtDesktopLayout final : public DesktopLayout {
 public:
     std::vector<DesktopScreen> screens() override;
-    Point pointerLocation() override;
+    WindowPoint pointerLocation() override;
 };
 
 }  // namespace ovrin

@@ -8,9 +8,9 @@ namespace ovrin {
 
 namespace {
 
-Rect toRect(const QRect& rectangle) {
-    return {static_cast<double>(rectangle.x()), static_cast<double>(rectangle.y()),
-            static_cast<double>(rectangle.width()), static_cast<double>(rectangle.height())};
+DisplayRect toDisplaySpace(const QRect& rectangle) {
+    const QRectF moved = rectangle.translated(-QGuiApplication::primaryScreen()->geometry().topLeft());
+    return {moved.x(), moved.y(), moved.width(), moved.height()};
 }
 
 }  // namespace
@@ -24,38 +24,33 @@ std::vector<ScreenInfo> screenInfos() {
     std::vector<ScreenInfo> infos;
     const QScreen* primary = QGuiApplication::primaryScreen();
     if (primary == nullptr) return infos;
-    const QRect origin = primary->geometry();
     // The toolkit lists the primary screen first.
     for (const QScreen* screen : QGuiApplication::screens()) {
         const QRect frame = screen->geometry();
         infos.push_back({.frame = frame,
                          .scaleFactor = screen->devicePixelRatio(),
+                         .displaySpaceFrame = toDisplaySpace(frame),
                          .windowSpaceFrame = toWindowSpace(frame),
-                         .visibleFrame = toWindowSpace(screen->availableGeometry()),
-                         .displaySpaceFrame = toRect(frame.translated(-origin.topLeft()))});
+                         .visibleFrame = toWindowSpace(screen->availableGeometry())});
     }
     return infos;
 }
 
-Rect toWindowSpace(const QRect& rectangle) {
-    const QRect origin = QGuiApplication::primaryScreen()->geometry();
-    Rect result = toRect(rectangle.translated(-origin.topLeft()));
-    result.y = origin.height() - result.y - result.height;
-    return result;
+WindowRect toWindowSpace(const QRect& rectangle) {
+    return toWindowSpace(toDisplaySpace(rectangle), QGuiApplication::primaryScreen()->geometry().height());
 }
 
-QPoint fromWindowSpace(const Point& point) {
-    const QRect origin = QGuiApplication::primaryScreen()->geometry();
-    return {static_cast<int>(std::lround(point.x)) + origin.x(),
-            origin.y() + origin.height() - static_cast<int>(std::lround(point.y))};
+QPoint fromWindowSpace(WindowPoint point) {
+    const QRect primary = QGuiApplication::primaryScreen()->geometry();
+    const DisplayPoint place = toDisplaySpace(point, primary.height());
+    return primary.topLeft() + QPointF(place.x, place.y).toPoint();
 }
 
 QPoint toPoints(const QPoint& pixel) {
     for (const ScreenInfo& screen : screenInfos()) {
         const PixelRect frame = screen.pixelFrame();
-        const QPoint offset(pixel.x() - frame.x, pixel.y() - frame.y);
-        if (!QRect(0, 0, frame.width, frame.height).contains(offset)) continue;
-        return screen.frame.topLeft() + offset / screen.scaleFactor;
+        if (!frame.contains({pixel.x(), pixel.y()})) continue;
+        return screen.frame.topLeft() + (pixel - QPoint(frame.x, frame.y)) / screen.scaleFactor;
     }
     return pixel;
 }

@@ -15,9 +15,9 @@ namespace ovrin {
 struct ScreenInfo {
     QRect frame;             // points, as windows are placed
     double scaleFactor = 1;  // device pixels per point
-    Rect windowSpaceFrame;   // points, origin at the primary display's lower-left corner, y upwards
-    Rect visibleFrame;       // the same, without panels and docks
-    Rect displaySpaceFrame;  // points, origin at the primary display's upper-left corner, y downwards
+    DisplayRect displaySpaceFrame;
+    WindowRect windowSpaceFrame;
+    WindowRect visibleFrame;  // without panels and docks
 
     // Device pixels of the root window: a display's corner is given in them, its size in points.
     PixelRect pixelFrame() const;
@@ -27,8 +27,8 @@ struct ScreenInfo {
 std::vector<ScreenInfo> screenInfos();
 
 // Between where windows are placed and window space; there has to be a display.
-Rect toWindowSpace(const QRect& rectangle);
-QPoint fromWindowSpace(const Point& point);
+WindowRect toWindowSpace(const QRect& rectangle);
+QPoint fromWindowSpace(WindowPoint point);
 
 // Where windows are placed, of a device pixel of the root window.
 QPoint toPoints(const QPoint& pixel);

@@ -34,7 +34,7 @@ bool isWanted(const TesseractReader& reader, const TextRecognitionRequest& reque
            (request.automaticallyDetectsLanguage && reader.tag() != "ko");
 }
 
-Rect unitBox(const cv::Rect& box, const Image& image) {
+UnitRect unitBox(const cv::Rect& box, const Image& image) {
     const double width = image.width();
     const double height = image.height();
     return {

@@ -99,8 +99,8 @@ Connection connectToBus(GCancellable* deadline) {
     fail(remote.empty() ? "桌面没有应答。" : "桌面没有返回图像。");
 }
 
-// area: points of the compositor's layout. What the picture is like; its pixels are on the way through the pipe then.
-RawPicture requestPicture(const PixelRect& area, const Pipe& pipe) {
+// What the picture is like; its pixels are on the way through the pipe then.
+RawPicture requestPicture(const Rect<LayoutPoints>& area, const Pipe& pipe) {
     const BusDeadline deadline(patience);
     const Connection bus = connectToBus(deadline.cancellable());
     const std::unique_ptr<GUnixFDList, UnreferenceObject> descriptors(g_unix_fd_list_new());
@@ -149,10 +149,8 @@ Image takePicture(const ScreenshotRequest& request) {
     const WaylandOutput& output = outputOf(connection, request.display);
     const PictureArea area = pictureAreaOf(output, request);
     Pipe pipe;
-    RawPicture picture =
-        requestPicture({static_cast<int>(output.frame.x) + area.points.x,
-                        static_cast<int>(output.frame.y) + area.points.y, area.points.width, area.points.height},
-                       pipe);
+    RawPicture picture = requestPicture(
+        {output.frame.x + area.points.x, output.frame.y + area.points.y, area.points.width, area.points.height}, pipe);
     pipe.closeWriting();
     const std::vector<std::uint8_t> bytes =
         pipe.read(static_cast<std::size_t>(picture.bytesPerRow) * static_cast<std::size_t>(picture.height));

@@ -121,7 +121,7 @@ Image visiblePart(const RawPicture& picture, const PixelRect& part) {
     const std::uint8_t* const source = picture.bytes.data() + walk.start + area.x * walk.right + area.y * walk.down;
     std::uint8_t* const target = pixels.data() + static_cast<std::size_t>(area.y - part.y) * rowBytes +
                                  static_cast<std::size_t>(area.x - part.x) * Image::bytesPerPixel;
-    if (area.width > 0 && area.height > 0) {
+    if (!area.isEmpty()) {
         withConversionFrom(picture.format,
                            [&](auto convert) { copyRows(source, walk, target, rowBytes, area, convert); });
     }

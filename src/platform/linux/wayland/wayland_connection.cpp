@@ -32,21 +32,25 @@ constexpr wl_output_listener outputListener = {
     [](void* /*data*/, wl_output* /*output*/, const char* /*description*/) {}};
 
 // Where nobody tells the layout: one output at the origin.
-Rect frameOf(const WaylandOutput& output) {
+Rect<LayoutPoints> frameOf(const WaylandOutput& output) {
     const bool isTurned = output.transform % 2 == 1;
-    const double width = isTurned ? output.modeHeight : output.modeWidth;
-    const double height = isTurned ? output.modeWidth : output.modeHeight;
+    const int width = isTurned ? output.modeHeight : output.modeWidth;
+    const int height = isTurned ? output.modeWidth : output.modeHeight;
     return {.x = 0, .y = 0, .width = width / output.scale, .height = height / output.scale};
+}
+
+Rect<LayoutPoints>& layoutFrame(void* data) {
+    return *static_cast<Rect<LayoutPoints>*>(data);
 }
 
 constexpr zxdg_output_v1_listener layoutListener = {
     [](void* frame, zxdg_output_v1* /*output*/, std::int32_t x, std::int32_t y) {
-        static_cast<Rect*>(frame)->x = x;
-        static_cast<Rect*>(frame)->y = y;
+        layoutFrame(frame).x = x;
+        layoutFrame(frame).y = y;
     },
     [](void* frame, zxdg_output_v1* /*output*/, std::int32_t width, std::int32_t height) {
-        static_cast<Rect*>(frame)->width = width;
-        static_cast<Rect*>(frame)->height = height;
+        layoutFrame(frame).width = width;
+        layoutFrame(frame).height = height;
     },
     [](void* /*frame*/, zxdg_output_v1* /*output*/) {},
     [](void* /*frame*/, zxdg_output_v1* /*output*/, const char* /*name*/) {},

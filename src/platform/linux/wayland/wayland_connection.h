@@ -29,13 +29,17 @@ struct DestroysWayland {
 template <typename Object, auto destroy>
 using WaylandObject = std::unique_ptr<Object, DestroysWayland<destroy>>;
 
-// One display of the compositor. The frame is in points of the compositor's layout: origin at its upper-left corner, y
-// downwards.
+// Whole points of the compositor's layout of its outputs, y downwards.
+struct LayoutPoints {
+    using Number = int;
+};
+
+// One display of the compositor.
 struct WaylandOutput {
     wl_output* output = nullptr;
     std::uint32_t number = 0;  // the compositor's own, the same for every connection
     std::string name;          // such as "HDMI-A-1"; empty where the compositor doesn't tell
-    Rect frame;
+    Rect<LayoutPoints> frame;
     int transform = WL_OUTPUT_TRANSFORM_NORMAL;  // how the picture in memory is turned before it is shown
     int scale = 1;                               // as programs should draw; a whole number, at least the real scale
     int modeWidth = 0;                           // pixels of the picture in memory

@@ -19,6 +19,11 @@ double scaleFactorOf(const WaylandOutput& output) {
     return likely > 0 && std::abs(pixels / likely - points) < 1 ? likely : pixels / points;
 }
 
+DisplayRect toDisplaySpace(const Rect<LayoutPoints>& rect, const Rect<LayoutPoints>& primary) {
+    const auto points = [](int number) { return static_cast<double>(number); };
+    return {points(rect.x - primary.x), points(rect.y - primary.y), points(rect.width), points(rect.height)};
+}
+
 // Of one dimension: the pixels that were meant, held inside of the output, whose size may be less than they were
 // computed from by a pixel.
 int firstPixel(double point, double scaleFactor, int count, double points) {
@@ -31,12 +36,11 @@ int firstPixel(double point, double scaleFactor, int count, double points) {
 std::vector<CapturableDisplay> displaysOf(const WaylandConnection& connection) {
     std::vector<CapturableDisplay> displays;
     if (connection.outputs().empty()) return displays;
-    const Rect primary = connection.outputs().front().frame;
+    const Rect<LayoutPoints> primary = connection.outputs().front().frame;
     for (const WaylandOutput& output : connection.outputs()) {
-        Rect frame = output.frame;
-        frame.x -= primary.x;
-        frame.y -= primary.y;
-        displays.push_back({.id = DisplayId{output.number}, .frame = frame, .scaleFactor = scaleFactorOf(output)});
+        displays.push_back({.id = DisplayId{output.number},
+                            .frame = toDisplaySpace(output.frame, primary),
+                            .scaleFactor = scaleFactorOf(output)});
     }
     return displays;
 }
@@ -50,16 +54,16 @@ const WaylandOutput& outputOf(const WaylandConnection& connection, DisplayId dis
 
 PictureArea pictureAreaOf(const WaylandOutput& output, const ScreenshotRequest& request) {
     const double scaleFactor = scaleFactorOf(output);
-    const Rect& source = request.sourceRect;
-    const PixelRect whole{0, 0, static_cast<int>(output.frame.width), static_cast<int>(output.frame.height)};
-    PixelRect points = whole;
+    const LocalRect& source = request.sourceRect;
+    const Rect<OutputPoints> whole{0, 0, output.frame.width, output.frame.height};
+    Rect<OutputPoints> points = whole;
     if (scaleFactor == std::floor(scaleFactor) && output.transform == WL_OUTPUT_TRANSFORM_NORMAL) {
         const int left = static_cast<int>(std::floor(source.x));
         const int top = static_cast<int>(std::floor(source.y));
-        points = intersection({left, top, static_cast<int>(std::ceil(source.x + source.width)) - left,
-                               static_cast<int>(std::ceil(source.y + source.height)) - top},
+        points = intersection({left, top, static_cast<int>(std::ceil(source.maxX())) - left,
+                               static_cast<int>(std::ceil(source.maxY())) - top},
                               whole);
-        if (points.width == 0 || points.height == 0) points = whole;
+        if (points.isEmpty()) points = whole;
     }
     const auto pixels = [scaleFactor](int count) { return static_cast<int>(std::lround(count * scaleFactor)); };
     return {.points = points,

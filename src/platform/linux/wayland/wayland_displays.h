@@ -16,11 +16,16 @@ std::vector<CapturableDisplay> displaysOf(const WaylandConnection& connection);
 // Throws Error when the display has been unplugged.
 const WaylandOutput& outputOf(const WaylandConnection& connection, DisplayId display);
 
+// Whole points from an output's upper-left corner, y downwards.
+struct OutputPoints {
+    using Number = int;
+};
+
 // Compositors take whole points only. Where a point is not a whole number of pixels each rounds in a way of its own,
 // and sway 1.7 takes the wrong part of an output that is turned by 90 degrees: there the picture is asked of the whole
 // output.
 struct PictureArea {
-    PixelRect points;  // what to ask for: whole points from the output's upper-left corner
+    Rect<OutputPoints> points;  // what to ask for
     bool isWholeOutput = false;
     PixelRect pixels;  // what was meant, in pixels of that picture as it is seen
 };
