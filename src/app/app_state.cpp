@@ -134,7 +134,13 @@ void AppState::clipboardOCR() {
 }
 
 Task<void> AppState::recognizeClipboardImage() {
-    std::optional<Image> image = co_await surroundings_.clipboard.readImage();
+    std::optional<Image> image;
+    try {
+        image = co_await surroundings_.clipboard.readImage();
+    } catch (...) {
+        reportFailure(std::current_exception());
+        co_return;
+    }
     if (!image) {
         showProblem("剪贴板中没有可识别的图片。");
         co_return;
@@ -148,12 +154,19 @@ void AppState::clipboardTranslate() {
 }
 
 Task<void> AppState::translateClipboard() {
-    std::optional<Image> image = co_await surroundings_.clipboard.readImage();
+    std::optional<Image> image;
+    std::optional<std::string> string;
+    try {
+        image = co_await surroundings_.clipboard.readImage();
+        if (!image) string = co_await surroundings_.clipboard.readString();
+    } catch (...) {
+        reportFailure(std::current_exception());
+        co_return;
+    }
     if (image) {
         co_await recognize(std::move(*image), CaptureIntent::translate);
         co_return;
     }
-    const std::optional<std::string> string = co_await surroundings_.clipboard.readString();
     std::string text(text::trimmed(string.value_or("")));
     if (text.empty()) {
         showProblem("剪贴板中没有可翻译的文本或图片。");
@@ -171,7 +184,8 @@ Task<void> AppState::translateSelection(SelectionTranslateOptions options) {
     SelectedText selected;
     try {
         const AsyncLock::Turn turn = co_await selectionTurns_.turn();
-        selected = co_await selectionService_->selectedText();
+        const SelectionUse use = options.replace ? SelectionUse::replacing : SelectionUse::reading;
+        selected = co_await selectionService_->selectedText(use);
     } catch (...) {
         reportFailure(std::current_exception());
         co_return;

@@ -63,23 +63,23 @@ std::vector<ClipboardItem> itemsOfTypes(std::vector<std::vector<std::string>> ty
     return items;
 }
 
-Task<void> save(ClipboardService& pasteboard, std::size_t item, ClipboardRepresentation& form) {
-    form.data = co_await pasteboard.readForm(item, form.type);
+Task<void> save(ClipboardService& pasteboard, ClipboardSource source, std::size_t item, ClipboardRepresentation& form) {
+    form.data = co_await pasteboard.readForm(item, form.type, source);
 }
 
 // The items belong to whoever awaits this, and keep what has come when it is given up.
-Task<void> gather(ClipboardService& pasteboard, std::vector<ClipboardItem>& items) {
-    std::vector<std::vector<std::string>> types = co_await pasteboard.readTypes();
+Task<void> gather(ClipboardService& pasteboard, ClipboardSource source, std::vector<ClipboardItem>& items) {
+    std::vector<std::vector<std::string>> types = co_await pasteboard.readTypes(source);
     items = itemsOfTypes(std::move(types));
     for (std::size_t i = 0; i < items.size(); ++i) {
         // Owners promise encodings that they do not have.
         for (ClipboardRepresentation* const picture : picturesOf(items[i])) {
-            co_await save(pasteboard, i, *picture);
+            co_await save(pasteboard, source, i, *picture);
             if (!picture->data.empty()) break;
         }
     }
     for (std::size_t i = 0; i < items.size(); ++i) {
-        for (ClipboardRepresentation* const form : othersOf(items[i])) co_await save(pasteboard, i, *form);
+        for (ClipboardRepresentation* const form : othersOf(items[i])) co_await save(pasteboard, source, i, *form);
     }
 }
 
@@ -105,26 +105,31 @@ void complete(ClipboardItem& item) {
 
 }  // namespace
 
-Task<PasteboardSnapshot> PasteboardSnapshot::take(ClipboardService& pasteboard) {
+Task<PasteboardSnapshot> PasteboardSnapshot::take(ClipboardService& pasteboard, ClipboardSource source) {
     std::vector<ClipboardItem> items;
-    const bool isComplete = co_await runWithin(timeLimit, gather(pasteboard, items));
+    const bool isComplete = co_await runWithin(timeLimit, gather(pasteboard, source, items));
     if (!isComplete && std::ranges::any_of(items, lacksItsPicture)) throw SelectionError::pictureTooLarge();
     std::ranges::for_each(items, complete);
     std::erase_if(items, [](const ClipboardItem& item) { return item.empty(); });
-    co_return PasteboardSnapshot(pasteboard, std::move(items));
+    co_return PasteboardSnapshot(pasteboard, source, std::move(items));
 }
 
-PasteboardSnapshot::PasteboardSnapshot(ClipboardService& pasteboard, std::vector<ClipboardItem> items)
-    : pasteboard_(&pasteboard), items_(std::move(items)), changeCount_(pasteboard.changeCount()) {}
+PasteboardSnapshot::PasteboardSnapshot(ClipboardService& pasteboard, ClipboardSource source,
+                                       std::vector<ClipboardItem> items)
+    : pasteboard_(&pasteboard),
+      source_(source),
+      items_(std::move(items)),
+      changeCount_(pasteboard.changeCount(source)) {}
 
 PasteboardSnapshot::PasteboardSnapshot(PasteboardSnapshot&& other) noexcept
     : pasteboard_(std::exchange(other.pasteboard_, nullptr)),
+      source_(other.source_),
       items_(std::move(other.items_)),
       changeCount_(other.changeCount_) {}
 
 PasteboardSnapshot::~PasteboardSnapshot() {
-    if (pasteboard_ != nullptr && pasteboard_->changeCount() != changeCount_) {
-        pasteboard_->writeItems(std::move(items_));
+    if (pasteboard_ != nullptr && pasteboard_->changeCount(source_) != changeCount_) {
+        pasteboard_->writeItems(std::move(items_), source_);
     }
 }
 

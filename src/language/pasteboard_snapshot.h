@@ -1,4 +1,4 @@
-// What was on the clipboard when it was borrowed from the user, and the promise to put it back.
+// What was on the clipboard, or selected, when it was borrowed from the user, and the promise to put it back.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,8 @@ class PasteboardSnapshot {
 public:
     // Takes at most 300 ms; other forms that have not come by then are lost. Throws SelectionError::pictureTooLarge()
     // when a picture has not come in any encoding, and CancellationError; nothing has been touched then.
-    static Task<PasteboardSnapshot> take(ClipboardService& pasteboard);
+    static Task<PasteboardSnapshot> take(ClipboardService& pasteboard,
+                                         ClipboardSource source = ClipboardSource::clipboard);
 
     PasteboardSnapshot(PasteboardSnapshot&& other) noexcept;
     PasteboardSnapshot& operator=(PasteboardSnapshot&&) = delete;
@@ -31,9 +32,10 @@ public:
     std::int64_t changeCount() const { return changeCount_; }
 
 private:
-    PasteboardSnapshot(ClipboardService& pasteboard, std::vector<ClipboardItem> items);
+    PasteboardSnapshot(ClipboardService& pasteboard, ClipboardSource source, std::vector<ClipboardItem> items);
 
     ClipboardService* pasteboard_;  // none when moved from or given up
+    ClipboardSource source_;
     std::vector<ClipboardItem> items_;
     std::int64_t changeCount_;
 };

@@ -14,6 +14,11 @@ struct SelectedText {
     SimulateKeyboard::Window window = SimulateKeyboard::Window::nowhere;  // where it is selected
 };
 
+enum class SelectionUse : std::uint8_t {
+    reading,
+    replacing  // only what the program gives away as selected now counts, where keys can be pressed
+};
+
 enum class Replacement : std::uint8_t {
     pasted,   // put in the selection's place; whether the program in front took it cannot be known
     offered,  // left on the clipboard: the window has lost the keyboard, or no keys can be pressed
@@ -25,8 +30,8 @@ class SelectionAccess {
 public:
     virtual ~SelectionAccess() = default;
 
-    // Throws Error: nothing is selected, or reading it is not permitted.
-    virtual Task<SelectedText> selectedText() = 0;
+    // Throws Error: nothing is selected, or it cannot be had.
+    virtual Task<SelectedText> selectedText(SelectionUse use) = 0;
 
     // Puts the text in the place of what was selected in the window, or leaves it on the clipboard.
     virtual Task<Replacement> replaceSelection(std::string text, SimulateKeyboard::Window window) = 0;

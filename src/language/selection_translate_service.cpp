@@ -44,24 +44,20 @@ Task<void> waitUnlessInterrupted(EventLoop::Duration duration) {
 SelectionTranslateService::SelectionTranslateService(ClipboardService& clipboard, SimulateKeyboard& keyboard)
     : clipboard_(clipboard), keyboard_(keyboard) {}
 
-Task<SelectedText> SelectionTranslateService::selectedText() {
+Task<SelectedText> SelectionTranslateService::selectedText(SelectionUse use) {
+    using enum SimulateKeyboard::Selection;
     if (const auto problem = clipboard_.problem()) throw Error(*problem);
     co_await waitForOtherProgram();
     SelectedText selected{.text = "", .window = keyboard_.frontWindow()};
     const SimulateKeyboard::Selection selection = keyboard_.selection();
-    // What the desktop shows takes no keys.
-    if (selection != SimulateKeyboard::Selection::shown && !hasPermission())
-        throw SelectionError::accessibilityPermissionRequired();
-    switch (selection) {
-        case SimulateKeyboard::Selection::absent:
-            throw SelectionError::noSelection();
-        case SimulateKeyboard::Selection::shown:
-            selected.text = co_await shownText();
-            break;
-        case SimulateKeyboard::Selection::copied:
-            selected.text = co_await copiedText(selected.window);
-            break;
+    if (selection == shown || (selection == either && use == SelectionUse::reading)) {
+        selected.text = co_await shownText();
     }
+    if (selected.text.empty() && (selection == copied || selection == either)) {
+        if (!hasPermission()) throw SelectionError::accessibilityPermissionRequired();
+        selected.text = co_await copiedText(selected.window);
+    }
+    if (selected.text.empty()) throw SelectionError::noSelection();
     co_return selected;
 }
 
@@ -83,10 +79,8 @@ Task<std::string> SelectionTranslateService::copiedText(SimulateKeyboard::Window
 }
 
 Task<std::string> SelectionTranslateService::shownText() {
-    const std::optional<std::string> selected = co_await clipboard_.readSelectedText();
-    std::string text(text::trimmed(selected.value_or("")));
-    if (text.empty()) throw SelectionError::noSelection();
-    co_return text;
+    const std::optional<std::string> selected = co_await clipboard_.readString(ClipboardSource::primary);
+    co_return std::string(text::trimmed(selected.value_or("")));
 }
 
 Task<Replacement> SelectionTranslateService::replaceSelection(std::string text, SimulateKeyboard::Window window) {
@@ -96,14 +90,17 @@ Task<Replacement> SelectionTranslateService::replaceSelection(std::string text, 
         clipboard_.writeString(std::move(text));
         co_return possible;
     }
-    std::optional<PasteboardSnapshot> snapshot = co_await snapshotToPaste();
-    clipboard_.writeString(std::move(text));
-    if (!snapshot) co_return Replacement::offered;
+    std::vector<PasteboardSnapshot> snapshots = co_await snapshotsToPaste();
+    if (snapshots.empty()) {
+        clipboard_.writeString(std::move(text));
+        co_return Replacement::offered;
+    }
+    for (const ClipboardSource source : clipboard_.pastedSources()) clipboard_.writeString(text, source);
     co_await waitUnlessInterrupted(timeBeforePaste);
     // The user may have gone elsewhere in the meantime.
     const Replacement stillPossible = possibleReplacement(window);
     if (stillPossible != Replacement::pasted) {
-        snapshot->giveUp();
+        snapshots.front().giveUp();
         co_return stillPossible;
     }
     keyboard_.paste();
@@ -111,19 +108,25 @@ Task<Replacement> SelectionTranslateService::replaceSelection(std::string text, 
     co_return Replacement::pasted;
 }
 
-// None where the clipboard could not be put back, so that the replacement has to stay on it.
-Task<std::optional<PasteboardSnapshot>> SelectionTranslateService::snapshotToPaste() {
+// The clipboard's first. None where the clipboard could not be put back, so that the replacement has to stay on it.
+Task<std::vector<PasteboardSnapshot>> SelectionTranslateService::snapshotsToPaste() {
+    std::vector<PasteboardSnapshot> snapshots;
     try {
-        PasteboardSnapshot snapshot = co_await PasteboardSnapshot::take(clipboard_);
-        co_return std::optional(std::move(snapshot));
+        for (const ClipboardSource source : clipboard_.pastedSources()) {
+            PasteboardSnapshot snapshot = co_await PasteboardSnapshot::take(clipboard_, source);
+            snapshots.push_back(std::move(snapshot));
+        }
     } catch (const SelectionError&) {
-        co_return std::nullopt;
+        snapshots.clear();
     }
+    co_return snapshots;
 }
 
 Replacement SelectionTranslateService::possibleReplacement(SimulateKeyboard::Window window) {
     if (!hasPermission() || keyboard_.frontWindow() != window) return Replacement::offered;
-    return keyboard_.selection() == SimulateKeyboard::Selection::copied ? Replacement::pasted : Replacement::refused;
+    using enum SimulateKeyboard::Selection;
+    const SimulateKeyboard::Selection selection = keyboard_.selection();
+    return selection == copied || selection == either ? Replacement::pasted : Replacement::refused;
 }
 
 // Goes on without one in the end: the selection may be in a window of this program.

@@ -1,6 +1,6 @@
 // Reads and replaces the selection of whatever program is in front, without its cooperation: presses its keys for copy
-// and paste, and borrows the clipboard for as long as that takes. Where the keys of copy would do harm it reads what
-// the desktop shows as selected.
+// and paste, and borrows the clipboard for as long as that takes. Where the desktop shows what is selected it reads
+// that, which may be out of date: what is to be replaced is copied all the same, if keys do that.
 //
 // Main thread. The user's clipboard comes back at the end, whatever the end is, unless a replacement is left on it. A
 // stop ends every wait at once; a replacement that has begun is still pasted.
@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "language/pasteboard_snapshot.h"
 #include "language/selection_access.h"
@@ -25,7 +26,7 @@ public:
     // Both first give a window of this program that has just closed up to 300 ms to hand the keyboard back.
 
     // Throws SelectionError: noSelection after 360 ms without a text, pictureTooLarge before any key is pressed.
-    Task<SelectedText> selectedText() override;
+    Task<SelectedText> selectedText(SelectionUse use) override;
 
     // Takes 240 ms where it pastes, besides the copy of the clipboard.
     Task<Replacement> replaceSelection(std::string text, SimulateKeyboard::Window window) override;
@@ -36,7 +37,7 @@ private:
     Task<void> waitForOtherProgram();
     Task<std::string> shownText();
     Task<std::string> copiedText(SimulateKeyboard::Window window);
-    Task<std::optional<PasteboardSnapshot>> snapshotToPaste();
+    Task<std::vector<PasteboardSnapshot>> snapshotsToPaste();
 
     ClipboardService& clipboard_;
     SimulateKeyboard& keyboard_;

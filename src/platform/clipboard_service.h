@@ -1,4 +1,5 @@
-// Seam: the clipboard that all programs of the desktop share, and that other programs may change at any time.
+// Seam: the clipboard that all programs of the desktop share, and that other programs may change at any time; beside it
+// what is selected, which every program may read as if it had been copied.
 //
 // What is on it belongs to another program and may take a while to come, so reading is a task; what the program puts
 // there itself is there when the call returns.
@@ -29,8 +30,12 @@ struct ClipboardRepresentation {
 // One item in all its forms, the owner's favourite first. Where the platform knows no items, all forms are one item.
 using ClipboardItem = std::vector<ClipboardRepresentation>;
 
-// Main thread. Nothing here throws but CancellationError: what cannot be read, or does not come within the time the
-// adapter allows its owner, counts as absent.
+enum class ClipboardSource : std::uint8_t {
+    clipboard,
+    primary  // what is selected, in whatever program, without anything having been copied
+};
+
+// Main thread. What is not there, or not to be had in that form, counts as absent.
 class ClipboardService {
 public:
     virtual ~ClipboardService() = default;
@@ -40,30 +45,35 @@ public:
     virtual std::optional<std::string> problem() const { return std::nullopt; }
 
     // Differs after every change of the contents, whoever made it.
-    virtual std::int64_t changeCount() const = 0;
+    virtual std::int64_t changeCount(ClipboardSource source = ClipboardSource::clipboard) const = 0;
+
+    // Where programs look for what the keys of paste are to put in, the clipboard first. Some take what is selected.
+    virtual std::vector<ClipboardSource> pastedSources() const = 0;
+
+    // Reading text and pictures throws Error, in words for the user, when the owner promises some and does not answer
+    // or sends without end, and when the desktop has gone.
 
     // The picture on the clipboard, in pixels of its own size; none when nothing there is a picture.
     virtual Task<std::optional<Image>> readImage() = 0;
 
-    // The plain text on the clipboard as UTF-8, untrimmed; none when there is none.
-    virtual Task<std::optional<std::string>> readString() = 0;
-
-    // The text that the desktop shows as selected, in whatever program, without anything having been copied; none when
-    // there is none.
-    virtual Task<std::optional<std::string>> readSelectedText() = 0;
+    // The plain text there as UTF-8, untrimmed; none when there is none.
+    virtual Task<std::optional<std::string>> readString(ClipboardSource source = ClipboardSource::clipboard) = 0;
 
     // The types of all forms in which every item offers its data, without those that only speak about the others
-    // (targets, timestamps); empty when the clipboard is.
-    virtual Task<std::vector<std::vector<std::string>>> readTypes() = 0;
+    // (targets, timestamps); empty when there are none.
+    virtual Task<std::vector<std::vector<std::string>>> readTypes(
+        ClipboardSource source = ClipboardSource::clipboard) = 0;
 
     // What the item at this place has of the type; empty when it has nothing, which it may have promised all the same.
     // A read that is cancelled keeps no later one waiting.
-    virtual Task<std::vector<std::byte>> readForm(std::size_t item, std::string type) = 0;
+    virtual Task<std::vector<std::byte>> readForm(std::size_t item, std::string type,
+                                                  ClipboardSource source = ClipboardSource::clipboard) = 0;
 
     // Replace all contents: by plain text (UTF-8, may be empty), and by items in their order (none: it ends up empty).
-    // Of forms that are made from others, those that the adapter cannot make are not offered.
-    virtual void writeString(std::string text) = 0;
-    virtual void writeItems(std::vector<ClipboardItem> items) = 0;
+    // Of forms that are made from others, those that the adapter cannot make are not offered. The source is one of
+    // pastedSources().
+    virtual void writeString(std::string text, ClipboardSource source = ClipboardSource::clipboard) = 0;
+    virtual void writeItems(std::vector<ClipboardItem> items, ClipboardSource source = ClipboardSource::clipboard) = 0;
 };
 
 }  // namespace ovrin

@@ -59,18 +59,19 @@ public:
     explicit NullClipboard(std::string reason) : reason_(std::move(reason)) {}
 
     std::optional<std::string> problem() const override { return reason_; }
-    std::int64_t changeCount() const override { return 0; }
+    std::int64_t changeCount(ClipboardSource /*source*/) const override { return 0; }
+    std::vector<ClipboardSource> pastedSources() const override { return {ClipboardSource::clipboard}; }
     Task<std::optional<Image>> readImage() override { co_return std::nullopt; }
-    Task<std::optional<std::string>> readString() override { co_return std::nullopt; }
-    Task<std::optional<std::string>> readSelectedText() override { co_return std::nullopt; }
-    Task<std::vector<std::vector<std::string>>> readTypes() override {
+    Task<std::optional<std::string>> readString(ClipboardSource /*source*/) override { co_return std::nullopt; }
+    Task<std::vector<std::vector<std::string>>> readTypes(ClipboardSource /*source*/) override {
         co_return std::vector<std::vector<std::string>>();
     }
-    Task<std::vector<std::byte>> readForm(std::size_t /*item*/, std::string /*type*/) override {
+    Task<std::vector<std::byte>> readForm(std::size_t /*item*/, std::string /*type*/,
+                                          ClipboardSource /*source*/) override {
         co_return std::vector<std::byte>();
     }
-    void writeString(std::string /*text*/) override {}
-    void writeItems(std::vector<ClipboardItem> /*items*/) override {}
+    void writeString(std::string /*text*/, ClipboardSource /*source*/) override {}
+    void writeItems(std::vector<ClipboardItem> /*items*/, ClipboardSource /*source*/) override {}
 
 private:
     std::string reason_;

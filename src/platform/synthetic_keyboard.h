@@ -24,11 +24,13 @@ public:
     enum class Window : std::uint64_t { nowhere = 0 };
     virtual Window frontWindow() = 0;
 
-    // How the text that is selected in that program can be had. Where it is not copied, pasting does not replace it.
+    // How the text that is selected in that program can be had. Where the keys do not copy it, pasting does not
+    // replace it.
     enum class Selection : std::uint8_t {
         copied,  // with the keys of copy; so in programs that are not known
-        shown,   // from the desktop, which knows it; the keys would do something else there (a terminal: interrupt)
-        absent   // not at all: the keys would do something else, and nothing is selected
+        either,  // with the keys, or from the desktop: something was selected since the window got the keyboard
+        shown,   // from the desktop alone: the keys would do something else (a terminal: interrupt), or there are none
+        absent   // not at all: neither would the keys copy, nor is anything selected
     };
     virtual Selection selection() = 0;
 

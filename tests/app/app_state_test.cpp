@@ -345,6 +345,12 @@ TEST_F(AppStateTest, ClipboardTranslateOfNothingUsableIsAnError) {
     clipboard_.string = " \n\t\u3000";
     app_->clipboardTranslate();
     EXPECT_EQ(events(), Events{"toast exclamationmark.triangle: 剪贴板中没有可翻译的文本或图片。"});
+
+    clipboard_.failure = Error("silent owner");
+    app_->clipboardTranslate();
+    EXPECT_EQ(events(), failure("silent owner"));
+    app_->clipboardOCR();
+    EXPECT_EQ(events(), Events{"toast exclamationmark.triangle: silent owner"});
 }
 
 TEST_F(AppStateTest, ASelectionGoesToThePanelOrSilentlyToTheCard) {
@@ -360,7 +366,7 @@ TEST_F(AppStateTest, ASelectionGoesToThePanelOrSilentlyToTheCard) {
 TEST_F(AppStateTest, ReplacingPutsTheTranslationInPlaceWhateverSilentSays) {
     for (const bool silent : {true, false}) {
         app_->selectionTranslate({.silent = silent, .replace = true});
-        EXPECT_EQ(events(), (Events{"activity: 正在读取选中文字", "selection read"}));
+        EXPECT_EQ(events(), (Events{"activity: 正在读取选中文字", "selection read to be replaced"}));
         selection_->selection.succeed("hola");
         EXPECT_EQ(events(), (Events{"activity: none", "activity: 正在翻译并替换"}));
         EXPECT_NE(service_.lastRequest.body.find("into French (BCP-47: fr)"), std::string::npos);
@@ -431,7 +437,7 @@ TEST_F(AppStateTest, FlowsInterleaveWhereTheyWait) {
 TEST_F(AppStateTest, OnlyOneFlowAtATimeBorrowsTheClipboardForTheSelection) {
     app_->selectionTranslate({.silent = true, .replace = true});
     app_->selectionTranslate({.silent = true, .replace = false});
-    EXPECT_EQ(events(), (Events{"activity: 正在读取选中文字", "selection read"}));
+    EXPECT_EQ(events(), (Events{"activity: 正在读取选中文字", "selection read to be replaced"}));
     selection_->selection.succeed("first");
     EXPECT_EQ(events(), (Events{"activity: none", "activity: 正在翻译并替换", "selection read"}));
     service_.answer.succeed("un");

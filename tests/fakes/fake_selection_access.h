@@ -17,8 +17,8 @@ public:
     Deferred<std::string> selection;
     Deferred<Replacement> replacement;
 
-    Task<SelectedText> selectedText() override {
-        journal_.add("selection read");
+    Task<SelectedText> selectedText(SelectionUse use) override {
+        journal_.add(use == SelectionUse::reading ? "selection read" : "selection read to be replaced");
         std::string text = co_await selection.result();
         SelectedText selected{.text = std::move(text), .window = window};
         co_return selected;

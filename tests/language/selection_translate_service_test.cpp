@@ -33,7 +33,7 @@ protected:
         clipboard.string = "the user's own";
     }
 
-    void readSelection() { run(keepText()); }
+    void readSelection(SelectionUse use = SelectionUse::reading) { run(keepText(use)); }
     void replaceSelection(std::string text) { run(keepEnd(std::move(text))); }
     void run(Task<void> task) {
         running = std::make_unique<RunningTask>(loop, std::move(task), stop.get_token());
@@ -52,12 +52,12 @@ protected:
         };
     }
 
-    Task<void> keepText() {
+    Task<void> keepText(SelectionUse use) {
         try {
-            SelectedText selected = co_await service.selectedText();
+            SelectedText selected = co_await service.selectedText(use);
             text = std::move(selected.text);
             window = selected.window;
-        } catch (const SelectionError& error) {
+        } catch (const Error& error) {
             failure = error.errorDescription();
         }
         // What the caller does next finds the clipboard as it was.
@@ -130,6 +130,43 @@ TEST_F(SelectionTranslateServiceTest, WhereCopyWouldInterruptItReadsWhatIsShownA
     EXPECT_EQ(failure, "没有读取到选中的文字，请先选中文字后再试。");
     EXPECT_EQ(text, std::nullopt);
     EXPECT_EQ(journal.take(), (Events{"end", "end", "end"}));
+}
+
+TEST_F(SelectionTranslateServiceTest, WhatIsShownIsReadAtOnceButOnlyWhatIsCopiedIsReplaced) {
+    keyboard.way = SimulateKeyboard::Selection::either;
+    clipboard.selected = "shown";
+    answerCopyAfter(1ms, "copied");
+    readSelection();
+    EXPECT_EQ(text, "shown");
+    EXPECT_EQ(journal.take(), Events{"end"});
+
+    readSelection(SelectionUse::replacing);
+    loop.advance(45ms);
+    EXPECT_EQ(text, "copied");
+    keyboard.onCopy = [] {};
+    readSelection(SelectionUse::replacing);
+    loop.advance(360ms);
+    EXPECT_EQ(failure, "没有读取到选中的文字，请先选中文字后再试。");
+
+    failure.reset();
+    clipboard.selected = " ";
+    answerCopyAfter(1ms, "copied after all");
+    readSelection();
+    loop.advance(45ms);
+    EXPECT_EQ(text, "copied after all");
+    clipboard.failure = Error("the owner is silent");
+    readSelection();
+    EXPECT_EQ(failure, "the owner is silent");
+}
+
+TEST_F(SelectionTranslateServiceTest, WhereNoKeysCanBePressedWhatIsShownIsReadAndTheReplacementOffered) {
+    keyboard.isPermitted = false;
+    keyboard.way = SimulateKeyboard::Selection::shown;
+    clipboard.selected = "shown";
+    readSelection(SelectionUse::replacing);
+    EXPECT_EQ(text, "shown");
+    replaceSelection("le texte");
+    EXPECT_EQ(journal.take(), (Events{"end", "trust requested", "clipboard: le texte", "end: offered"}));
 }
 
 TEST_F(SelectionTranslateServiceTest, OfAPictureOneEncodingIsSavedBeforeAllElseAndAllAreOfferedAgain) {
@@ -235,6 +272,24 @@ TEST_F(SelectionTranslateServiceTest, PastesTheReplacementAndPutsTheClipboardBac
         EXPECT_EQ(journal.take(), (Events{"clipboard: 2 items", "end"}));
         EXPECT_EQ(clipboard.items, usersItems);
     }
+}
+
+TEST_F(SelectionTranslateServiceTest, WhereTheKeysMayPasteWhatIsSelectedThatIsBorrowedToo) {
+    clipboard.pasted.push_back(ClipboardSource::primary);
+    const std::vector<ClipboardItem> selected{{{.type = "text/plain", .data = bytes(4)}}};
+    clipboard.selectedItems = selected;
+    replaceSelection("le texte");
+    EXPECT_EQ(journal.take(), (Events{"clipboard: le texte", "selection: le texte"}));
+    loop.advance(240ms);
+    EXPECT_EQ(journal.take(), (Events{"paste", "clipboard: 2 items", "selection: 1 items", "end"}));
+    EXPECT_EQ(clipboard.selectedItems, selected);
+
+    // What is left on the clipboard is not left in the other place.
+    replaceSelection("le texte");
+    keyboard.front = SimulateKeyboard::Window{8};
+    loop.advance(60ms);
+    EXPECT_EQ(journal.take(),
+              (Events{"clipboard: le texte", "selection: le texte", "selection: 1 items", "end: offered"}));
 }
 
 TEST_F(SelectionTranslateServiceTest, WithoutPermissionNothingIsTouched) {

@@ -58,7 +58,7 @@ public:
             },
             [](void* /*self*/, zwlr_data_control_source_v1* /*source*/) {}};
         zwlr_data_control_source_v1_add_listener(source_.get(), &listener, this);
-        device_.setClipboard(source_.get());
+        device_.set(ClipboardSource::clipboard, source_.get());
         connection_.roundTrip();
         thread_ = std::thread([this] { connection_.waitUntil([this] { return isOver_.load(); }, 1min); });
     }
@@ -85,7 +85,7 @@ protected:
         ours = connect();
     }
 
-    std::unique_ptr<WaylandClipboard> connect(WaylandSelection::Limits limits = {}) {
+    std::unique_ptr<ClipboardService> connect(WaylandSelection::Limits limits = {}) {
         return std::make_unique<WaylandClipboard>(compositor->display().c_str(), decoder, encoder, workers, limits);
     }
 
@@ -107,25 +107,41 @@ protected:
         loop.complete(changeAfter(before));
         return owner;
     }
-    Task<void> changeAfter(std::int64_t before) {
-        while (ours->changeCount() == before) co_await sleepFor(1ms);
+    Task<void> changeAfter(std::int64_t before, ClipboardSource source = ClipboardSource::clipboard) {
+        while (ours->changeCount(source) == before) co_await sleepFor(1ms);
+    }
+
+    // What the user reads when the text cannot be had.
+    std::string failureOf(ClipboardService& of, ClipboardSource source = ClipboardSource::clipboard) {
+        try {
+            loop.complete(of.readString(source));
+            return "";
+        } catch (const Error& error) {
+            return error.errorDescription();
+        }
     }
 
     // What another program pastes.
-    std::string pasted(const std::string& type) {
+    std::string pasted(const std::string& type, std::vector<std::string> options = {}) {
         loop.complete(ours->readString());  // what was written is done
-        return program({"wl-paste", "--no-newline", "--type", type})->readLine();
+        options.insert(options.begin(), {"wl-paste", "--no-newline", "--type", type});
+        return program(std::move(options))->readLine();
     }
 
-    static Task<ClipboardItem> everything(WaylandClipboard& of) {
+    static Task<ClipboardItem> everything(ClipboardService& of, ClipboardSource source = ClipboardSource::clipboard) {
         ClipboardItem item;
-        const std::vector<std::vector<std::string>> types = co_await of.readTypes();
+        const std::vector<std::vector<std::string>> types = co_await of.readTypes(source);
         if (types.empty()) co_return item;
         for (const std::string& type : types.front()) {
-            std::vector<std::byte> data = co_await of.readForm(0, type);
+            std::vector<std::byte> data = co_await of.readForm(0, type, source);
             item.push_back({.type = type, .data = std::move(data)});
         }
         co_return item;
+    }
+
+    Task<void> stopSoon() {
+        co_await sleepFor(20ms);
+        compositor->stop();
     }
 
     RunLoop loop;
@@ -133,7 +149,7 @@ protected:
     NamingEncoder encoder;
     WorkerExecutor workers{1};
     std::unique_ptr<WaylandTestCompositor> compositor;
-    std::unique_ptr<WaylandClipboard> ours;
+    std::unique_ptr<ClipboardService> ours;
 };
 
 TEST_F(WaylandClipboardTest, TextGoesFromProgramToProgram) {
@@ -182,39 +198,64 @@ TEST_F(WaylandClipboardTest, AChangeIsCountedOnceWhoeverMadeIt) {
     EXPECT_EQ(ours->changeCount(), before + 6);
 }
 
-TEST_F(WaylandClipboardTest, AnOwnerThatNeverAnswersHasNothing) {
+TEST_F(WaylandClipboardTest, AnOwnerThatNeverAnswersIsToldOf) {
     const auto owner = copy({}, "never");
     owner->signal(SIGSTOP);
     const auto impatient = connect({.patience = 20ms});
-    EXPECT_EQ(loop.complete(impatient->readString()), std::nullopt);
+    EXPECT_EQ(failureOf(*impatient), "复制内容的程序没有响应，请重新复制后再试。");
+    EXPECT_TRUE(loop.complete(impatient->readForm(0, "text/plain")).empty());
     impatient->writeString("still works");
     loop.complete(impatient->readString());
     EXPECT_EQ(loop.complete(ours->readString()), "still works");
 }
 
-TEST_F(WaylandClipboardTest, AnOwnerThatSendsWithoutEndHasNothing) {
+TEST_F(WaylandClipboardTest, AnOwnerThatSendsWithoutEndIsToldOf) {
     EndlessOwner owner(compositor->display());
     for (const WaylandSelection::Limits limits :
          {WaylandSelection::Limits{.largest = 1U << 20U}, WaylandSelection::Limits{.longest = 20ms}}) {
-        EXPECT_EQ(loop.complete(connect(limits)->readString()), std::nullopt);
+        EXPECT_EQ(failureOf(*connect(limits)), "剪贴板中的内容过大，无法读取。");
     }
     owner.finishAtNextEvent();
     ours->writeString("over");
 }
 
 TEST_F(WaylandClipboardTest, WhatIsSelectedIsReadBesideTheClipboard) {
-    EXPECT_EQ(loop.complete(ours->readSelectedText()), std::nullopt);
+    EXPECT_EQ(loop.complete(ours->readString(ClipboardSource::primary)), std::nullopt);
     const auto owner = copy({}, "copied");
     const auto changes = ours->changeCount();
     const auto selecting = program({"wl-copy", "--foreground", "--primary"}, "选中的文字");
-    const auto selected = [](WaylandClipboard& from) -> Task<std::string> {
+    const auto selected = [](ClipboardService& from) -> Task<std::string> {
         std::optional<std::string> text;
-        while (!text) text = co_await from.readSelectedText();
+        while (!text) text = co_await from.readString(ClipboardSource::primary);
         co_return *text;
     };
     EXPECT_EQ(loop.complete(selected(*ours)), "选中的文字");
     EXPECT_EQ(loop.complete(ours->readString()), "copied");
     EXPECT_EQ(ours->changeCount(), changes);
+
+    selecting->signal(SIGSTOP);
+    EXPECT_EQ(failureOf(*connect({.patience = 20ms}), ClipboardSource::primary),
+              "选中文字的程序没有响应，请稍后再试。");
+}
+
+TEST_F(WaylandClipboardTest, WhatIsSelectedIsLentAndGivenBackBesideTheClipboard) {
+    const ClipboardItem selected{{"text/html", bytesOf("<b>选</b>")}, {"text/plain", bytesOf("选")}};
+    const auto theirs = connect();
+    theirs->writeString("copied");
+    theirs->writeItems({selected}, ClipboardSource::primary);
+    loop.complete(theirs->readString());
+    loop.complete(changeAfter(0, ClipboardSource::primary));
+    EXPECT_EQ(loop.complete(everything(*ours, ClipboardSource::primary)), selected);
+    const auto before = ours->changeCount(ClipboardSource::primary);
+    ours->writeString("译文", ClipboardSource::primary);
+    EXPECT_EQ(pasted("text/plain", {"--primary"}), "译文");
+    EXPECT_EQ(ours->changeCount(ClipboardSource::primary), before + 1);
+    EXPECT_EQ(pasted("text/plain"), "copied");
+    ours->writeItems({selected}, ClipboardSource::primary);
+    EXPECT_EQ(pasted("text/html", {"--primary"}), "<b>选</b>");
+    ours->writeItems({}, ClipboardSource::primary);
+    EXPECT_EQ(loop.complete(ours->readString(ClipboardSource::primary)), std::nullopt);
+    EXPECT_EQ(ours->changeCount(ClipboardSource::primary), before + 3);
 }
 
 TEST_F(WaylandClipboardTest, AManagerGetsWhatWasWrittenLastBeforeTheProgramEnds) {
@@ -228,8 +269,11 @@ TEST_F(WaylandClipboardTest, AManagerGetsWhatWasWrittenLastBeforeTheProgramEnds)
 
 TEST_F(WaylandClipboardTest, NothingHangsWhenTheCompositorDies) {
     const auto owner = copy({}, "gone");
-    compositor->stop();
-    EXPECT_EQ(loop.complete(ours->readString()), std::nullopt);
+    owner->signal(SIGSTOP);  // so that the read is under way
+    RunningTask end(loop, stopSoon());
+    end.start();
+    EXPECT_EQ(failureOf(*ours), "与桌面（Wayland）的连接已断开。");
+    EXPECT_EQ(failureOf(*ours, ClipboardSource::primary), "与桌面（Wayland）的连接已断开。");
     ours->writeString("nowhere");
     EXPECT_EQ(loop.complete(ours->readTypes()).size(), 0U);
 }

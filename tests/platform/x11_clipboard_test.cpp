@@ -188,7 +188,7 @@ protected:
         theirs = connect();
     }
 
-    std::unique_ptr<X11Clipboard> connect(std::chrono::milliseconds patience = SelectionClient::defaultPatience) {
+    std::unique_ptr<ClipboardService> connect(std::chrono::milliseconds patience = SelectionClient::defaultPatience) {
         return std::make_unique<X11Clipboard>(server->display(), decoder, encoder, workers, patience);
     }
 
@@ -200,13 +200,13 @@ protected:
         return loop.complete(read());
     }
 
-    std::optional<std::string> string(X11Clipboard& of) {
+    std::optional<std::string> string(ClipboardService& of) {
         return settled([&of] { return of.readString(); });
     }
-    std::vector<ClipboardItem> items(X11Clipboard& of) {
+    std::vector<ClipboardItem> items(ClipboardService& of) {
         return settled([&of] { return everything(of); });
     }
-    static Task<std::vector<ClipboardItem>> everything(X11Clipboard& of) {
+    static Task<std::vector<ClipboardItem>> everything(ClipboardService& of) {
         const std::vector<std::vector<std::string>> types = co_await of.readTypes();
         std::vector<ClipboardItem> items(types.size());
         for (std::size_t i = 0; i < types.size(); ++i) {
@@ -217,8 +217,18 @@ protected:
         }
         co_return items;
     }
-    std::optional<Image> image(X11Clipboard& of) {
+    std::optional<Image> image(ClipboardService& of) {
         return settled([&of] { return of.readImage(); });
+    }
+
+    // What the user reads when the text cannot be had.
+    std::string failureOf(ClipboardService& of, ClipboardSource source = ClipboardSource::clipboard) {
+        try {
+            loop.complete(of.readString(source));
+            return "";
+        } catch (const Error& error) {
+            return error.errorDescription();
+        }
     }
 
     // Another program takes the clipboard and answers nobody.
@@ -233,8 +243,8 @@ protected:
     NamingEncoder encoder;
     WorkerExecutor workers{1};
     std::unique_ptr<XTestServer> server;
-    std::unique_ptr<X11Clipboard> ours;
-    std::unique_ptr<X11Clipboard> theirs;
+    std::unique_ptr<ClipboardService> ours;
+    std::unique_ptr<ClipboardService> theirs;
 };
 
 TEST_F(X11ClipboardTest, TextGoesFromProgramToProgram) {
@@ -271,7 +281,7 @@ TEST_F(X11ClipboardTest, EncodingsThatWereNotSavedAreMadeWhenSomebodyAsks) {
 TEST_F(X11ClipboardTest, AReadThatIsGivenUpKeepsNoOtherWaiting) {
     makeSilentOwner();
     auto patient = connect(1h);
-    const auto read = [](X11Clipboard& from) -> Task<void> { co_await from.readForm(0, "image/png"); };
+    const auto read = [](ClipboardService& from) -> Task<void> { co_await from.readForm(0, "image/png"); };
     std::optional<RunningTask> reading(std::in_place, loop, read(*patient));
     reading->start();
     ASSERT_TRUE(BareClient(server->connection()).waitFor(XCB_SELECTION_REQUEST));  // it waits now
@@ -285,10 +295,10 @@ TEST_F(X11ClipboardTest, TwoLargeReadsAtOnceGetTheirOwnBytes) {
     ours->writeString(large);
     const auto third = connect();
     loop.complete(ours->readString());
-    const auto both = [](X11Clipboard& first, X11Clipboard& second, RunLoop& home) -> Task<std::string> {
+    const auto both = [](ClipboardService& first, ClipboardService& second, RunLoop& home) -> Task<std::string> {
         std::optional<std::string> other;
         TaskGroup group(home);
-        const auto readOther = [](X11Clipboard& from, std::optional<std::string>& into) -> Task<void> {
+        const auto readOther = [](ClipboardService& from, std::optional<std::string>& into) -> Task<void> {
             into = co_await from.readString();
         };
         group.start(readOther(second, other));
@@ -315,10 +325,11 @@ TEST_F(X11ClipboardTest, AChangeIsCountedOnceWhoeverMadeIt) {
     EXPECT_EQ(ours->changeCount(), afterTheirs + 1);
 }
 
-TEST_F(X11ClipboardTest, AnOwnerThatNeverAnswersHasNothing) {
+TEST_F(X11ClipboardTest, AnOwnerThatNeverAnswersIsToldOf) {
     makeSilentOwner();
     const auto impatient = connect(20ms);
-    EXPECT_EQ(loop.complete(impatient->readString()), std::nullopt);
+    EXPECT_EQ(failureOf(*impatient), "复制内容的程序没有响应，请重新复制后再试。");
+    EXPECT_TRUE(loop.complete(impatient->readTypes()).empty());
     impatient->writeString("still works");
     loop.complete(impatient->readString());
     EXPECT_EQ(loop.complete(theirs->readString()), "still works");
@@ -327,7 +338,7 @@ TEST_F(X11ClipboardTest, AnOwnerThatNeverAnswersHasNothing) {
 TEST_F(X11ClipboardTest, ClosingWaitsForNoOwnerAndLosesNothing) {
     makeSilentOwner();
     auto closing = connect(1h);
-    const auto read = [](X11Clipboard& from) -> Task<void> { co_await from.readTypes(); };
+    const auto read = [](ClipboardService& from) -> Task<void> { co_await from.readTypes(); };
     RunningTask first(loop, read(*closing));
     RunningTask second(loop, read(*closing));
     first.start();
@@ -383,14 +394,14 @@ TEST_F(X11ClipboardTest, AFileThatWouldKeepItsReaderWaitingIsNoPicture) {
 }
 
 TEST_F(X11ClipboardTest, WhatIsSelectedIsReadBesideTheClipboard) {
-    EXPECT_EQ(loop.complete(ours->readSelectedText()), std::nullopt);
+    EXPECT_EQ(loop.complete(ours->readString(ClipboardSource::primary)), std::nullopt);
     theirs->writeString("copied");
     ASSERT_EQ(string(*ours), "copied");
     BareClient selecting(server->connection());
     xcb_set_selection_owner(server->connection(), selecting.window(), XCB_ATOM_PRIMARY, XCB_CURRENT_TIME);
     server->synchronize();
     std::thread program([&] { selecting.answerWithText("selected"); });
-    EXPECT_EQ(loop.complete(ours->readSelectedText()), "selected");
+    EXPECT_EQ(loop.complete(ours->readString(ClipboardSource::primary)), "selected");
     program.join();
     EXPECT_EQ(string(*ours), "copied");
 }
@@ -398,7 +409,7 @@ TEST_F(X11ClipboardTest, WhatIsSelectedIsReadBesideTheClipboard) {
 TEST_F(X11ClipboardTest, NothingHangsWhenTheServerDies) {
     theirs->writeString("gone");
     server->stop();
-    EXPECT_EQ(loop.complete(ours->readString()), std::nullopt);
+    EXPECT_EQ(failureOf(*ours), "与显示服务器的连接已断开。");
     ours->writeString("nowhere");
     EXPECT_EQ(loop.complete(ours->readTypes()).size(), 0U);
 }

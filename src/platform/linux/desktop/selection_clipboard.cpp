@@ -193,7 +193,7 @@ SelectionClipboard::SelectionClipboard(const Connect& connect, const ImageDecode
 SelectionClient::User SelectionClipboard::user() {
     return {.wakeDescriptor = jobs_->wakeDescriptor(),
             .isGivenUp = [this] { return closing_.stop_requested() || reader_.stop_requested(); },
-            .changedByOthers = [this] { ++changes_; },
+            .changedByOthers = [this](Source source) { countChange(source); },
             .encode = [this](auto picture, auto type,
                              auto done) { encode(std::move(picture), std::move(type), std::move(done)); }};
 }
@@ -239,36 +239,47 @@ Task<Result> SelectionClipboard::ask(std::function<Result(SelectionClient&)> que
                writer = std::make_shared<StreamWriter<Result>>(std::move(writer))](SelectionClient& selection) {
         reader_ = writer->stopToken();
         const std::stop_callback wake(reader_, [this] { jobs_->wake(); });
-        if (!reader_.stop_requested()) writer->push(question(selection));
+        try {
+            if (!reader_.stop_requested()) writer->push(question(selection));
+            writer->finish();
+        } catch (const Error&) {
+            writer->fail(std::current_exception());
+        }
         reader_ = {};
-        writer->finish();
     };
     jobs_->post(std::move(job));
     std::optional<Result> answer = co_await answers.next();
     co_return answer ? std::move(*answer) : Result{};
 }
 
-Task<std::optional<std::string>> SelectionClipboard::readString() {
-    return ask<std::optional<std::string>>(
-        [](SelectionClient& selection) { return plainText(selection, Source::clipboard); });
+// What cannot be had counts as absent.
+template <typename Result>
+Task<Result> SelectionClipboard::askForAny(std::function<Result(SelectionClient&)> question) {
+    return ask<Result>([question = std::move(question)](SelectionClient& selection) {
+        try {
+            return question(selection);
+        } catch (const Error&) {
+            return Result{};
+        }
+    });
 }
 
-Task<std::optional<std::string>> SelectionClipboard::readSelectedText() {
+Task<std::optional<std::string>> SelectionClipboard::readString(Source source) {
     return ask<std::optional<std::string>>(
-        [](SelectionClient& selection) { return plainText(selection, Source::primary); });
+        [source](SelectionClient& selection) { return plainText(selection, source); });
 }
 
-Task<std::vector<std::vector<std::string>>> SelectionClipboard::readTypes() {
+Task<std::vector<std::vector<std::string>>> SelectionClipboard::readTypes(Source source) {
     using Types = std::vector<std::vector<std::string>>;
-    return ask<Types>([](SelectionClient& selection) {
-        std::vector<std::string> types = selection.targets(Source::clipboard);
+    return askForAny<Types>([source](SelectionClient& selection) {
+        std::vector<std::string> types = selection.targets(source);
         return types.empty() ? Types{} : Types{std::move(types)};
     });
 }
 
-Task<std::vector<std::byte>> SelectionClipboard::readForm(std::size_t item, std::string type) {
-    return ask<Bytes>([item, type = std::move(type)](SelectionClient& selection) {
-        return item == 0 ? selection.convert(type, Source::clipboard).value_or(Bytes{}) : Bytes{};
+Task<std::vector<std::byte>> SelectionClipboard::readForm(std::size_t item, std::string type, Source source) {
+    return askForAny<Bytes>([item, type = std::move(type), source](SelectionClient& selection) {
+        return item == 0 ? selection.convert(type, source).value_or(Bytes{}) : Bytes{};
     });
 }
 
@@ -290,21 +301,22 @@ Task<std::optional<Image>> SelectionClipboard::readImage() {
     }
 }
 
-void SelectionClipboard::writeString(std::string text) {
+void SelectionClipboard::writeString(std::string text, Source source) {
     ClipboardItem item;
     for (const char* const type : textTypes) {
         // Of old programs that know only Latin letters, those get the text whose letters they know.
         const bool isAscii = std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
         if (type != latin1Type || isAscii) item.push_back({.type = type, .data = bytesOf(text)});
     }
-    writeItems({std::move(item)});
+    writeItems({std::move(item)}, source);
 }
 
-void SelectionClipboard::writeItems(std::vector<ClipboardItem> items) {
+void SelectionClipboard::writeItems(std::vector<ClipboardItem> items, Source source) {
     auto all = std::make_shared<std::vector<ClipboardItem>>(std::move(items));
-    ++changes_;
-    jobs_->post(
-        [all, &encoder = encoder_](SelectionClient& selection) { selection.own(formsOf(std::move(*all), encoder)); });
+    countChange(source);
+    jobs_->post([all, source, &encoder = encoder_](SelectionClient& selection) {
+        selection.own(source, formsOf(std::move(*all), encoder));
+    });
 }
 
 }  // namespace ovrin

@@ -39,17 +39,17 @@ public:
     // that wait are given up.
     ~SelectionClipboard() override;
 
-    std::int64_t changeCount() const override { return changes_.load(); }
+    std::int64_t changeCount(ClipboardSource source) const override { return changesOf(source).load(); }
+    std::vector<ClipboardSource> pastedSources() const override { return {ClipboardSource::clipboard}; }
 
     // A picture, or the file of a picture that was copied in a file manager.
     Task<std::optional<Image>> readImage() override;
-    Task<std::optional<std::string>> readString() override;
-    Task<std::optional<std::string>> readSelectedText() override;
-    Task<std::vector<std::vector<std::string>>> readTypes() override;
-    Task<std::vector<std::byte>> readForm(std::size_t item, std::string type) override;
+    Task<std::optional<std::string>> readString(ClipboardSource source) override;
+    Task<std::vector<std::vector<std::string>>> readTypes(ClipboardSource source) override;
+    Task<std::vector<std::byte>> readForm(std::size_t item, std::string type, ClipboardSource source) override;
 
-    void writeString(std::string text) override;
-    void writeItems(std::vector<ClipboardItem> items) override;
+    void writeString(std::string text, ClipboardSource source) override;
+    void writeItems(std::vector<ClipboardItem> items, ClipboardSource source) override;
 
 private:
     using Job = std::function<void(SelectionClient&)>;
@@ -74,16 +74,25 @@ private:
     };
 
     SelectionClient::User user();
+    const std::atomic<std::int64_t>& changesOf(ClipboardSource source) const {
+        return source == ClipboardSource::primary ? primaryChanges_ : clipboardChanges_;
+    }
+    void countChange(ClipboardSource source) {
+        ++(source == ClipboardSource::primary ? primaryChanges_ : clipboardChanges_);
+    }
     void encode(std::shared_ptr<const std::vector<std::byte>> picture, std::string type,
                 std::function<void(std::vector<std::byte>)> done);
     template <typename Result>
     Task<Result> ask(std::function<Result(SelectionClient&)> question);
+    template <typename Result>
+    Task<Result> askForAny(std::function<Result(SelectionClient&)> question);
     void run();
 
     const ImageDecoder& decoder_;
     const ImageEncoder& encoder_;
     WorkerExecutor& workers_;
-    std::atomic<std::int64_t> changes_ = 0;
+    std::atomic<std::int64_t> clipboardChanges_ = 0;
+    std::atomic<std::int64_t> primaryChanges_ = 0;
     std::shared_ptr<Jobs> jobs_ = std::make_shared<Jobs>();
     std::stop_source closing_;
     std::stop_token reader_;                      // the thread's: stopped when nobody wants any more what it reads

@@ -13,6 +13,11 @@ public:
     // the clipboard.
     WaylandClipboard(const char* name, const ImageDecoder& decoder, const ImageEncoder& encoder,
                      WorkerExecutor& workers, WaylandSelection::Limits limits = {});
+
+    // Shift+Insert, the keys of paste here, takes what is selected in some programs.
+    std::vector<ClipboardSource> pastedSources() const override {
+        return {ClipboardSource::clipboard, ClipboardSource::primary};
+    }
 };
 
 }  // namespace ovrin

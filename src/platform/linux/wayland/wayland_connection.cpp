@@ -9,7 +9,7 @@ namespace ovrin {
 namespace {
 
 [[noreturn]] void throwLost() {
-    throw Error("与桌面（Wayland）的连接已断开。");
+    throw Error(WaylandConnection::lostDescription);
 }
 
 WaylandOutput& outputOf(void* data) {

@@ -51,6 +51,7 @@ class WaylandConnection {
 public:
     using Clock = std::chrono::steady_clock;
     static constexpr std::chrono::milliseconds patience{2000};  // with a compositor that doesn't answer
+    static constexpr const char* lostDescription = "与桌面（Wayland）的连接已断开。";
 
     // name: of the compositor's socket; null for the one the environment names. Throws Error when no compositor
     // answers.

@@ -87,8 +87,12 @@ WaylandDataSource WaylandDataDevice::makeSource() {
     return WaylandDataSource(zwlr_data_control_manager_v1_create_data_source(manager_.get()));
 }
 
-void WaylandDataDevice::setClipboard(zwlr_data_control_source_v1* source) {
-    zwlr_data_control_device_v1_set_selection(device_.get(), source);
+void WaylandDataDevice::set(Source source, zwlr_data_control_source_v1* contents) {
+    if (source == Source::primary) {
+        zwlr_data_control_device_v1_set_primary_selection(device_.get(), contents);
+    } else {
+        zwlr_data_control_device_v1_set_selection(device_.get(), contents);
+    }
 }
 
 }  // namespace ovrin

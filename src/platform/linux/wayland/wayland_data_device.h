@@ -43,9 +43,12 @@ public:
     // Has the owner write the contents of a type that it offers; the descriptor remains the caller's.
     void receive(Source source, const std::string& type, int descriptor) const;
 
+    // What this program's own PRIMARY offers besides its forms, so that it is told from what the user has selected.
+    static constexpr const char* ownType = "application/x-com.quel.ovrin";
+
     WaylandDataSource makeSource();
-    // Makes the source the owner of the clipboard; null: it has none.
-    void setClipboard(zwlr_data_control_source_v1* source);
+    // Makes the source the owner; null: there is none.
+    void set(Source source, zwlr_data_control_source_v1* contents);
 
 private:
     using Manager = DataControl<zwlr_data_control_manager_v1>;

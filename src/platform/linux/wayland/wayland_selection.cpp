@@ -30,6 +30,11 @@ bool writeSome(int pipe, std::span<const std::byte>& rest) {
     return !rest.empty();
 }
 
+const ClipboardRepresentation* formOf(const ClipboardItem& item, std::string_view type) {
+    const auto form = std::ranges::find(item, type, &ClipboardRepresentation::type);
+    return form == item.end() ? nullptr : &*form;
+}
+
 }  // namespace
 
 WaylandSelection::Descriptor::~Descriptor() {
@@ -49,9 +54,9 @@ void WaylandSelection::pump() {
 // The compositor tells of our own contents as well, after their source has become the owner; it tells a source that it
 // is no longer the owner before it tells of its successor.
 void WaylandSelection::handleChange(Source source) {
-    if (source == Source::primary || own_) return;
-    if (isClearing_ && device_->types(source).empty()) return;
-    user_.changedByOthers();
+    const Holding& held = holding(source);
+    if (held.own || (held.isClearing && device_->types(source).empty())) return;
+    user_.changedByOthers(source);
 }
 
 // Without a compositor nobody has anything.
@@ -60,8 +65,13 @@ void WaylandSelection::doWithCompositor(const std::function<void()>& work) {
         if (!isLost_) work();
     } catch (const Error&) {
         isLost_ = true;
-        own_.reset();
+        clipboard_.own.reset();
+        primary_.own.reset();
     }
+}
+
+void WaylandSelection::throwIfLost() const {
+    if (isLost_) throw Error(WaylandConnection::lostDescription);
 }
 
 void WaylandSelection::waitOnce(std::optional<Clock::time_point> deadline, int readable) {
@@ -86,51 +96,50 @@ void WaylandSelection::waitOnce(std::optional<Clock::time_point> deadline, int r
     });
 }
 
-void WaylandSelection::own(ClipboardItem item) {
+void WaylandSelection::own(Source source, ClipboardItem item) {
+    Holding& held = holding(source);
     if (item.empty()) {
-        own_.reset();
-        isClearing_ = true;
+        held.own.reset();
+        held.isClearing = true;
         doWithCompositor([&] {
-            device_->setClipboard(nullptr);
+            device_->set(source, nullptr);
             connection_.roundTrip();
         });
-        isClearing_ = false;
+        held.isClearing = false;
         return;
     }
     doWithCompositor([&] {
-        WaylandDataSource source = device_->makeSource();
-        for (const auto& form : item) zwlr_data_control_source_v1_offer(source.get(), form.type.c_str());
+        WaylandDataSource offered = device_->makeSource();
+        for (const auto& form : item) zwlr_data_control_source_v1_offer(offered.get(), form.type.c_str());
+        if (source == Source::primary) {
+            zwlr_data_control_source_v1_offer(offered.get(), WaylandDataDevice::ownType);
+        }
         static constexpr zwlr_data_control_source_v1_listener listener = {
-            [](void* self, zwlr_data_control_source_v1* /*source*/, const char* type, int pipe) {
-                static_cast<WaylandSelection*>(self)->serve(type, pipe);
+            [](void* held, zwlr_data_control_source_v1* /*source*/, const char* type, int pipe) {
+                const auto& holding = *static_cast<const Holding*>(held);
+                holding.client->serve(holding, type, pipe);
             },
-            [](void* self, zwlr_data_control_source_v1* /*source*/) {
-                static_cast<WaylandSelection*>(self)->own_.reset();
-            }};
-        zwlr_data_control_source_v1_add_listener(source.get(), &listener, this);
-        device_->setClipboard(source.get());
-        own_ = {.item = std::make_shared<const ClipboardItem>(std::move(item)),
-                .source = std::move(source),
-                .since = Clock::now()};
+            [](void* held, zwlr_data_control_source_v1* /*source*/) { static_cast<Holding*>(held)->own.reset(); }};
+        zwlr_data_control_source_v1_add_listener(offered.get(), &listener, &held);
+        device_->set(source, offered.get());
+        held.own = {.item = std::make_shared<const ClipboardItem>(std::move(item)),
+                    .source = std::move(offered),
+                    .since = Clock::now()};
         connection_.roundTrip();
     });
 }
 
-const ClipboardRepresentation* WaylandSelection::ownForm(std::string_view type) const {
-    const auto form = std::ranges::find(*own_->item, type, &ClipboardRepresentation::type);
-    return form == own_->item->end() ? nullptr : &*form;
-}
-
 // A pipe that is closed without contents says that there are none.
-void WaylandSelection::serve(std::string_view type, int pipe) {
+void WaylandSelection::serve(const Holding& holding, std::string_view type, int pipe) {
     auto writing = std::make_shared<const Descriptor>(pipe);
-    const ClipboardRepresentation* const form = own_ ? ownForm(type) : nullptr;
+    const ClipboardRepresentation* const form = holding.own ? formOf(*holding.own->item, type) : nullptr;
     if (form == nullptr) return;
     makeNonBlocking(pipe);
-    const ClipboardRepresentation* const source = form->encodedFrom.empty() ? form : ownForm(form->encodedFrom);
+    const ClipboardRepresentation* const source =
+        form->encodedFrom.empty() ? form : formOf(*holding.own->item, form->encodedFrom);
     if (source == nullptr) return;
     // The data live on when the contents are no longer ours.
-    std::shared_ptr<const Bytes> data(own_->item, &source->data);
+    std::shared_ptr<const Bytes> data(holding.own->item, &source->data);
     if (source == form) return beginTransfer(std::move(data), std::move(writing));
     user_.encode(std::move(data), form->type, [this, writing](Bytes made) {
         beginTransfer(std::make_shared<const Bytes>(std::move(made)), writing);
@@ -143,9 +152,9 @@ void WaylandSelection::beginTransfer(std::shared_ptr<const Bytes> data, std::sha
 }
 
 void WaylandSelection::handOver() {
-    if (!own_) return;
-    const auto end = own_->since + timeForManagers;
-    while (own_ && Clock::now() < end) waitOnce(end);
+    if (!clipboard_.own) return;
+    const auto end = clipboard_.own->since + timeForManagers;
+    while (clipboard_.own && Clock::now() < end) waitOnce(end);
     const auto longest = Clock::now() + limits_.longest;
     auto progress = Clock::now();
     while (!transfers_.empty() && !isLost_ && Clock::now() < std::min(progress + limits_.patience, longest)) {
@@ -158,25 +167,26 @@ void WaylandSelection::handOver() {
 std::vector<std::string> WaylandSelection::targets(Source source) {
     std::vector<std::string> names;
     const auto add = [&names](const std::string& name) {
-        if (!isMetaTarget(name) && std::ranges::find(names, name) == names.end()) names.push_back(name);
+        const bool isForm = !isMetaTarget(name) && name != WaylandDataDevice::ownType;
+        if (isForm && std::ranges::find(names, name) == names.end()) names.push_back(name);
     };
-    if (source == Source::clipboard && own_) {
-        for (const auto& form : *own_->item) add(form.type);
-    } else if (!isLost_) {
+    if (const auto& own = holding(source).own) {
+        for (const auto& form : *own->item) add(form.type);
+    } else {
+        throwIfLost();
         std::ranges::for_each(device_->types(source), add);
     }
     return names;
 }
 
 std::optional<SelectionClient::Bytes> WaylandSelection::convert(std::string_view target, Source source) {
-    if (source == Source::clipboard && own_) {
-        const ClipboardRepresentation* const form = ownForm(target);
+    if (const auto& own = holding(source).own) {
+        const ClipboardRepresentation* const form = formOf(*own->item, target);
         if (form == nullptr || !form->encodedFrom.empty()) return std::nullopt;
         return form->data;
     }
-    if (isLost_ || std::ranges::find(device_->types(source), target) == device_->types(source).end()) {
-        return std::nullopt;
-    }
+    throwIfLost();
+    if (std::ranges::find(device_->types(source), target) == device_->types(source).end()) return std::nullopt;
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) return std::nullopt;
     const Descriptor reading(ends[0]);
@@ -185,25 +195,32 @@ std::optional<SelectionClient::Bytes> WaylandSelection::convert(std::string_view
         const Descriptor writing(ends[1]);  // the owner's alone from now on, so that its end is seen
         device_->receive(source, std::string(target), writing.value());
     }
-    return readToEnd(reading.value());
+    return readToEnd(source, reading.value());
 }
 
-// What comes through the pipe; none when it doesn't come to an end.
-std::optional<SelectionClient::Bytes> WaylandSelection::readToEnd(int pipe) {
+// What comes through the pipe; none when the reader has gone.
+std::optional<SelectionClient::Bytes> WaylandSelection::readToEnd(Source source, int pipe) {
     Bytes contents;
     std::vector<std::byte> piece(pieceSize);
     const auto end = Clock::now() + limits_.longest;
     auto deadline = std::min(Clock::now() + limits_.patience, end);
-    while (!isLost_ && !user_.isGivenUp() && Clock::now() < deadline && contents.size() <= limits_.largest) {
+    while (!user_.isGivenUp()) {
+        if (contents.size() > limits_.largest || Clock::now() >= end) throwTooMuch(source);
+        if (Clock::now() >= deadline) throwOwnerIsSilent(source);
         const ssize_t count = ::read(pipe, piece.data(), piece.size());
-        if (count == 0) return contents;
-        if (count < 0) {
-            if (errno != EAGAIN) return std::nullopt;
-            waitOnce(deadline, pipe);
-            continue;
+        if (count == 0) {
+            throwIfLost();  // its end may be that of the owner, too
+            return contents;
         }
-        contents.insert(contents.end(), piece.begin(), piece.begin() + count);
-        deadline = std::min(Clock::now() + limits_.patience, end);
+        if (count > 0) {
+            contents.insert(contents.end(), piece.begin(), piece.begin() + count);
+            deadline = std::min(Clock::now() + limits_.patience, end);
+        } else if (errno == EAGAIN) {
+            throwIfLost();
+            waitOnce(deadline, pipe);
+        } else {
+            return std::nullopt;
+        }
     }
     return std::nullopt;
 }

@@ -1,5 +1,5 @@
-// The clipboard of a Wayland compositor as one client without windows sees it: takes it over and serves its contents to
-// others through pipes, and asks its owner for them. Reads what is selected (PRIMARY) as well.
+// The clipboard of a Wayland compositor, and what is selected (PRIMARY), as one client without windows sees them: takes
+// them over and serves their contents to others through pipes, and asks their owners for them.
 //
 // SIGPIPE must be ignored in the process: readers go away when they have enough.
 #pragma once
@@ -35,7 +35,7 @@ public:
     WaylandSelection(const char* name, User user, Limits limits);
 
     void pump() override;
-    void own(ClipboardItem item) override;
+    void own(Source source, ClipboardItem item) override;
     // A clipboard manager reads what is new as soon as it hears of it: it gets the time for that.
     void handOver() override;
     std::vector<std::string> targets(Source source) override;
@@ -47,6 +47,12 @@ private:
         std::shared_ptr<const ClipboardItem> item;
         WaylandDataSource source;
         Clock::time_point since;
+    };
+    // The clipboard or PRIMARY, as far as it is ours.
+    struct Holding {
+        WaylandSelection* client = nullptr;
+        std::optional<OwnContents> own{};
+        bool isClearing = false;  // by ourselves, which is no change by others
     };
     class Descriptor {
     public:
@@ -67,19 +73,20 @@ private:
     };
 
     void handleChange(Source source);
-    const ClipboardRepresentation* ownForm(std::string_view type) const;
-    void serve(std::string_view type, int pipe);
+    Holding& holding(Source source) { return source == Source::primary ? primary_ : clipboard_; }
+    void serve(const Holding& holding, std::string_view type, int pipe);
     void beginTransfer(std::shared_ptr<const Bytes> data, std::shared_ptr<const Descriptor> pipe);
-    std::optional<Bytes> readToEnd(int pipe);
+    std::optional<Bytes> readToEnd(Source source, int pipe);
     void waitOnce(std::optional<Clock::time_point> deadline, int readable = -1);
     void doWithCompositor(const std::function<void()>& work);
+    void throwIfLost() const;
 
     WaylandConnection connection_;
     User user_;
     Limits limits_;
     bool isLost_ = false;
-    bool isClearing_ = false;  // by ourselves, which is no change by others
-    std::optional<OwnContents> own_;
+    Holding clipboard_{.client = this};
+    Holding primary_{.client = this};
     std::vector<Transfer> transfers_;
     std::unique_ptr<WaylandDataDevice> device_;
 };

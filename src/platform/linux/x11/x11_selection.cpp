@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <cerrno>
 #include <cstring>
 #include <span>
@@ -135,7 +136,8 @@ xcb_window_t X11Selection::ownerOf(xcb_atom_t selection) {
     return reply ? reply->owner : static_cast<xcb_window_t>(XCB_WINDOW_NONE);
 }
 
-void X11Selection::own(ClipboardItem item) {
+void X11Selection::own([[maybe_unused]] Source source, ClipboardItem item) {
+    assert(source == Source::clipboard);
     const xcb_timestamp_t now = serverTime();
     const bool isEmpty = item.empty();
     own_ = isEmpty ? nullptr : std::make_shared<const OwnContents>(OwnContents{std::move(item), now});
@@ -194,7 +196,7 @@ void X11Selection::handleOwnerChange(const xcb_xfixes_selection_notify_event_t& 
         --ownClearings_;
         return;
     }
-    user_.changedByOthers();
+    user_.changedByOthers(Source::clipboard);
 }
 
 void X11Selection::handleProperty(const xcb_property_notify_event_t& event) {
@@ -363,7 +365,8 @@ std::optional<X11Selection::Property> X11Selection::receive(Source source, xcb_a
     const xcb_atom_t selection = source == Source::primary ? xcb_atom_t{XCB_ATOM_PRIMARY} : atom("CLIPBOARD");
     const xcb_atom_t property = request(selection, target);
     const bool isAnswered = pumpUntil([this] { return notified_.has_value(); }, user_.isGivenUp);
-    if (!isAnswered || *notified_ == XCB_ATOM_NONE) return std::nullopt;
+    if (!isAnswered) return giveUp(source);
+    if (*notified_ == XCB_ATOM_NONE) return std::nullopt;
     hasNewPiece_ = false;
     Property contents = takeProperty(property);
     if (contents.type != atom("INCR")) return contents;
@@ -373,10 +376,17 @@ std::optional<X11Selection::Property> X11Selection::receive(Source source, xcb_a
         hasNewPiece_ = false;
         const Property piece = takeProperty(property);
         if (piece.data.empty()) return contents;
-        if (contents.data.size() + piece.data.size() > largestContents) return std::nullopt;
+        if (contents.data.size() + piece.data.size() > largestContents) throwTooMuch(source);
         contents.type = piece.type;
         contents.data.insert(contents.data.end(), piece.data.begin(), piece.data.end());
     }
+    return giveUp(source);
+}
+
+// After a wait that was in vain.
+std::nullopt_t X11Selection::giveUp(Source source) const {
+    if (isLost()) throw Error("与显示服务器的连接已断开。");
+    if (!user_.isGivenUp()) throwOwnerIsSilent(source);
     return std::nullopt;
 }
 

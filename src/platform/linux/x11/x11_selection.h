@@ -31,7 +31,7 @@ public:
     X11Selection(const char* display, User user, std::chrono::milliseconds patience = defaultPatience);
 
     void pump() override { pump(std::nullopt); }
-    void own(ClipboardItem item) override;
+    void own(Source source, ClipboardItem item) override;  // the clipboard alone
     // To the desktop's clipboard manager, if it has one. That may take its time as long as it goes on taking, up to
     // half a minute.
     void handOver() override;
@@ -88,6 +88,7 @@ private:
     struct Property;
     Property takeProperty(xcb_atom_t property);
     std::optional<Property> receive(Source source, xcb_atom_t target);
+    std::nullopt_t giveUp(Source source) const;
 
     X11Connection connection_;
     User user_;
