@@ -16,6 +16,8 @@
 #include "fakes/child_process.h"
 #include "fakes/wayland_test_compositor.h"
 #include "platform/linux/desktop/application_name.h"
+#include "platform/linux/wayland/wayland_selection.h"
+#include "virtual-keyboard-unstable-v1-client.h"
 #include "xdg-shell-client.h"
 
 namespace ovrin {
@@ -242,6 +244,31 @@ TEST_F(WaylandSimulateKeyboardTest, KnowsWhetherAnotherProgramHasTheKeyboard) {
     program.reset();
     const auto other = open("editor");
     EXPECT_NE(keyboard->frontWindow(), window);
+}
+
+TEST_F(WaylandSimulateKeyboardTest, WhatIsSelectedCountsSinceTheWindowGotTheKeyboard) {
+    using enum SimulateKeyboard::Selection;
+    const auto before = select("of nobody knows whom");
+    keyboard.emplace(compositor->display().c_str());
+    const auto editor = open("org.kde.kate");
+    EXPECT_EQ(keyboard->selection(), copied);
+    const auto inEditor = select("in the editor");
+    EXPECT_EQ(keyboard->selection(), either);
+    editor->received();
+    keyboard->paste();
+    EXPECT_EQ(editor->received(), strokes(KEY_LEFTSHIFT, KEY_INSERT, shift));
+    {
+        const auto other = open("firefox");
+        EXPECT_EQ(keyboard->selection(), copied);
+    }
+    EXPECT_EQ(keyboard->selection(), copied);  // that may be long ago
+
+    // What this program lends to be pasted is nobody's selection.
+    const auto again = select("again");
+    ASSERT_EQ(keyboard->selection(), either);
+    WaylandSelection lending(compositor->display().c_str(), {.changedByOthers = [](ClipboardSource) {}}, {});
+    lending.own(ClipboardSource::primary, {{.type = "text/plain"}});
+    EXPECT_EQ(keyboard->selection(), copied);
 }
 
 TEST_F(WaylandSimulateKeyboardTest, PressesNothingInATerminal) {

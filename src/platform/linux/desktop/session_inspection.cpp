@@ -26,8 +26,8 @@
 #include "platform/linux/wayland/kwin_screen_capture.h"
 #include "platform/linux/wayland/wayland_connection.h"
 #include "platform/linux/wayland/wayland_data_device.h"
+#include "platform/linux/wayland/wayland_keys.h"
 #include "platform/linux/wayland/wayland_screen_capture.h"
-#include "platform/linux/wayland/wayland_synthetic_keyboard.h"
 #include "platform/linux/x11/x11_connection.h"
 #include "platform/linux/x11/x11_screenshot.h"
 #include "platform/linux/x11/xcb_xkb.h"
@@ -113,8 +113,10 @@ public:
             found.push_back(byExtension("clipboard", &xcb_xfixes_id, "X11 selections", false));
             found.push_back(byExtension("selection", &xcb_xfixes_id, "X11 PRIMARY", isNative()));
         }
-        if (isNative() && WaylandSimulateKeyboard::isOfferedBy(*wayland_)) {
-            found.push_back(available("replacement", "virtual keyboard"));
+        if (isNative() && WaylandDataDevice::isOfferedBy(*wayland_)) {
+            const std::string keys = WaylandKeys::mechanism(*wayland_);
+            found.push_back(keys.empty() ? missing("replacement", "this desktop lets no program press keys")
+                                         : available("replacement", keys));
         } else {
             found.push_back(byExtension("replacement", &xcb_test_id, "X11 XTEST", isNative()));
         }

@@ -74,7 +74,6 @@ DesktopLoader::DesktopLoader()
             pictures_ = Pictures::kwin;
         }
         controlsClipboard_ = WaylandDataDevice::isOfferedBy(connection);
-        pressesKeys_ = WaylandSimulateKeyboard::isOfferedBy(connection);
     } catch (const Error&) {
         return;  // the adapters say what they cannot do there
     }
@@ -107,7 +106,7 @@ std::unique_ptr<ClipboardService> DesktopLoader::makeClipboard(const ImageDecode
 std::unique_ptr<SimulateKeyboard> DesktopLoader::makeKeyboard() const {
     return orWithout<SimulateKeyboard>(
         [this]() -> std::unique_ptr<SimulateKeyboard> {
-            if (pressesKeys_) return std::make_unique<HeardKeyboard>();
+            if (controlsClipboard_) return std::make_unique<HeardKeyboard>();
             return std::make_unique<X11SimulateKeyboard>(nullptr);
         },
         [](const std::string& /*reason*/) { return std::make_unique<NullSimulateKeyboard>(); });

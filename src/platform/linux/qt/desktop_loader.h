@@ -45,7 +45,6 @@ private:
     bool isWayland_;
     Pictures pictures_;
     bool controlsClipboard_ = false;
-    bool pressesKeys_ = false;
     X11Screenshot screenshot_;
 };
 

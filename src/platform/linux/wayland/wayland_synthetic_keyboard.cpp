@@ -1,8 +1,10 @@
 #include "platform/linux/wayland/wayland_synthetic_keyboard.h"
 
+#include <algorithm>
 #include <chrono>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -17,29 +19,19 @@ namespace {
 // A compositor that is busy for longer is not waited for: what it told last counts.
 constexpr std::chrono::milliseconds timeToCatchUp{100};
 
-std::uint32_t now() {
-    const auto time = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
-}
-
 constexpr auto ignored = [](auto...) {};
+
+bool isPressable(SimulateKeyboard::Selection selection) {
+    return selection == SimulateKeyboard::Selection::copied || selection == SimulateKeyboard::Selection::either;
+}
 
 }  // namespace
 
-bool WaylandSimulateKeyboard::isOfferedBy(const WaylandConnection& connection) {
-    return WaylandDataDevice::isOfferedBy(connection) &&
-           connection.versionOf(zwp_virtual_keyboard_manager_v1_interface) > 0;
-}
-
 WaylandSimulateKeyboard::WaylandSimulateKeyboard(const char* name)
-    : connection_(name),
-      toplevels_(connection_),
-      manager_(connection_.bind<zwp_virtual_keyboard_manager_v1>(zwp_virtual_keyboard_manager_v1_interface, 1)) {
+    : connection_(name), toplevels_(WaylandToplevels::of(connection_)) {
     device_.emplace(connection_, [this](SelectionClient::Source source) {
-        if (source != SelectionClient::Source::primary) return;
-        const WaylandToplevel* const front = toplevels_.front();
         // What is selected at the start may be anybody's.
-        selecting_ = device_ && front != nullptr ? Window{front->number} : Window::nowhere;
+        if (source == SelectionClient::Source::primary && device_) noteSelection();
     });
     seat_ = connection_.bind<wl_seat>(wl_seat_interface, 5);
     static constexpr wl_seat_listener listener = {[](void* self, wl_seat* /*seat*/, std::uint32_t capabilities) {
@@ -50,15 +42,15 @@ WaylandSimulateKeyboard::WaylandSimulateKeyboard(const char* name)
     wl_seat_add_listener(seat_, &listener, this);
     connection_.roundTrip();  // whether there is a keyboard
     connection_.roundTrip();  // its keymap
-    if (!keymap_) keymap_ = WaylandKeymap::ofEnvironment();
-    // Now and not for the first stroke: compositors take the focus away from the window in front for a moment, and
-    // where this is the first keyboard, programs do not listen to it yet.
-    if (isTrusted() && prepareVirtualKeyboard()) connection_.roundTrip();
+    // Now and not for the first stroke: of a new virtual keyboard, compositors take the focus away from the window in
+    // front for a moment, and where it is the first keyboard, programs do not listen to it yet.
+    keys_ = WaylandKeys::of(connection_, seat_);
+    setKeymap(keymap_ ? std::move(keymap_) : WaylandKeymap::ofEnvironment());
+    connection_.roundTrip();
 }
 
 WaylandSimulateKeyboard::~WaylandSimulateKeyboard() {
-    if (virtualKeyboard_ != nullptr) zwp_virtual_keyboard_v1_destroy(virtualKeyboard_);
-    if (manager_ != nullptr) zwp_virtual_keyboard_manager_v1_destroy(manager_);
+    keys_.reset();
     if (keyboard_ != nullptr) wl_keyboard_release(keyboard_);
     wl_seat_release(seat_);
 }
@@ -82,37 +74,49 @@ void WaylandSimulateKeyboard::catchUp() {
 }
 
 bool WaylandSimulateKeyboard::isTrusted() {
-    return manager_ != nullptr && !isLost_;
+    return keys_ != nullptr && !isLost_;
+}
+
+const WaylandToplevel* WaylandSimulateKeyboard::front() const {
+    return toplevels_ ? toplevels_->front() : nullptr;
 }
 
 bool WaylandSimulateKeyboard::reachesOtherProgram() {
     catchUp();
-    if (!toplevels_.areKnown()) return true;
-    const WaylandToplevel* const front = toplevels_.front();
-    return front != nullptr && front->applicationId != applicationId;
+    if (!toplevels_) return true;
+    return front() != nullptr && front()->applicationId != applicationId;
 }
 
 SimulateKeyboard::Window WaylandSimulateKeyboard::frontWindow() {
     catchUp();
-    const WaylandToplevel* const front = toplevels_.front();
-    return front != nullptr ? Window{front->number} : Window::nowhere;
+    return front() != nullptr ? Window{front()->number} : Window::nowhere;
+}
+
+void WaylandSimulateKeyboard::noteSelection() {
+    const std::vector<std::string>& types = device_->types(SelectionClient::Source::primary);
+    const bool isOurs = std::ranges::find(types, WaylandDataDevice::ownType) != types.end();
+    selecting_ = front() != nullptr && !types.empty() && !isOurs ? Window{front()->number} : Window::nowhere;
+    selectingSince_ = toplevels_ ? toplevels_->activationCount() : 0;
 }
 
 SimulateKeyboard::Selection WaylandSimulateKeyboard::selection() {
     catchUp();
-    const WaylandToplevel* const front = toplevels_.front();
-    if (front == nullptr || !isTerminalProgram(front->applicationId)) return Selection::copied;
-    const bool isItsOwn =
-        selecting_ == Window{front->number} && !device_->types(SelectionClient::Source::primary).empty();
-    return isItsOwn ? Selection::shown : Selection::absent;
+    if (!isTrusted()) {
+        return device_->types(SelectionClient::Source::primary).empty() ? Selection::absent : Selection::shown;
+    }
+    const bool isItsOwn = front() != nullptr && selecting_ == Window{front()->number};
+    if (front() != nullptr && isTerminalProgram(front()->applicationId)) {
+        return isItsOwn ? Selection::shown : Selection::absent;
+    }
+    return isItsOwn && selectingSince_ == toplevels_->activationCount() ? Selection::either : Selection::copied;
 }
 
 void WaylandSimulateKeyboard::copy() {
-    if (selection() == Selection::copied && keymap_) press(keymap_->controlC());
+    if (isPressable(selection()) && keymap_) press(keymap_->controlC());
 }
 
 void WaylandSimulateKeyboard::paste() {
-    if (selection() == Selection::copied && keymap_) press(keymap_->shiftInsert());
+    if (isPressable(selection()) && keymap_) press(keymap_->shiftInsert());
 }
 
 void WaylandSimulateKeyboard::followKeyboard(bool hasKeyboard) {
@@ -138,45 +142,21 @@ void WaylandSimulateKeyboard::takeKeymap(std::uint32_t format, int descriptor, s
     std::string text(static_cast<const char*>(memory), size);
     ::munmap(memory, size);
     text.resize(text.find_last_not_of('\0') + 1);
-    if (format != WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1 || text == givenKeymap_) return;
-    if (std::optional<WaylandKeymap> keymap = WaylandKeymap::read(std::move(text))) keymap_ = std::move(keymap);
+    const bool isNew = !keymap_ || text != keymap_->text();
+    if (format != WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1 || !isNew) return;
+    if (std::optional<WaylandKeymap> keymap = WaylandKeymap::read(std::move(text))) setKeymap(std::move(keymap));
 }
 
-// Gives it the keymap of the seat's own keyboard, so that programs that go by a key's place understand it as well.
-// False when that is not possible.
-bool WaylandSimulateKeyboard::prepareVirtualKeyboard() {
-    if (virtualKeyboard_ == nullptr) {
-        virtualKeyboard_ = zwp_virtual_keyboard_manager_v1_create_virtual_keyboard(manager_, seat_);
-    }
-    if (!keymap_) return false;
-    if (givenKeymap_ == keymap_->text()) return true;
-    const std::size_t size = keymap_->text().size() + 1;
-    const int file = ::memfd_create("keymap", MFD_CLOEXEC);
-    const bool isWritten = ::write(file, keymap_->text().c_str(), size) == static_cast<ssize_t>(size);
-    if (isWritten) {
-        zwp_virtual_keyboard_v1_keymap(virtualKeyboard_, WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1, file,
-                                       static_cast<std::uint32_t>(size));
-        givenKeymap_ = keymap_->text();
-    }
-    ::close(file);
-    return isWritten;
+// A virtual keyboard has that of the seat's own, so that programs that go by a key's place understand it as well.
+void WaylandSimulateKeyboard::setKeymap(std::optional<WaylandKeymap> keymap) {
+    keymap_ = std::move(keymap);
+    if (keys_ && keymap_) keys_->useKeymap(*keymap_);
 }
 
-// Compositors don't derive a virtual keyboard's modifiers from its keys.
 void WaylandSimulateKeyboard::press(const WaylandKeyStroke& stroke) {
-    if (!isTrusted() || !prepareVirtualKeyboard()) return;
-    key(stroke.modifierKey, true);
-    zwp_virtual_keyboard_v1_modifiers(virtualKeyboard_, stroke.modifierMask, 0, 0, stroke.group);
-    key(stroke.key, true);
-    key(stroke.key, false);
-    key(stroke.modifierKey, false);
-    zwp_virtual_keyboard_v1_modifiers(virtualKeyboard_, 0, 0, 0, stroke.group);
+    if (!isTrusted()) return;
+    keys_->press(stroke);
     catchUp();
-}
-
-void WaylandSimulateKeyboard::key(std::uint32_t code, bool isPressed) {
-    zwp_virtual_keyboard_v1_key(virtualKeyboard_, now(), code,
-                                isPressed ? WL_KEYBOARD_KEY_STATE_PRESSED : WL_KEYBOARD_KEY_STATE_RELEASED);
 }
 
 }  // namespace ovrin

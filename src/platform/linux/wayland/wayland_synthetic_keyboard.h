@@ -1,35 +1,33 @@
-// Presses Control+C and Shift+Insert in the program in front, on a virtual keyboard of the compositor. In terminals,
-// where Control+C interrupts what runs and nothing that is selected can be replaced, it presses nothing.
+// Presses Control+C and Shift+Insert in the program in front, where the compositor lets it. In terminals, where
+// Control+C interrupts what runs and nothing that is selected can be replaced, it presses nothing.
 //
-// Shift+Insert pastes the clipboard in every toolkit's fields, like Control+V, and does no harm elsewhere. The
-// compositor keeps the modifiers of each keyboard apart: keys that the user still holds from a shortcut change nothing.
+// Shift+Insert pastes the clipboard in every toolkit's fields, like Control+V, and does no harm elsewhere; a few
+// programs paste what is selected with it.
 #pragma once
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include "platform/linux/wayland/wayland_connection.h"
 #include "platform/linux/wayland/wayland_data_device.h"
 #include "platform/linux/wayland/wayland_keymap.h"
+#include "platform/linux/wayland/wayland_keys.h"
 #include "platform/linux/wayland/wayland_toplevels.h"
 #include "platform/synthetic_keyboard.h"
-#include "virtual-keyboard-unstable-v1-client.h"
 
 namespace ovrin {
 
 class WaylandSimulateKeyboard final : public SimulateKeyboard {
 public:
-    // Whether it can tell what is selected and press keys.
-    static bool isOfferedBy(const WaylandConnection& connection);
-
     // name: of the compositor's socket; null for the one the environment names. Throws Error when no compositor
     // answers, or it does not tell what is selected.
     explicit WaylandSimulateKeyboard(const char* name);
     WaylandSimulateKeyboard(const WaylandSimulateKeyboard&) = delete;
     WaylandSimulateKeyboard& operator=(const WaylandSimulateKeyboard&) = delete;
-    // A compositor without another keyboard loses the keyboard focus with this one: the object lives as long as the
-    // program.
+    // A compositor without another keyboard loses the keyboard focus with a virtual one: the object lives as long as
+    // the program.
     ~WaylandSimulateKeyboard() override;
 
     // Readable when process() has something to do.
@@ -48,7 +46,8 @@ public:
 
     Window frontWindow() override;
 
-    // What a terminal has selected is the PRIMARY selection, if that has last changed while it was in front.
+    // PRIMARY counts if it has changed since the window got the keyboard; in a terminal if it has last changed while
+    // that was in front; where no keys can be pressed always. What this program has put there never does.
     Selection selection() override;
 
     void copy() override;
@@ -59,21 +58,22 @@ private:
     void catchUp();
     void followKeyboard(bool hasKeyboard);
     void takeKeymap(std::uint32_t format, int descriptor, std::uint32_t size);
+    const WaylandToplevel* front() const;
+    void setKeymap(std::optional<WaylandKeymap> keymap);
+    void noteSelection();
     void press(const WaylandKeyStroke& stroke);
-    bool prepareVirtualKeyboard();
-    void key(std::uint32_t code, bool isPressed);
 
     WaylandConnection connection_;
     bool isLost_ = false;
-    WaylandToplevels toplevels_;
-    Window selecting_ = Window::nowhere;  // the one that was in front when PRIMARY last changed
+    std::unique_ptr<WaylandToplevels> toplevels_;  // null where the compositor does not tell of them
+    // When PRIMARY last changed by somebody else: the window that was in front, since this activation.
+    Window selecting_ = Window::nowhere;
+    std::uint64_t selectingSince_ = 0;
     std::optional<WaylandDataDevice> device_;
     wl_seat* seat_ = nullptr;
     wl_keyboard* keyboard_ = nullptr;  // of the seat; tells the keymap
     std::optional<WaylandKeymap> keymap_;
-    zwp_virtual_keyboard_manager_v1* manager_;
-    zwp_virtual_keyboard_v1* virtualKeyboard_ = nullptr;
-    std::string givenKeymap_;  // to the virtual keyboard
+    std::unique_ptr<WaylandKeys> keys_;  // null where none can be pressed
 };
 
 }  // namespace ovrin

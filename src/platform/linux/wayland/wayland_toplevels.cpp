@@ -2,62 +2,169 @@
 
 #include <algorithm>
 #include <span>
+#include <type_traits>
+
+#include "plasma-window-management-client.h"
+#include "wlr-foreign-toplevel-management-unstable-v1-client.h"
 
 namespace ovrin {
 namespace {
 
-bool isActivatedIn(const wl_array& states) {
-    const std::span all(static_cast<const std::uint32_t*>(states.data), states.size / sizeof(std::uint32_t));
-    return std::ranges::find(all, std::uint32_t{ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_ACTIVATED}) != all.end();
-}
+constexpr auto ignored = [](auto...) {};
+
+class WlrToplevels final : public WaylandToplevels {
+public:
+    static constexpr const wl_interface* managerInterface = &zwlr_foreign_toplevel_manager_v1_interface;
+
+    explicit WlrToplevels(WaylandConnection& connection)
+        : manager_(connection.bind<zwlr_foreign_toplevel_manager_v1>(*managerInterface, 1)) {
+        static constexpr zwlr_foreign_toplevel_manager_v1_listener listener = {
+            [](void* self, zwlr_foreign_toplevel_manager_v1* /*manager*/, zwlr_foreign_toplevel_handle_v1* handle) {
+                static_cast<WlrToplevels*>(self)->introduce(handle);
+            },
+            ignored};
+        zwlr_foreign_toplevel_manager_v1_add_listener(manager_, &listener, this);
+        connection.roundTrip();
+    }
+    WlrToplevels(const WlrToplevels&) = delete;
+    WlrToplevels& operator=(const WlrToplevels&) = delete;
+    ~WlrToplevels() override {
+        for (zwlr_foreign_toplevel_handle_v1* const handle : handles_) zwlr_foreign_toplevel_handle_v1_destroy(handle);
+        zwlr_foreign_toplevel_manager_v1_destroy(manager_);
+    }
+
+private:
+    static bool isActivatedIn(const wl_array& states) {
+        const std::span all(static_cast<const std::uint32_t*>(states.data), states.size / sizeof(std::uint32_t));
+        return std::ranges::find(all, std::uint32_t{ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_ACTIVATED}) != all.end();
+    }
+
+    void introduce(zwlr_foreign_toplevel_handle_v1* handle) {
+        handles_.push_back(handle);
+        add(handle);
+        static constexpr zwlr_foreign_toplevel_handle_v1_listener listener = {
+            ignored,
+            [](void* self, zwlr_foreign_toplevel_handle_v1* handle, const char* applicationId) {
+                static_cast<WlrToplevels*>(self)->setApplicationId(handle, applicationId);
+            },
+            ignored,
+            ignored,
+            [](void* self, zwlr_foreign_toplevel_handle_v1* handle, wl_array* states) {
+                static_cast<WlrToplevels*>(self)->setActivated(handle, isActivatedIn(*states));
+            },
+            ignored,
+            [](void* self, zwlr_foreign_toplevel_handle_v1* handle) {
+                static_cast<WlrToplevels*>(self)->forget(handle);
+            },
+            ignored};
+        zwlr_foreign_toplevel_handle_v1_add_listener(handle, &listener, this);
+    }
+    void forget(zwlr_foreign_toplevel_handle_v1* handle) {
+        remove(handle);
+        std::erase(handles_, handle);
+        zwlr_foreign_toplevel_handle_v1_destroy(handle);
+    }
+
+    zwlr_foreign_toplevel_manager_v1* manager_;
+    std::vector<zwlr_foreign_toplevel_handle_v1*> handles_;
+};
+
+// KWin tells of windows in a protocol of its own, and programs only whose desktop entry asks for it.
+class PlasmaToplevels final : public WaylandToplevels {
+public:
+    static constexpr const wl_interface* managerInterface = &org_kde_plasma_window_management_interface;
+    static constexpr std::uint32_t version = 13;  // from which on windows are known by a name that is never used again
+
+    explicit PlasmaToplevels(WaylandConnection& connection)
+        : manager_(connection.bind<org_kde_plasma_window_management>(*managerInterface, version)) {
+        static constexpr org_kde_plasma_window_management_listener listener = {
+            ignored, ignored, ignored, ignored,
+            [](void* self, org_kde_plasma_window_management* /*manager*/, std::uint32_t /*number*/, const char* name) {
+                static_cast<PlasmaToplevels*>(self)->introduce(name);
+            }};
+        org_kde_plasma_window_management_add_listener(manager_, &listener, this);
+        connection.roundTrip();  // which windows there are
+        connection.roundTrip();  // what they are
+    }
+    PlasmaToplevels(const PlasmaToplevels&) = delete;
+    PlasmaToplevels& operator=(const PlasmaToplevels&) = delete;
+    ~PlasmaToplevels() override {
+        for (org_kde_plasma_window* const window : windows_) org_kde_plasma_window_destroy(window);
+        org_kde_plasma_window_management_destroy(manager_);
+    }
+
+private:
+    void introduce(const char* name) {
+        org_kde_plasma_window* const window = org_kde_plasma_window_management_get_window_by_uuid(manager_, name);
+        windows_.push_back(window);
+        add(window);
+        static constexpr org_kde_plasma_window_listener listener = [] {
+            org_kde_plasma_window_listener result{};
+            result.title_changed = ignored;
+            result.app_id_changed = [](void* self, org_kde_plasma_window* window, const char* applicationId) {
+                static_cast<PlasmaToplevels*>(self)->setApplicationId(window, applicationId);
+            };
+            result.state_changed = [](void* self, org_kde_plasma_window* window, std::uint32_t state) {
+                static_cast<PlasmaToplevels*>(self)->setActivated(
+                    window, (state & ORG_KDE_PLASMA_WINDOW_MANAGEMENT_STATE_ACTIVE) != 0);
+            };
+            result.virtual_desktop_changed = ignored;
+            result.themed_icon_name_changed = ignored;
+            result.unmapped = [](void* self, org_kde_plasma_window* window) {
+                static_cast<PlasmaToplevels*>(self)->forget(window);
+            };
+            result.initial_state = ignored;
+            result.parent_window = ignored;
+            result.geometry = ignored;
+            result.icon_changed = ignored;
+            result.pid_changed = ignored;
+            result.virtual_desktop_entered = ignored;
+            result.virtual_desktop_left = ignored;
+            result.application_menu = ignored;
+            return result;
+        }();
+        org_kde_plasma_window_add_listener(window, &listener, this);
+    }
+    void forget(org_kde_plasma_window* window) {
+        remove(window);
+        std::erase(windows_, window);
+        org_kde_plasma_window_destroy(window);
+    }
+
+    org_kde_plasma_window_management* manager_;
+    std::vector<org_kde_plasma_window*> windows_;
+};
 
 }  // namespace
 
-WaylandToplevels::WaylandToplevels(WaylandConnection& connection)
-    : manager_(connection.bind<zwlr_foreign_toplevel_manager_v1>(zwlr_foreign_toplevel_manager_v1_interface, 1)) {
-    if (!areKnown()) return;
-    static constexpr zwlr_foreign_toplevel_manager_v1_listener listener = {
-        [](void* self, zwlr_foreign_toplevel_manager_v1* /*manager*/, zwlr_foreign_toplevel_handle_v1* handle) {
-            static_cast<WaylandToplevels*>(self)->add(handle);
-        },
-        [](void* /*self*/, zwlr_foreign_toplevel_manager_v1* /*manager*/) {}};
-    zwlr_foreign_toplevel_manager_v1_add_listener(manager_, &listener, this);
-    connection.roundTrip();
+std::unique_ptr<WaylandToplevels> WaylandToplevels::of(WaylandConnection& connection) {
+    if (connection.versionOf(*WlrToplevels::managerInterface) > 0) return std::make_unique<WlrToplevels>(connection);
+    if (connection.versionOf(*PlasmaToplevels::managerInterface) >= PlasmaToplevels::version) {
+        return std::make_unique<PlasmaToplevels>(connection);
+    }
+    return nullptr;
 }
 
-WaylandToplevels::~WaylandToplevels() {
-    for (const Entry& entry : entries_) zwlr_foreign_toplevel_handle_v1_destroy(entry.handle);
-    if (areKnown()) zwlr_foreign_toplevel_manager_v1_destroy(manager_);
+void WaylandToplevels::add(const void* handle) {
+    entries_.push_back({.handle = handle, .toplevel = {.number = ++lastNumber_}});
 }
 
-void WaylandToplevels::add(zwlr_foreign_toplevel_handle_v1* handle) {
-    entries_.push_back({.toplevel = {.number = ++lastNumber_}, .handle = handle});
-    static constexpr zwlr_foreign_toplevel_handle_v1_listener listener = {
-        [](void* /*self*/, zwlr_foreign_toplevel_handle_v1* /*handle*/, const char* /*title*/) {},
-        [](void* self, zwlr_foreign_toplevel_handle_v1* handle, const char* applicationId) {
-            static_cast<WaylandToplevels*>(self)->of(handle).applicationId = applicationId;
-        },
-        [](void* /*self*/, zwlr_foreign_toplevel_handle_v1* /*handle*/, wl_output* /*output*/) {},
-        [](void* /*self*/, zwlr_foreign_toplevel_handle_v1* /*handle*/, wl_output* /*output*/) {},
-        [](void* self, zwlr_foreign_toplevel_handle_v1* handle, wl_array* states) {
-            static_cast<WaylandToplevels*>(self)->of(handle).isActivated = isActivatedIn(*states);
-        },
-        [](void* /*self*/, zwlr_foreign_toplevel_handle_v1* /*handle*/) {},
-        [](void* self, zwlr_foreign_toplevel_handle_v1* handle) {
-            static_cast<WaylandToplevels*>(self)->remove(handle);
-        },
-        [](void* /*self*/, zwlr_foreign_toplevel_handle_v1* /*handle*/, zwlr_foreign_toplevel_handle_v1* /*parent*/) {
-        }};
-    zwlr_foreign_toplevel_handle_v1_add_listener(handle, &listener, this);
+void WaylandToplevels::setApplicationId(const void* handle, const char* applicationId) {
+    toplevelOf(handle).applicationId = applicationId;
 }
 
-void WaylandToplevels::remove(zwlr_foreign_toplevel_handle_v1* handle) {
+void WaylandToplevels::setActivated(const void* handle, bool isActivated) {
+    WaylandToplevel& toplevel = toplevelOf(handle);
+    if (isActivated && !toplevel.isActivated) ++activationCount_;
+    toplevel.isActivated = isActivated;
+}
+
+void WaylandToplevels::remove(const void* handle) {
     std::erase_if(entries_, [handle](const Entry& entry) { return entry.handle == handle; });
-    zwlr_foreign_toplevel_handle_v1_destroy(handle);
 }
 
 // Nothing is said of a window after it has closed.
-WaylandToplevel& WaylandToplevels::of(zwlr_foreign_toplevel_handle_v1* handle) {
+WaylandToplevel& WaylandToplevels::toplevelOf(const void* handle) {
     return std::ranges::find(entries_, handle, &Entry::handle)->toplevel;
 }
 

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "platform/linux/wayland/wayland_connection.h"
-#include "wlr-foreign-toplevel-management-unstable-v1-client.h"
 
 namespace ovrin {
 
@@ -20,29 +19,38 @@ struct WaylandToplevel {
 // As the events say that the connection has taken in. Used by the thread that uses the connection, which outlives it.
 class WaylandToplevels {
 public:
-    explicit WaylandToplevels(WaylandConnection& connection);
+    // Null where the compositor tells this program nothing of them.
+    static std::unique_ptr<WaylandToplevels> of(WaylandConnection& connection);
+
+    virtual ~WaylandToplevels() = default;
     WaylandToplevels(const WaylandToplevels&) = delete;
     WaylandToplevels& operator=(const WaylandToplevels&) = delete;
-    ~WaylandToplevels();
-
-    // Whether the compositor tells of them at all.
-    bool areKnown() const { return manager_ != nullptr; }
 
     // The one with the keyboard; null while none has it.
     const WaylandToplevel* front() const;
 
+    // How often a window has got the keyboard so far.
+    std::uint64_t activationCount() const { return activationCount_; }
+
+protected:
+    WaylandToplevels() = default;
+
+    // What the protocol's events say of the window behind the handle.
+    void add(const void* handle);
+    void setApplicationId(const void* handle, const char* applicationId);
+    void setActivated(const void* handle, bool isActivated);
+    void remove(const void* handle);
+
 private:
     struct Entry {
+        const void* handle = nullptr;
         WaylandToplevel toplevel;
-        zwlr_foreign_toplevel_handle_v1* handle = nullptr;
     };
-    void add(zwlr_foreign_toplevel_handle_v1* handle);
-    void remove(zwlr_foreign_toplevel_handle_v1* handle);
-    WaylandToplevel& of(zwlr_foreign_toplevel_handle_v1* handle);
+    WaylandToplevel& toplevelOf(const void* handle);
 
-    zwlr_foreign_toplevel_manager_v1* manager_;
     std::vector<Entry> entries_;
     std::uint64_t lastNumber_ = 0;
+    std::uint64_t activationCount_ = 0;
 };
 
 }  // namespace ovrin
