@@ -54,7 +54,8 @@ Task<SelectedText> SelectionTranslateService::selectedText(SelectionUse use) {
         selected.text = co_await shownText();
     }
     if (selected.text.empty() && (selection == copied || selection == either)) {
-        if (!hasPermission()) throw SelectionError::accessibilityPermissionRequired();
+        const bool mayPressKeys = co_await hasPermission();
+        if (!mayPressKeys) throw SelectionError::accessibilityPermissionRequired();
         selected.text = co_await copiedText(selected.window);
     }
     if (selected.text.empty()) throw SelectionError::noSelection();
@@ -84,6 +85,7 @@ Task<std::string> SelectionTranslateService::shownText() {
 }
 
 Task<Replacement> SelectionTranslateService::replaceSelection(std::string text, SimulateKeyboard::Window window) {
+    co_await hasPermission();
     co_await waitForOtherProgram();
     const Replacement possible = possibleReplacement(window);
     if (possible != Replacement::pasted) {
@@ -123,7 +125,7 @@ Task<std::vector<PasteboardSnapshot>> SelectionTranslateService::snapshotsToPast
 }
 
 Replacement SelectionTranslateService::possibleReplacement(SimulateKeyboard::Window window) {
-    if (!hasPermission() || keyboard_.frontWindow() != window) return Replacement::offered;
+    if (!keyboard_.isTrusted() || keyboard_.frontWindow() != window) return Replacement::offered;
     using enum SimulateKeyboard::Selection;
     const SimulateKeyboard::Selection selection = keyboard_.selection();
     return selection == copied || selection == either ? Replacement::pasted : Replacement::refused;
@@ -136,8 +138,11 @@ Task<void> SelectionTranslateService::waitForOtherProgram() {
     }
 }
 
-bool SelectionTranslateService::hasPermission() {
-    return keyboard_.isTrusted() || keyboard_.requestTrust();
+Task<bool> SelectionTranslateService::hasPermission() {
+    if (keyboard_.isTrusted()) co_return true;
+    const bool isGranted = co_await keyboard_.requestTrust();
+    co_await waitForOtherProgram();  // the question may have had the keyboard
+    co_return isGranted;
 }
 
 }  // namespace ovrin

@@ -32,7 +32,7 @@ public:
     Task<Replacement> replaceSelection(std::string text, SimulateKeyboard::Window window) override;
 
 private:
-    bool hasPermission();
+    Task<bool> hasPermission();
     Replacement possibleReplacement(SimulateKeyboard::Window window);
     Task<void> waitForOtherProgram();
     Task<std::string> shownText();

@@ -23,11 +23,15 @@ public:
     explicit NullScreenCapture(std::string reason) : reason_(std::move(reason)) {}
 
     bool preflightAccess() override { return false; }
-    bool requestAccess() override { return false; }
+    Task<bool> requestAccess() override {
+        throw Error(reason_);
+        co_return false;
+    }
     Task<std::vector<CapturableDisplay>> displays() override {
         throw Error(reason_);
         co_return std::vector<CapturableDisplay>();
     }
+    void prepare(const ScreenshotRequest& /*request*/) override {}
     Task<Image> screenshot(ScreenshotRequest /*request*/) override {
         throw Error(reason_);
         co_return Image();
@@ -81,7 +85,7 @@ private:
 class NullSimulateKeyboard final : public SimulateKeyboard {
 public:
     bool isTrusted() override { return false; }
-    bool requestTrust() override { return false; }
+    Task<bool> requestTrust() override { co_return false; }
     bool reachesOtherProgram() override { return true; }
     Window frontWindow() override { return Window::nowhere; }
     Selection selection() override { return Selection::shown; }

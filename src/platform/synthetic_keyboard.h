@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "base/task.h"
+
 namespace ovrin {
 
 // Main thread. Nothing here throws.
@@ -14,7 +16,7 @@ public:
     virtual bool isTrusted() = 0;
 
     // Asks the user for it, where the desktop has a way to; the trust as it is now.
-    virtual bool requestTrust() = 0;
+    virtual Task<bool> requestTrust() = 0;
 
     // Whether the keys would reach another program now. They would not while one of this program's windows has the
     // keyboard, or is giving it back.

@@ -21,9 +21,10 @@ public:
     int checksUntilFocus = 0;  // as often it is asked in vain whether another program has the keyboard
 
     bool isTrusted() override { return isPermitted; }
-    bool requestTrust() override {
+    Task<bool> requestTrust() override {
         journal_.add("trust requested");
-        return answerToRequest;
+        isPermitted = answerToRequest;
+        co_return answerToRequest;
     }
     bool reachesOtherProgram() override { return checksUntilFocus == 0 || --checksUntilFocus == 0; }
     Window frontWindow() override { return front; }

@@ -36,7 +36,7 @@ public:
     }
 
     bool isTrusted() override { return keyboard_.isTrusted(); }
-    bool requestTrust() override { return keyboard_.requestTrust(); }
+    Task<bool> requestTrust() override { return keyboard_.requestTrust(); }
     bool reachesOtherProgram() override { return keyboard_.reachesOtherProgram(); }
     Window frontWindow() override { return keyboard_.frontWindow(); }
     Selection selection() override { return keyboard_.selection(); }

@@ -38,7 +38,7 @@ public:
 
     // Whether the compositor lets programs press keys. It can't be asked to.
     bool isTrusted() override;
-    bool requestTrust() override { return isTrusted(); }
+    Task<bool> requestTrust() override { co_return isTrusted(); }
 
     // A window that is not of this program has the keyboard. Taken to be so where the compositor does not tell of
     // windows.

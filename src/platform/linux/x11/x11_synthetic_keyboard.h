@@ -22,7 +22,7 @@ public:
 
     // Whether the server lets programs press keys. It can't be asked to.
     bool isTrusted() override;
-    bool requestTrust() override { return isTrusted(); }
+    Task<bool> requestTrust() override { co_return isTrusted(); }
 
     // The window with the keyboard is, or is in, one that the window manager manages and that is not of this process.
     bool reachesOtherProgram() override;
