@@ -186,7 +186,7 @@ private:
     WorkerExecutor clipboardWorker_{1};
     DesktopLoader desktop_;
     std::unique_ptr<ScreenCapture> screen_ = desktop_.makeScreenCapture(screenWorker_);
-    QtCaptureOverlays captureOverlays_{environment_, desktop_.screenshot()};
+    QtCaptureOverlays captureOverlays_{environment_};
     std::unique_ptr<ClipboardService> ownedClipboard_ = desktop_.makeClipboard(decoder_, encoder_, clipboardWorker_);
     ClipboardService& clipboard_ = *ownedClipboard_;
     std::unique_ptr<SimulateKeyboard> ownedKeyboard_ = desktop_.makeKeyboard();
@@ -276,7 +276,8 @@ AppDelegate::AppDelegate()
     : appState_(std::make_unique<VisionOCREngine>(
                     std::vector<std::string>{"zh-Hans", "zh-Hant", "en-US", "ja-JP", "ko-KR"}, recognizer_, identifier_,
                     recognitionWorker_, std::chrono::system_clock::now),
-                model_.translation(identifier_), std::make_unique<CaptureController>(captureOverlays_, [] {}),
+                model_.translation(identifier_),
+                std::make_unique<CaptureController>(loop_, captureOverlays_, *screen_, [] {}),
                 std::make_unique<SelectionTranslateService>(clipboard_, keyboard_), surroundings()) {
     settings_.defaults.deferChanges(DeferredWrites::patience, deferredWrites_.note());
     state_.deferChanges(DeferredWrites::patience, deferredWrites_.note());

@@ -55,15 +55,31 @@ AppState::AppState(std::unique_ptr<OCREngine> ocrEngine, TranslationService tran
       surroundings_(surroundings),
       screenCapture_(surroundings.screen),
       self_(std::make_shared<AppState*>(this)),
+      regionChoice_(surroundings.loop),
       flows_(surroundings.loop) {}
 
 AppState::~AppState() = default;
 
 void AppState::startCapture(CaptureIntent intent) {
-    if (isCapturing_.value()) return;
-    if (!surroundings_.screen.preflightAccess() && !surroundings_.screen.requestAccess()) {
-        return showProblem("需要授予“屏幕与系统录音”权限后才能截图识别。");
+    if (isCapturing_.value() || regionChoice_.isRunning()) return;
+    regionChoice_.replace(chooseRegion(intent));
+}
+
+Task<bool> AppState::mayCapture() {
+    if (surroundings_.screen.preflightAccess()) co_return true;
+    try {
+        const bool isGranted = co_await surroundings_.screen.requestAccess();
+        if (!isGranted) showProblem("需要授予“屏幕与系统录音”权限后才能截图识别。");
+        co_return isGranted;
+    } catch (...) {
+        reportFailure(std::current_exception());
+        co_return false;
     }
+}
+
+Task<void> AppState::chooseRegion(CaptureIntent intent) {
+    const bool isPermitted = co_await mayCapture();
+    if (!isPermitted) co_return;
     isCapturing_.set(true);
     activityText_.set("拖拽选择屏幕区域");
     captureController_->begin([weak = std::weak_ptr(self_), intent](RegionSelector::Result result) {
@@ -80,10 +96,12 @@ void AppState::selectionEnded(RegionSelector::Result result, CaptureIntent inten
 }
 
 Task<void> AppState::finishCapture(DisplayRect rect, CaptureIntent intent) {
-    co_await sleepFor(settlingTime);
+    const auto settled = surroundings_.loop.now() + settlingTime;
     Image image;
     try {
-        image = co_await screenCapture_.capture(rect);
+        const ScreenshotRequest request = co_await screenCapture_.prepare(rect);
+        co_await sleepFor(settled - surroundings_.loop.now());
+        image = co_await screenCapture_.capture(request);
     } catch (...) {
         isCapturing_.set(false);
         reportFailure(std::current_exception());

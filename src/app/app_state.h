@@ -81,6 +81,8 @@ public:
     void selectionTranslate(SelectionTranslateOptions options);
 
 private:
+    Task<bool> mayCapture();
+    Task<void> chooseRegion(CaptureIntent intent);
     void selectionEnded(RegionSelector::Result result, CaptureIntent intent);
     Task<void> finishCapture(DisplayRect rect, CaptureIntent intent);
     Task<void> recognize(Image image, CaptureIntent intent);
@@ -109,6 +111,7 @@ private:
     ScreenCaptureService screenCapture_;
     AsyncLock selectionTurns_;         // one at a time borrows the clipboard from the user
     std::shared_ptr<AppState*> self_;  // what the selection's completion holds weakly
+    TaskSlot regionChoice_;            // up to the selection's begin
     TaskGroup flows_;                  // ends before everything that the flows use
 };
 

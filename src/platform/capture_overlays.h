@@ -3,9 +3,11 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "base/geometry.h"
+#include "base/image.h"
 
 namespace ovrin {
 
@@ -28,9 +30,13 @@ public:
     // The frames of all displays, the primary one first.
     virtual std::vector<DisplayRect> screenFrames() = 0;
 
-    // Covers the display with that frame. The callbacks come later, on the main thread; the overlay may be destroyed
-    // from inside them.
-    virtual std::unique_ptr<CaptureOverlayWindow> show(const DisplayRect& screenFrame, Callbacks callbacks) = 0;
+    // Whether they can only be drawn on a picture of what lies beneath them.
+    virtual bool needBackdrops() = 0;
+
+    // Covers the display with that frame; backdrop: a picture of it, none where none is needed or to be had. The
+    // callbacks come later, on the main thread; the overlay may be destroyed from inside them.
+    virtual std::unique_ptr<CaptureOverlayWindow> show(const DisplayRect& screenFrame, std::optional<Image> backdrop,
+                                                       Callbacks callbacks) = 0;
 
     // Brings the program to the front, so that the overlays hear the keyboard.
     virtual void activateApplication() = 0;

@@ -29,12 +29,17 @@ class ScreenCapture {
 public:
     virtual ~ScreenCapture() = default;
 
-    // Whether the program may see the screen; asking the user for it when it may not, and their answer. Main thread.
+    // Whether the program may see the screen. Main thread.
     virtual bool preflightAccess() = 0;
-    virtual bool requestAccess() = 0;
+
+    // Asks the user for it when it may not; their answer. Throws Error where nobody can be asked.
+    virtual Task<bool> requestAccess() = 0;
 
     // The displays in the order the system lists them. Throws Error.
     virtual Task<std::vector<CapturableDisplay>> displays() = 0;
+
+    // The screenshot that will be asked for next, while there is time: what can be had ready for it is. Main thread.
+    virtual void prepare(const ScreenshotRequest& request) = 0;
 
     // One picture of what is on the display now, every window included and the pointer not. The wait for it does not
     // block the awaiting loop. Throws Error, and CancellationError when the user turns the system's question down.

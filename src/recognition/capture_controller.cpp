@@ -6,26 +6,55 @@
 
 namespace ovrin {
 
-CaptureController::CaptureController(CaptureOverlays& overlays, std::function<void()> hideSettingsWindow)
-    : overlays_(overlays), hideSettingsWindow_(std::move(hideSettingsWindow)) {}
+CaptureController::CaptureController(EventLoop& loop, CaptureOverlays& overlays, ScreenCapture& screen,
+                                     std::function<void()> hideSettingsWindow)
+    : overlays_(overlays), screen_(screen), hideSettingsWindow_(std::move(hideSettingsWindow)), showing_(loop) {}
 
 void CaptureController::begin(Completion completion) {
     hideSettingsWindow_();
     reset();
     completion_ = std::move(completion);
-    showOverlays();
+    showing_.replace(showOverlays());
 }
 
-void CaptureController::showOverlays() {
+Task<void> CaptureController::showOverlays() {
     overlayWindows_.clear();
-    for (const DisplayRect& frame : overlays_.screenFrames()) {
+    const std::vector<DisplayRect> frames = overlays_.screenFrames();
+    std::vector<std::optional<Image>> backdrops(frames.size());
+    if (overlays_.needBackdrops()) {
+        try {
+            backdrops = co_await backdropsOf(frames);
+        } catch (const CancellationError&) {
+            cancelled();  // the user turned down the system's question
+            co_return;
+        }
+    }
+    for (std::size_t i = 0; i < frames.size(); ++i) {
         CaptureOverlays::Callbacks callbacks{.onSelection = [this](const DisplayRect& selection) { finish(selection); },
                                              .onCancel = [this] { cancelled(); },
-                                             .onScreensChanged = [this] { showOverlays(); }};
-        if (auto window = overlays_.show(frame, std::move(callbacks))) overlayWindows_.push_back(std::move(window));
+                                             .onScreensChanged = [this] { showing_.replace(showOverlays()); }};
+        auto window = overlays_.show(frames[i], std::move(backdrops[i]), std::move(callbacks));
+        if (window) overlayWindows_.push_back(std::move(window));
     }
-    if (overlayWindows_.empty()) return cancelled();  // there is no display to choose on
-    overlays_.activateApplication();
+    if (overlayWindows_.empty()) {  // there is no display to choose on
+        cancelled();
+    } else {
+        overlays_.activateApplication();
+    }
+}
+
+// All are taken before the first overlay is shown.
+Task<std::vector<std::optional<Image>>> CaptureController::backdropsOf(std::vector<DisplayRect> frames) {
+    std::vector<std::optional<Image>> backdrops;
+    for (const DisplayRect& frame : frames) {
+        std::optional<Image>& backdrop = backdrops.emplace_back();
+        try {
+            backdrop = co_await screen_.capture(frame);
+        } catch (const Error&) {
+            continue;  // an overlay without one is merely dark
+        }
+    }
+    co_return backdrops;
 }
 
 void CaptureController::cancelled() {
@@ -44,6 +73,7 @@ void CaptureController::finish(const Result& result) {
 
 void CaptureController::reset() {
     completion_ = {};
+    showing_.cancel();
     overlayWindows_.clear();
 }
 

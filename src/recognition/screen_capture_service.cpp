@@ -19,6 +19,12 @@ int pixels(double points, double scaleFactor) {
 }  // namespace
 
 Task<Image> ScreenCaptureService::capture(DisplayRect rect) {
+    const ScreenshotRequest request = co_await prepare(rect);
+    Image picture = co_await screen_.screenshot(request);
+    co_return picture;
+}
+
+Task<ScreenshotRequest> ScreenCaptureService::prepare(DisplayRect rect) {
     if (rect.width < smallestSide || rect.height < smallestSide) throw OCREngineError::invalidImage();
     const std::vector<CapturableDisplay> displays = co_await screen_.displays();
     const auto display = std::find_if(displays.begin(), displays.end(), [&rect](const CapturableDisplay& candidate) {
@@ -31,8 +37,8 @@ Task<Image> ScreenCaptureService::capture(DisplayRect rect) {
                                     .sourceRect = toLocalSpace(part, display->frame),
                                     .width = pixels(part.width, display->scaleFactor),
                                     .height = pixels(part.height, display->scaleFactor)};
-    Image picture = co_await screen_.screenshot(request);
-    co_return picture;
+    screen_.prepare(request);
+    co_return request;
 }
 
 }  // namespace ovrin

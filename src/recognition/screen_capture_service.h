@@ -18,6 +18,11 @@ public:
     // of the platform come through unchanged.
     Task<Image> capture(DisplayRect rect);
 
+    // The same in two steps, for when there is time before the picture is to be taken: what to ask the screen for,
+    // which gets ready for it.
+    Task<ScreenshotRequest> prepare(DisplayRect rect);
+    Task<Image> capture(ScreenshotRequest request) { return screen_.screenshot(request); }
+
 private:
     ScreenCapture& screen_;
 };

@@ -160,7 +160,7 @@ TEST_F(AppStateTest, ACaptureTakesItsStepsInOrderAndWaits140Milliseconds) {
     loop_.advance(1h);
     selectRegion({10, 20, 300, 50});
     loop_.advance(140ms - 1ns);
-    EXPECT_EQ(events(), Events{});
+    EXPECT_EQ(events(), Events{"screen prepares"});
     loop_.advance(1ns);
     EXPECT_EQ(events(), Events{"screenshot"});
     EXPECT_EQ(screen_.lastRequest.sourceRect, (LocalRect{10, 20, 300, 50}));
@@ -239,11 +239,14 @@ TEST_F(AppStateTest, ASecondCaptureWhileAnythingIsCapturedOrRecognisedDoesNothin
 TEST_F(AppStateTest, WithoutPermissionNoSelectionBegins) {
     screen_.isPermitted = false;
     app_->startCapture(CaptureIntent::ocr);
-    EXPECT_EQ(events(), (Events{"access requested", "error: 需要授予“屏幕与系统录音”权限后才能截图识别。",
+    app_->startCapture(CaptureIntent::ocr);  // while the user is asked
+    EXPECT_EQ(events(), Events{"access requested"});
+    screen_.answerToRequest.succeed(false);
+    EXPECT_EQ(events(), (Events{"error: 需要授予“屏幕与系统录音”权限后才能截图识别。",
                                 "toast exclamationmark.triangle: 需要授予“屏幕与系统录音”权限后才能截图识别。"}));
     EXPECT_FALSE(app_->isCapturing().value());
 
-    screen_.answerToRequest = true;
+    screen_.answerToRequest.succeed(true);
     app_->startCapture(CaptureIntent::ocr);
     EXPECT_EQ(events(), (Events{"access requested", "busy", "activity: 拖拽选择屏幕区域", "selection begins",
                                 "engine prepares"}));
@@ -272,9 +275,8 @@ TEST_F(AppStateTest, AFailedCaptureEndsTheFlow) {
                                 "toast exclamationmark.triangle: the display is gone"}));
 
     app_->startCapture(CaptureIntent::ocr);
-    selectRegion({10, 10, 300, 1});
     events();
-    loop_.advance(140ms);
+    selectRegion({10, 10, 300, 1});
     EXPECT_EQ(events(), (Events{"idle", "activity: none", "error: 无法读取截图图像。",
                                 "toast exclamationmark.triangle: 无法读取截图图像。"}));
 

@@ -15,17 +15,18 @@ public:
     explicit FakeScreenCapture(Journal& journal) : journal_(journal) {}
 
     bool isPermitted = true;
-    bool answerToRequest = false;
+    Deferred<bool> answerToRequest;
     std::vector<CapturableDisplay> listed{{.id = DisplayId{1}, .frame = {0, 0, 1920, 1080}, .scaleFactor = 1}};
     ScreenshotRequest lastRequest;
     Deferred<Image> picture;
 
     bool preflightAccess() override { return isPermitted; }
-    bool requestAccess() override {
+    Task<bool> requestAccess() override {
         journal_.add("access requested");
-        return answerToRequest;
+        return answerToRequest.result();
     }
     Task<std::vector<CapturableDisplay>> displays() override { co_return listed; }
+    void prepare(const ScreenshotRequest& /*request*/) override { journal_.add("screen prepares"); }
     Task<Image> screenshot(ScreenshotRequest request) override {
         journal_.add("screenshot");
         lastRequest = request;

@@ -1,6 +1,7 @@
 #include "recognition/capture_controller.h"
 
 #include <memory>
+#include <optional>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -8,6 +9,9 @@
 #include <gtest/gtest.h>
 
 #include "base/error.h"
+#include "base/virtual_loop.h"
+#include "fakes/fake_screen_capture.h"
+#include "fakes/journal.h"
 #include "recognition/capture_geometry.h"
 
 namespace ovrin {
@@ -53,14 +57,19 @@ public:
     };
 
     std::vector<DisplayRect> screenFrames() override { return frames; }
-    std::unique_ptr<CaptureOverlayWindow> show(const DisplayRect& /*screenFrame*/, Callbacks given) override {
+    bool needBackdrops() override { return areOpaque; }
+    std::unique_ptr<CaptureOverlayWindow> show(const DisplayRect& /*screenFrame*/, std::optional<Image> backdrop,
+                                               Callbacks given) override {
+        backdropWidths.push_back(backdrop ? backdrop->width() : 0);
         callbacks.push_back(std::move(given));
         return std::make_unique<Window>(onScreen);
     }
     void activateApplication() override {}
 
     std::vector<DisplayRect> frames{{0, 0, 1920, 1080}, {-1280, -20, 1280, 800}};
+    bool areOpaque = false;
     std::vector<Callbacks> callbacks;
+    std::vector<int> backdropWidths;  // 0 for none
     int onScreen = 0;
 };
 
@@ -72,10 +81,13 @@ struct CaptureControllerTest : ::testing::Test {
         };
     }
 
+    VirtualLoop loop;
+    Journal journal;
+    FakeScreenCapture screen{journal};
     FakeOverlays overlays;
     int settingsHidden = 0;
     std::vector<RegionSelector::Result> results;
-    CaptureController controller{overlays, [this] { ++settingsHidden; }};
+    CaptureController controller{loop, overlays, screen, [this] { ++settingsHidden; }};
 };
 
 TEST_F(CaptureControllerTest, TheFirstOverlayToReportEndsTheSelectionOnAllDisplays) {
@@ -113,6 +125,25 @@ TEST_F(CaptureControllerTest, WhenADisplayIsUnpluggedTheUserGoesOnWithTheOthers)
     overlays.callbacks.back().onSelection({0, 0, 10, 10});
     ASSERT_EQ(results.size(), 1U);
     EXPECT_EQ(std::get<DisplayRect>(results[0]), (DisplayRect{0, 0, 10, 10}));
+}
+
+TEST_F(CaptureControllerTest, WhereOverlaysAreOpaqueAllPicturesAreTakenBeforeTheFirstComesUp) {
+    overlays.areOpaque = true;
+    screen.listed.push_back({.id = DisplayId{2}, .frame = overlays.frames[1], .scaleFactor = 1});
+    controller.begin(completion());
+    screen.picture.succeed(Image(1, 1, {0, 0, 0, 255}));
+    loop.runPosted();
+    EXPECT_EQ(overlays.onScreen, 0);
+    EXPECT_TRUE(controller.isSelecting());
+    screen.picture.fail(Error("no picture"));
+    loop.runPosted();
+    EXPECT_EQ(overlays.backdropWidths, (std::vector<int>{1, 0}));
+
+    controller.begin(completion());
+    screen.picture.fail(CancellationError());
+    loop.runPosted();
+    EXPECT_EQ(results.size(), 1U);
+    EXPECT_FALSE(controller.isSelecting());
 }
 
 TEST_F(CaptureControllerTest, WithoutAnyDisplayTheSelectionEnds) {

@@ -2,12 +2,9 @@
 
 #include <QImage>
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
-#include "base/error.h"
 #include "platform/linux/qt/qt_screens.h"
-#include "platform/linux/x11/x11_screenshot.h"
 #include "views/capture/capture_overlay_view.h"
 #include "views/components/drawing.h"
 #include "views/components/view_environment.h"
@@ -16,22 +13,17 @@ namespace ovrin {
 
 namespace {
 
-// A copy of the screen to draw on, for displays that nothing composites. Without one the overlay is merely dark.
-QImage backdropOf(const ScreenInfo& screen, X11Screenshot& screenshot) {
-    try {
-        QImage picture = toQImage(screenshot.take(screen.pixelFrame()));
-        picture.reinterpretAsFormat(QImage::Format_RGB32);  // it is opaque, and quicker to draw as such
-        picture.setDevicePixelRatio(screen.scaleFactor);
-        return picture;
-    } catch (const Error&) {
+// What an overlay is drawn on where nothing composites it with the screen; merely dark without a picture of it.
+QImage groundOf(const ScreenInfo& screen, const std::optional<Image>& backdrop) {
+    if (!backdrop) {
         QImage plain(screen.frame.size(), QImage::Format_RGB32);
         plain.fill(Qt::darkGray);
         return plain;
     }
-}
-
-int pixelsOf(double points, double scaleFactor) {
-    return static_cast<int>(std::ceil(points * scaleFactor));
+    QImage picture = toQImage(*backdrop);
+    picture.reinterpretAsFormat(QImage::Format_RGB32);  // it is opaque, and quicker to draw as such
+    picture.setDevicePixelRatio(screen.scaleFactor);
+    return picture;
 }
 
 }  // namespace
@@ -42,18 +34,17 @@ std::vector<DisplayRect> QtCaptureOverlays::screenFrames() {
     return frames;
 }
 
-std::unique_ptr<CaptureOverlayWindow> QtCaptureOverlays::show(const DisplayRect& screenFrame, Callbacks callbacks) {
+bool QtCaptureOverlays::needBackdrops() {
+    return !environment_.settings().isComposited;
+}
+
+std::unique_ptr<CaptureOverlayWindow> QtCaptureOverlays::show(const DisplayRect& screenFrame,
+                                                              std::optional<Image> backdrop, Callbacks callbacks) {
     const std::vector<ScreenInfo> screens = screenInfos();
     const auto screen = std::ranges::find(screens, screenFrame, &ScreenInfo::displaySpaceFrame);
     if (screen == screens.end()) return nullptr;  // unplugged this very moment
-    QImage backdrop = environment_.settings().isComposited ? QImage() : backdropOf(*screen, screenshot_);
-    // The picture is taken as soon as the screen has settled.
-    callbacks.onSelection = [report = std::move(callbacks.onSelection), &screenshot = screenshot_,
-                             scaleFactor = screen->scaleFactor](const DisplayRect& selection) {
-        report(selection);
-        screenshot.prepare(pixelsOf(selection.width, scaleFactor), pixelsOf(selection.height, scaleFactor));
-    };
-    return std::make_unique<CaptureOverlayView>(*screen, std::move(backdrop), std::move(callbacks));
+    QImage ground = needBackdrops() ? groundOf(*screen, backdrop) : QImage();
+    return std::make_unique<CaptureOverlayView>(*screen, std::move(ground), std::move(callbacks));
 }
 
 }  // namespace ovrin

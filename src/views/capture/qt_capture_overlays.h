@@ -6,22 +6,21 @@
 namespace ovrin {
 
 class ViewEnvironment;
-class X11Screenshot;
 
 class QtCaptureOverlays final : public CaptureOverlays {
 public:
-    // Both outlive the object.
-    QtCaptureOverlays(const ViewEnvironment& environment, X11Screenshot& screenshot)
-        : environment_(environment), screenshot_(screenshot) {}
+    // The environment outlives the object.
+    explicit QtCaptureOverlays(const ViewEnvironment& environment) : environment_(environment) {}
 
     std::vector<DisplayRect> screenFrames() override;
-    std::unique_ptr<CaptureOverlayWindow> show(const DisplayRect& screenFrame, Callbacks callbacks) override;
+    bool needBackdrops() override;
+    std::unique_ptr<CaptureOverlayWindow> show(const DisplayRect& screenFrame, std::optional<Image> backdrop,
+                                               Callbacks callbacks) override;
     // The overlays take the keyboard themselves: the window manager does not know of them.
     void activateApplication() override {}
 
 private:
     const ViewEnvironment& environment_;
-    X11Screenshot& screenshot_;
 };
 
 }  // namespace ovrin

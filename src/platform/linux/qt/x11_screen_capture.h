@@ -12,11 +12,12 @@ public:
     // Both outlive the object.
     X11ScreenCapture(X11Screenshot& screenshot, WorkerExecutor& workers) : screenshot_(screenshot), workers_(workers) {}
 
-    // X11 lets every program see the screen. In a Wayland session what is read through it is black.
+    // X11 lets every program see the screen.
     bool preflightAccess() override { return true; }
-    bool requestAccess() override { return true; }
+    Task<bool> requestAccess() override { co_return true; }
 
     Task<std::vector<CapturableDisplay>> displays() override;
+    void prepare(const ScreenshotRequest& request) override { screenshot_.prepare(request.width, request.height); }
     Task<Image> screenshot(ScreenshotRequest request) override;
 
 private:

@@ -11,9 +11,10 @@ class CompositorScreenCapture : public ScreenCapture {
 public:
     // Nobody is asked: what a compositor doesn't give is an error of the picture.
     bool preflightAccess() final { return true; }
-    bool requestAccess() final { return true; }
+    Task<bool> requestAccess() final { co_return true; }
 
     Task<std::vector<CapturableDisplay>> displays() final;
+    void prepare(const ScreenshotRequest& /*request*/) final {}
     Task<Image> screenshot(ScreenshotRequest request) final;
 
 protected:
