@@ -25,6 +25,7 @@ public:
     // Where the compositor is not installed and nobody demands that every test is run, as CI does. There it is a
     // failure.
     static bool mayBeSkipped();
+    static bool isEveryTestDemanded();
 
     // Returns when it takes connections. The outputs must not overlap. Throws Error when it cannot be started.
     explicit WaylandTestCompositor(const std::vector<HeadlessOutput>& outputs = {HeadlessOutput()});

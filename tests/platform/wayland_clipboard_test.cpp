@@ -18,8 +18,10 @@
 #include "base/run_loop.h"
 #include "base/worker_executor.h"
 #include "fakes/child_process.h"
+#include "fakes/two_seat_compositor.h"
 #include "fakes/wayland_test_compositor.h"
 #include "platform/linux/recognition/linux_image_decoder.h"
+#include "platform/linux/wayland/wayland_synthetic_keyboard.h"
 
 namespace ovrin {
 namespace {
@@ -86,7 +88,10 @@ protected:
     }
 
     std::unique_ptr<ClipboardService> connect(WaylandSelection::Limits limits = {}) {
-        return std::make_unique<WaylandClipboard>(compositor->display().c_str(), decoder, encoder, workers, limits);
+        return connectTo(compositor->display(), limits);
+    }
+    std::unique_ptr<ClipboardService> connectTo(const std::string& display, WaylandSelection::Limits limits = {}) {
+        return std::make_unique<WaylandClipboard>(display.c_str(), decoder, encoder, workers, limits);
     }
 
     // Another program, such as wl-copy, which goes on serving what it has copied until it ends.
@@ -239,14 +244,13 @@ TEST_F(WaylandClipboardTest, WhatIsSelectedIsReadBesideTheClipboard) {
 }
 
 TEST_F(WaylandClipboardTest, WhatIsSelectedIsLentAndGivenBackBesideTheClipboard) {
+    auto before = ours->changeCount(ClipboardSource::primary);
     const ClipboardItem selected{{"text/html", bytesOf("<b>选</b>")}, {"text/plain", bytesOf("选")}};
     const auto theirs = connect();
     theirs->writeString("copied");
     theirs->writeItems({selected}, ClipboardSource::primary);
-    loop.complete(theirs->readString());
-    loop.complete(changeAfter(0, ClipboardSource::primary));
+    loop.complete(changeAfter(before++, ClipboardSource::primary));
     EXPECT_EQ(loop.complete(everything(*ours, ClipboardSource::primary)), selected);
-    const auto before = ours->changeCount(ClipboardSource::primary);
     ours->writeString("译文", ClipboardSource::primary);
     EXPECT_EQ(pasted("text/plain", {"--primary"}), "译文");
     EXPECT_EQ(ours->changeCount(ClipboardSource::primary), before + 1);
@@ -256,6 +260,35 @@ TEST_F(WaylandClipboardTest, WhatIsSelectedIsLentAndGivenBackBesideTheClipboard)
     ours->writeItems({}, ClipboardSource::primary);
     EXPECT_EQ(loop.complete(ours->readString(ClipboardSource::primary)), std::nullopt);
     EXPECT_EQ(ours->changeCount(ClipboardSource::primary), before + 3);
+}
+
+// The protocol's younger name, which no compositor of the distribution offers.
+TEST_F(WaylandClipboardTest, EverythingGoesByTheYoungerProtocolOnTheSeatWithTheKeyboard) {
+    const TwoSeatCompositor compositorOfOurs;
+    ours = connectTo(compositorOfOurs.display());
+    const auto theirs = connectTo(compositorOfOurs.display());
+    const auto before = ours->changeCount(ClipboardSource::primary);
+    const ClipboardItem forms{{"text/html", bytesOf("<b>译</b>")}, {"text/plain", bytesOf("译文")}};
+    theirs->writeItems({forms});
+    theirs->writeString("选中的文字", ClipboardSource::primary);
+    loop.complete(changeAfter(before, ClipboardSource::primary));
+    EXPECT_EQ(loop.complete(everything(*ours)), forms);
+    EXPECT_EQ(loop.complete(ours->readString(ClipboardSource::primary)), "选中的文字");
+    ours->writeString("taken over");
+    loop.complete(ours->readString());
+    EXPECT_EQ(loop.complete(theirs->readString()), "taken over");
+
+    // The keys of such a compositor are the user's alone.
+    WaylandSimulateKeyboard keyboard(compositorOfOurs.display().c_str());
+    EXPECT_FALSE(keyboard.isTrusted());
+    EXPECT_EQ(keyboard.selection(), SimulateKeyboard::Selection::shown);
+    theirs->writeItems({}, ClipboardSource::primary);
+    loop.complete(theirs->readString());
+    EXPECT_EQ(keyboard.selection(), SimulateKeyboard::Selection::absent);
+
+    compositorOfOurs.removeSeats();
+    WaylandConnection(compositorOfOurs.display().c_str()).roundTrip();
+    EXPECT_EQ(loop.complete(theirs->readString()), std::nullopt);
 }
 
 TEST_F(WaylandClipboardTest, AManagerGetsWhatWasWrittenLastBeforeTheProgramEnds) {

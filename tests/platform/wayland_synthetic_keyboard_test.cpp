@@ -13,7 +13,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include "fakes/child_process.h"
+#include "fake-input-client.h"
+#include "fakes/kwin_test_compositor.h"
 #include "fakes/wayland_test_compositor.h"
 #include "platform/linux/desktop/application_name.h"
 #include "platform/linux/wayland/wayland_selection.h"
@@ -156,6 +157,22 @@ private:
     std::vector<std::string> presses_;
 };
 
+// Another program in which something is selected, as long as the object lives.
+class Selected {
+public:
+    explicit Selected(const std::string& display)
+        : connection_(display.c_str()), device_(connection_, [](ClipboardSource) {}), source_(device_.makeSource()) {
+        zwlr_data_control_source_v1_offer(source_.get(), "text/plain");
+        device_.set(ClipboardSource::primary, source_.get());
+        connection_.roundTrip();
+    }
+
+private:
+    WaylandConnection connection_;
+    WaylandDataDevice device_;
+    WaylandDataSource source_;
+};
+
 class WaylandSimulateKeyboardTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -169,21 +186,7 @@ protected:
         return std::make_unique<Program>(compositor->display(), applicationId);
     }
 
-    // Another program's selection, which PRIMARY is when this returns.
-    std::unique_ptr<ChildProcess> select(const std::string& text) const {
-        WaylandConnection connection(compositor->display().c_str());
-        bool isChanged = false;
-        const WaylandDataDevice device(connection, [&](SelectionClient::Source source) {
-            isChanged = isChanged || source == SelectionClient::Source::primary;
-        });
-        isChanged = false;
-        auto owner = std::make_unique<ChildProcess>(
-            ChildProcess::Setup{.arguments = {"wl-copy", "--foreground", "--primary", text},
-                                .environment = {"PATH=/usr/bin:/bin", "WAYLAND_DISPLAY=" + compositor->display(),
-                                                "XDG_RUNTIME_DIR=" + compositor->runtimeFolder().string()}});
-        connection.waitUntil([&] { return isChanged; });
-        return owner;
-    }
+    std::unique_ptr<Selected> select() const { return std::make_unique<Selected>(compositor->display()); }
 
     std::optional<WaylandTestCompositor> compositor;
     std::optional<UserKeyboard> user;
@@ -248,11 +251,11 @@ TEST_F(WaylandSimulateKeyboardTest, KnowsWhetherAnotherProgramHasTheKeyboard) {
 
 TEST_F(WaylandSimulateKeyboardTest, WhatIsSelectedCountsSinceTheWindowGotTheKeyboard) {
     using enum SimulateKeyboard::Selection;
-    const auto before = select("of nobody knows whom");
+    const auto before = select();
     keyboard.emplace(compositor->display().c_str());
     const auto editor = open("org.kde.kate");
     EXPECT_EQ(keyboard->selection(), copied);
-    const auto inEditor = select("in the editor");
+    const auto inEditor = select();
     EXPECT_EQ(keyboard->selection(), either);
     editor->received();
     keyboard->paste();
@@ -264,7 +267,7 @@ TEST_F(WaylandSimulateKeyboardTest, WhatIsSelectedCountsSinceTheWindowGotTheKeyb
     EXPECT_EQ(keyboard->selection(), copied);  // that may be long ago
 
     // What this program lends to be pasted is nobody's selection.
-    const auto again = select("again");
+    const auto again = select();
     ASSERT_EQ(keyboard->selection(), either);
     WaylandSelection lending(compositor->display().c_str(), {.changedByOthers = [](ClipboardSource) {}}, {});
     lending.own(ClipboardSource::primary, {{.type = "text/plain"}});
@@ -275,13 +278,13 @@ TEST_F(WaylandSimulateKeyboardTest, PressesNothingInATerminal) {
     using enum SimulateKeyboard::Selection;
     const auto editor = open("org.kde.kate");
     EXPECT_EQ(keyboard->selection(), copied);
-    const auto inEditor = select("in the editor");
+    const auto inEditor = select();
     const auto terminal = open("foot");
     EXPECT_EQ(keyboard->selection(), absent);
     keyboard->copy();
     keyboard->paste();
     EXPECT_EQ(terminal->received(), std::vector<std::string>{});
-    auto inTerminal = select("in the terminal");
+    auto inTerminal = select();
     EXPECT_EQ(keyboard->selection(), shown);
     {
         const auto other = open("Alacritty");
@@ -302,6 +305,40 @@ TEST_F(WaylandSimulateKeyboardTest, ACompositorThatHangsOrDiesIsNotWaitedFor) {
     }
     EXPECT_FALSE(keyboard->isTrusted());
     keyboard->paste();
+}
+
+TEST(KWinSimulateKeyboardTest, PressesKeysAndKnowsWhereTheyGo) {
+    using enum SimulateKeyboard::Selection;
+    if (KWinTestCompositor::mayBeSkipped()) GTEST_SKIP() << "KWin is not installed (Debian package kwin-wayland)";
+    const KWinTestCompositor compositor;
+    WaylandSimulateKeyboard keyboard(compositor.display().c_str());
+    ASSERT_TRUE(keyboard.isTrusted());
+    EXPECT_FALSE(keyboard.reachesOtherProgram());
+    auto editor = std::make_unique<Program>(compositor.display(), "org.kde.kate");
+    const SimulateKeyboard::Window window = keyboard.frontWindow();
+    EXPECT_TRUE(keyboard.reachesOtherProgram());
+    EXPECT_NE(window, SimulateKeyboard::Window::nowhere);
+    EXPECT_EQ(keyboard.selection(), copied);
+    keyboard.copy();
+    EXPECT_EQ(editor->received(), strokes(KEY_LEFTCTRL, KEY_C, control));
+    // A key that the user still holds from a shortcut.
+    WaylandConnection user(compositor.display().c_str());
+    auto* const input = user.bind<org_kde_kwin_fake_input>(org_kde_kwin_fake_input_interface, 4);
+    org_kde_kwin_fake_input_authenticate(input, "test", "");
+    org_kde_kwin_fake_input_keyboard_key(input, KEY_LEFTMETA, WL_KEYBOARD_KEY_STATE_PRESSED);
+    user.roundTrip();
+    org_kde_kwin_fake_input_destroy(input);
+    const Selected inEditor(compositor.display());
+    EXPECT_EQ(keyboard.selection(), either);
+    editor->received();
+    keyboard.paste();
+    EXPECT_EQ(editor->received(), strokes(KEY_LEFTSHIFT, KEY_INSERT, shift));
+    {
+        const Program terminal(compositor.display(), "org.kde.konsole");
+        EXPECT_EQ(keyboard.selection(), absent);
+        EXPECT_NE(keyboard.frontWindow(), window);
+    }
+    EXPECT_EQ(keyboard.frontWindow(), window);
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ WaylandConnection::WaylandConnection(const char* name) : display_(wl_display_con
     wl_registry_add_listener(registry_, &listener, this);
     roundTrip();
     sharedMemory_ = bind<wl_shm>(wl_shm_interface, 1);
-    seat_ = bind<wl_seat>(wl_seat_interface, 5);
+    findSeat();
     findOutputs();
 }
 
@@ -97,6 +97,32 @@ void* WaylandConnection::bindGlobal(const wl_interface& interface, std::uint32_t
     const auto found =
         std::ranges::find_if(globals_, [&](const auto& entry) { return entry.second.interface == interface.name; });
     return found == globals_.end() ? nullptr : bindNamed(found->first, interface, version);
+}
+
+void WaylandConnection::findSeat() {
+    struct Seat {
+        wl_seat* object = nullptr;
+        std::uint32_t number = 0;
+        bool hasKeyboard = false;
+    };
+    std::vector<Seat> seats;
+    for (const auto& [number, global] : globals_) {
+        if (global.interface != wl_seat_interface.name) continue;
+        auto* const seat = static_cast<wl_seat*>(bindNamed(number, wl_seat_interface, seatVersion));
+        seats.push_back({.object = seat, .number = number});
+    }
+    if (seats.empty()) return;
+    static constexpr wl_seat_listener listener = {[](void* found, wl_seat* /*seat*/, std::uint32_t capabilities) {
+                                                      static_cast<Seat*>(found)->hasKeyboard =
+                                                          (capabilities & WL_SEAT_CAPABILITY_KEYBOARD) != 0;
+                                                  },
+                                                  [](void* /*found*/, wl_seat* /*seat*/, const char* /*name*/) {}};
+    for (Seat& seat : seats) wl_seat_add_listener(seat.object, &listener, &seat);
+    roundTrip();
+    const auto withKeyboard = std::ranges::find_if(seats, &Seat::hasKeyboard);
+    seatNumber_ = (withKeyboard == seats.end() ? seats.front() : *withKeyboard).number;
+    for (const Seat& seat : seats) wl_seat_destroy(seat.object);
+    seat_ = bindSeat();
 }
 
 void WaylandConnection::findOutputs() {

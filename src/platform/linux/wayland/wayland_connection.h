@@ -62,7 +62,9 @@ public:
 
     wl_display* display() const { return display_.get(); }
     wl_shm* sharedMemory() const { return sharedMemory_; }
-    wl_seat* seat() const { return seat_; }  // the first; null without one
+    // Of several the first with a keyboard, which is the user's whom the program works for; null without any.
+    wl_seat* seat() const { return seat_; }
+    wl_seat* bindSeat() { return static_cast<wl_seat*>(bindNamed(seatNumber_, wl_seat_interface, seatVersion)); }
     // As they were when the connection was made.
     const std::vector<WaylandOutput>& outputs() const { return outputs_; }
 
@@ -94,13 +96,16 @@ private:
     };
     void* bindGlobal(const wl_interface& interface, std::uint32_t version);
     void* bindNamed(std::uint32_t name, const wl_interface& interface, std::uint32_t version);
+    void findSeat();
     void findOutputs();
 
     WaylandObject<wl_display, wl_display_disconnect> display_;
     wl_registry* registry_ = nullptr;
     std::map<std::uint32_t, Global> globals_;  // by the number that the compositor gave them
     wl_shm* sharedMemory_ = nullptr;
+    static constexpr std::uint32_t seatVersion = 5;
     wl_seat* seat_ = nullptr;
+    std::uint32_t seatNumber_ = 0;
     std::vector<WaylandOutput> outputs_;
 };
 

@@ -33,7 +33,7 @@ WaylandSimulateKeyboard::WaylandSimulateKeyboard(const char* name)
         // What is selected at the start may be anybody's.
         if (source == SelectionClient::Source::primary && device_) noteSelection();
     });
-    seat_ = connection_.bind<wl_seat>(wl_seat_interface, 5);
+    seat_ = connection_.bindSeat();
     static constexpr wl_seat_listener listener = {[](void* self, wl_seat* /*seat*/, std::uint32_t capabilities) {
                                                       static_cast<WaylandSimulateKeyboard*>(self)->followKeyboard(
                                                           (capabilities & WL_SEAT_CAPABILITY_KEYBOARD) != 0);
@@ -70,7 +70,10 @@ bool WaylandSimulateKeyboard::process() {
 }
 
 void WaylandSimulateKeyboard::catchUp() {
-    attend([this] { connection_.roundTrip(timeToCatchUp); });
+    attend([this] {
+        connection_.roundTrip(timeToCatchUp);
+        if (toplevels_ && toplevels_->takeUnknown()) connection_.roundTrip(timeToCatchUp);
+    });
 }
 
 bool WaylandSimulateKeyboard::isTrusted() {

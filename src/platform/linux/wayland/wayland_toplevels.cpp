@@ -97,6 +97,7 @@ private:
     void introduce(const char* name) {
         org_kde_plasma_window* const window = org_kde_plasma_window_management_get_window_by_uuid(manager_, name);
         windows_.push_back(window);
+        noteUnknown();
         add(window);
         static constexpr org_kde_plasma_window_listener listener = [] {
             org_kde_plasma_window_listener result{};

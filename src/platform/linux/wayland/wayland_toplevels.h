@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/linux/wayland/wayland_connection.h"
@@ -32,6 +33,10 @@ public:
     // How often a window has got the keyboard so far.
     std::uint64_t activationCount() const { return activationCount_; }
 
+    // Whether a window has appeared since the last call of which the compositor has only been asked yet: one more round
+    // trip brings what it is.
+    bool takeUnknown() { return std::exchange(hasUnknown_, false); }
+
 protected:
     WaylandToplevels() = default;
 
@@ -40,6 +45,7 @@ protected:
     void setApplicationId(const void* handle, const char* applicationId);
     void setActivated(const void* handle, bool isActivated);
     void remove(const void* handle);
+    void noteUnknown() { hasUnknown_ = true; }
 
 private:
     struct Entry {
@@ -51,6 +57,7 @@ private:
     std::vector<Entry> entries_;
     std::uint64_t lastNumber_ = 0;
     std::uint64_t activationCount_ = 0;
+    bool hasUnknown_ = false;
 };
 
 }  // namespace ovrin

@@ -1,0 +1,33 @@
+#include "fakes/kwin_test_compositor.h"
+
+#include <cstdlib>
+#include <fstream>
+
+#include "base/error.h"
+#include "fakes/wayland_test_compositor.h"
+
+namespace ovrin {
+
+bool KWinTestCompositor::mayBeSkipped() {
+    return !std::filesystem::exists("/usr/bin/kwin_wayland") && !WaylandTestCompositor::isEveryTestDemanded();
+}
+
+// The installed file may have rights that a container does not let a program have: its copy has none. It starts a
+// program once its socket is there, and ends with it.
+ChildProcess::Setup KWinTestCompositor::setupIn(const std::filesystem::path& folder) {
+    std::filesystem::copy_file("/usr/bin/kwin_wayland", folder / "kwin_wayland");
+    const std::filesystem::path program = folder / "tell";
+    std::ofstream(program) << "#!/bin/sh\necho ready\nexec sleep infinity\n";
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    return {.arguments = {(folder / "kwin_wayland").string(), "--virtual", "--socket", socketName, "--no-lockscreen",
+                          "--no-global-shortcuts", program.string()},
+            .environment = {"PATH=/usr/bin:/bin", "HOME=" + folder.string(), "XDG_RUNTIME_DIR=" + folder.string(),
+                            "DBUS_SESSION_BUS_ADDRESS=unix:path=" + (folder / "no-bus").string(), "KWIN_COMPOSE=Q",
+                            "KWIN_WAYLAND_NO_PERMISSION_CHECKS=1"}};
+}
+
+KWinTestCompositor::KWinTestCompositor() : compositor_(setupIn(folder_.path())) {
+    if (compositor_.readLine().empty()) throw Error("the compositor ended at once");
+}
+
+}  // namespace ovrin
