@@ -279,7 +279,8 @@ protected:
 };
 
 TEST_F(DamagedModelTest, NamesTheFileAndTheCauseInOneLine) {
-    for (const std::string name : {"PP-OCRv6_det_tiny.onnx", "PP-OCRv6_rec_small.onnx"}) {
+    for (const std::string& name :
+         {std::string("PP-OCRv6_det_tiny.onnx"), RecognitionFiles::recognitionModelOfThisProcessor()}) {
         const fs::path original = fs::read_symlink(folder_ / name);
         fs::remove(folder_ / name);
         EXPECT_NE(failure().find(name), std::string::npos) << name;

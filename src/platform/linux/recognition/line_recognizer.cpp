@@ -33,6 +33,14 @@ std::vector<char32_t> charactersOf(const InferenceSession& network) {
     return characters;
 }
 
+// The class of the largest score. Scores are probabilities: one above a half is the largest, and mostly that of the
+// blank or of the step before, which spares the search among all.
+std::size_t largest(std::span<const float> scores, std::size_t previous) {
+    for (const std::size_t likely : {std::size_t{0}, previous})
+        if (scores[likely] > 0.5F) return likely;
+    return static_cast<std::size_t>(std::ranges::max_element(scores) - scores.begin());
+}
+
 struct Gap {
     int column = 0;  // its middle
     int width = 0;
@@ -94,7 +102,7 @@ Reading LineRecognizer::readPart(const cv::Mat& line, const std::stop_token& sto
         double space = 0;
         for (std::size_t step = 0; step < static_cast<std::size_t>(shape[1]); ++step) {
             const auto scores = values.subspan(step * classes, classes);
-            const auto index = static_cast<std::size_t>(std::ranges::max_element(scores) - scores.begin());
+            const std::size_t index = largest(scores, previous);
             space = std::max(space, static_cast<double>(scores.back()));
             const bool isCharacter = index != 0 && index != classes - 1;
             if (isCharacter && index != previous) {

@@ -25,7 +25,6 @@ namespace ovrin {
 namespace {
 
 constexpr const char* detectionModel = "PP-OCRv6_det_tiny.onnx";
-constexpr const char* recognitionModel = "PP-OCRv6_rec_small.onnx";
 
 // Languages are asked for by name; those besides the program's own also where the language is to be found out.
 bool isWanted(const TesseractReader& reader, const TextRecognitionRequest& request) {
@@ -86,6 +85,14 @@ std::vector<TextObservation> observations(const Page& page, const Image& image) 
 
 }  // namespace
 
+std::string RecognitionFiles::recognitionModelOfThisProcessor() {
+#ifdef __x86_64__
+    if (__builtin_cpu_supports("avx512vnni") || __builtin_cpu_supports("avxvnni"))
+        return "PP-OCRv6_rec_small_int8.onnx";
+#endif
+    return "PP-OCRv6_rec_small.onnx";
+}
+
 RecognitionFiles RecognitionFiles::ofThisProgram() {
     const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
     const auto built = folder / "share/ovrin/models";
@@ -126,7 +133,7 @@ public:
 private:
     Models load() const {
         Models models;
-        const auto loadNetwork = [file = files_.modelFolder / recognitionModel] {
+        const auto loadNetwork = [file = files_.modelFolder / files_.recognitionModel] {
             auto network = std::make_unique<LineRecognizer>(file);
             malloc_trim(0);  // the file's contents, of which the network has made a copy of its own
             return network;
