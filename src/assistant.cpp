@@ -50,6 +50,7 @@
 #include "platform/linux/qt/termination_signals.h"
 #include "platform/linux/qt/window_memory.h"
 #include "platform/linux/qt/window_role.h"
+#include "platform/linux/qt/window_system.h"
 #include "platform/linux/recognition/linux_image_decoder.h"
 #include "platform/linux/recognition/linux_language_identifier.h"
 #include "platform/linux/recognition/onnx_text_recognizer.h"
@@ -451,9 +452,7 @@ public:
 
 int runAssistant(Launch launch) {
     // Without a display the toolkit would end the program in its own way.
-    connectToX11(nullptr);
-    // All here is of X11, which Wayland sessions have as well, for the windows at least.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb");
+    if (chooseWindowSystem() == WindowSystem::x11) connectToX11(nullptr);
     // Windows carry the program's name as their class.
     std::string name = "ovrin";
     std::array<char*, 2> arguments{name.data(), nullptr};

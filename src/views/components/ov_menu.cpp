@@ -4,6 +4,7 @@
 #include <QIcon>
 #include <QPainter>
 
+#include "platform/linux/qt/window_role.h"
 #include "views/components/drawing.h"
 #include "views/components/ov_menu_style.h"
 #include "views/components/ov_window_background.h"
@@ -15,7 +16,7 @@ using theme::ColorToken;
 OVMenu::OVMenu(ViewEnvironment& environment, QWidget* parent) : QMenu(parent), environment_(environment) {
     setStyle(&OVMenuStyle::shared(environment));
     setFont(toQFont(theme::font::body));
-    setWindowFlags(windowFlags() | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint);
+    giveRole(*this, WindowRole::menu);
     setAttribute(Qt::WA_TranslucentBackground);
     connect(&environment_, &ViewEnvironment::changed, this, qOverload<>(&QWidget::update));
 }

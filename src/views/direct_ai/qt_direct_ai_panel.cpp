@@ -37,7 +37,7 @@ QEasingCurve easeInEaseOut() {
 QtDirectAIPanel::QtDirectAIPanel(ViewEnvironment& environment, const Published<std::string>& brandImage,
                                  DirectAIViewModel& viewModel, const Form& form, Events events)
     : OVPanelWindow(environment, QStringLiteral("TalkBox"), toQSize(form.size), toQSize(form.minimumSize),
-                    WindowRole::chat),
+                    WindowRole::chatBar),
       events_(std::move(events)),
       view_(new DirectAIView(environment, viewModel, brandImage)) {
     setLevel(Level::floating);

@@ -40,7 +40,7 @@ void showSmall(QLabel& label, const QString& line, int room) {
 }  // namespace
 
 ToastPanel::ToastPanel(ViewEnvironment& environment, const std::string& message, OVIcon icon)
-    : OVFloatingWindow(environment, cornerRadius, WindowRole::card) {
+    : OVFloatingWindow(environment, cornerRadius, WindowRole::toast) {
     setFrameSize({panelWidth, panelHeight});
     setAttribute(Qt::WA_TransparentForMouseEvents);
 

@@ -7,6 +7,7 @@
 
 #include <xcb/xcb.h>
 
+#include "platform/linux/qt/layer_shell.h"
 #include "platform/linux/qt/window_role.h"
 
 namespace ovrin {
@@ -21,6 +22,12 @@ InputFocusWatch::InputFocusWatch(QWidget& window) : QObject(&window), window_(wi
     connect(&delay_, &QTimer::timeout, this, &InputFocusWatch::judge);
     window.installEventFilter(this);
     QCoreApplication::instance()->installNativeEventFilter(this);
+    if (const LayerShell* const shell = LayerShell::ofToolkit()) {
+        const auto leave = [this](const QWindow* left) {
+            if (left == window_.windowHandle() && window_.isVisible()) emit this->left();
+        };
+        connect(shell, &LayerShell::keyboardLeft, this, leave, Qt::QueuedConnection);
+    }
 }
 
 bool InputFocusWatch::eventFilter(QObject* /*watched*/, QEvent* event) {

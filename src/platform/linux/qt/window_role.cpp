@@ -1,9 +1,13 @@
 #include "platform/linux/qt/window_role.h"
 
 #include <QEvent>
+#include <QVariant>
 #include <QWidget>
 #include <QWindow>
+#include <optional>
 
+#include "platform/linux/qt/layer_window.h"
+#include "platform/linux/qt/wayland_window.h"
 #include "platform/linux/qt/x11_keyboard_grab.h"
 #include "platform/linux/qt/x11_window.h"
 
@@ -11,27 +15,56 @@ namespace ovrin {
 
 namespace {
 
-Qt::WindowFlags flagsFor(WindowRole role) {
+Qt::WindowFlags flagsFor(const QWidget& window, WindowRole role) {
     const Qt::WindowFlags own = Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
     switch (role) {
         case WindowRole::ordinary:
         case WindowRole::chat:
+        case WindowRole::chatBar:
             return Qt::Window | own;
         case WindowRole::alert:
         case WindowRole::palette:
             return Qt::Tool | Qt::WindowStaysOnTopHint | own;
         case WindowRole::card:
+        case WindowRole::toast:
             return Qt::ToolTip | Qt::WindowDoesNotAcceptFocus | Qt::WindowStaysOnTopHint | own;
+        case WindowRole::menu:
+            return window.windowFlags() | own;
         case WindowRole::overlay:
             return Qt::Window | Qt::BypassWindowManagerHint | Qt::WindowStaysOnTopHint | own;
     }
     return Qt::Window | own;
 }
 
-// Does each time what has to be done between the making of the native window and its coming up.
-class RoleKeeper final : public QObject {
+// None for what is an ordinary window in a desktop with a layer shell, too.
+std::optional<LayerWindow::Setup> layerFor(const QWidget& window, WindowRole role) {
+    using Keyboard = LayerWindow::Keyboard;
+    switch (role) {
+        case WindowRole::palette:
+        case WindowRole::chatBar:
+            return LayerWindow::Setup{.keyboard = Keyboard::untilClickElsewhere};
+        case WindowRole::card:
+            return LayerWindow::Setup{};
+        case WindowRole::toast:
+            return LayerWindow::Setup{.place = LayerWindow::Place::top};
+        case WindowRole::overlay:
+            return LayerWindow::Setup{.place = LayerWindow::Place::output, .keyboard = Keyboard::always};
+        case WindowRole::menu:
+            // The toolkit's own menus need a window of its own kinds that they belong to.
+            if (window.parentWidget() != nullptr && !LayerWindow::isOne(*window.parentWidget()->window())) return {};
+            return LayerWindow::Setup{.kind = LayerWindow::Kind::menu};
+        case WindowRole::ordinary:
+        case WindowRole::chat:
+        case WindowRole::alert:
+            return {};
+    }
+    return {};
+}
+
+// Does each time what has to be done on X11 between the making of the native window and its coming up.
+class X11Role final : public QObject {
 public:
-    RoleKeeper(QWidget& window, WindowRole role) : QObject(&window), window_(window), role_(role) {
+    X11Role(QWidget& window, WindowRole role) : QObject(&window), window_(window), role_(role) {
         window.installEventFilter(this);
     }
 
@@ -42,21 +75,57 @@ private:
     }
 
     void comeUp() {
-        if (role_ == WindowRole::palette || role_ == WindowRole::chat)
+        if (role_ == WindowRole::overlay) {
+            new X11KeyboardGrab(window_);
+        } else {
             x11::keepOnEveryWorkspace(*window_.windowHandle());
-        if (role_ == WindowRole::overlay) new X11KeyboardGrab(window_);
+        }
     }
 
     QWidget& window_;
     WindowRole role_;
 };
 
+// What the role is kept by.
+QObject* keeperFor(QWidget& window, WindowRole role) {
+    if (LayerShell* const shell = LayerShell::ofToolkit()) {
+        if (const auto layer = layerFor(window, role)) return new LayerWindow(*shell, window, *layer);
+    }
+    if (wayland::isToolkit()) {
+        const bool isOrdinary = role == WindowRole::ordinary || role == WindowRole::chat;
+        return isOrdinary ? new wayland::FloatingStart(window) : nullptr;
+    }
+    const bool isEverywhere = role == WindowRole::palette || role == WindowRole::chat || role == WindowRole::chatBar;
+    return isEverywhere || role == WindowRole::overlay ? new X11Role(window, role) : nullptr;
+}
+
+constexpr const char* keeperProperty = "ovrinRoleKeeper";
+
 }  // namespace
 
 void giveRole(QWidget& window, WindowRole role) {
-    window.setWindowFlags(flagsFor(role));
-    window.setAttribute(Qt::WA_ShowWithoutActivating, role == WindowRole::card);
-    new RoleKeeper(window, role);
+    const bool hasRole = window.property(keeperProperty).isValid();
+    if (hasRole && !LayerShell::ofToolkit()) return;  // the chat and its bar are the same
+    if (hasRole) {
+        window.hide();
+        delete window.property(keeperProperty).value<QObject*>();
+        if (QWindow* const native = window.windowHandle()) native->destroy();
+    }
+    window.setWindowFlags(flagsFor(window, role));
+    const bool takesKeyboard = role != WindowRole::card && role != WindowRole::toast;
+    window.setAttribute(Qt::WA_ShowWithoutActivating, !takesKeyboard);
+    window.setProperty(keeperProperty, QVariant::fromValue(keeperFor(window, role)));
+    if (role == WindowRole::toast && wayland::isToolkit()) window.setWindowFlag(Qt::WindowTransparentForInput);
+}
+
+bool isPlacedByProgram(WindowRole role) {
+    if (!wayland::isToolkit()) return true;
+    const bool isOrdinary = role == WindowRole::ordinary || role == WindowRole::chat || role == WindowRole::alert;
+    return LayerShell::ofToolkit() != nullptr && !isOrdinary;
+}
+
+bool canStayOnTop() {
+    return !wayland::isToolkit();
 }
 
 void activate(QWindow& window) {
@@ -64,15 +133,21 @@ void activate(QWindow& window) {
 }
 
 bool hasInputFocus(const QWindow& window) {
-    return x11::hasInputFocus(window);
+    const LayerShell* const shell = LayerShell::ofToolkit();
+    return shell != nullptr ? shell->hasKeyboard(window) : x11::hasInputFocus(window);
 }
 
 bool knowsOwnShadows() {
-    return x11::knowsOwnShadows();
+    return wayland::isToolkit() ? wayland::knowsMargins() : x11::knowsOwnShadows();
 }
 
 void setShadowMargins(QWindow& window, const ShadowMargins& margins) {
-    x11::setShadowMargins(window, margins);
+    if (!wayland::isToolkit()) return x11::setShadowMargins(window, margins);
+    const int dead = margins.shadow - margins.grip;
+    const QRect live(dead, dead, window.width() - 2 * dead, window.height() - 2 * dead);
+    window.setMask(margins.shadow == 0 ? QRegion() : QRegion(live));
+    const bool isLayer = window.flags().testFlag(Qt::BypassWindowManagerHint);
+    if (!isLayer) wayland::setMargins(window, {margins.shadow, margins.shadow, margins.shadow, margins.shadow});
 }
 
 void setFirstColor(QWindow& window, const QColor& color) {

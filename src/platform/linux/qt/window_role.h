@@ -14,13 +14,24 @@ enum class WindowRole : std::uint8_t {
     ordinary,  // as those of any program, with a frame of its own: panel, input translation, history, settings
     chat,      // the same on every workspace
     alert,     // above the window that it belongs to
-    palette,   // above other windows on every workspace, with the keyboard
+    palette,   // above other windows on every workspace, with the keyboard until the user turns away
+    chatBar,   // the same, in the task bar where that can be
     card,      // above other windows, never with the keyboard
+    toast,     // the same, at the top of the screen, and the pointer does not notice it
+    menu,      // closes by a click elsewhere
     overlay    // covers a display with all that is on it, and takes pointer and keyboard
 };
 
-// Gives the window its flags and lets the desktop know each time it is shown. Before it is shown for the first time.
+// Gives the window its flags and lets the desktop know each time it is shown. Before it is shown for the first time, or
+// while it is shown, to give it another role: where the two are different things to the desktop, the window is hidden
+// by that.
 void giveRole(QWidget& window, WindowRole role);
+
+// Whether windows of the role come up where the program has put them, and can be moved by it.
+bool isPlacedByProgram(WindowRole role);
+
+// Whether an ordinary window can be kept above those of other programs.
+bool canStayOnTop();
 
 // Brings a window that is shown to the front, with the keyboard.
 void activate(QWindow& window);

@@ -1,0 +1,36 @@
+// What the window toolkit does not do for an ordinary window on a Wayland compositor. Main thread; the windows are on
+// Wayland.
+#pragma once
+
+#include <QObject>
+
+class QMargins;
+class QWidget;
+class QWindow;
+
+namespace ovrin::wayland {
+
+// Whether the windows are.
+bool isToolkit();
+
+// Whether the toolkit lets a window tell what of it is its frame. Its public interface doesn't.
+bool knowsMargins();
+
+// Around the frame. The window keeps its size.
+void setMargins(QWindow& window, const QMargins& margins);
+
+// Has compositors that tile windows leave this one as large as it is, each time it comes up: for them, that is what
+// windows of a fixed size are for. Once it is there it can be resized as ever. Belongs to the window.
+class FloatingStart final : public QObject {
+public:
+    explicit FloatingStart(QWidget& window);
+
+private:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void loosen();
+
+    QWidget& window_;
+    bool isFixed_ = false;
+};
+
+}  // namespace ovrin::wayland
