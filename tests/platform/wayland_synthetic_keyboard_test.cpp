@@ -17,6 +17,7 @@
 #include "fakes/kwin_test_compositor.h"
 #include "fakes/wayland_test_compositor.h"
 #include "platform/linux/desktop/application_name.h"
+#include "platform/linux/wayland/wayland_keyboard_layout.h"
 #include "platform/linux/wayland/wayland_selection.h"
 #include "virtual-keyboard-unstable-v1-client.h"
 #include "xdg-shell-client.h"
@@ -193,6 +194,12 @@ protected:
     std::optional<WaylandSimulateKeyboard> keyboard;
 };
 
+// Some programs make up a keymap for the characters that they type.
+constexpr const char* keymapOfOneX = R"(xkb_keymap { xkb_keycodes "x" { minimum = 8; maximum = 255; <K1> = 9; };
+                                                     xkb_types "x" { include "complete" };
+                                                     xkb_compatibility "x" { include "complete" };
+                                                     xkb_symbols "x" { key <K1> { [ x ] }; }; };)";
+
 constexpr std::uint32_t shift = 1, control = 4, super = 64;  // modifiers of XKB
 
 std::vector<std::string> strokes(std::uint32_t modifierKey, std::uint32_t key, std::uint32_t modifiers) {
@@ -223,12 +230,26 @@ TEST_F(WaylandSimulateKeyboardTest, TheKeyIsTheOneThatTypesTheLetter) {
     EXPECT_EQ(copyAfter(keymapOf("ru", "")), strokes(KEY_LEFTCTRL, KEY_C, control));  // no key types c
     EXPECT_EQ(copyAfter(keymapOf("us", "dvorak")), strokes(KEY_LEFTCTRL, KEY_I, control));
     EXPECT_EQ(copyAfter(keymapOf("ru,us", ",dvorak")), strokes(KEY_LEFTCTRL, KEY_I, control));  // in the second group
-    // Some programs make up a keymap for the characters that they type.
-    EXPECT_EQ(copyAfter(R"(xkb_keymap { xkb_keycodes "x" { minimum = 8; maximum = 255; <K1> = 9; };
-                                        xkb_types "x" { include "complete" };
-                                        xkb_compatibility "x" { include "complete" };
-                                        xkb_symbols "x" { key <K1> { [ x ] }; }; };)"),
-              strokes(KEY_LEFTCTRL, KEY_I, control));
+    EXPECT_EQ(copyAfter(keymapOfOneX), strokes(KEY_LEFTCTRL, KEY_I, control));
+}
+
+TEST_F(WaylandSimulateKeyboardTest, TheLayoutIsThatOfTheSeatsKeyboard) {
+    using KeyboardShortcuts::Key;
+    WaylandKeyboardLayout layout(compositor->display().c_str());
+    EXPECT_EQ(layout.character(Key::a), "a");
+    EXPECT_EQ(layout.key(KEY_A + 8), Key::a);  // by the codes of XKB, which events bring
+    const auto useKeymap = [&](const std::string& keymap) {
+        user->setKeymap(keymap);
+        user->press(KEY_ESC, 0);
+        const WaylandConnection later(compositor->display().c_str());  // by then everybody has been told
+        layout.process();
+    };
+    useKeymap(keymapOf("fr,us", ""));
+    EXPECT_EQ(layout.character(Key::a), "q");
+    EXPECT_EQ(layout.snapshot()->character(Key::w), "z");
+    EXPECT_EQ(layout.key(KEY_A + 8), Key::a);
+    useKeymap(keymapOfOneX);
+    EXPECT_EQ(layout.character(Key::a), "q");
 }
 
 TEST_F(WaylandSimulateKeyboardTest, KnowsWhetherAnotherProgramHasTheKeyboard) {

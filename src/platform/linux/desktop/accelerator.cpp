@@ -8,7 +8,7 @@
 #include <xkbcommon/xkbcommon.h>
 
 #include "base/text.h"
-#include "platform/linux/x11/virtual_keys.h"
+#include "platform/linux/desktop/virtual_keys.h"
 
 namespace ovrin {
 

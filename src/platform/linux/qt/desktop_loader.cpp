@@ -14,6 +14,7 @@
 #include "platform/linux/wayland/wayland_clipboard.h"
 #include "platform/linux/wayland/wayland_connection.h"
 #include "platform/linux/wayland/wayland_data_device.h"
+#include "platform/linux/wayland/wayland_keyboard_layout.h"
 #include "platform/linux/wayland/wayland_screen_capture.h"
 #include "platform/linux/wayland/wayland_synthetic_keyboard.h"
 #include "platform/linux/x11/x11_clipboard.h"
@@ -28,24 +29,16 @@ namespace ovrin {
 namespace {
 
 // Takes in what the compositor tells from the main loop.
-class HeardKeyboard final : public SimulateKeyboard {
+template <typename Adapter>
+class Heard final : public Adapter {
 public:
-    HeardKeyboard() {
+    Heard() : Adapter(nullptr), notifier_(this->descriptor(), QSocketNotifier::Read) {
         QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_,
-                         [this] { notifier_.setEnabled(keyboard_.process()); });
+                         [this] { notifier_.setEnabled(this->process()); });
     }
 
-    bool isTrusted() override { return keyboard_.isTrusted(); }
-    Task<bool> requestTrust() override { return keyboard_.requestTrust(); }
-    bool reachesOtherProgram() override { return keyboard_.reachesOtherProgram(); }
-    Window frontWindow() override { return keyboard_.frontWindow(); }
-    Selection selection() override { return keyboard_.selection(); }
-    void copy() override { keyboard_.copy(); }
-    void paste() override { keyboard_.paste(); }
-
 private:
-    WaylandSimulateKeyboard keyboard_{nullptr};
-    QSocketNotifier notifier_{keyboard_.descriptor(), QSocketNotifier::Read};
+    QSocketNotifier notifier_;
 };
 
 constexpr const char* capturesNowhere = "无法截取屏幕：此桌面不支持。";
@@ -106,7 +99,7 @@ std::unique_ptr<ClipboardService> DesktopLoader::makeClipboard(const ImageDecode
 std::unique_ptr<SimulateKeyboard> DesktopLoader::makeKeyboard() const {
     return orWithout<SimulateKeyboard>(
         [this]() -> std::unique_ptr<SimulateKeyboard> {
-            if (controlsClipboard_) return std::make_unique<HeardKeyboard>();
+            if (controlsClipboard_) return std::make_unique<Heard<WaylandSimulateKeyboard>>();
             return std::make_unique<X11SimulateKeyboard>(nullptr);
         },
         [](const std::string& /*reason*/) { return std::make_unique<NullSimulateKeyboard>(); });
@@ -121,7 +114,10 @@ std::unique_ptr<HotKeys> DesktopLoader::makeHotKeys(EventLoop& mainLoop) const {
 
 std::unique_ptr<KeyboardLayout> DesktopLoader::makeKeyboardLayout() const {
     return orWithout<KeyboardLayout>(
-        [] { return std::make_unique<X11KeyboardLayout>(nullptr); },
+        [this]() -> std::unique_ptr<KeyboardLayout> {
+            if (isWayland_) return std::make_unique<Heard<WaylandKeyboardLayout>>();
+            return std::make_unique<X11KeyboardLayout>(nullptr);
+        },
         [](const std::string& /*reason*/) { return std::make_unique<USKeyboardLayout>(); });
 }
 

@@ -178,6 +178,15 @@ void WaylandConnection::wait(std::span<pollfd> others, std::optional<Clock::time
     if (wl_display_dispatch_pending(display()) < 0) throwLost();
 }
 
+bool WaylandConnection::process() const {
+    try {
+        wait({}, Clock::now());
+    } catch (const Error&) {
+        return false;
+    }
+    return true;
+}
+
 void WaylandConnection::roundTrip(std::chrono::milliseconds time) const {
     bool isAnswered = false;
     const WaylandObject<wl_callback, wl_callback_destroy> callback(wl_display_sync(display()));

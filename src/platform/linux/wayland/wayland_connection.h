@@ -85,6 +85,11 @@ public:
     // for one of the other descriptors, until the deadline, if any. Throws Error when the compositor has gone.
     void wait(std::span<pollfd> others, std::optional<Clock::time_point> deadline) const;
 
+    // For a loop that waits for more than this connection: readable when process() has something to do.
+    int descriptor() const { return wl_display_get_fd(display()); }
+    // Takes in what has arrived, without waiting; false when the compositor has gone and will tell nothing any more.
+    bool process() const;
+
     // Waits until the compositor has dealt with everything that was asked of it. Throws Error when it doesn't within
     // that time.
     void roundTrip(std::chrono::milliseconds time = patience) const;

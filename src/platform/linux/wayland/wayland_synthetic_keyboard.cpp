@@ -6,9 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include "base/error.h"
 #include "platform/linux/desktop/application_name.h"
 #include "platform/linux/desktop/terminal_program.h"
@@ -18,8 +15,6 @@ namespace {
 
 // A compositor that is busy for longer is not waited for: what it told last counts.
 constexpr std::chrono::milliseconds timeToCatchUp{100};
-
-constexpr auto ignored = [](auto...) {};
 
 bool isPressable(SimulateKeyboard::Selection selection) {
     return selection == SimulateKeyboard::Selection::copied || selection == SimulateKeyboard::Selection::either;
@@ -33,26 +28,16 @@ WaylandSimulateKeyboard::WaylandSimulateKeyboard(const char* name)
         // What is selected at the start may be anybody's.
         if (source == SelectionClient::Source::primary && device_) noteSelection();
     });
-    seat_ = connection_.bindSeat();
-    static constexpr wl_seat_listener listener = {[](void* self, wl_seat* /*seat*/, std::uint32_t capabilities) {
-                                                      static_cast<WaylandSimulateKeyboard*>(self)->followKeyboard(
-                                                          (capabilities & WL_SEAT_CAPABILITY_KEYBOARD) != 0);
-                                                  },
-                                                  ignored};
-    wl_seat_add_listener(seat_, &listener, this);
-    connection_.roundTrip();  // whether there is a keyboard
-    connection_.roundTrip();  // its keymap
+    // Programs make up keymaps without the keys that are wanted here.
+    keyboard_.emplace(connection_, [this](std::string text) {
+        if (keymap_ && text == keymap_->text()) return;
+        if (std::optional<WaylandKeymap> keymap = WaylandKeymap::read(std::move(text))) setKeymap(std::move(keymap));
+    });
     // Now and not for the first stroke: of a new virtual keyboard, compositors take the focus away from the window in
     // front for a moment, and where it is the first keyboard, programs do not listen to it yet.
-    keys_ = WaylandKeys::of(connection_, seat_);
+    keys_ = WaylandKeys::of(connection_, keyboard_->seat());
     setKeymap(keymap_ ? std::move(keymap_) : WaylandKeymap::ofEnvironment());
     connection_.roundTrip();
-}
-
-WaylandSimulateKeyboard::~WaylandSimulateKeyboard() {
-    keys_.reset();
-    if (keyboard_ != nullptr) wl_keyboard_release(keyboard_);
-    wl_seat_release(seat_);
 }
 
 // Without a compositor no keys reach anybody.
@@ -65,7 +50,7 @@ void WaylandSimulateKeyboard::attend(const std::function<void()>& work) {
 }
 
 bool WaylandSimulateKeyboard::process() {
-    attend([this] { connection_.wait({}, WaylandConnection::Clock::now()); });
+    isLost_ = !connection_.process();
     return !isLost_;
 }
 
@@ -120,34 +105,6 @@ void WaylandSimulateKeyboard::copy() {
 
 void WaylandSimulateKeyboard::paste() {
     if (isPressable(selection()) && keymap_) press(keymap_->shiftInsert());
-}
-
-void WaylandSimulateKeyboard::followKeyboard(bool hasKeyboard) {
-    if (!hasKeyboard && keyboard_ != nullptr) wl_keyboard_release(std::exchange(keyboard_, nullptr));
-    if (!hasKeyboard || keyboard_ != nullptr) return;
-    keyboard_ = wl_seat_get_keyboard(seat_);
-    static constexpr wl_keyboard_listener listener = {
-        [](void* self, wl_keyboard* /*keyboard*/, std::uint32_t format, int descriptor, std::uint32_t size) {
-            static_cast<WaylandSimulateKeyboard*>(self)->takeKeymap(format, descriptor, size);
-        },
-        ignored,
-        ignored,
-        ignored,
-        ignored,
-        ignored};
-    wl_keyboard_add_listener(keyboard_, &listener, this);
-}
-
-void WaylandSimulateKeyboard::takeKeymap(std::uint32_t format, int descriptor, std::uint32_t size) {
-    void* const memory = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, descriptor, 0);
-    ::close(descriptor);
-    if (memory == MAP_FAILED) return;
-    std::string text(static_cast<const char*>(memory), size);
-    ::munmap(memory, size);
-    text.resize(text.find_last_not_of('\0') + 1);
-    const bool isNew = !keymap_ || text != keymap_->text();
-    if (format != WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1 || !isNew) return;
-    if (std::optional<WaylandKeymap> keymap = WaylandKeymap::read(std::move(text))) setKeymap(std::move(keymap));
 }
 
 // A virtual keyboard has that of the seat's own, so that programs that go by a key's place understand it as well.

@@ -14,24 +14,23 @@
 #include "platform/linux/wayland/wayland_data_device.h"
 #include "platform/linux/wayland/wayland_keymap.h"
 #include "platform/linux/wayland/wayland_keys.h"
+#include "platform/linux/wayland/wayland_seat_keyboard.h"
 #include "platform/linux/wayland/wayland_toplevels.h"
 #include "platform/synthetic_keyboard.h"
 
 namespace ovrin {
 
-class WaylandSimulateKeyboard final : public SimulateKeyboard {
+class WaylandSimulateKeyboard : public SimulateKeyboard {
 public:
-    // name: of the compositor's socket; null for the one the environment names. Throws Error when no compositor
-    // answers, or it does not tell what is selected.
+    // name: of the compositor's socket; null for the one the environment names. The object lives as long as the
+    // program: a compositor without another keyboard loses the keyboard focus with a virtual one. Throws Error when no
+    // compositor answers, or it does not tell what is selected.
     explicit WaylandSimulateKeyboard(const char* name);
     WaylandSimulateKeyboard(const WaylandSimulateKeyboard&) = delete;
     WaylandSimulateKeyboard& operator=(const WaylandSimulateKeyboard&) = delete;
-    // A compositor without another keyboard loses the keyboard focus with a virtual one: the object lives as long as
-    // the program.
-    ~WaylandSimulateKeyboard() override;
 
     // Readable when process() has something to do.
-    int descriptor() const { return wl_display_get_fd(connection_.display()); }
+    int descriptor() const { return connection_.descriptor(); }
     // Takes in what the compositor told; false when it has gone and will tell nothing any more. A program that does not
     // listen is disconnected in the end.
     bool process();
@@ -56,8 +55,6 @@ public:
 private:
     void attend(const std::function<void()>& work);
     void catchUp();
-    void followKeyboard(bool hasKeyboard);
-    void takeKeymap(std::uint32_t format, int descriptor, std::uint32_t size);
     const WaylandToplevel* front() const;
     void setKeymap(std::optional<WaylandKeymap> keymap);
     void noteSelection();
@@ -70,9 +67,8 @@ private:
     Window selecting_ = Window::nowhere;
     std::uint64_t selectingSince_ = 0;
     std::optional<WaylandDataDevice> device_;
-    wl_seat* seat_ = nullptr;
-    wl_keyboard* keyboard_ = nullptr;  // of the seat; tells the keymap
     std::optional<WaylandKeymap> keymap_;
+    std::optional<WaylandSeatKeyboard> keyboard_;
     std::unique_ptr<WaylandKeys> keys_;  // null where none can be pressed
 };
 

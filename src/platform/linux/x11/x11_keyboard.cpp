@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <utility>
 
 #include <xkbcommon/xkbcommon-x11.h>
 #include <xkbcommon/xkbcommon.h>
 
 #include "base/error.h"
-#include "platform/linux/x11/virtual_keys.h"
 #include "platform/linux/x11/x11_connection.h"
 #include "platform/linux/x11/xcb_xkb.h"
 
@@ -20,24 +20,6 @@ using KeyboardShortcuts::Modifiers;
 namespace {
 
 constexpr const char* noKeyboard = "显示服务器没有提供键盘信息。";
-
-// Dead keys type nothing by themselves; they are called by their accent.
-std::optional<std::string> accentOfDeadKey(xkb_keysym_t keysym) {
-    switch (keysym) {
-        case XKB_KEY_dead_grave:
-            return "`";
-        case XKB_KEY_dead_acute:
-            return "´";
-        case XKB_KEY_dead_circumflex:
-            return "^";
-        case XKB_KEY_dead_tilde:
-            return "~";
-        case XKB_KEY_dead_diaeresis:
-            return "¨";
-        default:
-            return std::nullopt;
-    }
-}
 
 }  // namespace
 
@@ -54,20 +36,9 @@ std::optional<X11Keyboard> X11Keyboard::read(xcb_connection_t* connection) {
         xkb_keymap_unref(keymap);
         return std::nullopt;
     }
-    X11Keyboard keyboard(std::shared_ptr<xkb_keymap>(keymap, &xkb_keymap_unref));
+    X11Keyboard keyboard(XkbKeys(std::shared_ptr<xkb_keymap>(keymap, &xkb_keymap_unref)));
     keyboard.readModifiers(*mapping);
     return keyboard;
-}
-
-X11Keyboard::X11Keyboard(std::shared_ptr<xkb_keymap> keymap) : keymap_(std::move(keymap)) {
-    for (const auto& entry : virtualKeys()) {
-        for (const auto name : entry.xkbNames) {
-            if (name.empty()) continue;
-            const xkb_keycode_t keyCode = xkb_keymap_key_by_name(keymap_.get(), std::string(name).c_str());
-            if (keyCode == XKB_KEYCODE_INVALID || keyCode > 255) continue;
-            places_.emplace_back(entry.key, static_cast<xcb_keycode_t>(keyCode));
-        }
-    }
 }
 
 void X11Keyboard::readModifiers(const xcb_get_modifier_mapping_reply_t& mapping) {
@@ -91,12 +62,12 @@ void X11Keyboard::readModifiers(const xcb_get_modifier_mapping_reply_t& mapping)
 }
 
 bool X11Keyboard::types(xcb_keycode_t keyCode, std::uint32_t keysym) const {
-    const auto groups = xkb_keymap_num_layouts_for_key(keymap_.get(), keyCode);
+    const auto groups = xkb_keymap_num_layouts_for_key(keys_.keymap(), keyCode);
     for (xkb_layout_index_t group = 0; group < groups; ++group) {
-        const auto levels = xkb_keymap_num_levels_for_key(keymap_.get(), keyCode, group);
+        const auto levels = xkb_keymap_num_levels_for_key(keys_.keymap(), keyCode, group);
         for (xkb_level_index_t level = 0; level < levels; ++level) {
             const xkb_keysym_t* keysyms = nullptr;
-            const int count = xkb_keymap_key_get_syms_by_level(keymap_.get(), keyCode, group, level, &keysyms);
+            const int count = xkb_keymap_key_get_syms_by_level(keys_.keymap(), keyCode, group, level, &keysyms);
             if (std::find(keysyms, keysyms + count, keysym) != keysyms + count) return true;
         }
     }
@@ -104,18 +75,8 @@ bool X11Keyboard::types(xcb_keycode_t keyCode, std::uint32_t keysym) const {
 }
 
 std::vector<xcb_keycode_t> X11Keyboard::keyCodes(Key key) const {
-    std::vector<xcb_keycode_t> result;
-    for (const auto& [known, keyCode] : places_) {
-        if (known == key) result.push_back(keyCode);
-    }
-    return result;
-}
-
-std::optional<Key> X11Keyboard::key(std::uint32_t keyCode) const {
-    const auto found =
-        std::find_if(places_.begin(), places_.end(), [&](const auto& place) { return place.second == keyCode; });
-    if (found == places_.end()) return std::nullopt;
-    return found->first;
+    const std::vector<std::uint32_t> codes = keys_.keyCodes(key);
+    return {codes.begin(), codes.end()};
 }
 
 std::optional<std::uint16_t> X11Keyboard::modifierMask(Modifiers modifiers) const {
@@ -135,25 +96,9 @@ std::optional<std::uint16_t> X11Keyboard::modifierMask(Modifiers modifiers) cons
     return result;
 }
 
-std::optional<std::string> X11Keyboard::character(Key key, std::uint32_t group) const {
-    for (const auto keyCode : keyCodes(key)) {
-        const auto groups = xkb_keymap_num_layouts_for_key(keymap_.get(), keyCode);
-        if (groups == 0) continue;
-        const xkb_keysym_t* keysyms = nullptr;
-        // A key with fewer groups than the keyboard keeps its first in the others.
-        const int count =
-            xkb_keymap_key_get_syms_by_level(keymap_.get(), keyCode, group < groups ? group : 0, 0, &keysyms);
-        if (count == 0) continue;
-        if (auto accent = accentOfDeadKey(keysyms[0])) return accent;
-        std::array<char, 8> buffer{};
-        if (xkb_keysym_to_utf8(keysyms[0], buffer.data(), buffer.size()) > 1) return std::string(buffer.data());
-    }
-    return std::nullopt;
-}
-
 bool X11Keyboard::hasSameGrabsAs(const X11Keyboard& other) const {
-    return places_ == other.places_ && commandMask_ == other.commandMask_ && optionMask_ == other.optionMask_ &&
-           lockMask_ == other.lockMask_;
+    return keys_.haveSamePlacesAs(other.keys_) && commandMask_ == other.commandMask_ &&
+           optionMask_ == other.optionMask_ && lockMask_ == other.lockMask_;
 }
 
 std::uint8_t followX11Keyboard(xcb_connection_t* connection) {

@@ -3,17 +3,14 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <optional>
-#include <string>
 #include <utility>
 #include <vector>
 
 #include <xcb/xcb.h>
 
+#include "platform/linux/desktop/xkb_keys.h"
 #include "platform/shortcut.h"
-
-struct xkb_keymap;
 
 namespace ovrin {
 
@@ -25,7 +22,9 @@ public:
     // Where the key lies; empty when this keyboard lacks it. More than one only for a key that PC keyboards have in
     // place of another.
     std::vector<xcb_keycode_t> keyCodes(KeyboardShortcuts::Key key) const;
-    std::optional<KeyboardShortcuts::Key> key(std::uint32_t keyCode) const;
+
+    // Codes and characters, whatever the server's modifiers are.
+    const XkbKeys& keys() const { return keys_; }
 
     // The bits of the modifiers in key events; none when the keyboard lacks one of them.
     std::optional<std::uint16_t> modifierMask(KeyboardShortcuts::Modifiers modifiers) const;
@@ -33,19 +32,15 @@ public:
     // Caps Lock, Num Lock and Scroll Lock: bits that must not matter.
     std::uint16_t lockMask() const { return lockMask_; }
 
-    // The character that the key types without modifiers in the layout group of the number; none when it types none.
-    std::optional<std::string> character(KeyboardShortcuts::Key key, std::uint32_t group) const;
-
     // Whether grabs made for one keyboard serve the other.
     bool hasSameGrabsAs(const X11Keyboard& other) const;
 
 private:
-    explicit X11Keyboard(std::shared_ptr<xkb_keymap> keymap);
+    explicit X11Keyboard(XkbKeys keys) : keys_(std::move(keys)) {}
     void readModifiers(const xcb_get_modifier_mapping_reply_t& mapping);
     bool types(xcb_keycode_t keyCode, std::uint32_t keysym) const;
 
-    std::shared_ptr<xkb_keymap> keymap_;
-    std::vector<std::pair<KeyboardShortcuts::Key, xcb_keycode_t>> places_;
+    XkbKeys keys_;
     std::uint16_t commandMask_ = 0;
     std::uint16_t optionMask_ = 0;
     std::uint16_t lockMask_ = 0;

@@ -9,23 +9,6 @@ namespace ovrin {
 
 using KeyboardShortcuts::Key;
 
-namespace {
-
-class Snapshot final : public KeyboardLayout {
-public:
-    Snapshot(X11Keyboard keyboard, std::uint32_t group) : keyboard_(std::move(keyboard)), group_(group) {}
-
-    std::optional<std::string> character(Key key) const override { return keyboard_.character(key, group_); }
-    std::optional<Key> key(std::uint32_t nativeCode) const override { return keyboard_.key(nativeCode); }
-    std::unique_ptr<const KeyboardLayout> snapshot() const override { return std::make_unique<Snapshot>(*this); }
-
-private:
-    X11Keyboard keyboard_;
-    std::uint32_t group_;
-};
-
-}  // namespace
-
 X11KeyboardLayout::X11KeyboardLayout(const char* display)
     : connection_(connectToX11(display)),
       keyboardEvent_(followX11Keyboard(connection_.get())),
@@ -33,18 +16,18 @@ X11KeyboardLayout::X11KeyboardLayout(const char* display)
 
 std::optional<std::string> X11KeyboardLayout::character(Key key) const {
     const X11Keyboard* const current = keyboard();
-    return current != nullptr ? current->character(key, currentGroup()) : fallback_.character(key);
+    return current != nullptr ? current->keys().character(key, currentGroup()) : fallback_.character(key);
 }
 
 std::optional<Key> X11KeyboardLayout::key(std::uint32_t nativeCode) const {
     const X11Keyboard* const current = keyboard();
-    return current != nullptr ? current->key(nativeCode) : fallback_.key(nativeCode);
+    return current != nullptr ? current->keys().key(nativeCode) : fallback_.key(nativeCode);
 }
 
 std::unique_ptr<const KeyboardLayout> X11KeyboardLayout::snapshot() const {
     const X11Keyboard* const current = keyboard();
     if (current == nullptr) return fallback_.snapshot();
-    return std::make_unique<Snapshot>(*current, currentGroup());
+    return std::make_unique<XkbKeyboardLayout>(current->keys(), currentGroup());
 }
 
 const X11Keyboard* X11KeyboardLayout::keyboard() const {

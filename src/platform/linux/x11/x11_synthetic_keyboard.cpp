@@ -26,7 +26,7 @@ std::optional<xcb_keycode_t> keyCodeOf(const X11Keyboard& keyboard, std::uint32_
     constexpr int keyCount = 128;  // of the storage format
     std::vector<xcb_keycode_t> keyCodes;
     for (int code = 0; code < keyCount && keyCodes.empty(); ++code) {
-        if (keyboard.character(Key{code}, group) == letter) keyCodes = keyboard.keyCodes(Key{code});
+        if (keyboard.keys().character(Key{code}, group) == letter) keyCodes = keyboard.keyCodes(Key{code});
     }
     if (keyCodes.empty()) keyCodes = keyboard.keyCodes(place);
     if (keyCodes.empty()) return std::nullopt;

@@ -1,4 +1,4 @@
-#include "platform/linux/x11/virtual_keys.h"
+#include "platform/linux/desktop/virtual_keys.h"
 
 #include <algorithm>
 
