@@ -1,34 +1,40 @@
 // Seam: key combinations that work while any program has the keyboard.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "platform/shortcut.h"
 
 namespace ovrin {
 
-// Chosen by the caller, unique among its registered hot keys.
-enum class HotKeyId : std::uint32_t {};
+struct HotKey {
+    // Stays the same for ever: desktops remember by it what their user has decided.
+    std::string name;
+    // What the desktop may show for it.
+    std::string title;
+    // What does the same: "ovrin do", and this. Some desktops start programs only.
+    std::string command;
+    KeyboardShortcuts::Shortcut shortcut;
 
-// What happens to hot keys. Called on the main loop, never from within a call of HotKeys.
-struct HotKeyEvents {
-    // One call for one press, however long the keys are held.
-    std::function<void(HotKeyId)> keyDown;
-    std::function<void(HotKeyId)> keyUp;
-    // The desktop has given what its answer was pending for.
-    std::function<void(HotKeyId)> granted{};
-    // The hot key has stopped to work (its place on a changed keyboard is taken, the display went away) or a pending
-    // answer was no, and it is no longer registered; the reason is a sentence for the user.
-    std::function<void(HotKeyId, const std::string& reason)> failed;
-    // The keyboard is another one now: what could not be registered before may be possible.
-    std::function<void()> keyboardChanged;
+    friend bool operator==(const HotKey&, const HotKey&) = default;
 };
 
-enum class HotKeyAnswer : std::uint8_t {
-    granted,
-    pending,  // the desktop asks its user first: granted() or failed() is called later
+// What happens to hot keys, by their names. Called on the main loop; described and failed also from within
+// setHotKeys(), all others never from within a call of HotKeys.
+struct HotKeyEvents {
+    // One call for one press, however long the keys are held.
+    std::function<void(const std::string& name)> keyDown;
+    std::function<void(const std::string& name)> keyUp;
+    // The hot key is in force. keys: with which keys, in the desktop's own words, where its user has the last word;
+    // empty where it is the combination that was asked for.
+    std::function<void(const std::string& name, const std::string& keys)> described;
+    // The hot key is not in force, or no longer: another program holds the combination, the keyboard lacks the key or a
+    // modifier, the user or the desktop says no, the display went away. The reason is a sentence for the user.
+    std::function<void(const std::string& name, const std::string& reason)> failed;
+    // The keyboard is another one now: what failed before may be possible.
+    std::function<void()> keyboardChanged;
 };
 
 // Main thread.
@@ -39,17 +45,14 @@ public:
     // Who hears of the events from now on, in place of who did before.
     virtual void setEvents(HotKeyEvents events) = 0;
 
-    // Throws Error whose description tells why this combination can't be had: another program holds it, the keyboard
-    // lacks the key or a modifier, there is no display. A combination is registered at most once at a time.
-    virtual HotKeyAnswer registerHotKey(HotKeyId id, const KeyboardShortcuts::Shortcut& shortcut) = 0;
-
-    // Gives the combination back to other programs at once; unknown identifiers are ignored. No event of it is
-    // delivered afterwards.
-    virtual void unregisterHotKey(HotKeyId id) = 0;
+    // The hot keys from now on, all in one go; each combination and each name occurs once. Those that are in force stay
+    // so; each other one is described or fails, at once or, where the desktop asks its user, later. What is no longer
+    // among them is given back to other programs at once, and no event of it is delivered afterwards.
+    virtual void setHotKeys(const std::vector<HotKey>& hotKeys) = 0;
 
     // Between the two no combination fires and other programs get the keys, while all of them stay registered; what is
-    // registered meanwhile waits too. Saying either twice changes nothing. A combination that others took in the
-    // meantime fails.
+    // set meanwhile waits too. Saying either twice changes nothing. A combination that others took in the meantime
+    // fails.
     virtual void suspend() = 0;
     virtual void resume() = 0;
 

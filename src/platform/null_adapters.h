@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -43,19 +44,19 @@ private:
 
 class NullHotKeys final : public HotKeys {
 public:
-    explicit NullHotKeys(std::string reason) : reason_(std::move(reason)) {}
+    explicit NullHotKeys(std::function<std::string(const HotKey&)> reason) : reason_(std::move(reason)) {}
 
-    void setEvents(HotKeyEvents /*events*/) override {}
-    HotKeyAnswer registerHotKey(HotKeyId /*id*/, const KeyboardShortcuts::Shortcut& /*shortcut*/) override {
-        throw Error(reason_);
+    void setEvents(HotKeyEvents events) override { events_ = std::move(events); }
+    void setHotKeys(const std::vector<HotKey>& hotKeys) override {
+        for (const HotKey& hotKey : hotKeys) events_.failed(hotKey.name, reason_(hotKey));
     }
-    void unregisterHotKey(HotKeyId /*id*/) override {}
     void suspend() override {}
     void resume() override {}
     bool allowsOptionAlone() const override { return true; }
 
 private:
-    std::string reason_;
+    std::function<std::string(const HotKey&)> reason_;
+    HotKeyEvents events_;
 };
 
 class NullClipboard final : public ClipboardService {

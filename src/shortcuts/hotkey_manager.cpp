@@ -63,11 +63,13 @@ HotkeyManager::~HotkeyManager() {
 
 void HotkeyManager::bindAll(AssistantActions& actions) {
     unlessStorageFails([&] { defaults_.remove({std::string(preference::shortcutPrefix).append(retiredName)}); });
-    for (const auto shortcut : allOvShortcuts) unlessStorageFails([&] { registry_.add(name(shortcut)); });
-    unlessStorageFails([&] { migrateRetiredDefaultShortcutsIfNeeded(); });
-    unlessStorageFails([&] { migratePrimaryDefaultShortcutsIfNeeded(); });
-    registry_.removeAllHandlers();
-    for (const auto shortcut : allOvShortcuts) bind(shortcut, actions);
+    registry_.changeTogether([&] {
+        for (const auto shortcut : allOvShortcuts) unlessStorageFails([&] { registry_.add(name(shortcut)); });
+        unlessStorageFails([&] { migrateRetiredDefaultShortcutsIfNeeded(); });
+        unlessStorageFails([&] { migratePrimaryDefaultShortcutsIfNeeded(); });
+        registry_.removeAllHandlers();
+        for (const auto shortcut : allOvShortcuts) bind(shortcut, actions);
+    });
 }
 
 void HotkeyManager::migrateRetiredDefaultShortcutsIfNeeded() {

@@ -11,6 +11,8 @@ namespace ovrin::KeyboardShortcuts {
 struct Name {
     std::string rawValue;
     std::optional<Shortcut> defaultShortcut{};
+    std::string title{};    // what the desktop may show for it
+    std::string command{};  // of "ovrin do"
 
     friend bool operator==(const Name&, const Name&) = default;
 };

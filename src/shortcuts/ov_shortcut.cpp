@@ -9,7 +9,10 @@ namespace ovrin {
 
 KeyboardShortcuts::Name name(OvShortcut shortcut) {
     const ActionDescription& action = description(shortcut);
-    return {.rawValue = std::string(action.shortcutName), .defaultShortcut = action.defaultShortcut};
+    return {.rawValue = std::string(action.shortcutName),
+            .defaultShortcut = action.defaultShortcut,
+            .title = std::string(action.title),
+            .command = std::string(action.commandName)};
 }
 
 std::string_view title(OvShortcut shortcut) {

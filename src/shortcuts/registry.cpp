@@ -48,17 +48,17 @@ std::optional<Shortcut> decoded(const std::string& document) {
 Registry::Registry(DefaultsStore& defaults, HotKeys& hotKeys, const KeyboardLayout& layout, Diagnostics diagnostics)
     : defaults_(defaults), hotKeys_(hotKeys), layout_(layout), diagnostics_(std::move(diagnostics)) {
     hotKeys_.setEvents({
-        .keyDown = [this](HotKeyId id) { handleHotKey(KeyDirection::down, id); },
-        .keyUp = [this](HotKeyId id) { handleHotKey(KeyDirection::up, id); },
-        .granted = [this](HotKeyId id) { handleGrant(id); },
-        .failed = [this](HotKeyId id, const std::string& reason) { handleFailure(id, reason); },
+        .keyDown = [this](const std::string& hotKey) { handleHotKey(KeyDirection::down, hotKey); },
+        .keyUp = [this](const std::string& hotKey) { handleHotKey(KeyDirection::up, hotKey); },
+        .described = [this](const std::string& hotKey, const std::string& keys) { handleDescription(hotKey, keys); },
+        .failed = [this](const std::string& hotKey, const std::string& reason) { handleFailure(hotKey, reason); },
         .keyboardChanged = [this] { synchronize(); },
     });
 }
 
 Registry::~Registry() {
-    setEnabled(false);
     hotKeys_.setEvents({});
+    hotKeys_.setHotKeys({});
 }
 
 void Registry::add(const Name& name) {
@@ -78,16 +78,16 @@ std::optional<Shortcut> Registry::getShortcut(const Name& name) const {
 std::optional<std::string> Registry::shortcutDisplay(const Name& name) const {
     const auto shortcut = getShortcut(name);
     if (!shortcut) return std::nullopt;
-    return description(*shortcut, layout_);
+    const std::string keys = answerTo(*shortcut).keys;
+    return keys.empty() ? description(*shortcut, layout_) : keys;
 }
 
 void Registry::setShortcut(std::optional<Shortcut> shortcut, const Name& name) {
     const auto old = getShortcut(name);
     if (!shortcut && !old) return;
     store(shortcut, name);
-    if (old && !isHeldByOthers(*old, name)) unregister(*old);
-    if (shortcut) registerIfNeeded(*shortcut);
-    updateStates();
+    if (shortcut) handlersOf(name).isWanted = true;
+    update();
     announce(name);
 }
 
@@ -103,15 +103,17 @@ void Registry::store(const std::optional<Shortcut>& shortcut, const Name& name) 
 }
 
 void Registry::onKeyDown(const Name& name, Action action) {
-    handlersOf(name).keyDown.push_back(std::move(action));
-    if (const auto shortcut = getShortcut(name)) registerIfNeeded(*shortcut);
-    updateStates();
+    Handlers& handlers = handlersOf(name);
+    handlers.keyDown.push_back(std::move(action));
+    handlers.isWanted = true;
+    update();
 }
 
 void Registry::onKeyUp(const Name& name, Action action) {
-    handlersOf(name).keyUp.push_back(std::move(action));
-    if (const auto shortcut = getShortcut(name)) registerIfNeeded(*shortcut);
-    updateStates();
+    Handlers& handlers = handlersOf(name);
+    handlers.keyUp.push_back(std::move(action));
+    handlers.isWanted = true;
+    update();
 }
 
 void Registry::removeAllHandlers() {
@@ -119,41 +121,23 @@ void Registry::removeAllHandlers() {
         if (handlers.keyDown.empty() && handlers.keyUp.empty()) continue;
         handlers.keyDown.clear();
         handlers.keyUp.clear();
-        if (const auto shortcut = getShortcut(handlers.name)) unregister(*shortcut);
+        handlers.isWanted = false;
     }
-    updateStates();
+    update();
 }
 
 void Registry::synchronize() {
-    std::unordered_set<Shortcut> wanted;
-    for (const auto& handlers : names_) {
-        if (handlers.keyDown.empty() && handlers.keyUp.empty()) continue;
-        if (const auto shortcut = getShortcut(handlers.name)) wanted.insert(*shortcut);
-    }
-    for (const Shortcut& shortcut : std::unordered_set(registered_)) {
-        if (!wanted.contains(shortcut)) unregister(shortcut);
-    }
-    for (const Shortcut& shortcut : wanted) registerIfNeeded(shortcut);
-    updateStates();
+    for (auto& handlers : names_) handlers.isWanted = !handlers.keyDown.empty() || !handlers.keyUp.empty();
+    update();
     announceChangesOfOthers();
 }
 
 bool Registry::handleKeyEvent(KeyDirection direction, const Shortcut& shortcut) {
-    const bool isKnown = std::any_of(hotKeyTable_.begin(), hotKeyTable_.end(),
-                                     [&](const auto& entry) { return entry.second == shortcut; });
+    const bool isKnown = std::ranges::find(hotKeysAskedFor_, shortcut, &HotKey::shortcut) != hotKeysAskedFor_.end() &&
+                         answerTo(shortcut).kind != RegistrationState::Kind::refused;
     if (!isMenuOpen_ || !isKnown) return false;
     dispatch(direction, shortcut);
     return true;
-}
-
-void Registry::recorderDidBegin() {
-    setEnabled(false);
-    isRecorderActive_.set(true);
-}
-
-void Registry::recorderDidEnd() {
-    setEnabled(true);
-    isRecorderActive_.set(false);
 }
 
 Registry::Handlers& Registry::handlersOf(const Name& name) {
@@ -180,52 +164,45 @@ void Registry::announceChangesOfOthers() {
     for (const auto& name : changed) announce(name);
 }
 
-void Registry::registerIfNeeded(const Shortcut& shortcut) {
-    if (registered_.contains(shortcut)) return;
-    if (!isEnabled_ || registerWithDesktop(shortcut)) registered_.insert(shortcut);
-}
-
-bool Registry::registerWithDesktop(const Shortcut& shortcut) {
-    const HotKeyId id{++hotKeyCounter_};
-    HotKeyAnswer answer{};
-    try {
-        answer = hotKeys_.registerHotKey(id, shortcut);
-    } catch (const Error& error) {
-        noteFailure(shortcut, error.errorDescription());
-        return false;
-    }
-    hotKeyTable_.emplace(id, shortcut);
-    if (answer == HotKeyAnswer::granted) answers_[shortcut] = {.kind = RegistrationState::Kind::works};
-    return true;
-}
-
-void Registry::unregister(const Shortcut& shortcut) {
-    std::erase_if(hotKeyTable_, [&](const auto& entry) {
-        if (entry.second != shortcut) return false;
-        hotKeys_.unregisterHotKey(entry.first);
-        return true;
+void Registry::update() {
+    if (isChanging_) return;
+    hotKeysAskedFor_ = wantedHotKeys();
+    std::erase_if(answers_, [this](const auto& answer) {
+        return std::ranges::find(hotKeysAskedFor_, answer.first, &HotKey::shortcut) == hotKeysAskedFor_.end();
     });
-    registered_.erase(shortcut);
-    answers_.erase(shortcut);
-}
-
-// Another name may have the same combination, which goes on working then.
-bool Registry::isHeldByOthers(const Shortcut& shortcut, const Name& name) const {
-    return std::any_of(names_.begin(), names_.end(), [&](const auto& handlers) {
-        return handlers.name.rawValue != name.rawValue && getShortcut(handlers.name) == shortcut;
-    });
-}
-
-void Registry::setEnabled(bool isEnabled) {
-    if (isEnabled_ == isEnabled) return;
-    isEnabled_ = isEnabled;
-    if (isEnabled) {
-        std::erase_if(registered_, [this](const auto& shortcut) { return !registerWithDesktop(shortcut); });
-    } else {
-        for (const auto& entry : hotKeyTable_) hotKeys_.unregisterHotKey(entry.first);
-        hotKeyTable_.clear();
-    }
+    isChanging_ = true;  // the states follow when all is said
+    hotKeys_.setHotKeys(hotKeysAskedFor_);
+    isChanging_ = false;
     updateStates();
+}
+
+// Names may have the same combination: the desktop knows the first of them.
+std::vector<HotKey> Registry::wantedHotKeys() const {
+    std::vector<HotKey> wanted;
+    for (const auto& handlers : names_) {
+        const auto shortcut = getShortcut(handlers.name);
+        if (!handlers.isWanted || !shortcut) continue;
+        if (std::ranges::find(wanted, *shortcut, &HotKey::shortcut) != wanted.end()) continue;
+        wanted.push_back({.name = handlers.name.rawValue,
+                          .title = handlers.name.title,
+                          .command = handlers.name.command,
+                          .shortcut = *shortcut});
+    }
+    return wanted;
+}
+
+const Shortcut* Registry::shortcutOf(const std::string& hotKey) const {
+    const auto found = std::ranges::find(hotKeysAskedFor_, hotKey, &HotKey::name);
+    return found == hotKeysAskedFor_.end() ? nullptr : &found->shortcut;
+}
+
+void Registry::rest(bool isSuspended, bool isRecorderActive) {
+    const bool wasResting = isSuspended_ || isRecorderActive_.value();
+    isSuspended_ = isSuspended;
+    const bool isResting = isSuspended || isRecorderActive;
+    if (isResting && !wasResting) hotKeys_.suspend();
+    if (!isResting && wasResting) hotKeys_.resume();
+    isRecorderActive_.set(isRecorderActive);
 }
 
 // Trying again what is still refused is no news.
@@ -235,43 +212,44 @@ void Registry::noteFailure(const Shortcut& shortcut, const std::string& reason) 
     diagnostics_("Error registering hotkey " + description(shortcut, layout_) + ": " + reason);
 }
 
+RegistrationState Registry::answerTo(const Shortcut& shortcut) const {
+    const auto found = answers_.find(shortcut);
+    return found == answers_.end() ? RegistrationState{.kind = RegistrationState::Kind::unknown} : found->second;
+}
+
 RegistrationState Registry::currentState(const Name& name) const {
     const auto shortcut = getShortcut(name);
-    if (!shortcut) return {};
-    const auto found = answers_.find(*shortcut);
-    return found == answers_.end() ? RegistrationState{.kind = RegistrationState::Kind::unknown} : found->second;
+    return shortcut ? answerTo(*shortcut) : RegistrationState();
 }
 
 // Those who hear of a state may change the registry, and make names known.
 void Registry::updateStates() {
     for (std::size_t index = 0; index < names_.size(); ++index) {  // NOLINT: a new name ends iterators, not references
         auto& handlers = names_[index];
-        handlers.state.set(currentState(handlers.name));
+        const RegistrationState state = currentState(handlers.name);
+        const bool areKeysOthers = state.keys != handlers.state->keys;
+        handlers.state.set(state);
+        if (areKeysOthers) announce(handlers.name);
     }
 }
 
-void Registry::handleHotKey(KeyDirection direction, HotKeyId id) {
-    const auto found = hotKeyTable_.find(id);
-    if (found == hotKeyTable_.end() || isMenuOpen_) return;
-    const Shortcut shortcut = found->second;
-    dispatch(direction, shortcut);
+void Registry::handleHotKey(KeyDirection direction, const std::string& hotKey) {
+    const Shortcut* const shortcut = shortcutOf(hotKey);
+    if (shortcut != nullptr && !isMenuOpen_) dispatch(direction, Shortcut(*shortcut));
 }
 
-void Registry::handleGrant(HotKeyId id) {
-    const auto found = hotKeyTable_.find(id);
-    if (found == hotKeyTable_.end()) return;
-    answers_[found->second] = {.kind = RegistrationState::Kind::works};
-    updateStates();
+void Registry::handleDescription(const std::string& hotKey, const std::string& keys) {
+    const Shortcut* const shortcut = shortcutOf(hotKey);
+    if (shortcut == nullptr) return;
+    answers_[*shortcut] = {.kind = RegistrationState::Kind::works, .keys = keys};
+    if (!isChanging_) updateStates();
 }
 
-void Registry::handleFailure(HotKeyId id, const std::string& reason) {
-    const auto found = hotKeyTable_.find(id);
-    if (found == hotKeyTable_.end()) return;
-    const Shortcut shortcut = found->second;
-    hotKeyTable_.erase(found);
-    registered_.erase(shortcut);
-    noteFailure(shortcut, reason);
-    updateStates();
+void Registry::handleFailure(const std::string& hotKey, const std::string& reason) {
+    const Shortcut* const shortcut = shortcutOf(hotKey);
+    if (shortcut == nullptr) return;
+    noteFailure(*shortcut, reason);
+    if (!isChanging_) updateStates();
 }
 
 void Registry::dispatch(KeyDirection direction, const Shortcut& shortcut) {

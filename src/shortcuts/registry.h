@@ -11,11 +11,10 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <map>
 #include <optional>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "base/published.h"
@@ -40,6 +39,7 @@ struct RegistrationState {
     };
     Kind kind = Kind::none;
     std::string reason{};  // of a refusal: a sentence for the user
+    std::string keys{};    // that work, in the desktop's own words; empty where it is the combination
 
     friend bool operator==(const RegistrationState&, const RegistrationState&) = default;
 };
@@ -69,7 +69,8 @@ public:
     // Its default as long as nothing is stored.
     std::optional<Shortcut> getShortcut(const Name& name) const;
 
-    // What the user sees of it; none when the name has no combination.
+    // What the user sees of it, which is what the desktop calls the keys that work; none when the name has no
+    // combination.
     std::optional<std::string> shortcutDisplay(const Name& name) const;
 
     // Stores or clears the combination and announces it; clearing what is clear does nothing. Throws files::FileError
@@ -88,9 +89,18 @@ public:
     // announced.
     void synchronize();
 
+    // Has the desktop hear of all the changes together.
+    template <typename Change>
+    void changeTogether(Change change) {
+        const bool wasChanging = std::exchange(isChanging_, true);
+        change();
+        isChanging_ = wasChanging;
+        update();
+    }
+
     // While suspended no name fires or keeps its combination from other programs (a menu is open).
-    void suspend() { hotKeys_.suspend(); }
-    void resume() { hotKeys_.resume(); }
+    void suspend() { rest(true, isRecorderActive_.value()); }
+    void resume() { rest(false, isRecorderActive_.value()); }
 
     // While a menu of the program tracks the keyboard, hot keys don't arrive; their keys come as ordinary key events,
     // which go through handleKeyEvent. It says whether the keys were a registered combination.
@@ -98,9 +108,9 @@ public:
     void menuTrackingDidEnd() { isMenuOpen_ = false; }
     bool handleKeyEvent(KeyDirection direction, const Shortcut& shortcut);
 
-    // A recorder needs to see combinations that are registered: none is while one is active.
-    void recorderDidBegin();
-    void recorderDidEnd();
+    // A recorder needs to see combinations that are registered: they are suspended while one is active.
+    void recorderDidBegin() { rest(isSuspended_, true); }
+    void recorderDidEnd() { rest(isSuspended_, false); }
 
     // Follows every answer of the desktop, and lives as long as the registry. Makes the name known.
     const Published<RegistrationState>& registrationState(const Name& name) { return handlersOf(name).state; }
@@ -113,6 +123,7 @@ private:
         Name name;
         std::vector<Action> keyDown;
         std::vector<Action> keyUp;
+        bool isWanted = false;                // its combination, if any, is to work
         std::optional<Shortcut> announced{};  // the combination that everybody knows of
         Published<RegistrationState> state{};
     };
@@ -122,18 +133,18 @@ private:
     void announce(const Name& name);
     void announceChangesOfOthers();
 
-    void registerIfNeeded(const Shortcut& shortcut);
-    bool registerWithDesktop(const Shortcut& shortcut);
-    void unregister(const Shortcut& shortcut);
-    bool isHeldByOthers(const Shortcut& shortcut, const Name& name) const;
-    void setEnabled(bool isEnabled);
+    void update();
+    std::vector<HotKey> wantedHotKeys() const;
+    const Shortcut* shortcutOf(const std::string& hotKey) const;
+    void rest(bool isSuspended, bool isRecorderActive);
     void noteFailure(const Shortcut& shortcut, const std::string& reason);
+    RegistrationState answerTo(const Shortcut& shortcut) const;
     RegistrationState currentState(const Name& name) const;
     void updateStates();
 
-    void handleHotKey(KeyDirection direction, HotKeyId id);
-    void handleGrant(HotKeyId id);
-    void handleFailure(HotKeyId id, const std::string& reason);
+    void handleHotKey(KeyDirection direction, const std::string& hotKey);
+    void handleDescription(const std::string& hotKey, const std::string& keys);
+    void handleFailure(const std::string& hotKey, const std::string& reason);
     void dispatch(KeyDirection direction, const Shortcut& shortcut);
 
     DefaultsStore& defaults_;
@@ -142,11 +153,10 @@ private:
     Diagnostics diagnostics_;
 
     std::deque<Handlers> names_;                               // in the order they became known
-    std::unordered_set<Shortcut> registered_;                  // what is to work whenever the registry is enabled
-    std::map<HotKeyId, Shortcut> hotKeyTable_;                 // what the desktop has given us
-    std::unordered_map<Shortcut, RegistrationState> answers_;  // what it said last about each
-    std::uint32_t hotKeyCounter_ = 0;
-    bool isEnabled_ = true;
+    std::vector<HotKey> hotKeysAskedFor_;                      // each under the first name with its combination
+    std::unordered_map<Shortcut, RegistrationState> answers_;  // what the desktop said last about each
+    bool isChanging_ = false;                                  // it hears of it in one go, later
+    bool isSuspended_ = false;
     bool isMenuOpen_ = false;
 
     Published<ShortcutChange> lastChange_;

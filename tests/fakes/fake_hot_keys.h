@@ -2,13 +2,11 @@
 #pragma once
 
 #include <algorithm>
-#include <map>
-#include <optional>
 #include <string>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
-#include "base/error.h"
 #include "fakes/journal.h"
 #include "platform/hot_keys.h"
 #include "platform/us_keyboard_layout.h"
@@ -22,18 +20,26 @@ public:
 
     std::unordered_set<KeyboardShortcuts::Shortcut> takenByOthers;
     bool isOptionAloneAllowed = true;
-    HotKeyAnswer answer = HotKeyAnswer::granted;
+    bool asksItsUser = false;  // and answers later, by describe() and fail()
 
     void setEvents(HotKeyEvents events) override { events_ = std::move(events); }
-    HotKeyAnswer registerHotKey(HotKeyId id, const KeyboardShortcuts::Shortcut& shortcut) override {
-        if (takenByOthers.contains(shortcut)) throw Error("taken");
-        registered_.emplace(id, shortcut);
-        journal_.add("register " + std::to_string(static_cast<unsigned>(id)) + " " + text(shortcut));
-        return answer;
-    }
-    void unregisterHotKey(HotKeyId id) override {
-        journal_.add("unregister " + text(registered_.at(id)));
-        registered_.erase(id);
+    void setHotKeys(const std::vector<HotKey>& hotKeys) override {
+        ++timesSet;
+        std::erase_if(registered_, [&](const HotKey& hotKey) {
+            if (std::ranges::find(hotKeys, hotKey) != hotKeys.end()) return false;
+            journal_.add("unregister " + text(hotKey.shortcut));
+            return true;
+        });
+        for (const HotKey& hotKey : hotKeys) {
+            if (std::ranges::find(registered_, hotKey) != registered_.end()) continue;
+            if (takenByOthers.contains(hotKey.shortcut)) {
+                events_.failed(hotKey.name, "taken");
+                continue;
+            }
+            registered_.push_back(hotKey);
+            journal_.add("register " + hotKey.name + " " + text(hotKey.shortcut));
+            if (!asksItsUser) events_.described(hotKey.name, "");
+        }
     }
     void suspend() override {
         isSuspended_ = true;
@@ -49,38 +55,43 @@ public:
     bool press(const KeyboardShortcuts::Shortcut& shortcut) { return deliver(shortcut, events_.keyDown); }
     bool release(const KeyboardShortcuts::Shortcut& shortcut) { return deliver(shortcut, events_.keyUp); }
 
-    void grant(const KeyboardShortcuts::Shortcut& shortcut) { events_.granted(idOf(shortcut).value()); }
+    void describe(const KeyboardShortcuts::Shortcut& shortcut, const std::string& keys = "") {
+        events_.described(find(shortcut)->name, keys);
+    }
 
     void fail(const KeyboardShortcuts::Shortcut& shortcut, const std::string& reason) {
-        const auto id = idOf(shortcut).value();
-        registered_.erase(id);
-        events_.failed(id, reason);
+        const auto found = find(shortcut);
+        const std::string name = found->name;
+        registered_.erase(found);
+        events_.failed(name, reason);
     }
 
     void changeKeyboard() { events_.keyboardChanged(); }
 
-    bool isRegistered(const KeyboardShortcuts::Shortcut& shortcut) const { return idOf(shortcut).has_value(); }
+    bool isRegistered(const KeyboardShortcuts::Shortcut& shortcut) const {
+        return std::ranges::find(registered_, shortcut, &HotKey::shortcut) != registered_.end();
+    }
+
+    int timesSet = 0;
 
 private:
     static std::string text(const KeyboardShortcuts::Shortcut& shortcut) {
         return description(shortcut, USKeyboardLayout());
     }
-    std::optional<HotKeyId> idOf(const KeyboardShortcuts::Shortcut& shortcut) const {
-        const auto found = std::find_if(registered_.begin(), registered_.end(),
-                                        [&](const auto& entry) { return entry.second == shortcut; });
-        return found == registered_.end() ? std::nullopt : std::optional(found->first);
+    std::vector<HotKey>::iterator find(const KeyboardShortcuts::Shortcut& shortcut) {
+        return std::ranges::find(registered_, shortcut, &HotKey::shortcut);
     }
-    bool deliver(const KeyboardShortcuts::Shortcut& shortcut, const std::function<void(HotKeyId)>& event) {
-        const auto id = idOf(shortcut);
-        if (!id || isSuspended_) return false;
-        event(*id);
+    bool deliver(const KeyboardShortcuts::Shortcut& shortcut, const std::function<void(const std::string&)>& event) {
+        const auto found = find(shortcut);
+        if (found == registered_.end() || isSuspended_) return false;
+        event(std::string(found->name));
         return true;
     }
 
     Journal& journal_;
     HotKeyEvents events_;
     bool isSuspended_ = false;
-    std::map<HotKeyId, KeyboardShortcuts::Shortcut> registered_;
+    std::vector<HotKey> registered_;
 };
 
 }  // namespace ovrin

@@ -30,7 +30,6 @@ using Events = std::vector<std::string>;
 constexpr Shortcut commandShiftT(Key::t, Modifiers::command | Modifiers::shift);
 constexpr Shortcut commandS(Key::s, Modifiers::command);
 constexpr Shortcut f5(Key{96}, Modifiers::none);
-constexpr HotKeyId first{1}, second{2}, fence{99};
 
 const std::vector<xcb_keycode_t> commandShiftTKeys{keycode::leftSuper, keycode::leftShift, keycode::t};
 
@@ -41,16 +40,29 @@ protected:
         server = std::make_unique<XTestServer>();
         hotKeys = std::make_unique<X11HotKeys>(loop, server->display());
         hotKeys->setEvents({
-            .keyDown = [this](HotKeyId id) { add("down", id); },
-            .keyUp = [this](HotKeyId id) { add("up", id); },
-            .failed = [this](HotKeyId id, const std::string&) { add("failed", id); },
+            .keyDown = [this](const std::string& name) { journal.add("down " + name); },
+            .keyUp = [this](const std::string& name) { journal.add("up " + name); },
+            .described = [](const std::string& /*name*/, const std::string& keys) { EXPECT_EQ(keys, ""); },
+            .failed = [this](const std::string& name, const std::string&) { journal.add("failed " + name); },
             .keyboardChanged = [this] { ++keyboardChanges; },
         });
-        hotKeys->registerHotKey(fence, f5);
+        set({});
     }
 
-    void add(const std::string& event, HotKeyId id) {
-        journal.add(event + " " + std::to_string(static_cast<unsigned>(id)));
+    // Called "1", "2" and so on.
+    static std::vector<HotKey> numbered(const std::vector<Shortcut>& shortcuts) {
+        std::vector<HotKey> hotKeys;
+        for (const Shortcut& shortcut : shortcuts) {
+            hotKeys.push_back({std::to_string(hotKeys.size() + 1), "title", "command", shortcut});
+        }
+        return hotKeys;
+    }
+
+    // And the fence.
+    void set(const std::vector<Shortcut>& shortcuts) {
+        std::vector<HotKey> wanted = numbered(shortcuts);
+        wanted.push_back({"99", "fence", "command", f5});
+        hotKeys->setHotKeys(wanted);
     }
 
     // What came of everything typed so far: events keep their order, so that the hot key typed last comes last.
@@ -63,13 +75,15 @@ protected:
         return events;
     }
 
+    // Of a program without any other hot key.
     static std::string refusal(HotKeys& from, const Shortcut& shortcut) {
-        try {
-            from.registerHotKey(second, shortcut);
-        } catch (const Error& error) {
-            return error.errorDescription();
-        }
-        return "";
+        std::string reason;
+        HotKeyEvents events;
+        events.failed = [&](const std::string& /*name*/, const std::string& text) { reason = text; };
+        from.setEvents(events);
+        from.setHotKeys(numbered({shortcut}));
+        from.setEvents({});
+        return reason;
     }
 
     VirtualLoop loop;
@@ -80,7 +94,7 @@ protected:
 };
 
 TEST_F(X11HotKeysTest, FiresForItsCombinationOnly) {
-    hotKeys->registerHotKey(first, commandShiftT);
+    set({commandShiftT});
     server->type(commandShiftTKeys);
     EXPECT_EQ(eventsSoFar(), (Events{"down 1", "up 1"}));
     server->type({keycode::leftSuper, keycode::t});
@@ -89,7 +103,7 @@ TEST_F(X11HotKeysTest, FiresForItsCombinationOnly) {
 }
 
 TEST_F(X11HotKeysTest, FiresWhateverTheLockKeysAre) {
-    hotKeys->registerHotKey(first, commandShiftT);
+    set({commandShiftT});
     for (const auto lock : {keycode::numLock, keycode::capsLock}) {
         server->type({lock});
         server->type(commandShiftTKeys);
@@ -98,7 +112,7 @@ TEST_F(X11HotKeysTest, FiresWhateverTheLockKeysAre) {
 }
 
 TEST_F(X11HotKeysTest, AHeldKeyIsOneCall) {
-    hotKeys->registerHotKey(first, commandShiftT);
+    set({commandShiftT});
     server->press(keycode::leftSuper);
     server->press(keycode::leftShift);
     server->hold(keycode::t);
@@ -109,8 +123,7 @@ TEST_F(X11HotKeysTest, AHeldKeyIsOneCall) {
 }
 
 TEST_F(X11HotKeysTest, AKeyReleasedOutOfSightFiresAgain) {
-    hotKeys->registerHotKey(first, commandShiftT);
-    hotKeys->registerHotKey(second, commandS);
+    set({commandShiftT, commandS});
     server->press(keycode::leftSuper);
     server->press(keycode::leftShift);
     server->press(keycode::t);
@@ -125,11 +138,14 @@ TEST_F(X11HotKeysTest, AKeyReleasedOutOfSightFiresAgain) {
 
 TEST_F(X11HotKeysTest, ACombinationOfAnotherProgramIsRefusedAndFreeOnceGivenBack) {
     X11HotKeys other(loop, server->display());
-    other.registerHotKey(first, commandShiftT);
-    EXPECT_NE(refusal(*hotKeys, commandShiftT).find("其他程序"), std::string::npos);
-    EXPECT_EQ(refusal(*hotKeys, commandS), "");
-    other.unregisterHotKey(first);
-    hotKeys->registerHotKey(first, commandShiftT);
+    X11HotKeys third(loop, server->display());
+    EXPECT_EQ(refusal(other, commandShiftT), "");
+    EXPECT_NE(refusal(third, commandShiftT).find("其他程序"), std::string::npos);
+    EXPECT_EQ(refusal(third, commandS), "");
+    set({commandShiftT});
+    EXPECT_EQ(journal.take(), Events{"failed 1"});
+    other.setHotKeys({});
+    set({commandShiftT});
     server->type(commandShiftTKeys);
     EXPECT_EQ(eventsSoFar(), (Events{"down 1", "up 1"}));
 }
@@ -153,36 +169,32 @@ TEST_F(X11HotKeysTest, WhatTheKeyboardLacksIsRefused) {
 }
 
 TEST_F(X11HotKeysTest, AfterUnregisteringNothingFiresNotEvenWhatWasOnItsWay) {
-    hotKeys->registerHotKey(first, commandShiftT);
+    set({commandShiftT});
     server->type(commandShiftTKeys);
     server->synchronize();
-    hotKeys->unregisterHotKey(first);
-    hotKeys->unregisterHotKey(first);
+    set({});
     server->type(commandShiftTKeys);
     EXPECT_EQ(eventsSoFar(), Events{});
 }
 
 TEST_F(X11HotKeysTest, WhileSuspendedOtherProgramsGetTheKeys) {
     X11HotKeys other(loop, server->display());
-    hotKeys->registerHotKey(first, commandShiftT);
-    hotKeys->registerHotKey(second, commandS);
+    set({commandShiftT, commandS});
     server->type(commandShiftTKeys);
     server->synchronize();
     hotKeys->suspend();
     hotKeys->suspend();
-    EXPECT_EQ(refusal(other, commandShiftT), "");
     EXPECT_EQ(refusal(other, f5), "");
-    other.unregisterHotKey(second);
-    other.registerHotKey(second, commandShiftT);
-    hotKeys->unregisterHotKey(fence);
-    hotKeys->registerHotKey(fence, f5);
+    EXPECT_EQ(refusal(other, commandShiftT), "");
+    hotKeys->setHotKeys(numbered({commandShiftT, commandS}));
+    set({commandShiftT, commandS});
     hotKeys->resume();
     server->type({keycode::leftSuper, keycode::s});
     EXPECT_EQ(eventsSoFar(), (Events{"failed 1", "down 2", "up 2"}));
 }
 
 TEST_F(X11HotKeysTest, AModifierThatMovesTakesTheHotKeysAlong) {
-    hotKeys->registerHotKey(first, commandShiftT);
+    set({commandShiftT});
     // Super from the fourth modifier to the third.
     std::vector<xcb_keycode_t> modifiers{keycode::leftShift, keycode::capsLock,  37, 64,
                                          keycode::numLock,   keycode::leftSuper, 0,  0};
@@ -200,7 +212,7 @@ TEST_F(X11HotKeysTest, FiresInEveryLayoutGroupAndTheLayoutNamesItsKeys) {
     EXPECT_EQ(layout.key(keycode::t), Key::t);
     EXPECT_EQ(layout.key(keycode::leftShift), std::nullopt);
 
-    hotKeys->registerHotKey(first, commandShiftT);
+    set({commandShiftT});
     server->setLayouts("us,ru");
     auto* const connection = server->connection();
     std::free(xcb_xkb_use_extension_reply(connection, xcb_xkb_use_extension(connection, 1, 0), nullptr));
@@ -213,14 +225,14 @@ TEST_F(X11HotKeysTest, FiresInEveryLayoutGroupAndTheLayoutNamesItsKeys) {
 }
 
 TEST_F(X11HotKeysTest, AServerThatDiesFailsEveryHotKey) {
-    hotKeys->registerHotKey(first, commandShiftT);
+    set({commandShiftT});
     const X11KeyboardLayout layout(server->display());
     server->stop();
     loop.runUntil([this] { return journal.events().size() == 2; });
     EXPECT_EQ(journal.events(), (Events{"failed 1", "failed 99"}));
     EXPECT_NE(refusal(*hotKeys, commandS), "");
     EXPECT_EQ(layout.character(Key::t), "t");
-    hotKeys->unregisterHotKey(first);
+    set({});
     EXPECT_THROW(X11HotKeys(loop, server->display()), Error);
 }
 
@@ -239,11 +251,11 @@ TEST_F(X11HotKeysTest, ASuspendedRegistryLeavesItsCombinationsToOthers) {
     EXPECT_EQ(journal.take(), (Events{"registry"}));
 
     registry.suspend();
-    hotKeys->registerHotKey(first, commandShiftT);
+    set({commandShiftT});
     server->type(commandShiftTKeys);
     EXPECT_EQ(eventsSoFar(), (Events{"down 1", "up 1"}));
 
-    hotKeys->unregisterHotKey(first);
+    set({});
     registry.resume();
     server->type(commandShiftTKeys);
     loop.runUntil([this] { return !journal.events().empty(); });

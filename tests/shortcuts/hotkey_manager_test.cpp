@@ -46,6 +46,7 @@ TEST_F(HotkeyManagerTest, AFreshInstallationHasThreeCombinations) {
         EXPECT_EQ(shortcutOf(shortcut), expected) << title(shortcut);
         EXPECT_EQ(expected.has_value(), defaults.contains("KeyboardShortcuts_" + name(shortcut).rawValue));
     }
+    EXPECT_EQ(hotKeys.timesSet, 1);  // the desktop asks its user once
     EXPECT_TRUE(defaults.boolean("ovrin.didMigrateRetiredDefaultShortcuts.v1"));
     EXPECT_TRUE(defaults.boolean("ovrin.didMigratePrimaryDefaultShortcuts.v2"));
 }

@@ -57,14 +57,14 @@ TEST_F(RefusalNoticeTest, TellsAllRefusedOnceAndAgainWhenTheSetIsAnother) {
 }
 
 TEST_F(RefusalNoticeTest, WaitsForTheLastAnswer) {
-    hotKeys.answer = HotKeyAnswer::pending;
+    hotKeys.asksItsUser = true;
     RefusalNotice notice(
         {.registry = registry, .notifications = notifications, .state = state, .showShortcuts = [] {}});
     EXPECT_EQ(start(notice), 0);
     hotKeys.fail(commandShiftT, "denied");
-    hotKeys.grant(commandShiftS);
+    hotKeys.describe(commandShiftS);
     EXPECT_EQ(told(), 1);  // the line of the diagnostics
-    hotKeys.grant(commandShiftW);
+    hotKeys.describe(commandShiftW);
     EXPECT_EQ(told(), 1);
     EXPECT_EQ(last.find("notification: "), 0U);
     hotKeys.fail(commandShiftW, "lost");

@@ -82,8 +82,8 @@ TEST_F(RegistryTest, EveryChangeIsAnnouncedEvenOneThatSetsTheSame) {
     registry.setShortcut(commandShiftT, plain);
     registry.setShortcut(std::nullopt, plain);
     registry.setShortcut(std::nullopt, plain);
-    EXPECT_EQ(journal.events(), (Events{"register 1 Super+Shift+T", "plain", "unregister Super+Shift+T",
-                                        "register 2 Super+Shift+T", "plain", "unregister Super+Shift+T", "plain"}));
+    EXPECT_EQ(journal.events(),
+              (Events{"register plain Super+Shift+T", "plain", "plain", "unregister Super+Shift+T", "plain"}));
 }
 
 TEST_F(RegistryTest, HandlersAreCalledInTheOrderTheyWereAdded) {
@@ -104,7 +104,7 @@ TEST_F(RegistryTest, TwoNamesWithTheSameCombinationBothFire) {
     registry.onKeyDown(other, add("other"));
     registry.setShortcut(commandShiftT, plain);
     registry.setShortcut(commandShiftT, other);
-    EXPECT_EQ(journal.take(), (Events{"register 1 Super+Shift+T"}));
+    EXPECT_EQ(journal.take(), (Events{"register plain Super+Shift+T"}));
     hotKeys.press(commandShiftT);
     EXPECT_EQ(journal.take(), (Events{"plain", "other"}));
 
@@ -172,11 +172,11 @@ TEST_F(RegistryTest, ACombinationThatTheKeyboardLackedWorksOnceItHasIt) {
 TEST_F(RegistryTest, TheStateOfANameFollowsAnswersThatComeLate) {
     const auto& state = registry.registrationState(plain);
     EXPECT_EQ(state.value(), RegistrationState());
-    hotKeys.answer = HotKeyAnswer::pending;
+    hotKeys.asksItsUser = true;
     registry.setShortcut(commandShiftT, plain);
     registry.onKeyDown(plain, add("down"));
     EXPECT_EQ(state->kind, RegistrationState::Kind::unknown);
-    hotKeys.grant(commandShiftT);
+    hotKeys.describe(commandShiftT);
     EXPECT_EQ(state.value(), works);
 
     registry.setShortcut(commandShiftS, plain);
@@ -186,10 +186,24 @@ TEST_F(RegistryTest, TheStateOfANameFollowsAnswersThatComeLate) {
     // Asking once more is not yet an answer.
     registry.synchronize();
     EXPECT_EQ(state.value(), refused("denied"));
-    hotKeys.grant(commandShiftS);
+    hotKeys.describe(commandShiftS);
     EXPECT_EQ(state.value(), works);
     registry.setShortcut(std::nullopt, plain);
     EXPECT_EQ(state.value(), RegistrationState());
+}
+
+TEST_F(RegistryTest, WhereTheDesktopChoosesTheKeysTheyAreShown) {
+    registry.setShortcut(commandShiftT, plain);
+    journal.take();
+    const auto subscription =
+        registry.shortcutByNameDidChange().onDidChange([&](const ShortcutChange& change) { journal.add(change.name); });
+    hotKeys.describe(commandShiftT, "Ctrl+Alt+T");
+    EXPECT_EQ(registry.shortcutDisplay(plain), "Ctrl+Alt+T");
+    EXPECT_EQ(registry.getShortcut(plain), commandShiftT);
+    hotKeys.describe(commandShiftT, "Ctrl+Alt+T");
+    EXPECT_EQ(journal.take(), Events{"plain"});
+    registry.setShortcut(commandShiftS, plain);
+    EXPECT_EQ(registry.shortcutDisplay(plain), "Super+Shift+S");
 }
 
 TEST_F(RegistryTest, TheStateIsTheLastAnswerWhileShortcutsRest) {
@@ -199,15 +213,18 @@ TEST_F(RegistryTest, TheStateIsTheLastAnswerWhileShortcutsRest) {
     journal.take();
     const auto subscription = registry.registrationState(plain).onDidChange([&](const auto&) { journal.add("state"); });
     registry.recorderDidBegin();
+    registry.suspend();
     registry.recorderDidEnd();
-    EXPECT_EQ(journal.take(), Events());
+    registry.resume();
+    EXPECT_EQ(journal.take(), (Events{"suspend", "resume"}));
 
-    // What is recorded counts once the recorder gives the keyboard back.
+    // What is recorded fires once the recorder gives the keyboard back.
     registry.recorderDidBegin();
     registry.setShortcut(commandShiftS, plain);
-    EXPECT_EQ(registry.registrationState(plain)->kind, RegistrationState::Kind::unknown);
-    registry.recorderDidEnd();
     EXPECT_EQ(registry.registrationState(plain).value(), works);
+    EXPECT_FALSE(hotKeys.press(commandShiftS));
+    registry.recorderDidEnd();
+    EXPECT_TRUE(hotKeys.press(commandShiftS));
 }
 
 TEST_F(RegistryTest, TakesOverWhatAnotherProcessHasStored) {

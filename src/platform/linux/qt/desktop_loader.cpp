@@ -42,7 +42,9 @@ private:
 };
 
 constexpr const char* capturesNowhere = "无法截取屏幕：此桌面不支持。";
-constexpr const char* keysBelongToDesktop = "此桌面不支持全局快捷键，请在系统设置中把快捷键绑定到命令“ovrin do”。";
+std::string keysBelongToDesktop(const HotKey& hotKey) {
+    return "此桌面不支持全局快捷键，请在系统设置中把快捷键绑定到命令“ovrin do " + hotKey.command + "”。";
+}
 
 // Without the service, or the extension, that an adapter needs, its null adapter stands in with the reason.
 template <typename Seam, typename Make, typename MakeWithout>
@@ -109,7 +111,9 @@ std::unique_ptr<SimulateKeyboard> DesktopLoader::makeKeyboard() const {
 std::unique_ptr<HotKeys> DesktopLoader::makeHotKeys(EventLoop& mainLoop) const {
     if (isWayland_) return std::make_unique<NullHotKeys>(keysBelongToDesktop);
     return orWithout<HotKeys>([&] { return std::make_unique<X11HotKeys>(mainLoop, nullptr); },
-                              [](const std::string& reason) { return std::make_unique<NullHotKeys>(reason); });
+                              [](const std::string& reason) {
+                                  return std::make_unique<NullHotKeys>([reason](const HotKey&) { return reason; });
+                              });
 }
 
 std::unique_ptr<KeyboardLayout> DesktopLoader::makeKeyboardLayout() const {

@@ -68,17 +68,32 @@ void X11HotKeys::setEvents(HotKeyEvents events) {
     events_ = std::move(events);
 }
 
-HotKeyAnswer X11HotKeys::registerHotKey(HotKeyId id, const Shortcut& shortcut) {
-    auto grabs = grabsFor(shortcut);
-    grab(grabs);
-    if (isSuspended_) ungrab(grabs);
-    hotKeys_.insert_or_assign(id, HotKey{shortcut, std::move(grabs)});
-    return HotKeyAnswer::granted;
+void X11HotKeys::setHotKeys(const std::vector<HotKey>& hotKeys) {
+    giveBackAllBut(hotKeys);
+    for (const HotKey& hotKey : hotKeys) {
+        if (hotKeys_.contains(hotKey.name)) continue;
+        try {
+            auto grabs = grabsFor(hotKey.shortcut);
+            grab(grabs);
+            if (isSuspended_) ungrab(grabs);
+            hotKeys_.emplace(hotKey.name, Grabbed{hotKey.shortcut, std::move(grabs)});
+            if (events_.described) events_.described(hotKey.name, "");
+        } catch (const Error& error) {
+            tellOf({{.name = hotKey.name, .reason = error.errorDescription()}});
+        }
+    }
 }
 
-void X11HotKeys::unregisterHotKey(HotKeyId id) {
-    const auto node = hotKeys_.extract(id);
-    if (node && !isSuspended_) ungrab(node.mapped().grabs);
+void X11HotKeys::giveBackAllBut(const std::vector<HotKey>& wanted) {
+    std::vector<Grab> grabs;
+    std::erase_if(hotKeys_, [&](const auto& entry) {
+        const auto& [name, grabbed] = entry;
+        const auto found = std::ranges::find(wanted, name, &HotKey::name);
+        if (found != wanted.end() && found->shortcut == grabbed.shortcut) return false;
+        grabs.insert(grabs.end(), grabbed.grabs.begin(), grabbed.grabs.end());
+        return true;
+    });
+    if (!isSuspended_ && !grabs.empty()) ungrab(grabs);
 }
 
 void X11HotKeys::suspend() {
@@ -90,8 +105,7 @@ void X11HotKeys::suspend() {
 void X11HotKeys::resume() {
     if (!std::exchange(isSuspended_, false)) return;
     mainLoop_.post([this, alive = std::weak_ptr(isAlive_), failures = grabAll()] {
-        if (alive.expired()) return;
-        for (const auto& [id, reason] : failures) failHotKey(id, reason);
+        if (!alive.expired()) tellOf(failures);
     });
 }
 
@@ -169,21 +183,22 @@ void X11HotKeys::handleKeyboardChange() {
     heldKeys_.clear();
     const std::vector<Failure> failures = grabAll();
     if (isSuspended_) ungrabAll();
-    // What fails now was tried on this keyboard already.
+    tellOf(failures);
     if (events_.keyboardChanged) events_.keyboardChanged();
-    for (const auto& [id, reason] : failures) failHotKey(id, reason);
 }
 
-// With the keys of the keyboard as it is now. What fails has no grab left.
+// With the keys of the keyboard as it is now. What fails is no longer in force.
 std::vector<X11HotKeys::Failure> X11HotKeys::grabAll() {
     std::vector<Failure> failures;
-    for (auto& [id, hotKey] : hotKeys_) {
+    for (auto entry = hotKeys_.begin(); entry != hotKeys_.end();) {
+        auto& [name, hotKey] = *entry;
         try {
             hotKey.grabs = grabsFor(hotKey.shortcut);
             grab(hotKey.grabs);
+            ++entry;
         } catch (const Error& error) {
-            hotKey.grabs.clear();
-            failures.push_back({.id = id, .reason = error.errorDescription()});
+            failures.push_back({.name = name, .reason = error.errorDescription()});
+            entry = hotKeys_.erase(entry);
         }
     }
     return failures;
@@ -196,15 +211,17 @@ void X11HotKeys::ungrabAll() {
 }
 
 void X11HotKeys::handleLostConnection() {
-    std::vector<HotKeyId> lost;
-    std::transform(hotKeys_.begin(), hotKeys_.end(), std::back_inserter(lost),
-                   [](const auto& entry) { return entry.first; });
-    for (const auto id : lost) failHotKey(id, connectionIsLost);
+    std::vector<Failure> lost;
+    for (const auto& entry : hotKeys_) lost.push_back({.name = entry.first, .reason = connectionIsLost});
+    hotKeys_.clear();
+    tellOf(lost);
 }
 
-void X11HotKeys::failHotKey(HotKeyId id, const std::string& reason) {
-    hotKeys_.erase(id);
-    if (events_.failed) events_.failed(id, reason);
+// What was set again since then is in force.
+void X11HotKeys::tellOf(const std::vector<Failure>& failures) const {
+    for (const auto& [name, reason] : failures) {
+        if (!hotKeys_.contains(name) && events_.failed) events_.failed(name, reason);
+    }
 }
 
 std::vector<X11HotKeys::Grab> X11HotKeys::grabsFor(const Shortcut& shortcut) const {

@@ -33,8 +33,7 @@ public:
     ~X11HotKeys() override;
 
     void setEvents(HotKeyEvents events) override;
-    HotKeyAnswer registerHotKey(HotKeyId id, const KeyboardShortcuts::Shortcut& shortcut) override;
-    void unregisterHotKey(HotKeyId id) override;
+    void setHotKeys(const std::vector<HotKey>& hotKeys) override;
     void suspend() override;
     void resume() override;
     bool allowsOptionAlone() const override { return true; }
@@ -46,7 +45,7 @@ private:
         xcb_keycode_t keyCode = 0;
         friend bool operator==(const Grab&, const Grab&) = default;
     };
-    struct HotKey {
+    struct Grabbed {
         KeyboardShortcuts::Shortcut shortcut;
         std::vector<Grab> grabs;
     };
@@ -58,12 +57,11 @@ private:
     void handleKeyRelease(xcb_keycode_t keyCode);
     void handleKeyboardChange();
     void handleLostConnection();
-    void failHotKey(HotKeyId id, const std::string& reason);
-
     struct Failure {
-        HotKeyId id;
+        std::string name;
         std::string reason;
     };
+    void tellOf(const std::vector<Failure>& failures) const;
     std::vector<Failure> grabAll();
     void ungrabAll();
 
@@ -71,6 +69,7 @@ private:
     std::vector<std::uint16_t> modifierStates(std::uint16_t modifiers) const;
     void grab(const std::vector<Grab>& grabs);
     void ungrab(const std::vector<Grab>& grabs);
+    void giveBackAllBut(const std::vector<HotKey>& wanted);
 
     EventLoop& mainLoop_;
     X11Connection connection_;
@@ -80,10 +79,10 @@ private:
     xcb_window_t mailbox_ = XCB_WINDOW_NONE;  // a window that only serves to wake the reader
 
     HotKeyEvents events_;
-    std::map<HotKeyId, HotKey> hotKeys_;
+    std::map<std::string, Grabbed> hotKeys_;  // by their names; those in force alone
     // Keys that went down and have not come up, with the hot key that the press was. The server's grab begins with the
     // first of them, and with its release the others get out of sight.
-    std::map<xcb_keycode_t, std::optional<HotKeyId>> heldKeys_;
+    std::map<xcb_keycode_t, std::optional<std::string>> heldKeys_;
     xcb_keycode_t grabbingKey_ = 0;
     bool isKeyboardChangePending_ = false;
     bool isSuspended_ = false;
