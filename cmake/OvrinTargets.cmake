@@ -23,6 +23,24 @@ function(ovrin_sources variable)
   set(${variable} ${files} PARENT_SCOPE)
 endfunction()
 
+# ovrin_wayland_protocols(TARGET DESCRIPTION...): a library of the C code that the scanner makes of the XML files.
+function(ovrin_wayland_protocols target)
+  set(code)
+  set(folder "${CMAKE_CURRENT_BINARY_DIR}/generated")
+  file(MAKE_DIRECTORY "${folder}")
+  foreach(description IN LISTS ARGN)
+    get_filename_component(name "${description}" NAME_WE)
+    set(generated "${folder}/${name}")
+    add_custom_command(OUTPUT "${generated}.c" "${generated}-client.h" DEPENDS "${description}"
+      COMMAND ${WAYLAND_SCANNER} --strict client-header "${description}" "${generated}-client.h"
+      COMMAND ${WAYLAND_SCANNER} --strict private-code "${description}" "${generated}.c")
+    list(APPEND code "${generated}.c" "${generated}-client.h")
+  endforeach()
+  add_library(${target} STATIC ${code})
+  target_include_directories(${target} SYSTEM PUBLIC "${folder}")
+  target_link_libraries(${target} PUBLIC PkgConfig::Wayland)
+endfunction()
+
 # ovrin_test(NAME folder LABEL unit|platform|desktop LIBRARIES ... [WHOLE] [ALONE]): one test program from tests/NAME/*.cpp.
 # WHOLE runs the program as a single CTest entry, for programs whose start-up is expensive; ALONE runs its tests one at a
 # time.

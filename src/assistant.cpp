@@ -43,7 +43,6 @@
 #include "platform/linux/qt/font_rendering.h"
 #include "platform/linux/qt/inotify_file_watcher.h"
 #include "platform/linux/qt/linux_desktop_settings.h"
-#include "platform/linux/qt/qt_desktop_layout.h"
 #include "platform/linux/qt/qt_image_encoder.h"
 #include "platform/linux/qt/qt_main_loop.h"
 #include "platform/linux/qt/recent_windows.h"
@@ -192,7 +191,7 @@ private:
     ClipboardService& clipboard_ = *ownedClipboard_;
     std::unique_ptr<SimulateKeyboard> ownedKeyboard_ = desktop_.makeKeyboard();
     SimulateKeyboard& keyboard_ = *ownedKeyboard_;
-    QtDesktopLayout layout_;
+    std::unique_ptr<DesktopLayout> layout_ = desktop_.makeDesktopLayout(screenWorker_);
     SpeechService speech_;
     std::unique_ptr<NotificationCenter> ownedNotifications_ = desktop_.makeNotificationCenter();
     NotificationCenter& notifications_ = *ownedNotifications_;
@@ -209,7 +208,7 @@ private:
     MiniPopoverPresenter translationCard_{
         {.loop = loop_, .translation = model_.translation(identifier_), .clipboard = clipboard_, .toasts = toasts_},
         settings_.config,
-        layout_,
+        *layout_,
         [this](MiniPopoverViewModel& viewModel, std::function<void()> requestClose) {
             return std::make_unique<MiniPopoverPanel>(environment_, icons_.image(), viewModel, std::move(requestClose));
         }};
@@ -257,11 +256,14 @@ private:
              showSettings(SettingsSection::shortcuts);
          }}};
     CommandPalettePresenter commandPalette_{
-        *this, registry_,
+        *this,
+        registry_,
+        *layout_,
         [this](CommandPaletteViewModel& viewModel, std::function<void()> requestClose) {
             return std::make_unique<CommandPaletteView>(environment_, viewModel, std::move(requestClose));
         },
-        loop_, text::caseRules(Environment::ofProcess())};
+        loop_,
+        text::caseRules(Environment::ofProcess())};
     X11Tray tray_{desktop_.screenshot()};
     QtStatusItem statusItem_{environment_, keyboardLayout_, tray_};
     TrayNotice trayNotice_{{.loop = loop_, .statusItem = statusItem_, .notifications = notifications_}};

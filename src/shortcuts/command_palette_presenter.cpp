@@ -5,16 +5,18 @@
 namespace ovrin {
 
 CommandPalettePresenter::CommandPalettePresenter(AssistantActions& actions, const KeyboardShortcuts::Registry& registry,
-                                                 MakeCommandPalettePanel makePanel, EventLoop& mainLoop,
-                                                 text::CaseRules caseRules)
+                                                 DesktopLayout& desktop, MakeCommandPalettePanel makePanel,
+                                                 EventLoop& mainLoop, text::CaseRules caseRules)
     : actions_(actions),
       registry_(registry),
+      desktop_(desktop),
       makePanel_(std::move(makePanel)),
       caseRules_(caseRules),
-      palette_(mainLoop) {}
+      palette_(mainLoop),
+      presentation_(mainLoop) {}
 
 void CommandPalettePresenter::show() {
-    const bool wasVisible = palette_.isOpen() && palette_.window().isVisible();
+    const bool wasVisible = presentation_.isRunning() || (palette_.isOpen() && palette_.window().isVisible());
     close();
     if (wasVisible) return;
 
@@ -25,10 +27,16 @@ void CommandPalettePresenter::show() {
         auto panel = makePanel_(*viewModel, requestClose);
         return {std::move(viewModel), std::move(panel)};
     });
-    palette_.window().present();
+    presentation_.replace(present());
+}
+
+Task<void> CommandPalettePresenter::present() {
+    const WindowPoint pointer = co_await desktop_.pointerLocation();
+    palette_.window().present(visibleFrameAt(pointer, desktop_.screens()));
 }
 
 void CommandPalettePresenter::close() {
+    presentation_.cancel();
     // Forgotten before it is hidden: hiding takes the keyboard from it, which asks to close it again.
     if (const auto closed = palette_.close()) closed->window->orderOut();
 }

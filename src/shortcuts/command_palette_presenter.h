@@ -5,7 +5,9 @@
 #include <memory>
 
 #include "base/event_loop.h"
+#include "base/running_task.h"
 #include "base/text.h"
+#include "platform/desktop_layout.h"
 #include "shortcuts/assistant_actions.h"
 #include "shortcuts/command_palette_view_model.h"
 #include "shortcuts/registry.h"
@@ -18,8 +20,8 @@ class CommandPalettePanel {
 public:
     virtual ~CommandPalettePanel() = default;
 
-    // Centred on the screen, in front and with the keyboard.
-    virtual void present() = 0;
+    // Centred in this part of a display (anywhere when it is empty), in front and with the keyboard.
+    virtual void present(const WindowRect& room) = 0;
     virtual bool isVisible() const = 0;
     virtual void orderOut() = 0;
 };
@@ -29,15 +31,16 @@ public:
 using MakeCommandPalettePanel = std::function<std::unique_ptr<CommandPalettePanel>(CommandPaletteViewModel& viewModel,
                                                                                    std::function<void()> requestClose)>;
 
-// Main thread. The actions and the registry outlive it.
+// Main thread. What is handed over by reference outlives it.
 class CommandPalettePresenter {
 public:
     CommandPalettePresenter(AssistantActions& actions, const KeyboardShortcuts::Registry& registry,
-                            MakeCommandPalettePanel makePanel, EventLoop& mainLoop, text::CaseRules caseRules);
+                            DesktopLayout& desktop, MakeCommandPalettePanel makePanel, EventLoop& mainLoop,
+                            text::CaseRules caseRules);
     CommandPalettePresenter(const CommandPalettePresenter&) = delete;
     CommandPalettePresenter& operator=(const CommandPalettePresenter&) = delete;
 
-    // Opens a fresh palette, or closes the one that is visible.
+    // Opens a fresh palette on the display that the pointer is on, or closes the one that is visible.
     void show();
 
     void close();
@@ -45,11 +48,15 @@ public:
 private:
     using Palette = ClosableWindow<CommandPalettePanel, CommandPaletteViewModel>;
 
+    Task<void> present();
+
     AssistantActions& actions_;
     const KeyboardShortcuts::Registry& registry_;
+    DesktopLayout& desktop_;
     MakeCommandPalettePanel makePanel_;
     text::CaseRules caseRules_;
     Palette palette_;
+    TaskSlot presentation_;  // while the desktop is asked for the pointer's place
 };
 
 }  // namespace ovrin

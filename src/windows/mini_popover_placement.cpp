@@ -13,13 +13,6 @@ constexpr double nearMargin = 8;
 constexpr double rightMargin = 38;
 constexpr double topMargin = 33;
 
-WindowRect visibleFrameAt(WindowPoint point, const std::vector<DesktopScreen>& screens) {
-    if (screens.empty()) return {};
-    const auto screen = std::ranges::find_if(
-        screens, [point](const DesktopScreen& candidate) { return candidate.frame.contains(point); });
-    return screen != screens.end() ? screen->visibleFrame : screens.front().visibleFrame;
-}
-
 // The upper limit wins where there is no room for both.
 double between(double lowest, double value, double highest) {
     return std::min(std::max(lowest, value), highest);

@@ -13,7 +13,8 @@ MiniPopoverPresenter::MiniPopoverPresenter(MiniPopoverViewModel::Services servic
       config_(config),
       desktop_(desktop),
       makeWindow_(std::move(makeWindow)),
-      card_(services_.loop) {}
+      card_(services_.loop),
+      presentation_(services_.loop) {}
 
 void MiniPopoverPresenter::show(std::string sourceText) {
     close();
@@ -23,10 +24,16 @@ void MiniPopoverPresenter::show(std::string sourceText) {
         auto window = makeWindow_(*viewModel, requests.unlessClosed([this] { close(); }));
         return {std::move(viewModel), std::move(window)};
     });
-    card_.window().present(miniPopoverOrigin(desktop_.pointerLocation(), desktop_.screens()));
+    presentation_.replace(present());
+}
+
+Task<void> MiniPopoverPresenter::present() {
+    const WindowPoint pointer = co_await desktop_.pointerLocation();
+    card_.window().present(miniPopoverOrigin(pointer, desktop_.screens()));
 }
 
 void MiniPopoverPresenter::close() {
+    presentation_.cancel();
     if (const auto closed = card_.close()) closed->viewModel->cancel();
 }
 

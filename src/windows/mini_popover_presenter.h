@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "base/running_task.h"
 #include "platform/desktop_layout.h"
 #include "storage/app_config.h"
 #include "windows/closable_window.h"
@@ -29,11 +30,14 @@ public:
 private:
     using Card = ClosableWindow<MiniPopoverWindow, MiniPopoverViewModel>;
 
+    Task<void> present();
+
     MiniPopoverViewModel::Services services_;
     const AppConfig& config_;
     DesktopLayout& desktop_;
     MakeMiniPopoverWindow makeWindow_;
     Card card_;
+    TaskSlot presentation_;  // while the desktop is asked for the pointer's place
 };
 
 }  // namespace ovrin

@@ -5,6 +5,7 @@
 
 #include "base/virtual_loop.h"
 #include "fakes/fake_assistant_actions.h"
+#include "fakes/fake_desktop_layout.h"
 #include "shortcut_fixture.h"
 #include "shortcuts/command_palette_presenter.h"
 
@@ -95,8 +96,9 @@ public:
     FakePanel& operator=(const FakePanel&) = delete;
     ~FakePanel() override { journal_.add("destroyed"); }
 
-    void present() override {
+    void present(const WindowRect& given) override {
         isVisible_ = true;
+        room = given;
         journal_.add("present");
     }
     bool isVisible() const override { return isVisible_; }
@@ -106,6 +108,8 @@ public:
         requestClose_();
     }
     void hideByItself() { isVisible_ = false; }
+
+    WindowRect room;
 
 private:
     Journal& journal_;
@@ -117,16 +121,20 @@ class CommandPalettePresenterTest : public ShortcutTest {
 protected:
     VirtualLoop loop;
     FakeAssistantActions actions{journal};
+    FakeDesktopLayout desktop;
     CommandPaletteViewModel* viewModel = nullptr;
     FakePanel* panel = nullptr;
-    CommandPalettePresenter presenter{actions, registry,
+    CommandPalettePresenter presenter{actions,
+                                      registry,
+                                      desktop,
                                       [this](CommandPaletteViewModel& shown, std::function<void()> requestClose) {
                                           viewModel = &shown;
                                           auto made = std::make_unique<FakePanel>(journal, std::move(requestClose));
                                           panel = made.get();
                                           return made;
                                       },
-                                      loop, text::CaseRules::general};
+                                      loop,
+                                      text::CaseRules::general};
 };
 
 TEST_F(CommandPalettePresenterTest, TheShortcutOpensAndCloses) {
@@ -138,6 +146,26 @@ TEST_F(CommandPalettePresenterTest, TheShortcutOpensAndCloses) {
     EXPECT_EQ(journal.take(), (Events{"destroyed"}));
     presenter.show();
     EXPECT_EQ(journal.take(), (Events{"present"}));
+}
+
+TEST_F(CommandPalettePresenterTest, ComesUpOnThePointersDisplayOnceThatIsKnown) {
+    desktop.listed.push_back({.frame = {1920, 0, 800, 600}, .visibleFrame = {1920, 40, 800, 560}});
+    desktop.isSlow = true;
+    presenter.show();
+    loop.runPosted();
+    EXPECT_EQ(journal.take(), Events{});
+    desktop.place.succeed({2000, 300});
+    loop.runPosted();
+    EXPECT_EQ(panel->room, (WindowRect{1920, 40, 800, 560}));
+    presenter.close();
+
+    // Thought better of before it was there.
+    presenter.show();
+    journal.take();
+    presenter.show();
+    desktop.place.succeed({0, 0});
+    loop.runPosted();
+    EXPECT_EQ(journal.take(), (Events{"orderOut", "destroyed", "destroyed"}));
 }
 
 TEST_F(CommandPalettePresenterTest, AHiddenPanelIsReplacedByAFreshOne) {

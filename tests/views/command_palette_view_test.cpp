@@ -21,7 +21,7 @@ class CommandPaletteViewTest : public testing::Test {
 protected:
     CommandPaletteViewTest() {
         environment.setSettings({.reducesMotion = true});
-        view.present();
+        view.present({100, 50, 1200, 700});
         QApplication::processEvents();
     }
     std::vector<CommandItem> commands() {

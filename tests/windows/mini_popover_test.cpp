@@ -85,6 +85,15 @@ TEST_F(MiniPopoverTest, StreamsTheTranslationOnceItIsOnScreen) {
     EXPECT_EQ(journal.take(), (Events{"clipboard: 你好", "toast checkmark: 译文已复制"}));
 }
 
+TEST_F(MiniPopoverTest, ACardClosedBeforeItsPlaceIsKnownNeverShows) {
+    desktop.isSlow = true;
+    presenter.show("hello");
+    presenter.close();
+    desktop.place.succeed({100, 900});
+    loop.runPosted();
+    EXPECT_EQ(journal.take(), Events{"card gone: hello"});
+}
+
 TEST_F(MiniPopoverTest, AFailureEndsTheWaiting) {
     http.willAnswer({.statusCode = 500});
     presenter.show("hello");

@@ -1,11 +1,8 @@
 #include "views/command_palette/command_palette_view.h"
 
 #include <QCoreApplication>
-#include <QCursor>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QScreen>
 #include <QScrollBar>
 #include <QVBoxLayout>
 #include <QWindow>
@@ -14,6 +11,7 @@
 #include <utility>
 
 #include "platform/linux/qt/input_focus_watch.h"
+#include "platform/linux/qt/qt_screens.h"
 #include "views/command_palette/command_list.h"
 #include "views/components/ov_button.h"
 #include "views/components/ov_scroll_area.h"
@@ -92,10 +90,8 @@ QWidget* CommandPaletteView::makeHeader() {
     return header;
 }
 
-void CommandPaletteView::present() {
-    const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
-    if (screen == nullptr) screen = QGuiApplication::primaryScreen();
-    if (screen != nullptr) move(screen->availableGeometry().center() - rect().center());
+void CommandPaletteView::present(const WindowRect& room) {
+    if (!room.isEmpty()) move(fromWindowSpace(room.center()) - QPoint(width() / 2, height() / 2));
     show();
     activate(*windowHandle());
     field_->setFocus();

@@ -20,7 +20,7 @@ public:
     CommandPaletteView(ViewEnvironment& environment, CommandPaletteViewModel& viewModel,
                        std::function<void()> requestClose);
 
-    void present() override;
+    void present(const WindowRect& room) override;
     bool isVisible() const override { return QWidget::isVisible(); }
     void orderOut() override { hide(); }
 

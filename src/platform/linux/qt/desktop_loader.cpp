@@ -9,12 +9,15 @@
 #include "platform/linux/desktop/session_bus.h"
 #include "platform/linux/desktop/session_displays.h"
 #include "platform/linux/qt/freedesktop_notification_center.h"
+#include "platform/linux/qt/qt_desktop_layout.h"
+#include "platform/linux/qt/wayland_desktop_layout.h"
 #include "platform/linux/qt/x11_screen_capture.h"
 #include "platform/linux/wayland/kwin_screen_capture.h"
 #include "platform/linux/wayland/wayland_clipboard.h"
 #include "platform/linux/wayland/wayland_connection.h"
 #include "platform/linux/wayland/wayland_data_device.h"
 #include "platform/linux/wayland/wayland_keyboard_layout.h"
+#include "platform/linux/wayland/wayland_pointer.h"
 #include "platform/linux/wayland/wayland_screen_capture.h"
 #include "platform/linux/wayland/wayland_synthetic_keyboard.h"
 #include "platform/linux/x11/x11_clipboard.h"
@@ -68,6 +71,7 @@ DesktopLoader::DesktopLoader()
         } else if (KWinScreenCapture::isOffered()) {
             pictures_ = Pictures::kwin;
         }
+        tellsPointer_ = WaylandPointer::isOfferedBy(connection);
         controlsClipboard_ = WaylandDataDevice::isOfferedBy(connection);
     } catch (const Error&) {
         return;  // the adapters say what they cannot do there
@@ -105,6 +109,11 @@ std::unique_ptr<SimulateKeyboard> DesktopLoader::makeKeyboard() const {
             return std::make_unique<X11SimulateKeyboard>(nullptr);
         },
         [](const std::string& /*reason*/) { return std::make_unique<NullSimulateKeyboard>(); });
+}
+
+std::unique_ptr<DesktopLayout> DesktopLoader::makeDesktopLayout(WorkerExecutor& workers) const {
+    if (tellsPointer_) return std::make_unique<WaylandDesktopLayout>(workers);
+    return std::make_unique<QtDesktopLayout>();
 }
 
 // XWayland takes key grabs too, but hears of keys only while one of its own windows has the keyboard.

@@ -8,6 +8,7 @@
 #include "base/event_loop.h"
 #include "base/worker_executor.h"
 #include "platform/clipboard_service.h"
+#include "platform/desktop_layout.h"
 #include "platform/hot_keys.h"
 #include "platform/image_decoder.h"
 #include "platform/image_encoder.h"
@@ -31,6 +32,7 @@ public:
     std::unique_ptr<ClipboardService> makeClipboard(const ImageDecoder& decoder, const ImageEncoder& encoder,
                                                     WorkerExecutor& workers) const;
     std::unique_ptr<SimulateKeyboard> makeKeyboard() const;
+    std::unique_ptr<DesktopLayout> makeDesktopLayout(WorkerExecutor& workers) const;
     std::unique_ptr<HotKeys> makeHotKeys(EventLoop& mainLoop) const;
     std::unique_ptr<KeyboardLayout> makeKeyboardLayout() const;
     std::unique_ptr<SystemShortcuts> makeSystemShortcuts(const KeyboardLayout& layout) const;
@@ -45,6 +47,7 @@ private:
     bool isWayland_;
     Pictures pictures_;
     bool controlsClipboard_ = false;
+    bool tellsPointer_ = false;
     X11Screenshot screenshot_;
 };
 

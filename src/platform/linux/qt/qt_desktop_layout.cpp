@@ -15,10 +15,10 @@ std::vector<DesktopScreen> QtDesktopLayout::screens() {
     return screens;
 }
 
-WindowPoint QtDesktopLayout::pointerLocation() {
-    if (QGuiApplication::primaryScreen() == nullptr) return {};
+Task<WindowPoint> QtDesktopLayout::pointerLocation() {
+    if (QGuiApplication::primaryScreen() == nullptr) co_return WindowPoint();
     const WindowRect point = toWindowSpace(QRect(QCursor::pos(), QSize(1, 1)));
-    return {point.x, point.y};
+    co_return WindowPoint{point.x, point.y};
 }
 
 }  // namespace ovrin

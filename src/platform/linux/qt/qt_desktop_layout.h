@@ -5,10 +5,10 @@
 
 namespace ovrin {
 
-class QtDesktopLayout final : public DesktopLayout {
+class QtDesktopLayout : public DesktopLayout {
 public:
     std::vector<DesktopScreen> screens() override;
-    WindowPoint pointerLocation() override;
+    Task<WindowPoint> pointerLocation() override;
 };
 
 }  // namespace ovrin
