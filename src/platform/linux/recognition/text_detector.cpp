@@ -11,7 +11,7 @@ namespace ovrin {
 namespace {
 
 constexpr int strideOfNetwork = 32;  // its input sides are multiples of this
-constexpr int tileWidth = 1088;      // columns that the network sees; bounds the memory of one run
+constexpr int tileWidth = 1504;      // columns that the network sees; bounds the memory of one run
 constexpr int tileHeight = 512;
 constexpr int overlap = 24;        // text that touches the border of a tile or crop is not seen otherwise
 constexpr int leastContrast = 10;  // between neighbouring pixels, levels of 255
