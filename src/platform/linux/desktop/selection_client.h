@@ -24,7 +24,7 @@ public:
     using Source = ClipboardSource;
     using Bytes = std::vector<std::byte>;
     static constexpr std::chrono::milliseconds defaultPatience{2000};
-    static constexpr std::size_t largestContents = std::size_t{1} << 30U;
+    static constexpr std::size_t largestContents = std::size_t{512} << 20U;
 
     // The clipboard that a client is made for.
     struct User {
