@@ -33,6 +33,7 @@
 #include "platform/linux/desktop/application_name.h"
 #include "platform/linux/desktop/autostart_login_item.h"
 #include "platform/linux/desktop/own_executable.h"
+#include "platform/linux/desktop/session_inspection.h"
 #include "platform/linux/desktop/speech_service.h"
 #include "platform/linux/network/url_session_http_client.h"
 #include "platform/linux/packages/downloaded_packages.h"
@@ -195,6 +196,7 @@ private:
     SpeechService speech_;
     std::unique_ptr<NotificationCenter> ownedNotifications_ = desktop_.makeNotificationCenter();
     NotificationCenter& notifications_ = *ownedNotifications_;
+    WorkerExecutor inspectionWorker_{1};
     AutostartLoginItem loginItem_{Environment::ofProcess(), ownExecutable()};
     RecentWindows recentWindows_;
     WindowMemory windowMemory_{[this] { return recentWindows_.lastUsed() != nullptr; }};
@@ -346,6 +348,8 @@ SettingsViewModel::Services AppDelegate::settingsServices() {
                       .applyAppearance = [this](AppAppearanceMode mode) { appearance_.apply(mode); },
                       .applyResultWindowLevel = [this] { resultPanel_.applyLevel(); }},
             .keyboard = keyboard_,
+            .inspectSession = [this](const std::stop_token& stop) { return inspectSession(recognizer_, stop); },
+            .inspectionWorker = inspectionWorker_,
             .history = *history_,
             .application = *this,
             .version = updates_.versionDisplay()};

@@ -121,7 +121,10 @@ public:
         return cli::performInAssistant(command, assistant);
     }
 
-    int operator()(const cli::Doctor& command) { return cli::showCapabilities(command, inspectSession(), terminal_); }
+    int operator()(const cli::Doctor& command) {
+        OnnxTextRecognizer recognizer(RecognitionFiles::ofThisProgram());
+        return cli::showCapabilities(command, inspectSession(recognizer), terminal_);
+    }
 
     int operator()(const cli::ConfigGet& command) {
         const Settings settings;

@@ -6,6 +6,7 @@
 
 #include "app/application_actions.h"
 #include "base/watch.h"
+#include "base/worker_executor.h"
 #include "platform/synthetic_keyboard.h"
 #include "storage/history_store.h"
 
@@ -41,9 +42,11 @@ SettingsViewModel::SettingsViewModel(Services services)
       store_(services_.store),
       localServices_(services_.store.loop, services_.store.ioLoop, services_.store.http,
                      LocalServiceFinder::ports(services_.store.environment())),
-      connectionState_(watch(store_.connectionState(), [this](const SettingsStore::ConnectionState& state) {
-          connectionStatus_.set(ovrin::connectionStatus(state));
-      })) {
+      connectionState_(watch(store_.connectionState(),
+                             [this](const SettingsStore::ConnectionState& state) {
+                                 connectionStatus_.set(ovrin::connectionStatus(state));
+                             })),
+      inspection_(services_.store.loop) {
     refresh();
 }
 
@@ -65,6 +68,11 @@ void SettingsViewModel::refresh() {
     accessibility_.set(services_.keyboard.isTrusted()
                            ? Accessibility{.isTrusted = true, .detail = "已授权", .pill = "已授权"}
                            : Accessibility{.detail = "此会话不能模拟按键，划词与替换不可用", .pill = "不可用"});
+}
+
+Task<void> SettingsViewModel::inspect() {
+    std::vector<Capability> found = co_await services_.inspectionWorker.run(services_.inspectSession);
+    capabilities_.set(std::move(found));
 }
 
 void SettingsViewModel::clearHistory() {

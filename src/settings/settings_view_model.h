@@ -7,6 +7,9 @@
 #include <vector>
 
 #include "base/published.h"
+#include "base/running_task.h"
+#include "base/task.h"
+#include "platform/capability.h"
 #include "settings/local_service_finder.h"
 #include "settings/settings_section.h"
 #include "settings/settings_store.h"
@@ -16,6 +19,7 @@ namespace ovrin {
 class ApplicationActions;
 class HistoryStore;
 class SimulateKeyboard;
+class WorkerExecutor;
 
 // Main thread.
 class SettingsViewModel {
@@ -24,6 +28,8 @@ public:
     struct Services {
         SettingsStore::Surroundings store;
         SimulateKeyboard& keyboard;
+        InspectSession inspectSession;  // asked on the worker
+        WorkerExecutor& inspectionWorker;
         HistoryStore& history;
         ApplicationActions& application;  // updates
         std::string version;              // of the running program: 版本 1.2（34）
@@ -65,6 +71,11 @@ public:
     void selectPrevious();
 
     const Published<Accessibility>& accessibility() const { return accessibility_; }
+    // What the session can do, a row each on the advanced page, and read anew when that comes up; empty until it is
+    // known.
+    const Published<std::vector<Capability>>& capabilities() const { return capabilities_; }
+    void advancedPageAppeared() { inspection_.replace(inspect()); }
+
     const Published<ConnectionStatus>& connectionStatus() const { return connectionStatus_; }
 
     // The window comes up, or the program comes to the front: what may have been changed by other means is read anew.
@@ -84,14 +95,18 @@ public:
     void checkForUpdates();
 
 private:
+    Task<void> inspect();
+
     Services services_;
     SettingsStore store_;
     LocalServiceFinder localServices_;
     Published<SettingsSection> selection_{SettingsSection::general};
     bool movesForward_ = false;
     Published<Accessibility> accessibility_;
+    Published<std::vector<Capability>> capabilities_;
     Published<ConnectionStatus> connectionStatus_;
     Subscription connectionState_;
+    TaskSlot inspection_;
 };
 
 }  // namespace ovrin

@@ -141,13 +141,13 @@ TEST_F(Commands, HistoryListsNewestFirstAndSearches) {
 }
 
 TEST_F(Commands, DoctorFailsWhereTheScreenCannotBeCaptured) {
-    const Capability tray{.name = "tray", .isAvailable = true, .detail = "StatusNotifierItem"};
-    Capability capture{.name = "capture", .isAvailable = false, .detail = "no display"};
+    const Capability tray{.name = "tray", .title = "", .isAvailable = true, .detail = "StatusNotifierItem"};
+    Capability capture{.name = "capture", .title = "", .isAvailable = false, .detail = "no display"};
     EXPECT_EQ(showCapabilities({}, {tray, capture}, channels_.terminal), 1);
     EXPECT_EQ(output(), "tray     yes  StatusNotifierItem\ncapture  no   no display\n");
 
     Channels others;
-    capture = {.name = "capture", .isAvailable = true, .detail = "X11"};
+    capture = {.name = "capture", .title = "", .isAvailable = true, .detail = "X11"};
     EXPECT_EQ(showCapabilities({.form = OutputForm::json}, {tray, capture}, others.terminal), 0);
     EXPECT_EQ(nlohmann::json::parse(others.output.drained()).at(1).at("mechanism"), "X11");
 }

@@ -65,8 +65,14 @@ protected:
     HistoryStore history{directory.path() / "history.json", text::caseRules(Environment(variables)),
                          std::chrono::system_clock::now};
     ViewEnvironment environment;
-    SettingsViewModel viewModel{
-        {.store = surroundings(), .keyboard = keyboard, .history = history, .application = actions, .version = "1"}};
+    std::vector<Capability> capabilities;  // of the session
+    SettingsViewModel viewModel{{.store = surroundings(),
+                                 .keyboard = keyboard,
+                                 .inspectSession = [this](const std::stop_token&) { return capabilities; },
+                                 .inspectionWorker = worker,
+                                 .history = history,
+                                 .application = actions,
+                                 .version = "1"}};
     QtSettingsWindow window{environment, icons.image(), viewModel, new SettingsPage(environment, "快捷键", {})};
 };
 
@@ -80,6 +86,23 @@ TEST_F(SettingsWindowTest, TabReachesAFoundServiceAboveWhatItFillsIn) {
     QWidget* next = found.nextInFocusChain();
     while (next->focusPolicy() == Qt::NoFocus || !next->isVisible()) next = next->nextInFocusChain();
     EXPECT_EQ(next, &named("OpenAI 兼容"));
+}
+
+TEST_F(SettingsWindowTest, TheAdvancedPageSaysWhatTheSessionCanDoEachTimeItComesUp) {
+    const auto shown = [this](const QString& name) {
+        show(SettingsSection::general);
+        show(SettingsSection::advanced);
+        settle();
+        QApplication::processEvents();
+        return named(name).accessibleDescription();
+    };
+    capabilities = {
+        {.name = "capture", .title = "截图", .isAvailable = true, .detail = "X11", .note = "X11"},
+        {.name = "tray", .title = "系统托盘", .detail = "no panel shows the tray", .note = "当前桌面没有系统托盘"}};
+    EXPECT_EQ(shown("截图：可用"), "X11");
+    EXPECT_EQ(shown("系统托盘：不可用"), "当前桌面没有系统托盘");
+    capabilities[1] = {.name = "tray", .title = "系统托盘", .isAvailable = true, .detail = "item", .note = "item"};
+    EXPECT_EQ(shown("系统托盘：可用"), "item");
 }
 
 // What every control of the page says of itself.

@@ -1,5 +1,6 @@
 #include "views/settings/advanced_page.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
@@ -25,9 +26,38 @@ AdvancedPage::AdvancedPage(ViewEnvironment& environment, SettingsViewModel& view
     : SettingsPage(environment, toQString(title(SettingsSection::advanced)),
                    toQString(subtitle(SettingsSection::advanced))),
       viewModel_(viewModel),
-      store_(viewModel.store()) {
+      store_(viewModel.store()),
+      capabilities_(new QWidget) {
     add(makePromptCard());
     add(makeDataCard());
+    auto* column = new QVBoxLayout(capabilities_);
+    column->setContentsMargins(0, 0, 0, 0);
+    add(capabilities_);
+    binding_.watch(viewModel_.capabilities(),
+                   [this](const std::vector<Capability>& capabilities) { showCapabilities(capabilities); });
+}
+
+// What other programs have to do with it may have changed since the last look.
+bool AdvancedPage::event(QEvent* event) {
+    const bool comesUp = event->type() == QEvent::Show || (event->type() == QEvent::WindowActivate && isVisible());
+    if (comesUp) viewModel_.advancedPageAppeared();
+    return SettingsPage::event(event);
+}
+
+void AdvancedPage::showCapabilities(const std::vector<Capability>& capabilities) {
+    auto* card = new SettingsCard(environment(), QStringLiteral("此桌面的能力"));
+    if (capabilities.empty())
+        card->addRow(new SettingsRow(environment(), QStringLiteral("正在检查…"), {}, new QWidget));
+    for (const Capability& capability : capabilities) {
+        const QString title = toQString(capability.title);
+        const QString state = capability.isAvailable ? QStringLiteral("可用") : QStringLiteral("不可用");
+        auto* pill = new OVStatusPill(
+            environment(), state, capability.isAvailable ? OVStatusPill::Kind::success : OVStatusPill::Kind::warning);
+        pill->setAccessibleName(QStringLiteral("%1：%2").arg(title, state));
+        card->addRow(new SettingsRow(environment(), title, toQString(capability.note), pill));
+    }
+    qDeleteAll(capabilities_->findChildren<SettingsCard*>(Qt::FindDirectChildrenOnly));
+    capabilities_->layout()->addWidget(card);
 }
 
 SettingsCard* AdvancedPage::makePromptCard() {

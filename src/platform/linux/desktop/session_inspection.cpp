@@ -1,10 +1,11 @@
 #include "platform/linux/desktop/session_inspection.h"
 
-#include <array>
+#include <algorithm>
 #include <cstddef>
 #include <fstream>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -19,10 +20,9 @@
 #include "base/error.h"
 #include "base/run_loop.h"
 #include "base/worker_executor.h"
-#include "platform/linux/desktop/bus_deadline.h"
-#include "platform/linux/desktop/session_bus.h"
+#include "platform/linux/desktop/bus_connection.h"
 #include "platform/linux/desktop/session_displays.h"
-#include "platform/linux/recognition/onnx_text_recognizer.h"
+#include "platform/linux/desktop/speech_service.h"
 #include "platform/linux/wayland/kwin_screen_capture.h"
 #include "platform/linux/wayland/wayland_connection.h"
 #include "platform/linux/wayland/wayland_data_device.h"
@@ -31,16 +31,39 @@
 #include "platform/linux/x11/x11_connection.h"
 #include "platform/linux/x11/x11_screenshot.h"
 #include "platform/linux/x11/xcb_xkb.h"
+#include "platform/text_recognizer.h"
+#include "wlr-layer-shell-unstable-v1-client.h"
+#include "xdg-activation-v1-client.h"
 
 namespace ovrin {
 namespace {
 
-Capability available(const char* name, std::string mechanism) {
-    return {.name = name, .isAvailable = true, .detail = std::move(mechanism)};
+struct Name {
+    const char* name;
+    const char* title;
+};
+
+// Why something is missing.
+struct Lack {
+    const char* detail;
+    const char* note;
+};
+
+constexpr Lack noDisplay{"no display", "没有可用的显示服务器"};
+constexpr Lack noBus{"no session bus", "没有会话总线"};
+constexpr Lack noX11{"no X11 display", "此桌面不支持"};
+
+Capability available(const Name& name, const std::string& detail, const std::string& note) {
+    return {.name = name.name, .title = name.title, .isAvailable = true, .detail = detail, .note = note};
 }
 
-Capability missing(const char* name, std::string reason) {
-    return {.name = name, .isAvailable = false, .detail = std::move(reason)};
+// The mechanism has one name in all languages.
+Capability available(const Name& name, const std::string& mechanism) {
+    return available(name, mechanism, mechanism);
+}
+
+Capability missing(const Name& name, const Lack& lack) {
+    return {.name = name.name, .title = name.title, .isAvailable = false, .detail = lack.detail, .note = lack.note};
 }
 
 // The name of the program at the other end of the compositor's socket.
@@ -54,7 +77,7 @@ std::string compositorName(const WaylandConnection& connection) {
 }
 
 X11Reply<xcb_get_property_reply_t> property(xcb_connection_t* connection, xcb_window_t window, const char* name) {
-    constexpr std::uint32_t longest = 64;  // units of four bytes
+    constexpr std::uint32_t longest = 1024;  // units of four bytes
     return X11Reply<xcb_get_property_reply_t>(xcb_get_property_reply(
         connection,
         xcb_get_property(connection, 0, window, atomNamed(connection, name), XCB_GET_PROPERTY_TYPE_ANY, 0, longest),
@@ -76,6 +99,17 @@ std::string windowManagerName(xcb_connection_t* connection) {
     return propertyText(property(connection, window, "_NET_WM_NAME"));
 }
 
+// Whether it takes a hint of the name.
+bool windowManagerKnows(xcb_connection_t* connection, const char* name) {
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    const auto supported = property(connection, root, "_NET_SUPPORTED");
+    if (!supported || supported->format != 32) return false;
+    const std::span atoms(
+        static_cast<const xcb_atom_t*>(xcb_get_property_value(supported.get())),
+        static_cast<std::size_t>(xcb_get_property_value_length(supported.get())) / sizeof(xcb_atom_t));
+    return std::ranges::find(atoms, atomNamed(connection, name)) != atoms.end();
+}
+
 bool hasExtension(xcb_connection_t* connection, xcb_extension_t* extension) {
     const xcb_query_extension_reply_t* reply = xcb_get_extension_data(connection, extension);
     return reply != nullptr && reply->present != 0;
@@ -84,71 +118,54 @@ bool hasExtension(xcb_connection_t* connection, xcb_extension_t* extension) {
 // The display: what is shown, read and pressed through it.
 class DisplayInspection {
 public:
-    DisplayInspection() {
-        const Environment environment = Environment::ofProcess();
-        if (hasWaylandDisplay(environment)) {
-            try {
-                wayland_.emplace();
-            } catch (const Error&) {
-                return;
-            }
-        }
-        if (!hasX11Display(environment)) return;
+    DisplayInspection() : isWayland_(hasWaylandDisplay(environment_)) {
         try {
-            x11_ = connectToX11(nullptr);
+            if (isWayland_) wayland_.emplace();
+        } catch (const Error&) {
+            return;  // neither does it answer the programs of XWayland
+        }
+        try {
+            if (hasX11Display(environment_)) x11_ = connectToX11(nullptr);
         } catch (const Error&) {
             return;
         }
     }
 
     void addTo(std::vector<Capability>& found) const {
-        found.push_back(session());
-        found.push_back(compositor());
-        found.push_back(capture());
-        found.push_back(byExtension("shortcuts", &xcb_xkb_id, "X11 key grabs", isNative()));
-        if (isNative() && WaylandDataDevice::isOfferedBy(*wayland_)) {
-            found.push_back(available("clipboard", "data-control"));
-            found.push_back(available("selection", "PRIMARY by data-control"));
-        } else {
-            found.push_back(byExtension("clipboard", &xcb_xfixes_id, "X11 selections", false));
-            found.push_back(byExtension("selection", &xcb_xfixes_id, "X11 PRIMARY", isNative()));
-        }
-        if (isNative() && WaylandDataDevice::isOfferedBy(*wayland_)) {
-            const std::string keys = WaylandKeys::mechanism(*wayland_);
-            found.push_back(keys.empty() ? missing("replacement", "this desktop lets no program press keys")
-                                         : available("replacement", keys));
-        } else {
-            found.push_back(byExtension("replacement", &xcb_test_id, "X11 XTEST", isNative()));
-        }
+        found.insert(found.end(),
+                     {session(), compositor(), capture(), shortcuts(), clipboard(), selection(), replacement(),
+                      window({"card", "译文卡片"}), window({"toast", "提示"}), palette(), staysOnTop(), activation()});
     }
 
 private:
-    bool isNative() const { return wayland_.has_value(); }
-
     Capability session() const {
-        if (isNative()) return available("session", x11_ ? "Wayland, X11 programs included" : "Wayland");
-        if (x11_) return available("session", "X11");
-        return missing("session", "no display answers");
+        constexpr Name name{"session", "会话"};
+        if (wayland_ && x11_) return available(name, "Wayland, X11 programs included", "Wayland，包括 X11 程序");
+        if (wayland_) return available(name, "Wayland");
+        if (x11_) return available(name, "X11");
+        return missing(name, {"no display answers", "没有可用的显示服务器"});
     }
 
     Capability compositor() const {
-        if (isNative()) return available("compositor", compositorName(*wayland_));
-        if (!x11_) return missing("compositor", "no display");
-        const std::string name = windowManagerName(x11_.get());
-        return name.empty() ? missing("compositor", "no window manager") : available("compositor", name);
+        constexpr Name name{"compositor", "窗口管理"};
+        if (wayland_) return available(name, compositorName(*wayland_));
+        if (!x11_) return missing(name, noDisplay);
+        const std::string manager = windowManagerName(x11_.get());
+        return manager.empty() ? missing(name, {"no window manager", "没有窗口管理器"}) : available(name, manager);
     }
 
     Capability capture() const {
-        if (isNative() && WaylandScreenCapture::isOfferedBy(*wayland_)) return available("capture", "screencopy");
-        if (isNative() && KWinScreenCapture::isOffered()) return captureByKWin();
-        if (isNative()) return missing("capture", "the compositor offers no pictures of the screen");
-        if (!x11_) return missing("capture", "no display");
+        if (wayland_ && WaylandScreenCapture::isOfferedBy(*wayland_)) return available(captureName, "screencopy");
+        if (wayland_ && KWinScreenCapture::isOffered()) return captureByKWin();
+        if (wayland_)
+            return missing(captureName, {"the compositor offers no pictures of the screen", "此桌面不支持截图"});
+        if (!x11_) return missing(captureName, noDisplay);
         try {
             X11Screenshot().take({.x = 0, .y = 0, .width = 1, .height = 1});
         } catch (const Error&) {
-            return missing("capture", "the display gives no picture of the screen");
+            return missing(captureName, {"the display gives no picture of the screen", "显示服务器没有返回图像"});
         }
-        return available("capture", hasExtension(x11_.get(), &xcb_shm_id) ? "X11 shared memory" : "X11");
+        return available(captureName, hasExtension(x11_.get(), &xcb_shm_id) ? "X11 shared memory" : "X11");
     }
 
     // KWin says only when it is asked for a picture whether it gives any.
@@ -158,24 +175,104 @@ private:
         KWinScreenCapture capture(workers);
         try {
             const std::vector<CapturableDisplay> displays = loop.complete(capture.displays());
-            if (displays.empty()) return missing("capture", "the compositor shows nothing anywhere");
+            if (displays.empty())
+                return missing(captureName, {"the compositor shows nothing anywhere", "没有可用的显示器"});
             loop.complete(capture.screenshot({.display = displays.front().id,
                                               .sourceRect = {.x = 0, .y = 0, .width = 1, .height = 1},
                                               .width = 1,
                                               .height = 1}));
         } catch (const Error&) {
-            return missing("capture", "KWin gave no picture of the screen, which it does for installed programs only");
+            return missing(captureName,
+                           {"KWin gave no picture of the screen, which it does for installed programs only",
+                            "KDE 只允许已安装的程序截图，请先安装 Ovrin"});
         }
-        return available("capture", "KWin.ScreenShot2");
+        return available(captureName, "KWin.ScreenShot2");
     }
 
-    Capability byExtension(const char* name, xcb_extension_t* extension, const char* mechanism, bool isDeaf) const {
-        if (!x11_) return missing(name, "no X11 display");
-        if (isDeaf) return missing(name, "the desktop lets X11 programs do this only among themselves");
+    Capability shortcuts() const {
+        constexpr Name name{"shortcuts", "全局快捷键"};
+        if (isWayland_)
+            return missing(name, {"the desktop keeps keys to itself; bind 'ovrin do' in its settings",
+                                  "此桌面不支持，请在系统设置中把快捷键绑定到命令“ovrin do”"});
+        return byExtension(name, &xcb_xkb_id, "X11 key grabs");
+    }
+
+    Capability clipboard() const {
+        constexpr Name name{"clipboard", "剪贴板"};
+        if (wayland_ && WaylandDataDevice::isOfferedBy(*wayland_)) return available(name, "data-control");
+        return byExtension(name, &xcb_xfixes_id, "X11 selections");
+    }
+
+    Capability selection() const {
+        constexpr Name name{"selection", "读取选中的文字"};
+        if (wayland_ && WaylandDataDevice::isOfferedBy(*wayland_)) return available(name, "PRIMARY by data-control");
+        if (isWayland_)
+            return missing(name, {"the desktop shows programs what is selected only while they have the keyboard",
+                                  "此桌面不支持读取其他程序中选中的文字"});
+        return byExtension(name, &xcb_xfixes_id, "X11 PRIMARY");
+    }
+
+    Capability replacement() const {
+        constexpr Name name{"replacement", "替换选中的文字"};
+        const std::string keys = wayland_ ? WaylandKeys::mechanism(*wayland_) : "";
+        if (!keys.empty()) return available(name, keys);
+        if (isWayland_)
+            return missing(name, {"the desktop lets programs press no keys; the text is put on the clipboard",
+                                  "此桌面不支持模拟按键，译文将复制到剪贴板"});
+        return byExtension(name, &xcb_test_id, "X11 XTEST");
+    }
+
+    std::uint32_t layers() const { return wayland_ ? wayland_->versionOf(zwlr_layer_shell_v1_interface) : 0; }
+
+    // Of those that other windows never cover, at a place of the program's choice.
+    Capability window(const Name& name) const {
+        if (layers() > 0) return available(name, "layer-shell");
+        if (x11_) return available(name, isWayland_ ? "XWayland" : "X11");
+        return missing(name, isWayland_ ? Lack{"the compositor lets programs place no window", "此桌面不支持浮动窗口"}
+                                        : noDisplay);
+    }
+
+    // What it takes for the palette to have the keyboard and still let it go.
+    Capability palette() const {
+        constexpr Name name{"palette", "命令面板"};
+        constexpr std::uint32_t onDemand = 4;
+        if (layers() >= onDemand)
+            return available(name, "layer-shell, keyboard on demand", "layer-shell，按需使用键盘");
+        if (layers() > 0)
+            return available(name, "layer-shell, keyboard of its own while it is open", "layer-shell，打开时独占键盘");
+        return window(name);
+    }
+
+    Capability staysOnTop() const {
+        constexpr Name name{"stays-on-top", "窗口置顶"};
+        if (layers() > 0 && !x11_)
+            return missing(name, {"no protocol for ordinary windows", "此桌面不支持程序自行置顶窗口"});
+        return byHint(name, "_NET_WM_STATE_ABOVE");
+    }
+
+    Capability activation() const {
+        constexpr Name name{"activation", "窗口置前"};
+        if (wayland_ && wayland_->versionOf(xdg_activation_v1_interface) > 0) return available(name, "xdg-activation");
+        if (isWayland_) return missing(name, {"the compositor knows no xdg-activation", "此桌面不支持"});
+        return byHint(name, "_NET_ACTIVE_WINDOW");
+    }
+
+    Capability byHint(const Name& name, const char* hint) const {
+        if (!x11_) return missing(name, noDisplay);
+        if (windowManagerKnows(x11_.get(), hint)) return available(name, hint);
+        return missing(name, {"no window manager that knows it", "没有支持它的窗口管理器"});
+    }
+
+    Capability byExtension(const Name& name, xcb_extension_t* extension, const char* mechanism) const {
+        if (!x11_) return missing(name, isWayland_ ? noX11 : noDisplay);
         if (hasExtension(x11_.get(), extension)) return available(name, mechanism);
-        return missing(name, "the X11 display lacks the extension for it");
+        return missing(name, {"the X11 display lacks the extension for it", "显示服务器缺少所需的扩展"});
     }
 
+    static constexpr Name captureName{"capture", "截图"};
+
+    Environment environment_ = Environment::ofProcess();
+    bool isWayland_;
     std::optional<WaylandConnection> wayland_;
     X11Connection x11_{nullptr, xcb_disconnect};
 };
@@ -185,10 +282,7 @@ using Variant = std::unique_ptr<GVariant, UnreferenceVariant>;
 // The services of the session bus.
 class BusInspection {
 public:
-    BusInspection() {
-        if (sessionBus(Environment::ofProcess()) == SessionBus::none) return;
-        bus_.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, BusDeadline(patience).cancellable(), nullptr));
-    }
+    BusInspection() : bus_(connectToSessionBus(BusDeadline(patience).cancellable())) {}
 
     void addTo(std::vector<Capability>& found) const {
         found.push_back(tray());
@@ -212,47 +306,56 @@ private:
 
     Capability tray() const {
         constexpr const char* watcher = "org.kde.StatusNotifierWatcher";
+        constexpr Name name{"tray", "系统托盘"};
         const Variant reply = call(watcher, "/StatusNotifierWatcher", "org.freedesktop.DBus.Properties", "Get",
                                    g_variant_new("(ss)", watcher, "IsStatusNotifierHostRegistered"));
-        if (!reply) return missing("tray", bus_ ? "no panel keeps a tray" : "no session bus");
+        if (!reply) return missing(name, bus_ ? Lack{"no panel keeps a tray", "当前桌面没有系统托盘"} : noBus);
         GVariant* inner = nullptr;
         g_variant_get(reply.get(), "(v)", &inner);
         const Variant value(inner);
         const bool isHosted = g_variant_is_of_type(inner, G_VARIANT_TYPE_BOOLEAN) && g_variant_get_boolean(inner);
-        return isHosted ? available("tray", "StatusNotifierItem") : missing("tray", "no panel shows the tray");
+        return isHosted ? available(name, "StatusNotifierItem")
+                        : missing(name, {"no panel shows the tray", "当前桌面没有系统托盘"});
     }
 
     Capability notifications() const {
+        constexpr Name name{"notifications", "通知"};
         const Variant reply = call("org.freedesktop.Notifications", "/org/freedesktop/Notifications",
                                    "org.freedesktop.Notifications", "GetServerInformation", nullptr);
         if (!reply || !g_variant_is_of_type(reply.get(), G_VARIANT_TYPE("(ssss)")))
-            return missing("notifications", bus_ ? "no notification service answers" : "no session bus");
-        const char* name = nullptr;
-        g_variant_get_child(reply.get(), 0, "&s", &name);
-        return available("notifications", name);
+            return missing(name, bus_ ? Lack{"no notification service answers", "没有通知服务"} : noBus);
+        const char* service = nullptr;
+        g_variant_get_child(reply.get(), 0, "&s", &service);
+        return available(name, service);
     }
 
     Capability keyring() const {
+        constexpr Name name{"keyring", "密钥环"};
         const Variant reply = call("org.freedesktop.secrets", "/org/freedesktop/secrets",
                                    "org.freedesktop.Secret.Service", "ReadAlias", g_variant_new("(s)", "default"));
         if (!reply || !g_variant_is_of_type(reply.get(), G_VARIANT_TYPE("(o)")))
-            return missing("keyring", "no secret service answers; the API key lies in a private file");
+            return missing(name, {"no secret service answers; the API key lies in a private file",
+                                  "密钥环不可用，密钥保存在仅您可读的文件中"});
         const char* collection = nullptr;
         g_variant_get_child(reply.get(), 0, "&o", &collection);
         const bool hasDefault = std::string(collection) != "/";
-        return hasDefault ? available("keyring", "Secret Service") : missing("keyring", "there is no default keyring");
+        return hasDefault ? available(name, "Secret Service")
+                          : missing(name, {"there is no default keyring", "没有默认的密钥环"});
     }
 
-    std::unique_ptr<GDBusConnection, UnreferenceObject> bus_;
+    BusConnection bus_;
 };
 
 Capability speech() {
-    const std::unique_ptr<char, decltype(&g_free)> program(g_find_program_in_path("speech-dispatcher"), g_free);
-    return program ? available("speech", "Speech Dispatcher") : missing("speech", "speech-dispatcher is not installed");
+    constexpr Name name{"speech", "朗读"};
+    return SpeechService::isInstalled()
+               ? available(name, "Speech Dispatcher")
+               : missing(name, {"speech-dispatcher is not installed", "没有安装 speech-dispatcher"});
 }
 
 // Whether the font that is chosen for Chinese has a character that only Chinese fonts have.
 Capability fonts() {
+    constexpr Name name{"fonts", "中文字体"};
     constexpr FcChar32 character = U'译';
     const std::unique_ptr<FcPattern, decltype(&FcPatternDestroy)> wanted(
         FcNameParse(reinterpret_cast<const FcChar8*>("sans-serif:lang=zh-cn")), FcPatternDestroy);
@@ -265,31 +368,37 @@ Capability fonts() {
     FcChar8* family = nullptr;
     if (!match || FcPatternGetCharSet(match.get(), FC_CHARSET, 0, &characters) != FcResultMatch ||
         FcCharSetHasChar(characters, character) == FcFalse)
-        return missing("fonts", "no font has Chinese characters");
+        return missing(name, {"no font has Chinese characters", "没有安装中文字体"});
     FcPatternGetString(match.get(), FC_FAMILY, 0, &family);
-    return available("fonts", family == nullptr ? "" : reinterpret_cast<const char*>(family));
+    return available(name, family == nullptr ? "" : reinterpret_cast<const char*>(family));
 }
 
-Capability models() {
+void throwIfStopped(const std::stop_token& stop) {
+    if (stop.stop_requested()) throw CancellationError();
+}
+
+Capability models(TextRecognizer& recognizer, const std::stop_token& stop) {
+    constexpr Name name{"models", "文字识别"};
     constexpr int side = 64;
     try {
-        OnnxTextRecognizer(RecognitionFiles::ofThisProgram())
-            .perform({}, Image(side, side, std::vector<std::uint8_t>(std::size_t{4} * side * side)), {});
+        recognizer.perform({}, Image(side, side, std::vector<std::uint8_t>(std::size_t{4} * side * side)), stop);
     } catch (const Error&) {
-        return missing("models", "the models of text recognition cannot be loaded");
+        return missing(name, {"the models of text recognition cannot be loaded", "文字识别模型无法加载"});
     }
-    return available("models", "PP-OCRv6 in ONNX Runtime");
+    return available(name, "PP-OCRv6 in ONNX Runtime");
 }
 
 }  // namespace
 
-std::vector<Capability> inspectSession() {
+std::vector<Capability> inspectSession(TextRecognizer& recognizer, const std::stop_token& stop) {
     std::vector<Capability> found;
     DisplayInspection().addTo(found);
+    throwIfStopped(stop);
     BusInspection().addTo(found);
+    throwIfStopped(stop);
     found.push_back(speech());
     found.push_back(fonts());
-    found.push_back(models());
+    found.push_back(models(recognizer, stop));
     return found;
 }
 

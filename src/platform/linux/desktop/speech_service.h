@@ -19,6 +19,9 @@ public:
     // The service falls silent. One that does not answer is left behind with the thread that waits for it.
     ~SpeechService();
 
+    // Whether the desktop has the service, running or not. Any thread.
+    static bool isInstalled();
+
     // Speaks through this service, which outlives it; several speak over each other's end. Main thread.
     std::unique_ptr<SpeechSynthesizer> makeSynthesizer();
 
@@ -27,8 +30,6 @@ private:
     class Connection;
     class Conversation;
 
-    // Whether the desktop has the service, running or not.
-    static bool isInstalled();
     void speak(const Utterance& utterance);
 
     std::chrono::milliseconds patience_;

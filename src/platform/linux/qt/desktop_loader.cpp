@@ -66,11 +66,8 @@ DesktopLoader::DesktopLoader()
     if (!isWayland_) return;
     try {
         const WaylandConnection connection;
-        if (WaylandScreenCapture::isOfferedBy(connection)) {
-            pictures_ = Pictures::screencopy;
-        } else if (KWinScreenCapture::isOffered()) {
-            pictures_ = Pictures::kwin;
-        }
+        // KWin is no global of the compositor: whether it is there, its adapter finds out in time.
+        pictures_ = WaylandScreenCapture::isOfferedBy(connection) ? Pictures::screencopy : Pictures::kwin;
         tellsPointer_ = WaylandPointer::isOfferedBy(connection);
         controlsClipboard_ = WaylandDataDevice::isOfferedBy(connection);
     } catch (const Error&) {

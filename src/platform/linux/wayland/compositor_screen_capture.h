@@ -10,8 +10,8 @@ namespace ovrin {
 class CompositorScreenCapture : public ScreenCapture {
 public:
     // Nobody is asked: what a compositor doesn't give is an error of the picture.
-    bool preflightAccess() final { return true; }
-    Task<bool> requestAccess() final { co_return true; }
+    bool preflightAccess() override { return true; }
+    Task<bool> requestAccess() override { co_return true; }
 
     Task<std::vector<CapturableDisplay>> displays() final;
     void prepare(const ScreenshotRequest& /*request*/) final {}
@@ -24,6 +24,8 @@ protected:
     // The workers outlive the object.
     CompositorScreenCapture(WorkerExecutor& workers, TakePicture takePicture)
         : workers_(workers), takePicture_(takePicture) {}
+
+    WorkerExecutor& workers() const { return workers_; }
 
 private:
     WorkerExecutor& workers_;

@@ -14,10 +14,8 @@
 #include <poll.h>
 #include <unistd.h>
 
-#include "base/environment.h"
 #include "base/error.h"
-#include "platform/linux/desktop/bus_deadline.h"
-#include "platform/linux/desktop/session_bus.h"
+#include "platform/linux/desktop/bus_connection.h"
 #include "platform/linux/wayland/raw_picture.h"
 #include "platform/linux/wayland/wayland_connection.h"
 #include "platform/linux/wayland/wayland_displays.h"
@@ -27,7 +25,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 using Variant = std::unique_ptr<GVariant, UnreferenceVariant>;
-using Connection = std::unique_ptr<GDBusConnection, UnreferenceObject>;
 
 constexpr const char* service = "org.kde.KWin";
 constexpr std::chrono::milliseconds patience{2000};  // with the call, and then with the pixels
@@ -79,15 +76,9 @@ private:
     std::array<int, 2> ends_{-1, -1};
 };
 
-// One of our own: KWin looks up who has the name that calls, and the process's shared one ends it when the bus does.
-Connection connectToBus(GCancellable* deadline) {
-    if (sessionBus(Environment::ofProcess()) == SessionBus::none) fail("没有会话总线。");
-    const std::unique_ptr<char, decltype(&g_free)> address(
-        g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, deadline, nullptr), g_free);
-    constexpr auto client = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                              G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    Connection bus(address ? g_dbus_connection_new_for_address_sync(address.get(), client, nullptr, deadline, nullptr)
-                           : nullptr);
+// KWin looks up who has the name that calls.
+BusConnection connectToBus(GCancellable* deadline) {
+    BusConnection bus = connectToSessionBus(deadline);
     if (!bus) fail("会话总线没有应答。");
     return bus;
 }
@@ -102,7 +93,7 @@ Connection connectToBus(GCancellable* deadline) {
 // What the picture is like; its pixels are on the way through the pipe then.
 RawPicture requestPicture(const Rect<LayoutPoints>& area, const Pipe& pipe) {
     const BusDeadline deadline(patience);
-    const Connection bus = connectToBus(deadline.cancellable());
+    const BusConnection bus = connectToBus(deadline.cancellable());
     const std::unique_ptr<GUnixFDList, UnreferenceObject> descriptors(g_unix_fd_list_new());
     const int index = g_unix_fd_list_append(descriptors.get(), pipe.writing(), nullptr);
     if (index < 0) fail("打开的文件过多。");
@@ -163,7 +154,7 @@ Image takePicture(const ScreenshotRequest& request) {
 bool KWinScreenCapture::isOffered() {
     try {
         const BusDeadline deadline(patience);
-        const Connection bus = connectToBus(deadline.cancellable());
+        const BusConnection bus = connectToBus(deadline.cancellable());
         const Variant owner(g_dbus_connection_call_sync(
             bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetNameOwner",
             g_variant_new("(s)", service), nullptr, G_DBUS_CALL_FLAGS_NONE, -1, deadline.cancellable(), nullptr));
@@ -173,6 +164,15 @@ bool KWinScreenCapture::isOffered() {
     }
 }
 
-KWinScreenCapture::KWinScreenCapture(WorkerExecutor& workers) : CompositorScreenCapture(workers, takePicture) {}
+KWinScreenCapture::KWinScreenCapture(WorkerExecutor& workers) : CompositorScreenCapture(workers, takePicture) {
+    workers.post([found = isFound_](const std::stop_token&) { *found = isOffered(); });
+}
+
+Task<bool> KWinScreenCapture::requestAccess() {
+    const auto look = [found = isFound_](const std::stop_token&) { return *found = isOffered(); };
+    const bool isThere = co_await workers().run(look);
+    if (!isThere) fail("此桌面不支持。");
+    co_return true;
+}
 
 }  // namespace ovrin

@@ -2,6 +2,9 @@
 // session bus.
 #pragma once
 
+#include <atomic>
+#include <memory>
+
 #include "platform/linux/wayland/compositor_screen_capture.h"
 
 namespace ovrin {
@@ -13,7 +16,15 @@ public:
     // Whether KWin is on the session bus. Blocks for two seconds where the bus doesn't answer.
     static bool isOffered();
 
+    // Has a worker look for KWin at once.
     explicit KWinScreenCapture(WorkerExecutor& workers);
+
+    bool preflightAccess() override { return *isFound_; }
+    // Looks again. Throws Error where there is no KWin.
+    Task<bool> requestAccess() override;
+
+private:
+    std::shared_ptr<std::atomic<bool>> isFound_ = std::make_shared<std::atomic<bool>>(false);
 };
 
 }  // namespace ovrin
