@@ -474,7 +474,8 @@ int runAssistant(Launch launch) {
     ApplicationBus bus;
     const auto place =
         bus.claim({.reopen = [&delegate] { delegate->applicationShouldHandleReopen(); },
-                   .perform = [&delegate](const std::string& command) { return delegate->perform(command); }},
+                   .perform = [&delegate](const std::string& command) { return delegate->perform(command); },
+                   .activationTokenReceived = setActivationToken},
                   launch);
     if (place == ApplicationBus::Place::taken) return EXIT_SUCCESS;
     if (place == ApplicationBus::Place::silent) {

@@ -68,15 +68,18 @@ TEST(ApplicationBusTest, ASecondAssistantSeesHowTheFirstOneDoes) {
 TEST(ApplicationBusTest, TheActivationThatStartedItIsNoReopening) {
     QtSession::ofProcess();
     int reopenings = 0;
+    std::string token;
     ApplicationBus bus;
-    ASSERT_EQ(
-        bus.claim({.reopen = [&] { ++reopenings; }, .perform = [](const std::string&) { return true; }}, Launch::byBus),
-        ApplicationBus::Place::ours);
+    ASSERT_EQ(bus.claim({.reopen = [&] { ++reopenings; },
+                         .perform = [](const std::string&) { return true; },
+                         .activationTokenReceived = [&](const std::string& received) { token = received; }},
+                        Launch::byBus),
+              ApplicationBus::Place::ours);
     const FakeService launcher(QStringLiteral("test.Launcher"), QStringLiteral("/"), {});
     const auto activate = [&] {
         QDBusMessage call =
             QDBusMessage::createMethodCall(applicationId, applicationObjectPath, applicationInterface, "Activate");
-        call << QVariantMap();
+        call << QVariantMap{{"desktop-startup-id", "startup"}, {"activation-token", "token"}};
         const QDBusPendingCallWatcher answer(QDBusConnection(QStringLiteral("test.Launcher")).asyncCall(call));
         EXPECT_TRUE(waitUntil([&] { return answer.isFinished(); }));
         QCoreApplication::processEvents();
@@ -85,6 +88,7 @@ TEST(ApplicationBusTest, TheActivationThatStartedItIsNoReopening) {
     EXPECT_EQ(reopenings, 0);
     activate();
     EXPECT_EQ(reopenings, 1);
+    EXPECT_EQ(token, "token") << "of the two the one of Wayland";
 }
 
 }  // namespace

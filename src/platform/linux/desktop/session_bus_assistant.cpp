@@ -1,11 +1,14 @@
 #include "platform/linux/desktop/session_bus_assistant.h"
 
 #include <memory>
+#include <optional>
+#include <string>
 
 #include <gio/gio.h>
 
 #include "base/environment.h"
 #include "base/error.h"
+#include "platform/linux/desktop/activation_token.h"
 #include "platform/linux/desktop/application_name.h"
 #include "platform/linux/desktop/bus_deadline.h"
 #include "platform/linux/desktop/detached_program.h"
@@ -40,6 +43,18 @@ std::unique_ptr<GDBusConnection, UnreferenceObject> connect(const BusDeadline& d
         g_bus_get_sync(G_BUS_TYPE_SESSION, deadline.cancellable(), &failure));
     if (!bus) throw Error("no session bus: " + takeMessage(failure));
     return bus;
+}
+
+// What the window that comes up is to be let to the front by.
+GVariant* platformData(const Environment& environment) {
+    GVariantBuilder data;
+    g_variant_builder_init(&data, G_VARIANT_TYPE_VARDICT);
+    const auto add = [&data](const char* key, const std::optional<std::string>& value) {
+        if (value) g_variant_builder_add(&data, "{sv}", key, g_variant_new_string(value->c_str()));
+    };
+    add(activation::tokenKey, activation::token(environment));
+    add(activation::startupKey, activation::startupId(environment));
+    return g_variant_builder_end(&data);
 }
 
 using Context = std::unique_ptr<GMainContext, decltype(&g_main_context_unref)>;
@@ -104,7 +119,7 @@ RunningAssistant::Reply SessionBusAssistant::perform(const std::string& commandN
     GError* failure = nullptr;
     GVariant* const parameters =
         g_variant_new("(s@av@a{sv})", commandName.c_str(), g_variant_new_array(G_VARIANT_TYPE_VARIANT, nullptr, 0),
-                      g_variant_new_array(G_VARIANT_TYPE("{sv}"), nullptr, 0));
+                      platformData(Environment::ofProcess()));
     const std::unique_ptr<GVariant, UnreferenceVariant> reply(g_dbus_connection_call_sync(
         bus.get(), applicationId, applicationObjectPath, applicationInterface, "ActivateAction", parameters, nullptr,
         G_DBUS_CALL_FLAGS_NO_AUTO_START, static_cast<int>(patience_.count()), deadline.cancellable(), &failure));

@@ -1,14 +1,17 @@
 #include "platform/linux/qt/application_bus.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
 #include <QTimer>
 #include <chrono>
+#include <optional>
 #include <utility>
 
 #include "base/environment.h"
+#include "platform/linux/desktop/activation_token.h"
 #include "platform/linux/desktop/application_name.h"
 #include "platform/linux/desktop/session_bus.h"
 
@@ -28,10 +31,28 @@ constexpr const char* introspection =
     "<arg type=\"a{sv}\" direction=\"in\"/></method>"
     "</interface>";
 
-QDBusMessage activation() {
+QVariantMap platformData(const Environment& environment) {
+    QVariantMap data;
+    const auto add = [&data](const char* key, const std::optional<std::string>& value) {
+        if (value) data.insert(QLatin1String(key), QString::fromStdString(*value));
+    };
+    add(activation::tokenKey, activation::token(environment));
+    add(activation::startupKey, activation::startupId(environment));
+    return data;
+}
+
+// The last argument of each of the calls. Compositors take either name's value for a token.
+std::string tokenOf(const QDBusMessage& message) {
+    if (message.arguments().isEmpty()) return {};
+    const auto data = qdbus_cast<QVariantMap>(message.arguments().last());
+    const QString token = data.value(QLatin1String(activation::tokenKey)).toString();
+    return (token.isEmpty() ? data.value(QLatin1String(activation::startupKey)).toString() : token).toStdString();
+}
+
+QDBusMessage activationCall() {
     QDBusMessage message =
         QDBusMessage::createMethodCall(applicationId, applicationObjectPath, applicationInterface, "Activate");
-    message << QVariantMap();
+    message << platformData(Environment::ofProcess());
     message.setAutoStartService(false);
     return message;
 }
@@ -45,7 +66,7 @@ Place takeName(const QDBusConnection& bus) {
 }
 
 bool activateOwner(const QDBusConnection& bus) {
-    const QDBusMessage answer = bus.call(activation(), QDBus::Block, static_cast<int>(patience.count()));
+    const QDBusMessage answer = bus.call(activationCall(), QDBus::Block, static_cast<int>(patience.count()));
     return answer.type() == QDBusMessage::ReplyMessage;
 }
 
@@ -68,6 +89,8 @@ public:
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
         if (message.interface() != QLatin1String(applicationInterface)) return false;
         const bool isStart = std::exchange(isStartOnItsWay_, false);
+        const std::string token = tokenOf(message);
+        if (!token.empty() && events_.activationTokenReceived) events_.activationTokenReceived(token);
         if (message.member() == QLatin1String("Activate") || message.member() == QLatin1String("Open")) {
             // The answer first: what the event does may end the program.
             connection.send(message.createReply());

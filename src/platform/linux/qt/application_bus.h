@@ -18,6 +18,8 @@ public:
         std::function<void()> reopen;
         // Does what the name stands for; false when it stands for nothing.
         std::function<bool(const std::string& commandName)> perform;
+        // Before either, where the desktop lets the window that comes up come to the front by this token.
+        std::function<void(const std::string& token)> activationTokenReceived{};
     };
     enum class Place : std::uint8_t {
         ours,    // from now on the events arrive, from the event loop

@@ -5,8 +5,10 @@
 #include <QWidget>
 #include <QWindow>
 #include <optional>
+#include <utility>
 
 #include "platform/linux/qt/layer_window.h"
+#include "platform/linux/qt/wayland_activation.h"
 #include "platform/linux/qt/wayland_window.h"
 #include "platform/linux/qt/x11_keyboard_grab.h"
 #include "platform/linux/qt/x11_window.h"
@@ -14,6 +16,8 @@
 namespace ovrin {
 
 namespace {
+
+std::string activationToken;  // until it is used; the windows are the process's too
 
 Qt::WindowFlags flagsFor(const QWidget& window, WindowRole role) {
     const Qt::WindowFlags own = Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
@@ -128,7 +132,13 @@ bool canStayOnTop() {
     return !wayland::isToolkit();
 }
 
+void setActivationToken(std::string token) {
+    activationToken = std::move(token);
+}
+
 void activate(QWindow& window) {
+    const std::string token = std::exchange(activationToken, {});
+    if (!token.empty() && wayland::activate(window, token)) return;
     x11::activate(window);
 }
 

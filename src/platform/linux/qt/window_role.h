@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 class QColor;
 class QWidget;
@@ -35,6 +36,9 @@ bool canStayOnTop();
 
 // Brings a window that is shown to the front, with the keyboard.
 void activate(QWindow& window);
+// Where the user wants it from another program, the desktop wants to see the token that it gave for that: it counts for
+// the window that is activated next.
+void setActivationToken(std::string token);
 
 // Whether what is typed goes to the window, even while the toolkit calls it inactive because another program, such as
 // an input method, holds the keyboard for a moment.
