@@ -44,6 +44,7 @@
 #include "platform/linux/qt/font_rendering.h"
 #include "platform/linux/qt/inotify_file_watcher.h"
 #include "platform/linux/qt/linux_desktop_settings.h"
+#include "platform/linux/qt/lost_display.h"
 #include "platform/linux/qt/qt_image_encoder.h"
 #include "platform/linux/qt/qt_main_loop.h"
 #include "platform/linux/qt/recent_windows.h"
@@ -54,7 +55,6 @@
 #include "platform/linux/recognition/linux_image_decoder.h"
 #include "platform/linux/recognition/linux_language_identifier.h"
 #include "platform/linux/recognition/onnx_text_recognizer.h"
-#include "platform/linux/x11/x11_connection.h"
 #include "recognition/capture_controller.h"
 #include "recognition/idle_releasing_recognizer.h"
 #include "recognition/vision_ocr_engine.h"
@@ -113,6 +113,8 @@ public:
     void applicationShouldHandleReopen();
     // False for a name that stands for nothing here.
     bool perform(const std::string& words);
+    // The program ends without being destroyed.
+    void applicationWillEndAtOnce() { deferredWrites_.finish(); }
 
     void captureOCR() override { appState_.startCapture(CaptureIntent::ocr); }
     void captureTranslate() override { appState_.startCapture(CaptureIntent::translate); }
@@ -457,8 +459,7 @@ public:
 }  // namespace
 
 int runAssistant(Launch launch) {
-    // Without a display the toolkit would end the program in its own way.
-    if (chooseWindowSystem() == WindowSystem::x11) connectToX11(nullptr);
+    chooseWindowSystem();
     // Windows carry the program's name as their class.
     std::string name = "ovrin";
     std::array<char*, 2> arguments{name.data(), nullptr};
@@ -488,6 +489,7 @@ int runAssistant(Launch launch) {
     }
     delegate.emplace();
     const TerminationSignals termination([] { QApplication::quit(); });
+    const LostDisplay lostDisplay([&delegate] { delegate->applicationWillEndAtOnce(); });
     delegate->applicationDidFinishLaunching();
     return QApplication::exec();
 }

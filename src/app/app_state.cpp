@@ -147,7 +147,6 @@ void AppState::present(OCRResult result, Image image, CaptureIntent intent) {
 }
 
 void AppState::clipboardOCR() {
-    if (const auto problem = surroundings_.clipboard.problem()) return showProblem(*problem);
     flows_.start(recognizeClipboardImage());
 }
 
@@ -167,7 +166,6 @@ Task<void> AppState::recognizeClipboardImage() {
 }
 
 void AppState::clipboardTranslate() {
-    if (const auto problem = surroundings_.clipboard.problem()) return showProblem(*problem);
     flows_.start(translateClipboard());
 }
 

@@ -18,6 +18,10 @@ DeferredWrites::DeferredWrites(EventLoop& loop, std::vector<Write> writes) : loo
 
 DeferredWrites::~DeferredWrites() {
     if (timer_) loop_.cancelTimer(*timer_);
+    finish();
+}
+
+void DeferredWrites::finish() {
     const auto deadline = std::chrono::steady_clock::now() + patienceAtTheEnd;
     for (const Write& write : writes_) {
         const auto left =

@@ -24,10 +24,13 @@ public:
     DeferredWrites(EventLoop& loop, std::vector<Write> writes);
     DeferredWrites(const DeferredWrites&) = delete;
     DeferredWrites& operator=(const DeferredWrites&) = delete;
-    ~DeferredWrites();
+    ~DeferredWrites();  // finishes
 
     // Something was not written. May be called on any thread, also when this object is gone.
     std::function<void()> note();
+
+    // Writes what is left, for which it takes a second at most.
+    void finish();
 
 private:
     void schedule();

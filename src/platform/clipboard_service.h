@@ -40,8 +40,8 @@ class ClipboardService {
 public:
     virtual ~ClipboardService() = default;
 
-    // Why the session has no clipboard for the program, as a sentence for the user; none where it has. Without one
-    // nothing is read, and what is written is lost.
+    // Why the session has no clipboard for the program, as a sentence for the user; none where it has. Without one what
+    // is written is lost.
     virtual std::optional<std::string> problem() const { return std::nullopt; }
 
     // Differs after every change of the contents, whoever made it.
@@ -51,7 +51,7 @@ public:
     virtual std::vector<ClipboardSource> pastedSources() const = 0;
 
     // Reading text and pictures throws Error, in words for the user, when the owner promises some and does not answer
-    // or sends without end, and when the desktop has gone.
+    // or sends without end, when the desktop has gone, and where there is no clipboard.
 
     // The picture on the clipboard, in pixels of its own size; none when nothing there is a picture.
     virtual Task<std::optional<Image>> readImage() = 0;

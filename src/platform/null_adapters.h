@@ -66,8 +66,14 @@ public:
     std::optional<std::string> problem() const override { return reason_; }
     std::int64_t changeCount(ClipboardSource /*source*/) const override { return 0; }
     std::vector<ClipboardSource> pastedSources() const override { return {ClipboardSource::clipboard}; }
-    Task<std::optional<Image>> readImage() override { co_return std::nullopt; }
-    Task<std::optional<std::string>> readString(ClipboardSource /*source*/) override { co_return std::nullopt; }
+    Task<std::optional<Image>> readImage() override {
+        throw Error(reason_);
+        co_return std::nullopt;
+    }
+    Task<std::optional<std::string>> readString(ClipboardSource /*source*/) override {
+        throw Error(reason_);
+        co_return std::nullopt;
+    }
     Task<std::vector<std::vector<std::string>>> readTypes(ClipboardSource /*source*/) override {
         co_return std::vector<std::vector<std::string>>();
     }

@@ -37,7 +37,8 @@ void DesktopTest::begin(const Scene& scene) {
                            .standard = scene.standard,
                            .preferences = scene.preferences,
                            .launch = scene.launch,
-                           .environment = scene.environment};
+                           .environment = scene.environment,
+                           .sign = scene.sign};
     for (const auto& [name, code] : shortcutKeys) {
         setup.preferences["KeyboardShortcuts_ovrin." + name] =
             Assistant::shortcut(code, {Assistant::Modifier::super, Assistant::Modifier::shift});

@@ -36,6 +36,7 @@ protected:
         PrivateDesktop::Setup desktop{.accessibility = PrivateDesktop::Accessibility::on};
         std::string standard = "openai-compatible";
         Assistant::Setup::Launch launch = Assistant::Setup::Launch::later;
+        Assistant::Setup::Sign sign = Assistant::Setup::Sign::both;
         json::Value preferences = json::Value::object();
         // What the assistant is told of the practice service: by its environment, or nothing.
         enum class ModelService { inEnvironment, unknown } modelService = ModelService::inEnvironment;

@@ -37,9 +37,10 @@ Assistant::Assistant(const PrivateDesktop& desktop, const TestUser& user, const 
 
 void Assistant::start() {
     process_ = desktop_.start({.arguments = {setup_.program}, .environment = environment()});
-    waitFor("the assistant's icon in the tray", [this] {
+    waitFor("the assistant", [this] {
         if (!process_->isRunning()) throw Error("the assistant ended at once: " + log());
-        return desktop_.bus().hasOwner(busName) && isInTray();
+        return (setup_.sign == Setup::Sign::icon || desktop_.bus().hasOwner(busName)) &&
+               (setup_.sign == Setup::Sign::name || isInTray());
     });
 }
 

@@ -26,9 +26,11 @@ public:
         json::Value preferences = json::Value::object();
         enum class Launch : std::uint8_t { first, later } launch = Launch::later;
         std::vector<std::string> environment{};  // on top of the desktop's and what names the service
+        // By what it is seen to have come up: its icon in the tray, its name on the bus.
+        enum class Sign : std::uint8_t { both, icon, name } sign = Sign::both;
     };
 
-    // Returns when the program's icon is in the tray: from then on it listens to its shortcuts. Throws Error with what
+    // Returns when it has come up: with its icon in the tray it listens to its shortcuts. Throws Error with what
     // it said when it ends before.
     Assistant(const PrivateDesktop& desktop, const TestUser& user, const Setup& setup);
 

@@ -136,7 +136,7 @@ PrivateDesktop::PrivateDesktop(const Setup& setup) {
     fs::permissions(home() / "run", fs::perms::owner_all);
     startServer(setup);
     if (!setup.monitors.empty()) setMonitors(setup.monitors);
-    startWindowManager();
+    if (setup.windowManager == WindowManager::openbox) startWindowManager();
     if (setup.compositor == Compositor::picom) startCompositor();
     if (setup.accessibility == Accessibility::on) startAccessibility();
     if (setup.tray == Tray::tint2) startTint2();
@@ -189,9 +189,11 @@ std::unique_ptr<ChildProcess> PrivateDesktop::start(const Program& program) cons
 
 void PrivateDesktop::startServer(const Setup& setup) {
     const std::string size = std::to_string(setup.width) + "x" + std::to_string(setup.height) + "x24";
-    server_ = start(
-        {.arguments = {"Xvfb", "-displayfd", "1", "-screen", "0", size, "-dpi", "96", "-nolisten", "tcp", "-noreset"},
-         .output = ChildProcess::Output::lines});
+    std::vector<std::string> command{"Xvfb", "-displayfd", "1",         "-screen", "0",       size,
+                                     "-dpi", "96",         "-nolisten", "tcp",     "-noreset"};
+    for (const std::string& extension : setup.missingExtensions)
+        command.insert(command.end(), {"-extension", extension});
+    server_ = start({.arguments = command, .output = ChildProcess::Output::lines});
     const std::string number = server_->readLine();  // written once it accepts connections
     if (number.empty()) throw Error("Xvfb did not start: " + lastLines(logOf("Xvfb")));
     display_ = ":" + number;

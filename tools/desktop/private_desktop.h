@@ -32,11 +32,14 @@ public:
     };
     enum class Notifications : std::uint8_t { none, dunst };
     enum class Accessibility : std::uint8_t { off, on };  // on: a screen reader can read the windows
+    enum class WindowManager : std::uint8_t { none, openbox };
 
     struct Setup {
         int width = 1920;
         int height = 1080;
-        std::vector<Monitor> monitors{};  // empty: one as large as the screen
+        std::vector<Monitor> monitors{};               // empty: one as large as the screen
+        std::vector<std::string> missingExtensions{};  // what the X server is to lack, such as "XTEST"
+        WindowManager windowManager = WindowManager::openbox;
         Compositor compositor = Compositor::picom;
         Tray tray = Tray::tint2;
         Notifications notifications = Notifications::none;
@@ -82,6 +85,7 @@ public:
     // Kill a part of it as a crash would.
     void killNotificationDaemon() { notificationDaemon_.reset(); }
     void killCompositor() { compositor_.reset(); }
+    void killServer() { server_.reset(); }
     // Of tint2.
     void restartTray();
 

@@ -34,7 +34,7 @@ class TestUser {
 public:
     enum class Button : std::uint8_t { left = 1, middle = 2, right = 3, wheelUp = 4, wheelDown = 5 };
 
-    // Throws Error when no X server with the XTest and XFixes extensions is there.
+    // Throws Error when no X server with the XFixes extension is there. Without XTest the user can only look.
     explicit TestUser(const std::string& display);
 
     const X11View& view() const { return view_; }

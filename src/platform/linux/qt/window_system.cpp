@@ -8,6 +8,7 @@
 #include "platform/linux/desktop/session_displays.h"
 #include "platform/linux/wayland/wayland_connection.h"
 #include "platform/linux/wayland/wayland_data_device.h"
+#include "platform/linux/x11/x11_connection.h"
 #include "wlr-layer-shell-unstable-v1-client.h"
 
 namespace ovrin {
@@ -30,20 +31,31 @@ bool isCompositorAble() {
     }
 }
 
+void requireX11(bool isChosenByUser) {
+    try {
+        connectToX11(nullptr);
+    } catch (const Error&) {
+        if (isChosenByUser || !hasWaylandDisplay(Environment::ofProcess())) throw;
+        const WaylandConnection compositor;  // or it says that it does not answer
+        if (isCompositorAble()) throw Error("缺少 Qt 的 Wayland 支持，也没有 XWayland：请安装软件包 qt6-wayland。");
+        throw Error("此桌面（Wayland）不支持浮动窗口（layer-shell），也没有 XWayland：请安装软件包 xwayland。");
+    }
+}
+
 }  // namespace
 
-WindowSystem chooseWindowSystem() {
+void chooseWindowSystem() {
     const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
     const bool isWayland = chosen.isEmpty() ? isToolkitAble() && isCompositorAble() : chosen.startsWith("wayland");
+    if (!isWayland) requireX11(!chosen.isEmpty());
     if (chosen.isEmpty()) qputenv("QT_QPA_PLATFORM", isWayland ? "wayland" : "xcb");
-    if (!isWayland) return WindowSystem::x11;
+    if (!isWayland) return;
     if (isCompositorAble()) {
         // Windows that bypass the window manager get no role from the toolkit: it is given to them in LayerWindow.
         qputenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
         // They are where the program puts them, and menus and tool tips of theirs find their place by that.
         qputenv("QT_WAYLAND_DISABLE_FIXED_POSITIONS", "1");
     }
-    return WindowSystem::wayland;
 }
 
 }  // namespace ovrin
