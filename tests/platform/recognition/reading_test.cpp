@@ -47,12 +47,12 @@ TEST(LetterChoiceTest, WhatTheReaderIsSureOfStays) {
 
 // A mark of ten pixels, a gap, and a word of the same height.
 std::string besideAWord(char32_t mark, float confidence, int gap) {
-    Reading reading = {{mark, confidence, 0, 10, 0}};
-    for (const auto& character : readingOf(U"设置", 10 + gap, 16)) reading.push_back(character);
     LinePiece piece = pieceOf({{0, 10}, {10 + gap, 26 + gap}, {26 + gap, 42 + gap}}, 16);
     piece.ink = 255;
-    removeControlMarks(reading, piece);
-    return textOf(reading);
+    piece.reading = {{mark, confidence, 0, 10, 0}};
+    for (const auto& character : readingOf(U"设置", 10 + gap, 16)) piece.reading.push_back(character);
+    removeControlMarks(piece);
+    return textOf(piece.reading);
 }
 
 TEST(ControlMarksTest, DrawnThingsAndDoubtfulOnesBesideAWordAreNoText) {
@@ -66,9 +66,10 @@ TEST(ControlMarksTest, DrawnThingsAndDoubtfulOnesBesideAWordAreNoText) {
 
 TEST(ControlMarksTest, ALetterAloneIsText) {
     for (const char32_t character : {U'A', U'I', U'一', U'文', U'5'}) {
-        Reading reading = {{character, 0.98F, 0, 10, 0}};
-        removeControlMarks(reading, pieceOf({{0, 10}}, 16));
-        EXPECT_EQ(reading.size(), 1U) << static_cast<unsigned>(character);
+        LinePiece piece = pieceOf({{0, 10}}, 16);
+        piece.reading = {{character, 0.98F, 0, 10, 0}};
+        removeControlMarks(piece);
+        EXPECT_EQ(piece.reading.size(), 1U) << static_cast<unsigned>(character);
     }
 }
 

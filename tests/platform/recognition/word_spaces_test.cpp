@@ -10,16 +10,15 @@ namespace {
 
 // Reads `text` off bars of ink that start at the given columns, and puts the spaces.
 std::string spaced(std::u32string_view text, const std::vector<ColumnRun>& runs, int height) {
-    Reading reading;
+    std::vector<LinePiece> pieces = {pieceOf(runs, height)};
+    Reading& reading = pieces.front().reading;
     for (std::size_t i = 0; i < text.size(); ++i) {
         // Readers are off by a few pixels.
         reading.push_back({text[i], 0.99F, runs[i].left - 2.0, runs[i].right + 1.0, 0});
     }
-    const LinePiece piece = pieceOf(runs, height);
-    placeOnInk(reading, piece);
-    std::vector<Reading> readings = {reading};
-    placeSpaces(readings, {piece});
-    return textOf(readings.front());
+    placeOnInk(reading, pieces.front());
+    placeSpaces(pieces);
+    return textOf(reading);
 }
 
 TEST(WordSpacesTest, WideGapsBetweenLettersAreSpaces) {
@@ -54,9 +53,9 @@ TEST(GlyphPlacesTest, DashesThatTheNetworkMergedComeBack) {
         const bool dash = run.width() == 4;
         piece.ink(cv::Rect(run.left, dash ? 8 : 2, run.width(), dash ? 2 : 14)) = 255;
     }
-    Reading reading = {{U'x', 0.99F, 0, 6, 0}, {U'-', 0.99F, 8, 12, 0}, {U'x', 0.99F, 32, 38, 0}};
-    restoreRepeatedMarks(reading, piece);
-    EXPECT_EQ(textOf(reading), "x---x");
+    piece.reading = {{U'x', 0.99F, 0, 6, 0}, {U'-', 0.99F, 8, 12, 0}, {U'x', 0.99F, 32, 38, 0}};
+    restoreRepeatedMarks(piece);
+    EXPECT_EQ(textOf(piece.reading), "x---x");
 }
 
 }  // namespace

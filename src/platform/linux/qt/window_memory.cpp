@@ -14,7 +14,7 @@
 
 #include <sys/mman.h>
 
-#include "platform/linux/recognition/library_pages.h"
+#include "platform/linux/desktop/library_pages.h"
 
 namespace ovrin {
 

@@ -178,8 +178,8 @@ private:
 
 }  // namespace
 
-void removeControlMarks(Reading& reading, const LinePiece& piece) {
-    reading = Marks(reading, piece).withoutMarks();
+void removeControlMarks(LinePiece& piece) {
+    piece.reading = Marks(piece.reading, piece).withoutMarks();
 }
 
 }  // namespace ovrin

@@ -2,11 +2,10 @@
 #pragma once
 
 #include "platform/linux/recognition/line_piece.h"
-#include "platform/linux/recognition/reading.h"
 
 namespace ovrin {
 
 // Takes out of the reading what is no text but a mark that stands beside it or alone. Characters must be on their ink.
-void removeControlMarks(Reading& reading, const LinePiece& piece);
+void removeControlMarks(LinePiece& piece);
 
 }  // namespace ovrin

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <string_view>
 
@@ -47,13 +48,16 @@ double widestGlyph(char32_t character) {
 }  // namespace
 
 // The cheapest way to hand out the runs of ink in order: one character takes several of them, or several one.
-void placeOnInk(Reading& reading, const LinePiece& piece) {
-    if (!piece.flatBackground || piece.runs.empty() || reading.empty()) return;
+void placeOnInk(Reading& reading, const LinePiece& piece, const ColumnRun& columns) {
+    std::vector<ColumnRun> runs;
+    std::ranges::copy_if(piece.runs, std::back_inserter(runs), [&](const ColumnRun& run) {
+        return run.center() >= columns.left && run.center() <= columns.right;
+    });
+    if (!piece.flatBackground || runs.empty() || reading.empty()) return;
     const double height = std::max(1, piece.inkBox.height);
-    const auto& runs = piece.runs;
-    const std::size_t columns = runs.size() + 1;
-    std::vector<Step> steps((reading.size() + 1) * columns);
-    const auto at = [&](std::size_t i, std::size_t j) -> Step& { return steps[i * columns + j]; };
+    const std::size_t ends = runs.size() + 1;
+    std::vector<Step> steps((reading.size() + 1) * ends);
+    const auto at = [&](std::size_t i, std::size_t j) -> Step& { return steps[i * ends + j]; };
     at(0, 0).cost = 0;
     const auto offer = [&](std::size_t i, std::size_t j, double cost, std::size_t characters, std::size_t taken) {
         Step& target = at(i + characters, j + taken);
@@ -100,7 +104,8 @@ void placeOnInk(Reading& reading, const LinePiece& piece) {
     }
 }
 
-void restoreRepeatedMarks(Reading& reading, const LinePiece& piece) {
+void restoreRepeatedMarks(LinePiece& piece) {
+    Reading& reading = piece.reading;
     if (!piece.flatBackground) return;
     for (const auto& run : piece.runs) {
         const auto next =

@@ -7,11 +7,11 @@
 namespace ovrin {
 
 // Moves left and right of every character to the ink that is most likely its own. Characters that touch share their
-// ink evenly. Nothing changes where the piece's ink can't be relied on.
-void placeOnInk(Reading& reading, const LinePiece& piece);
+// ink evenly. Nothing changes where the piece's ink can't be relied on. columns: those that the reader saw.
+void placeOnInk(Reading& reading, const LinePiece& piece, const ColumnRun& columns = {0, 1 << 30});
 
 // Puts back dashes and dots that the network left out of a row of them: it takes equal neighbours for one. Characters
 // must be on their ink.
-void restoreRepeatedMarks(Reading& reading, const LinePiece& piece);
+void restoreRepeatedMarks(LinePiece& piece);
 
 }  // namespace ovrin

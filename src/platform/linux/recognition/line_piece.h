@@ -1,10 +1,12 @@
-// One piece of a line cut out of the picture, with its text told from its background.
+// One piece of a line cut out of the picture, with its text told from its background, and what was read of it.
 #pragma once
 
 #include <algorithm>
 #include <vector>
 
 #include <opencv2/core.hpp>
+
+#include "platform/linux/recognition/reading.h"
 
 namespace ovrin {
 
@@ -34,6 +36,7 @@ struct LinePiece {
     std::vector<ColumnRun> runs;  // the columns of these two that hold ink, left to right
     double em = 1;                // about the font's size in pixels
     bool flatBackground = false;  // one colour lies behind the text: ink and runs can be relied on
+    Reading reading;
 
     double glyphHeight() const { return inkBox.height > 0 ? inkBox.height : std::max(1, color.rows); }
     // The rows that the ink of these columns covers: from `left` up to `right`, pixels from the piece's upper edge.

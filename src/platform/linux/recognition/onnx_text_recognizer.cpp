@@ -15,8 +15,9 @@
 #include <opencv2/core.hpp>
 
 #include "base/error.h"
+#include "base/memory.h"
 #include "base/text.h"
-#include "platform/linux/recognition/library_pages.h"
+#include "platform/linux/desktop/library_pages.h"
 #include "platform/linux/recognition/page_reader.h"
 #include "platform/linux/recognition/reading_order.h"
 #include "platform/linux/recognition/tesseract_reader.h"
@@ -40,45 +41,39 @@ UnitRect unitBox(const cv::Rect& box, const Image& image) {
         .x = box.x / width, .y = 1 - box.br().y / height, .width = box.width / width, .height = box.height / height};
 }
 
-// The lines of one group of pieces that were turned alike.
-void addLines(std::vector<TextObservation>& lines, const Page& page, const std::vector<std::size_t>& group,
-              const Image& image) {
-    if (group.empty()) return;
-    std::vector<cv::Rect> boxes;
-    boxes.reserve(group.size());
-    for (const std::size_t index : group) {
-        const LinePiece& piece = page.pieces[index];
-        boxes.push_back(turned(piece.box, piece.turn, {image.width(), image.height()}));
+TextObservation observation(const std::vector<const LinePiece*>& row, const Image& image) {
+    std::string text;
+    double confidence = 0, characters = 0;
+    cv::Rect box;
+    for (const LinePiece* piece : row) {
+        if (!text.empty()) text += ' ';
+        text += textOf(piece->reading);
+        const auto size = static_cast<double>(piece->reading.size());
+        confidence += meanConfidence(piece->reading) * size;
+        characters += size;
+        box |= piece->box;
     }
-    for (const auto& row : readingOrder(boxes)) {
-        std::string text;
-        double confidence = 0;
-        double characters = 0;
-        cv::Rect box;
-        for (const std::size_t position : row) {
-            const Reading& reading = page.readings[group[position]];
-            const cv::Rect& covered = page.pieces[group[position]].box;
-            if (!text.empty()) text += ' ';
-            text += textOf(reading);
-            confidence += meanConfidence(reading) * static_cast<double>(reading.size());
-            characters += static_cast<double>(reading.size());
-            box |= covered;
-        }
-        lines.push_back({.candidates = {{.string = text::inReadingOrder(text),
-                                         .confidence = static_cast<float>(confidence / characters)}},
-                         .boundingBox = unitBox(box, image)});
-    }
+    return {.candidates = {{.string = text::inReadingOrder(text),
+                            .confidence = static_cast<float>(confidence / characters)}},
+            .boundingBox = unitBox(box, image)};
 }
 
 // Lines on their side come after the upright ones.
-std::vector<TextObservation> observations(const Page& page, const Image& image) {
+std::vector<TextObservation> observations(const std::vector<LinePiece>& page, const Image& image) {
     std::vector<TextObservation> lines;
     for (const Turn turn : {Turn::none, Turn::half, Turn::counterclockwise, Turn::clockwise}) {
-        std::vector<std::size_t> group;
-        for (std::size_t i = 0; i < page.pieces.size(); ++i) {
-            if (page.pieces[i].turn == turn) group.push_back(i);
+        std::vector<const LinePiece*> pieces;
+        std::vector<cv::Rect> boxes;
+        for (const LinePiece& piece : page) {
+            if (piece.turn != turn) continue;
+            pieces.push_back(&piece);
+            boxes.push_back(turned(piece.box, turn, {image.width(), image.height()}));
         }
-        addLines(lines, page, group, image);
+        for (const auto& row : readingOrder(boxes)) {
+            std::vector<const LinePiece*> ordered;
+            for (const std::size_t index : row) ordered.push_back(pieces[index]);
+            lines.push_back(observation(ordered, image));
+        }
     }
     return lines;
 }
@@ -124,7 +119,7 @@ public:
     void release() {
         const std::unique_lock lock(inUse_);
         models_.reset();
-        malloc_trim(0);  // the C library would keep the memory for itself
+        giveBackUnusedMemory();  // the C library would keep the memory for itself
         constexpr auto libraries = std::to_array<std::string_view>(
             {"libonnxruntime.so", "libopencv_core.so", "libopencv_imgproc.so", "libtesseract.so", "liblept.so"});
         giveBackPagesOfLibraries(libraries);
@@ -135,7 +130,7 @@ private:
         Models models;
         const auto loadNetwork = [file = files_.modelFolder / files_.recognitionModel] {
             auto network = std::make_unique<LineRecognizer>(file);
-            malloc_trim(0);  // the file's contents, of which the network has made a copy of its own
+            giveBackUnusedMemory();  // the file's contents, of which the network has made a copy of its own
             return network;
         };
         models.lineRecognizer = std::async(std::launch::async, loadNetwork).share();
@@ -182,10 +177,7 @@ std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRe
     for (const auto& reader : models.secondReaders) {
         if (isWanted(*reader, request)) secondReaders.push_back(reader.get());
     }
-    const Page page = readPage(
-        picture, {.detector = *models.detector, .network = models.lineRecognizer, .secondReaders = secondReaders},
-        stop);
-    return observations(page, image);
+    return observations(readPage(picture, {*models.detector, models.lineRecognizer, secondReaders}, stop), image);
 }
 
 void OnnxTextRecognizer::prepare() {

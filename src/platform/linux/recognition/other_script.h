@@ -16,10 +16,9 @@ namespace ovrin {
 // network that can't read a script leaves its ink unexplained while it is sure of the rest.
 double unexplainedInk(const Reading& reading, const LinePiece& piece, const ColumnRun& columns);
 
-// Replaces readings of the network (one for each piece) by those of the second readers where the picture shows that
-// they are right. Words go over as a whole, but for endings right behind a word in Latin letters.
-void readOtherScript(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces,
-                     const LineRecognizer& network, std::span<SecondReader* const> readers,
-                     const std::stop_token& stop);
+// Replaces readings of the network by those of the second readers where the picture shows that they are right. Words go
+// over as a whole, but for endings right behind a word in Latin letters.
+void readOtherScript(std::vector<LinePiece>& pieces, const LineRecognizer& network,
+                     std::span<SecondReader* const> readers, const std::stop_token& stop);
 
 }  // namespace ovrin

@@ -11,7 +11,6 @@
 
 #include "platform/linux/recognition/line_piece.h"
 #include "platform/linux/recognition/line_recognizer.h"
-#include "platform/linux/recognition/reading.h"
 #include "platform/linux/recognition/second_reader.h"
 #include "platform/linux/recognition/text_detector.h"
 
@@ -24,14 +23,8 @@ struct PageReaders {
     std::span<SecondReader* const> secondReaders;
 };
 
-// Pieces of lines, in no particular order, and the reading of each, which is not empty.
-struct Page {
-    std::vector<LinePiece> pieces;
-    std::vector<Reading> readings;
-    double confidence = 0;  // mean of all characters that were read, those of no text included
-};
-
-// picture: four bytes a pixel (blue, green, red, unused). CancellationError after a stop.
-Page readPage(const cv::Mat& picture, const PageReaders& readers, const std::stop_token& stop);
+// Pieces of lines, in no particular order, none without a reading. picture: four bytes a pixel (blue, green, red,
+// unused). CancellationError after a stop.
+std::vector<LinePiece> readPage(const cv::Mat& picture, const PageReaders& readers, const std::stop_token& stop);
 
 }  // namespace ovrin

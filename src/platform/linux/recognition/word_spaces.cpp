@@ -54,15 +54,15 @@ std::optional<double> cellWidth(const Reading& reading, double em) {
 
 // From which gap on, in ems, the Korean syllables of the picture are words apart. Fonts differ in how far apart they
 // set syllables: the cut is where the gaps fall best into two groups.
-double koreanSpace(const std::vector<Reading>& readings, const std::vector<LinePiece>& pieces) {
+double koreanSpace(const std::vector<LinePiece>& pieces) {
     constexpr double usual = 0.235;
     constexpr double widest = 0.7;  // a few gaps of a misplaced syllable must not pull the groups apart
     constexpr std::size_t enough = 8;
     std::vector<std::uint8_t> gaps;  // shares of the widest
-    for (std::size_t k = 0; k < readings.size(); ++k) {
-        for (std::size_t i = 1; i < readings[k].size() && pieces[k].flatBackground; ++i) {
-            const auto& [before, after] = std::tie(readings[k][i - 1], readings[k][i]);
-            const double gap = (after.left - before.right) / pieces[k].em;
+    for (const LinePiece& piece : pieces) {
+        for (std::size_t i = 1; i < piece.reading.size() && piece.flatBackground; ++i) {
+            const auto& [before, after] = std::tie(piece.reading[i - 1], piece.reading[i]);
+            const double gap = (after.left - before.right) / piece.em;
             if (scriptOf(before.code) == Script::hangul && scriptOf(after.code) == Script::hangul && gap >= 0 &&
                 gap <= widest)
                 gaps.push_back(static_cast<std::uint8_t>(gap / widest * 255));
@@ -101,22 +101,21 @@ bool isSpace(const ReadCharacter& before, const ReadCharacter& after, double em,
 
 // The cells of the fixed-width fonts that the pieces are set in. Where most long pieces stand on a grid, a short piece
 // that fits it does too.
-std::vector<std::optional<double>> cellWidths(const std::vector<Reading>& readings,
-                                              const std::vector<LinePiece>& pieces) {
+std::vector<std::optional<double>> cellWidths(const std::vector<LinePiece>& pieces) {
     std::vector<std::optional<double>> cells;
     std::vector<double> found;
     std::size_t longPieces = 0;
-    for (std::size_t i = 0; i < readings.size(); ++i) {
-        cells.push_back(cellWidth(readings[i], pieces[i].em));
-        if (narrowDistances(readings[i]).size() >= enoughForGrid) ++longPieces;
-        if (cells[i]) found.push_back(*cells[i]);
+    for (const LinePiece& piece : pieces) {
+        cells.push_back(cellWidth(piece.reading, piece.em));
+        if (narrowDistances(piece.reading).size() >= enoughForGrid) ++longPieces;
+        if (cells.back()) found.push_back(*cells.back());
     }
     if (found.size() * 2 <= longPieces) return cells;
     const auto middle = found.begin() + static_cast<std::ptrdiff_t>(found.size() / 2);
     std::ranges::nth_element(found, middle);
-    for (std::size_t i = 0; i < readings.size(); ++i) {
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
         const double share = *middle / pieces[i].em;
-        if (!cells[i] && share > 0.4 && share < 0.8 && gridError(narrowDistances(readings[i]), *middle) < 0.15)
+        if (!cells[i] && share > 0.4 && share < 0.8 && gridError(narrowDistances(pieces[i].reading), *middle) < 0.15)
             cells[i] = *middle;
     }
     return cells;
@@ -124,12 +123,12 @@ std::vector<std::optional<double>> cellWidths(const std::vector<Reading>& readin
 
 }  // namespace
 
-void placeSpaces(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces) {
-    const auto cells = cellWidths(readings, pieces);
-    const double koreanGap = koreanSpace(readings, pieces);
-    for (std::size_t k = 0; k < readings.size(); ++k) {
-        Reading& reading = readings[k];
-        const LinePiece& piece = pieces[k];
+void placeSpaces(std::vector<LinePiece>& pieces) {
+    const auto cells = cellWidths(pieces);
+    const double koreanGap = koreanSpace(pieces);
+    for (std::size_t k = 0; k < pieces.size(); ++k) {
+        LinePiece& piece = pieces[k];
+        Reading& reading = piece.reading;
         for (std::size_t i = 0; i < reading.size(); ++i) {
             ReadCharacter& character = reading[i];
             // Where ink can't be relied on, what the reader says of spaces has to do.

@@ -4,12 +4,11 @@
 #include <vector>
 
 #include "platform/linux/recognition/line_piece.h"
-#include "platform/linux/recognition/reading.h"
 
 namespace ovrin {
 
 // Sets spaceBefore of every character to 0 or 1. The pieces are those of one picture, characters on their ink: a font
 // of fixed width in long pieces tells what the short ones are set in.
-void placeSpaces(std::vector<Reading>& readings, const std::vector<LinePiece>& pieces);
+void placeSpaces(std::vector<LinePiece>& pieces);
 
 }  // namespace ovrin

@@ -1,4 +1,4 @@
-#include "platform/linux/recognition/library_pages.h"
+#include "platform/linux/desktop/library_pages.h"
 
 #include <algorithm>
 #include <cstddef>
