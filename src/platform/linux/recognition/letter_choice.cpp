@@ -15,38 +15,19 @@ constexpr float hesitation = 1.0F / 3;
 bool isOneOf(char32_t character, std::u32string_view set) {
     return set.find(character) != std::u32string_view::npos;
 }
-bool isLetter(char32_t character) {
-    return scriptOf(character) == Script::latin;
-}
-bool isUpper(char32_t character) {
-    return u_isupper(static_cast<UChar32>(character)) != 0;
-}
-bool isDigit(char32_t character) {
-    return character >= U'0' && character <= U'9';
-}
-bool isKana(char32_t character) {
-    return scriptOf(character) == Script::kana;
-}
 
-// How well a character fits between its neighbours (0 at a line's end): 1 well, -1 badly, 0 neither.
-int fit(char32_t character, char32_t before, char32_t after) {
-    const bool amongDigits = (isDigit(before) || isDigit(after)) && !isLetter(before) && !isLetter(after);
-    if (isOneOf(character, U"01")) return amongDigits ? 1 : 0;
-    // Names in programs mix cases and digits at will: only capitals on both sides tell something.
-    if (isOneOf(character, U"OI")) return amongDigits ? -1 : isUpper(before) && isUpper(after) ? 1 : 0;
-    if (isOneOf(character, U"ol")) return amongDigits || (isUpper(before) && isUpper(after)) ? -1 : 0;
-    if (isOneOf(character, U"-—一|")) return isKana(before) ? -1 : 0;
-    if (character == U'ー') return isKana(before) ? 1 : -1;
+// Do its neighbours (0 at a line's end) speak for this character?
+bool fits(char32_t character, char32_t before, char32_t after) {
+    const Script left = scriptOf(before);
+    const Script right = scriptOf(after);
     // Small kana make one syllable with what stands before them.
-    if (isOneOf(character, U"ゃゅょャュョ"))
-        return isOneOf(before, U"きぎしじちにひびぴみりキギシジチニヒビピミリ") ? 1 : -1;
-    if (isOneOf(character, U"っッ"))
-        return isKana(before) &&
-                       isOneOf(after,
-                               U"かきくけこさしすせそたちつてとぱぴぷぺぽカキクケコサシスセソタチツテトパピプペポドグ")
-                   ? 1
-                   : -1;
-    return 0;
+    if (isOneOf(character, U"ゃゅょャュョ")) return isOneOf(before, U"きぎしじちにひびぴみりキギシジチニヒビピミリ");
+    if (isOneOf(character, U"っッー")) return left == Script::kana;
+    if (scriptOf(character) == Script::digit)
+        return left != Script::latin && right != Script::latin && (left == Script::digit || right == Script::digit);
+    // Names in programs mix cases and digits at will: only capitals on both sides tell something.
+    const auto isUpper = [](char32_t letter) { return u_isupper(static_cast<UChar32>(letter)) != 0; };
+    return isUpper(character) && isUpper(before) && isUpper(after);
 }
 
 // Of the marks that have a narrow and a wide form; any other character stays as it is.
@@ -65,7 +46,7 @@ void chooseByNeighbours(Reading& reading) {
         if (character.secondConfidence < hesitation * character.confidence) continue;
         const char32_t before = i == 0 ? 0 : reading[i - 1].code;
         const char32_t after = i + 1 == reading.size() ? 0 : reading[i + 1].code;
-        if (fit(character.second, before, after) > fit(character.code, before, after))
+        if (fits(character.second, before, after) && !fits(character.code, before, after))
             character.code = character.second;
     }
 }

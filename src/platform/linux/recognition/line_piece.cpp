@@ -188,7 +188,9 @@ cv::Rect turned(const cv::Rect& box, Turn turn, const cv::Size& size) {
 
 ColumnRun LinePiece::rowsOfInk(const ColumnRun& columns) const {
     constexpr int strong = 128;
-    const cv::Rect rows = cv::boundingRect(ink.colRange(columns.left, columns.right) >= strong);
+    const cv::Rect all({}, ink.size());
+    const cv::Rect rows =
+        cv::boundingRect(ink(cv::Rect(columns.left, 0, std::max(1, columns.width()), ink.rows) & all) >= strong);
     return {rows.y, rows.br().y};
 }
 
