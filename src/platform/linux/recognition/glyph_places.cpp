@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::size_t mostRuns = 5;         // parts of one character
 constexpr std::size_t mostCharacters = 12;  // that touch
-constexpr double narrowestGlyph = 0.15;     // heights of the line
 // Costs, chosen on drawn lines and on the spaces of 57 pictures; distances cost their share of the height.
 constexpr double skippedRun = 1.2;
 constexpr double skippedCharacter = 1.5;
@@ -25,12 +24,6 @@ struct Step {
     std::size_t runs = 0;
 };
 
-// Readers are off by a few pixels, never by a whole character.
-double distanceCost(double pixels, double height) {
-    const double distance = std::abs(pixels) / height;
-    return 0.5 * distance + 2 * std::max(0.0, distance - 0.6);
-}
-
 // The widest that the ink of a character gets, in heights of the line.
 double widestGlyph(char32_t character) {
     struct Width {
@@ -38,11 +31,10 @@ double widestGlyph(char32_t character) {
         double heights;
     };
     constexpr Width widths[] = {{U"—…", 2.2}, {U"mwMW@%", 1.2}, {U"-", 0.6}, {U".,:|", 0.4}};
-    if (isWide(character)) return 1.25;
     for (const auto& width : widths) {
         if (width.characters.find(character) != std::u32string_view::npos) return width.heights;
     }
-    return scriptOf(character) == Script::mark ? 0.9 : 0.95;
+    return isWide(character) ? 1.25 : 0.95;
 }
 
 }  // namespace
@@ -55,52 +47,51 @@ void placeOnInk(Reading& reading, const LinePiece& piece, const ColumnRun& colum
     });
     if (!piece.flatBackground || runs.empty() || reading.empty()) return;
     const double height = std::max(1, piece.inkBox.height);
-    const std::size_t ends = runs.size() + 1;
-    std::vector<Step> steps((reading.size() + 1) * ends);
-    const auto at = [&](std::size_t i, std::size_t j) -> Step& { return steps[i * ends + j]; };
-    at(0, 0).cost = 0;
+    // The cheapest last step to where so many characters and runs have been handed out.
+    std::vector steps(reading.size() + 1, std::vector<Step>(runs.size() + 1));
+    steps[0][0].cost = 0;
+    // Lays the characters side by side over the runs.
+    const auto laid = [&](std::size_t i, std::size_t j, std::size_t characters, std::size_t taken, auto visit) {
+        const double left = runs[j].left;
+        const double width = (runs[j + taken - 1].right - left) / static_cast<double>(characters);
+        for (std::size_t k = 0; k < characters; ++k)
+            visit(reading[i + k], left + static_cast<double>(k) * width, width);
+    };
     const auto offer = [&](std::size_t i, std::size_t j, double cost, std::size_t characters, std::size_t taken) {
-        Step& target = at(i + characters, j + taken);
-        if (at(i, j).cost + cost < target.cost) target = {at(i, j).cost + cost, characters, taken};
+        Step& target = steps[i + characters][j + taken];
+        if (steps[i][j].cost + cost < target.cost) target = {steps[i][j].cost + cost, characters, taken};
     };
     for (std::size_t i = 0; i <= reading.size(); ++i) {
         const std::size_t left = reading.size() - i;
         for (std::size_t j = 0; j <= runs.size(); ++j) {
-            if (at(i, j).cost == std::numeric_limits<double>::infinity()) continue;
             if (left > 0) offer(i, j, skippedCharacter, 1, 0);
-            if (j == runs.size()) continue;
-            offer(i, j, (0.25 + runs[j].width() / height) * skippedRun, 0, 1);
-            for (std::size_t taken = 1; left > 0 && taken <= std::min(mostRuns, runs.size() - j); ++taken) {
-                const ColumnRun span{runs[j].left, runs[j + taken - 1].right};
-                const double excess = span.width() / height - widestGlyph(reading[i].code);
-                if (excess > 0 && taken > 1) break;
-                const double split = isWide(reading[i].code) ? 0 : touching * static_cast<double>(taken - 1);
-                offer(i, j, distanceCost(reading[i].center() - span.center(), height) + split + std::max(0.0, excess),
-                      1, taken);
-            }
-            for (std::size_t together = 2; together <= std::min(mostCharacters, left); ++together) {
-                double cost = touching * static_cast<double>(together - 1);
-                const double width = runs[j].width() / static_cast<double>(together);
-                if (width < narrowestGlyph * height) break;
-                for (std::size_t k = 0; k < together; ++k) {
-                    const double center = runs[j].left + (static_cast<double>(k) + 0.5) * width;
-                    cost += distanceCost(reading[i + k].center() - center, height);
+            if (j < runs.size()) offer(i, j, (0.25 + runs[j].width() / height) * skippedRun, 0, 1);
+            for (std::size_t taken = 1; taken <= std::min(mostRuns, runs.size() - j); ++taken) {
+                const std::size_t most = std::min(left, taken == 1 ? mostCharacters : 1);
+                for (std::size_t together = 1; together <= most; ++together) {
+                    const bool isParted = taken > 1 && !isWide(reading[i].code);
+                    double cost = touching * static_cast<double>(together - 1 + (isParted ? taken - 1 : 0));
+                    laid(i, j, together, taken, [&](const ReadCharacter& character, double start, double width) {
+                        // Readers are off by a few pixels, never by a whole character.
+                        const double distance = std::abs(character.center() - start - width / 2) / height;
+                        cost += 0.5 * distance + 2 * std::max(0.0, distance - 0.6);
+                        const double excess = width / height - widestGlyph(character.code);
+                        cost += (taken > 1 ? 10 : 1) * std::max(0.0, excess);
+                    });
+                    offer(i, j, cost, together, taken);
                 }
-                offer(i, j, cost, together, 1);
             }
         }
     }
     for (std::size_t i = reading.size(), j = runs.size(); i > 0;) {
-        const Step step = at(i, j);
+        const Step step = steps[i][j];
         i -= step.characters;
         j -= step.runs;
         if (step.characters == 0 || step.runs == 0) continue;
-        const ColumnRun span{runs[j].left, runs[j + step.runs - 1].right};
-        const double width = span.width() / static_cast<double>(step.characters);
-        for (std::size_t k = 0; k < step.characters; ++k) {
-            reading[i + k].left = span.left + static_cast<double>(k) * width;
-            reading[i + k].right = reading[i + k].left + width;
-        }
+        laid(i, j, step.characters, step.runs, [](ReadCharacter& character, double start, double width) {
+            character.left = start;
+            character.right = start + width;
+        });
     }
 }
 

@@ -1,7 +1,9 @@
 #include "platform/linux/recognition/line_piece.h"
 
+#include <array>
 #include <cmath>
 #include <functional>
+#include <iterator>
 
 #include <opencv2/imgproc.hpp>
 
@@ -17,21 +19,12 @@ constexpr int inkLevel = 96;        // of 255: from here on a pixel belongs to a
 constexpr double wantedHeight = 1.08;
 
 // The most frequent colour, told coarsely, then averaged.
-cv::Scalar backgroundOf(const cv::Mat& bgr) {
-    constexpr int levels = 8;
-    constexpr int width = 256 / levels;
-    constexpr int channels[] = {0, 1, 2};
-    constexpr int sizes[] = {levels, levels, levels};
-    constexpr float range[] = {0, 256};
-    const float* ranges[] = {range, range, range};
-    cv::Mat histogram;
-    cv::calcHist(&bgr, 1, channels, {}, histogram, 3, sizes, ranges);
-    int most[3] = {};
-    cv::minMaxIdx(histogram, nullptr, nullptr, nullptr, most);
-    const cv::Scalar least(most[0] * width, most[1] * width, most[2] * width);
-    cv::Mat alike;
-    cv::inRange(bgr, least, least + cv::Scalar::all(width - 1), alike);
-    return cv::mean(bgr, alike);
+cv::Scalar backgroundOf(const cv::Mat3b& bgr) {
+    std::array<cv::Vec4i, 8 * 8 * 8> sums{};  // of the pixels of one coarse colour; the last is their number
+    for (const auto& pixel : bgr)
+        sums[pixel[0] / 32U * 64 + pixel[1] / 32U * 8 + pixel[2] / 32U] += cv::Vec4i(pixel[0], pixel[1], pixel[2], 1);
+    const auto most = std::ranges::max_element(sums, {}, [](const cv::Vec4i& sum) { return sum[3]; });
+    return cv::Scalar((*most)[0], (*most)[1], (*most)[2]) / (*most)[3];
 }
 
 double shareNear(const cv::Mat& bgr, const cv::Scalar& color) {
@@ -56,12 +49,17 @@ cv::Mat inkOf(const cv::Mat& bgr, const cv::Scalar& background, const cv::Rect& 
     return ink;
 }
 
-// Runs of positions for which holds(position) is true.
-template <typename Predicate>
-std::vector<ColumnRun> runsWhere(int count, Predicate holds) {
+enum class Along { columns, rows };
+
+// The columns, or the rows, that hold strokes.
+std::vector<ColumnRun> runsOf(const cv::Mat& strokes, Along along) {
+    cv::Mat1b profile;
+    cv::reduce(strokes, profile, static_cast<int>(along), cv::REDUCE_MAX);
     std::vector<ColumnRun> runs;
-    for (int position = 0; position < count; ++position) {
-        if (!holds(position)) continue;
+    int position = -1;
+    for (const auto level : profile) {
+        ++position;
+        if (level == 0) continue;
         if (runs.empty() || runs.back().right != position) runs.push_back({position, position});
         runs.back().right = position + 1;
     }
@@ -71,8 +69,7 @@ std::vector<ColumnRun> runsWhere(int count, Predicate holds) {
 // The rows of the line itself: the band of ink through the middle of the box, with the marks that stand close above or
 // below it. Neighbouring lines reach into the box where lines are set tightly.
 ColumnRun rowsOfLine(const cv::Mat& strokes, const cv::Rect& box) {
-    const auto bands =
-        runsWhere(strokes.rows, [&](int y) { return cv::countNonZero(strokes(cv::Rect(box.x, y, box.width, 1))) > 0; });
+    const auto bands = runsOf(strokes.colRange(box.x, box.br().x), Along::rows);
     ColumnRun line;
     const int middle = box.y + box.height / 2;
     const int quarter = std::max(1, box.height / 4);
@@ -85,17 +82,15 @@ ColumnRun rowsOfLine(const cv::Mat& strokes, const cv::Rect& box) {
         const int gap = std::max(band.left - line.right, line.left - band.right);
         const bool small = band.width() <= std::max(2, line.width() / 3);
         const bool inside = band.left >= box.y && band.right <= box.br().y;
-        if (line.width() > 0 && gap >= 0 && gap <= std::max(1, line.width() / 5) && small && inside) {
+        if (line.width() > 0 && gap >= 0 && gap <= std::max(1, line.width() / 5) && small && inside)
             line = {std::min(line.left, band.left), std::max(line.right, band.right)};
-        }
     }
     return line;
 }
 
 // The columns of the line: those of the box, and beyond its sides as long as ink follows closely.
 std::vector<ColumnRun> columnsOfLine(const cv::Mat& strokes, const cv::Rect& box, const ColumnRun& rows) {
-    auto runs = runsWhere(
-        strokes.cols, [&](int x) { return cv::countNonZero(strokes(cv::Rect(x, rows.left, 1, rows.width()))) > 0; });
+    auto runs = runsOf(strokes.rowRange(rows.left, rows.right), Along::columns);
     // A thin line from top to bottom is a frame's.
     std::erase_if(runs, [&](const ColumnRun& run) {
         return run.width() <= std::max(2, rows.width() / 6) && strokes.rows > rows.width() + 2 &&
@@ -103,9 +98,8 @@ std::vector<ColumnRun> columnsOfLine(const cv::Mat& strokes, const cv::Rect& box
     });
     const double reach = std::max(0.4 * rows.width(), 0.25 * box.height);
     auto first = std::ranges::find_if(runs, [&](const ColumnRun& run) { return run.right > box.x; });
-    auto last =
-        std::find_if(runs.rbegin(), runs.rend(), [&](const ColumnRun& run) { return run.left < box.br().x; }).base();
-    if (first >= last) return {};
+    auto last = std::ranges::find_if(first, runs.end(), [&](const ColumnRun& run) { return run.left >= box.br().x; });
+    if (first == last) return {};
     while (first != runs.begin() && first->left - std::prev(first)->right <= reach) --first;
     while (last != runs.end() && last->left - std::prev(last)->right <= reach) ++last;
     return {first, last};
@@ -144,9 +138,7 @@ LinePiece cutUpright(const cv::Mat& picture, const cv::Rect& box) {
     const cv::Rect text(piece.runs.front().left, rows.left, piece.runs.back().right - piece.runs.front().left,
                         rows.width());
     // The network likes the height of the box that was found, unless neighbouring lines have stretched that.
-    const auto widest = std::ranges::max_element(piece.runs, {}, &ColumnRun::width);
-    const double height =
-        std::clamp<double>(box.height, text.height, std::max(tallestBox * text.height, 1.0 * widest->width()));
+    const double height = std::clamp<double>(box.height, text.height, tallestBox * text.height);
     const int margin = std::max(2, static_cast<int>(std::lround((wantedHeight * height - text.height) / 2)));
     const int side = std::max(2, static_cast<int>(std::lround(sideShare * height)));
     constexpr int border = cv::BORDER_CONSTANT | cv::BORDER_ISOLATED;
@@ -173,24 +165,18 @@ cv::Mat turned(const cv::Mat& picture, Turn turn) {
 }
 
 cv::Rect turned(const cv::Rect& box, Turn turn, const cv::Size& size) {
-    switch (turn) {
-        case Turn::clockwise:
-            return {size.height - box.br().y, box.x, box.height, box.width};
-        case Turn::half:
-            return {size.width - box.br().x, size.height - box.br().y, box.width, box.height};
-        case Turn::counterclockwise:
-            return {box.y, size.width - box.br().x, box.height, box.width};
-        case Turn::none:
-            break;
-    }
-    return box;
+    const cv::Point beyond = cv::Point(size) - box.br();
+    if (turn == Turn::none) return box;
+    if (turn == Turn::half) return {beyond, box.size()};
+    return {turn == Turn::clockwise ? cv::Point(beyond.y, box.x) : cv::Point(box.y, beyond.x),
+            cv::Size(box.height, box.width)};
 }
 
 ColumnRun LinePiece::rowsOfInk(const ColumnRun& columns) const {
     constexpr int strong = 128;
-    const cv::Rect all({}, ink.size());
-    const cv::Rect rows =
-        cv::boundingRect(ink(cv::Rect(columns.left, 0, std::max(1, columns.width()), ink.rows) & all) >= strong);
+    const cv::Rect within =
+        cv::Rect(columns.left, 0, std::max(1, columns.width()), ink.rows) & cv::Rect({}, ink.size());
+    const cv::Rect rows = cv::boundingRect(ink(within) >= strong);
     return {rows.y, rows.br().y};
 }
 

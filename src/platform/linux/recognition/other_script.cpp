@@ -25,7 +25,6 @@ constexpr float sureLetter = 0.9F;       // of one letter
 constexpr double doubtful = 0.6;         // of a stretch that may establish the script
 constexpr double wordGap = 0.22;         // ems
 constexpr double mostUnexplained = 0.2;  // share of a word's ink
-constexpr double mostGlyphs = 0.2;       // and how many squares that makes
 constexpr std::size_t mostAttempts = 4;  // readings of a picture that may well hold nothing of the script
 constexpr double fewestGlyphs = 2.5;     // squares of ink of these
 
@@ -87,21 +86,14 @@ std::size_t ownCount(const SecondReader& reader, const Reading& reading) {
         std::ranges::count_if(reading, [&](const ReadCharacter& character) { return reader.isOwn(character.code); }));
 }
 
-// What the reader made of these columns, and how far that can be believed: 0 where it is not of the reader's script or
-// the picture does not support it.
-double credibility(const SecondReader& reader, const Reading& reading, const LinePiece& piece,
-                   const ColumnRun& columns) {
+// How far the reader can be believed: not at all where little of what it read is of its script.
+double credibility(const SecondReader& reader, const Reading& reading) {
     const std::size_t own = ownCount(reader, reading);
-    std::size_t others = 0;
-    double width = 0;
-    for (const auto& character : reading) {
+    const auto others = std::ranges::count_if(reading, [&](const ReadCharacter& character) {
         const Script script = scriptOf(character.code);
-        if (!reader.isOwn(character.code) && script != Script::mark && script != Script::digit) ++others;
-        width += isWide(character.code) ? 0.95 : 0.5;
-    }
-    const double ratio = width * piece.glyphHeight() / columns.width();
-    const bool supported = ratio > 0.55 && ratio < 1.7 && unexplainedInk(reading, piece, columns) <= 0.35;
-    return own > 0 && own >= others && supported ? meanConfidence(reading) : 0;
+        return !reader.isOwn(character.code) && script != Script::mark && script != Script::digit;
+    });
+    return own > 0 && std::cmp_greater_equal(own, others) ? meanConfidence(reading) : 0;
 }
 
 // Enough of the script and little else.
@@ -147,9 +139,8 @@ private:
         const Reading part = partOf(reading, word, 0.15 * piece.em);
         const bool isHan = std::ranges::all_of(
             part, [](const ReadCharacter& character) { return scriptOf(character.code) == Script::han; });
-        const double unexplained = unexplainedInk(part, piece, word);
         return meanConfidence(part) >= (isHan ? sureHan : sureNetwork) && !isForeign(part) &&
-               (unexplained < mostUnexplained || unexplained * word.width() / piece.em < mostGlyphs);
+               unexplainedInk(part, piece, word) < mostUnexplained;
     }
 
     void findStretches(LinePiece& piece) {
@@ -183,7 +174,7 @@ private:
                 if (reader == known) continue;
                 Reading reading = reader->read(*stretch.piece, withMargin(stretch.columns, *stretch.piece), stop_);
                 placeOnInk(reading, *stretch.piece, stretch.columns);
-                const double believed = credibility(*reader, reading, *stretch.piece, stretch.columns);
+                const double believed = credibility(*reader, reading);
                 if (believed > stretch.credibility)
                     stretch = {stretch.piece, stretch.columns, reader, std::move(reading), believed};
             }
@@ -191,14 +182,7 @@ private:
     }
 
     void take(const Stretch& stretch) {
-        const LinePiece& piece = *stretch.piece;
-        // A single character amid others is as likely a mark of another kind, unless the line holds more of the script.
-        const bool amidOthers = stretch.columns.width() < 0.8 * piece.inkBox.width;
-        const bool hasNeighbours = std::ranges::any_of(stretches_, [&](const Stretch& other) {
-            return &other != &stretch && other.piece == stretch.piece && ownCount(*other.reader, other.reading) > 1;
-        });
-        if (ownCount(*stretch.reader, stretch.reading) < 2 && amidOthers && !hasNeighbours) return;
-        for (const auto& word : wordsOf(piece)) {
+        for (const auto& word : wordsOf(*stretch.piece)) {
             if (word.right <= stretch.columns.left || word.left >= stretch.columns.right) continue;
             takeWord(stretch, {std::max(word.left, stretch.columns.left), word.right});
         }
@@ -221,12 +205,9 @@ private:
         const ColumnRun rest{holdsOthers ? unreadColumn(alone, word) : word.left, word.right};
         std::erase_if(alone, [&](const ReadCharacter& character) { return character.center() > rest.left; });
         std::erase_if(part, [&](const ReadCharacter& character) { return character.center() < rest.left; });
-        // Marks alone are taken where the network left them out.
-        const bool isTaken = hasOwn || holdsOthers
-                                 ? credibility(*stretch.reader, part, piece, rest) >= following
-                                 : partOf(piece.reading, word).empty() && meanConfidence(part) >= following;
+        if (credibility(*stretch.reader, part) < following) return;
         part.insert(part.begin(), alone.begin(), alone.end());
-        if (isTaken) replace(piece, word, part);
+        replace(piece, word, part);
     }
 
     Reading readAlone(const LinePiece& piece, const ColumnRun& word) const {

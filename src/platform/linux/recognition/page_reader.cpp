@@ -29,18 +29,17 @@ double worth(const std::vector<LinePiece>& page) {
 // A bar alone is a capital I or the character for one, when it is as thick as letters are: a text cursor is thinner, a
 // bullet thicker, a rule longer. The network takes it for whatever has that shape.
 void nameBar(LinePiece& piece) {
-    if (piece.runs.size() != 1 || piece.reading.size() > 1 || !piece.flatBackground || piece.inkBox.empty()) return;
     constexpr double full = 0.6;
+    if (!piece.flatBackground || piece.runs.size() != 1 || piece.reading.size() > 1) return;
     if (cv::mean(piece.ink(piece.inkBox))[0] < full * 255) return;
     const double shape = static_cast<double>(piece.inkBox.width) / piece.inkBox.height;
-    const bool isCapital = piece.turn == Turn::none && 1 / shape > 4 && 1 / shape < 12.5;
-    const bool isOne = piece.turn == Turn::none && shape >= 6 && shape < 16;
     piece.reading.clear();
-    if (!isCapital && !isOne) return;
-    piece.reading.push_back({.code = isCapital ? U'I' : U'一',
-                             .confidence = 0.98F,
-                             .left = static_cast<double>(piece.inkBox.x),
-                             .right = static_cast<double>(piece.inkBox.br().x)});
+    if (piece.turn != Turn::none) return;
+    const ReadCharacter bar{.code = shape < 1 ? U'I' : U'一',
+                            .confidence = 0.98F,
+                            .left = static_cast<double>(piece.inkBox.x),
+                            .right = static_cast<double>(piece.inkBox.br().x)};
+    if ((shape > 0.08 && shape < 0.25) || (shape >= 6 && shape < 16)) piece.reading.push_back(bar);
 }
 
 // Vertical writing is read like lines that lie on their right side: the network has learned that.
@@ -62,20 +61,14 @@ LinePiece readBox(const cv::Mat& picture, const cv::Rect& box, const LineRecogni
 std::vector<LinePiece> readAsItIs(const cv::Mat& picture, const PageReaders& readers, const std::stop_token& stop) {
     const auto boxes = readers.detector.detect(picture, stop);
     const LineRecognizer& network = *readers.network.get();
-    std::vector<LinePiece> read(boxes.size());
+    std::vector<LinePiece> page(boxes.size());
     const auto readAll = [&](int longest) {
-        parallelFor(boxes.size(), [&](std::size_t i) { read[i] = readBox(picture, boxes[i], network, stop, longest); });
+        parallelFor(boxes.size(), [&](std::size_t i) { page[i] = readBox(picture, boxes[i], network, stop, longest); });
     };
     // The cores share a line that is the only one, as long as its halves show no doubt.
     const bool isAlone = boxes.size() == 1;
     if (isAlone) readAll(longestOfHalf);
-    if (!isAlone || meanConfidence(read.front().reading) < sureOfHalves) readAll(LineRecognizer::longestPart);
-    std::vector<LinePiece> page;
-    for (LinePiece& piece : read) {
-        // Two boxes may have grown to the same ink.
-        const bool isKnown = std::ranges::find(page, piece.box, &LinePiece::box) != page.end();
-        if (!piece.runs.empty() && !isKnown) page.push_back(std::move(piece));
-    }
+    if (!isAlone || meanConfidence(page.front().reading) < sureOfHalves) readAll(LineRecognizer::longestPart);
     readOtherScript(page, network, readers.secondReaders, stop);
     return page;
 }
