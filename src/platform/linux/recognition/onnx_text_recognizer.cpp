@@ -5,9 +5,6 @@
 #include <cstdlib>
 #include <future>
 #include <limits>
-#include <mutex>
-#include <optional>
-#include <shared_mutex>
 #include <string_view>
 #include <utility>
 
@@ -34,32 +31,10 @@ bool isWanted(const TesseractReader& reader, const TextRecognitionRequest& reque
            (request.automaticallyDetectsLanguage && reader.tag() != "ko");
 }
 
-UnitRect unitBox(const cv::Rect& box, const Image& image) {
-    const double width = image.width();
-    const double height = image.height();
-    return {
-        .x = box.x / width, .y = 1 - box.br().y / height, .width = box.width / width, .height = box.height / height};
-}
-
-TextObservation observation(const std::vector<const LinePiece*>& row, const Image& image) {
-    std::string text;
-    double confidence = 0, characters = 0;
-    cv::Rect box;
-    for (const LinePiece* piece : row) {
-        if (!text.empty()) text += ' ';
-        text += textOf(piece->reading);
-        const auto size = static_cast<double>(piece->reading.size());
-        confidence += meanConfidence(piece->reading) * size;
-        characters += size;
-        box |= piece->box;
-    }
-    return {.candidates = {{.string = text::inReadingOrder(text),
-                            .confidence = static_cast<float>(confidence / characters)}},
-            .boundingBox = unitBox(box, image)};
-}
-
 // Lines on their side come after the upright ones.
 std::vector<TextObservation> observations(const std::vector<LinePiece>& page, const Image& image) {
+    const double width = image.width();
+    const double height = image.height();
     std::vector<TextObservation> lines;
     for (const Turn turn : {Turn::none, Turn::half, Turn::counterclockwise, Turn::clockwise}) {
         std::vector<const LinePiece*> pieces;
@@ -70,9 +45,20 @@ std::vector<TextObservation> observations(const std::vector<LinePiece>& page, co
             boxes.push_back(turned(piece.box, turn, {image.width(), image.height()}));
         }
         for (const auto& row : readingOrder(boxes)) {
-            std::vector<const LinePiece*> ordered;
-            for (const std::size_t index : row) ordered.push_back(pieces[index]);
-            lines.push_back(observation(ordered, image));
+            Reading line;
+            cv::Rect box;
+            for (const std::size_t index : row) {
+                const std::size_t start = line.size();
+                line.insert(line.end(), pieces[index]->reading.begin(), pieces[index]->reading.end());
+                line[start].spaceBefore = 1;
+                box |= pieces[index]->box;
+            }
+            lines.push_back({.candidates = {{.string = text::inReadingOrder(textOf(line)),
+                                             .confidence = static_cast<float>(meanConfidence(line))}},
+                             .boundingBox = {.x = box.x / width,
+                                             .y = 1 - box.br().y / height,
+                                             .width = box.width / width,
+                                             .height = box.height / height}});
         }
     }
     return lines;
@@ -96,53 +82,21 @@ RecognitionFiles RecognitionFiles::ofThisProgram() {
             .tesseractFolder = prefix != nullptr ? prefix : OVRIN_TESSDATA_FOLDER};
 }
 
-// The loaded models. Running passes hold the lock shared; releasing waits for them.
-class OnnxTextRecognizer::Resources {
-public:
-    struct Models {
-        std::shared_future<std::unique_ptr<LineRecognizer>> lineRecognizer;  // the larger network loads meanwhile
-        std::unique_ptr<TextDetector> detector;
-        std::vector<std::unique_ptr<TesseractReader>> secondReaders;
-    };
+struct OnnxTextRecognizer::Models {
+    explicit Models(const RecognitionFiles& files)
+        : lineRecognizer(std::async(std::launch::async,
+                                    [file = files.modelFolder / files.recognitionModel] {
+                                        auto network = std::make_unique<LineRecognizer>(file);
+                                        giveBackUnusedMemory();  // the file's contents, which the network has copied
+                                        return network;
+                                    })
+                             .share()),
+          detector(files.modelFolder / detectionModel),
+          secondReaders(TesseractReader::installed(files.tesseractFolder)) {}
 
-    explicit Resources(RecognitionFiles files) : files_(std::move(files)) {}
-
-    std::shared_lock<std::shared_mutex> use() { return std::shared_lock(inUse_); }
-
-    // Call while holding use().
-    const Models& models() {
-        const std::lock_guard lock(loading_);
-        if (!models_) models_ = load();
-        return *models_;
-    }
-
-    void release() {
-        const std::unique_lock lock(inUse_);
-        models_.reset();
-        giveBackUnusedMemory();  // the C library would keep the memory for itself
-        constexpr auto libraries = std::to_array<std::string_view>(
-            {"libonnxruntime.so", "libopencv_core.so", "libopencv_imgproc.so", "libtesseract.so", "liblept.so"});
-        giveBackPagesOfLibraries(libraries);
-    }
-
-private:
-    Models load() const {
-        Models models;
-        const auto loadNetwork = [file = files_.modelFolder / files_.recognitionModel] {
-            auto network = std::make_unique<LineRecognizer>(file);
-            giveBackUnusedMemory();  // the file's contents, of which the network has made a copy of its own
-            return network;
-        };
-        models.lineRecognizer = std::async(std::launch::async, loadNetwork).share();
-        models.detector = std::make_unique<TextDetector>(files_.modelFolder / detectionModel);
-        models.secondReaders = TesseractReader::installed(files_.tesseractFolder);
-        return models;
-    }
-
-    RecognitionFiles files_;
-    std::shared_mutex inUse_;
-    std::mutex loading_;
-    std::optional<Models> models_;
+    std::shared_future<std::unique_ptr<LineRecognizer>> lineRecognizer;  // the larger network loads meanwhile
+    TextDetector detector;
+    std::vector<std::unique_ptr<TesseractReader>> secondReaders;
 };
 
 void OnnxTextRecognizer::forbidTelemetry() {
@@ -153,45 +107,53 @@ void OnnxTextRecognizer::forbidTelemetry() {
     if (value == nullptr || std::string_view(value) != "1") ::setenv(noTelemetry, "1", 1);
 }
 
-OnnxTextRecognizer::OnnxTextRecognizer(RecognitionFiles files)
-    : resources_(std::make_unique<Resources>(std::move(files))) {
+OnnxTextRecognizer::OnnxTextRecognizer(RecognitionFiles files) : files_(std::move(files)) {
     forbidTelemetry();
     // From pass to pass the C library keeps the memory, which would otherwise have to be found page by page again;
-    // release() gives it back. The second figure is the largest that the library takes.
+    // releaseResources() gives it back. The second figure is the largest that the library takes.
     mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
     mallopt(M_MMAP_THRESHOLD, 32 << 20);
 }
 
 OnnxTextRecognizer::~OnnxTextRecognizer() = default;
 
+const OnnxTextRecognizer::Models& OnnxTextRecognizer::models() {
+    const std::lock_guard lock(loading_);
+    if (!models_) models_ = std::make_unique<Models>(files_);
+    return *models_;
+}
+
 std::vector<TextObservation> OnnxTextRecognizer::perform(const TextRecognitionRequest& request, const Image& image,
                                                          std::stop_token stop) {
     if (stop.stop_requested()) throw CancellationError();
     if (image.isEmpty()) return {};
-    const auto lock = resources_->use();
-    const auto& models = resources_->models();
+    const std::shared_lock lock(inUse_);
+    const Models& loaded = models();
     // OpenCV's pictures are mutable; nothing here writes into this one.
     const cv::Mat picture(image.height(), image.width(), CV_8UC4, const_cast<std::uint8_t*>(image.data()));
-
     std::vector<SecondReader*> secondReaders;
-    for (const auto& reader : models.secondReaders) {
+    for (const auto& reader : loaded.secondReaders) {
         if (isWanted(*reader, request)) secondReaders.push_back(reader.get());
     }
-    return observations(readPage(picture, {*models.detector, models.lineRecognizer, secondReaders}, stop), image);
+    return observations(readPage(picture, {loaded.detector, loaded.lineRecognizer, secondReaders}, stop), image);
 }
 
 void OnnxTextRecognizer::prepare() {
-    const auto lock = resources_->use();
+    const std::shared_lock lock(inUse_);
     try {
-        resources_->models().lineRecognizer.get();
+        models().lineRecognizer.get();
     } catch (const Error&) {
         // The next perform() meets the same failure and reports it to somebody who asked for something.
-        return;
     }
 }
 
 void OnnxTextRecognizer::releaseResources() {
-    resources_->release();
+    const std::unique_lock lock(inUse_);
+    models_.reset();
+    giveBackUnusedMemory();
+    constexpr auto libraries = std::to_array<std::string_view>(
+        {"libonnxruntime.so", "libopencv_core.so", "libopencv_imgproc.so", "libtesseract.so", "liblept.so"});
+    giveBackPagesOfLibraries(libraries);
 }
 
 }  // namespace ovrin

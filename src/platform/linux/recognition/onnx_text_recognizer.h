@@ -4,6 +4,8 @@
 
 #include <filesystem>
 #include <memory>
+#include <mutex>
+#include <shared_mutex>
 #include <string>
 
 #include "platform/text_recognizer.h"
@@ -42,8 +44,15 @@ public:
     void releaseResources() override;
 
 private:
-    class Resources;
-    std::unique_ptr<Resources> resources_;
+    struct Models;
+
+    // Loads them when there are none. Call while holding inUse_.
+    const Models& models();
+
+    RecognitionFiles files_;
+    std::shared_mutex inUse_;  // passes hold it shared; releasing waits for them
+    std::mutex loading_;
+    std::unique_ptr<Models> models_;
 };
 
 }  // namespace ovrin
