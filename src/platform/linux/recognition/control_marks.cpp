@@ -82,7 +82,7 @@ bool isText(const LinePiece& piece, std::size_t first, std::size_t last) {
     std::erase_if(letters, [](const ReadCharacter& character) { return !isOfWords(character.code); });
     if (letters.empty()) {
         if (isMark && gap > wordGap) return mark.confidence > sureOfShape && !isLargeSign(mark, piece);
-        return mark.confidence >= (gap > farFromText ? sureOfFew : sureOfMark);
+        return mark.confidence >= (isAtEnd && gap > farFromText ? sureOfFew : sureOfMark);
     }
     return meanConfidence(letters) >= (letters.size() <= 2 ? sureOfFew : sureOfMany) && !(isMark && gap > iconGap);
 }

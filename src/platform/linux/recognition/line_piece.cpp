@@ -96,7 +96,7 @@ std::vector<ColumnRun> columnsOfLine(const cv::Mat& strokes, const cv::Rect& box
         return run.width() <= std::max(2, rows.width() / 6) && strokes.rows > rows.width() + 2 &&
                cv::countNonZero(strokes.colRange(run.left, run.right)) >= 0.95 * strokes.rows * run.width();
     });
-    const double reach = std::max(0.4 * rows.width(), 0.25 * box.height);
+    const double reach = std::max(0.4 * rows.width(), 0.35 * box.height);
     auto first = std::ranges::find_if(runs, [&](const ColumnRun& run) { return run.right > box.x; });
     auto last = std::ranges::find_if(first, runs.end(), [&](const ColumnRun& run) { return run.left >= box.br().x; });
     if (first == last) return {};

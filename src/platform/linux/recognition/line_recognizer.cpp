@@ -87,7 +87,8 @@ Reading LineRecognizer::readPart(const cv::Mat& line, const std::stop_token& sto
     const int width = std::max(1, static_cast<int>(std::lround(line.cols * scale)));
     const int paddedWidth = std::max(minimumWidth, (width + networkStep - 1) / networkStep * networkStep);
     cv::Mat scaled;
-    cv::resize(line, scaled, {width, networkHeight}, 0, 0, scale < 1 ? cv::INTER_AREA : cv::INTER_CUBIC);
+    // The sharpest of OpenCV's: of 798 lines of screenshots the network reads 8 more than of cubic interpolation's.
+    cv::resize(line, scaled, {width, networkHeight}, 0, 0, scale < 1 ? cv::INTER_AREA : cv::INTER_LANCZOS4);
     cv::copyMakeBorder(scaled, scaled, 0, 0, 0, paddedWidth - width, cv::BORDER_REPLICATE);
 
     Reading reading;

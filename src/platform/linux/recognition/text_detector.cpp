@@ -51,13 +51,16 @@ cv::Rect activeArea(const cv::Mat& picture) {
     return active;
 }
 
-// Where words stand closely the network's regions run into each other: one piece is read better than two halves.
+// Where words stand closely the network's regions run into each other, or nearly: one piece is read better than two
+// halves.
 std::vector<cv::Rect> joinOverlapping(std::vector<cv::Rect> regions) {
     std::ranges::sort(regions, {}, &cv::Rect::x);
     std::vector<cv::Rect> joined;
     for (const auto& region : regions) {
         const auto found = std::ranges::find_if(joined, [&](const cv::Rect& other) {
-            return (other & region).height > 0.6 * std::max(region.height, other.height);
+            const int aside = region.height / 5;
+            const cv::Rect wide(region.x - aside, region.y, region.width + 2 * aside, region.height);
+            return (other & wide).height > 0.6 * std::max(region.height, other.height);
         });
         if (found == joined.end()) {
             joined.push_back(region);
