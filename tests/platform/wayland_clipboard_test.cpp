@@ -126,6 +126,12 @@ protected:
         }
     }
 
+    // Until the compositor has told that program, too.
+    static Task<void> read(ClipboardService& from, std::optional<std::string> expected) {
+        std::optional<std::string> text = co_await from.readString();
+        while (text != expected) text = co_await from.readString();
+    }
+
     // What another program pastes.
     std::string pasted(const std::string& type, std::vector<std::string> options = {}) {
         loop.complete(ours->readString());  // what was written is done
@@ -276,7 +282,7 @@ TEST_F(WaylandClipboardTest, EverythingGoesByTheYoungerProtocolOnTheSeatWithTheK
     EXPECT_EQ(loop.complete(ours->readString(ClipboardSource::primary)), "选中的文字");
     ours->writeString("taken over");
     loop.complete(ours->readString());
-    EXPECT_EQ(loop.complete(theirs->readString()), "taken over");
+    loop.complete(read(*theirs, "taken over"));
 
     // The keys of such a compositor are the user's alone.
     WaylandSimulateKeyboard keyboard(compositorOfOurs.display().c_str());
@@ -287,8 +293,7 @@ TEST_F(WaylandClipboardTest, EverythingGoesByTheYoungerProtocolOnTheSeatWithTheK
     EXPECT_EQ(keyboard.selection(), SimulateKeyboard::Selection::absent);
 
     compositorOfOurs.removeSeats();
-    WaylandConnection(compositorOfOurs.display().c_str()).roundTrip();
-    EXPECT_EQ(loop.complete(theirs->readString()), std::nullopt);
+    loop.complete(read(*theirs, std::nullopt));
 }
 
 TEST_F(WaylandClipboardTest, AManagerGetsWhatWasWrittenLastBeforeTheProgramEnds) {
