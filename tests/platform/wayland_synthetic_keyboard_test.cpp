@@ -30,7 +30,7 @@ constexpr auto ignored = [](auto...) {};
 std::string keymapOf(const char* layouts, const char* variants) {
     ::setenv("XKB_DEFAULT_LAYOUT", layouts, 1);
     ::setenv("XKB_DEFAULT_VARIANT", variants, 1);
-    const std::string text = WaylandKeymap::ofEnvironment().value().text();
+    std::string text = WaylandKeymap::ofEnvironment().value().text();
     ::unsetenv("XKB_DEFAULT_LAYOUT");
     ::unsetenv("XKB_DEFAULT_VARIANT");
     return text;
