@@ -13,8 +13,13 @@ namespace ovrin {
 class DirectAIPanel {
 public:
     enum class Shadow : std::uint8_t { none, inDarkAppearance };
+    enum class Kind : std::uint8_t {
+        bar,          // floats above the desktop for as long as it has the keyboard
+        conversation  // a window like others
+    };
 
     struct Form {
+        Kind kind = Kind::bar;
         Size size;  // points
         Size minimumSize;
         Shadow shadow = Shadow::none;
@@ -32,7 +37,8 @@ public:
     virtual void present() = 0;
     virtual bool isVisible() const = 0;
 
-    // Takes on the form around its present centre, in 0.38 s, slow at both ends.
+    // Takes on the form around its present centre, in 0.38 s, slow at both ends; at once where the desktop places the
+    // conversation's window.
     virtual void animateTo(const Form& form) = 0;
 };
 

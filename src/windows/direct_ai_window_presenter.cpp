@@ -15,7 +15,8 @@ DirectAIPanel::Form formOf(bool isConversation) {
                 .minimumSize = {minimumWidth, 140},
                 .shadow = DirectAIPanel::Shadow::none};
     }
-    return {.size = DirectAIWindowPresenter::expandedSize,
+    return {.kind = DirectAIPanel::Kind::conversation,
+            .size = DirectAIWindowPresenter::expandedSize,
             .minimumSize = {minimumWidth, 420},
             .shadow = DirectAIPanel::Shadow::inDarkAppearance};
 }

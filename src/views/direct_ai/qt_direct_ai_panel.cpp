@@ -25,6 +25,10 @@ OVPanelWindow::Shadow windowShadow(DirectAIPanel::Shadow shadow) {
                                                              : OVPanelWindow::Shadow::never;
 }
 
+WindowRole roleOf(const DirectAIPanel::Form& form) {
+    return form.kind == DirectAIPanel::Kind::bar ? WindowRole::chatBar : WindowRole::chat;
+}
+
 // Starts and ends slowly: the curve that desktops call "ease in, ease out".
 QEasingCurve easeInEaseOut() {
     QEasingCurve curve(QEasingCurve::BezierSpline);
@@ -37,7 +41,7 @@ QEasingCurve easeInEaseOut() {
 QtDirectAIPanel::QtDirectAIPanel(ViewEnvironment& environment, const Published<std::string>& brandImage,
                                  DirectAIViewModel& viewModel, const Form& form, Events events)
     : OVPanelWindow(environment, QStringLiteral("TalkBox"), toQSize(form.size), toQSize(form.minimumSize),
-                    WindowRole::chatBar),
+                    roleOf(form)),
       events_(std::move(events)),
       view_(new DirectAIView(environment, viewModel, brandImage)) {
     setLevel(Level::floating);
@@ -66,6 +70,7 @@ void QtDirectAIPanel::present() {
 void QtDirectAIPanel::animateTo(const Form& form) {
     growth_.stop();
     setWindowState(windowState() & ~(Qt::WindowMaximized | Qt::WindowFullScreen));
+    const bool isOtherWindow = giveRole(*this, roleOf(form));
     setShadow(windowShadow(form.shadow));
     const QRect from = frame();
     const QRect to = frameAround(from, toQSize(form.size));
@@ -74,7 +79,8 @@ void QtDirectAIPanel::animateTo(const Form& form) {
     growth_.setStartValue(from);
     growth_.setEndValue(to);
     growth_.start();
-    if (environment().settings().reducesMotion) growth_.setCurrentTime(growthMilliseconds);
+    if (environment().settings().reducesMotion || isOtherWindow) growth_.setCurrentTime(growthMilliseconds);
+    if (isOtherWindow) present();
 }
 
 QRect QtDirectAIPanel::frameAround(const QRect& old, QSize size) const {

@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <algorithm>
 
+#include "platform/linux/qt/window_role.h"
 #include "settings/settings_section.h"
 #include "settings/settings_store.h"
 #include "views/application/qt_application_icon.h"
@@ -106,6 +107,7 @@ SettingsCard* GeneralPage::makeSystemCard() {
     };
     add(QStringLiteral("登录时启动"), QStringLiteral("在登录桌面后自动运行 Ovrin"), store_.launchAtLogin(),
         [this](bool isOn) { store_.editLaunchAtLogin(isOn); });
+    if (!canStayOnTop()) return card;
     add(QStringLiteral("结果窗口置顶"), QStringLiteral("让 OCR 结果与追问窗口保持在其他窗口前面"),
         store_.resultWindowAlwaysOnTop(), [this](bool isOn) { store_.updateResultWindowAlwaysOnTop(isOn); });
     return card;

@@ -103,29 +103,31 @@ QObject* keeperFor(QWidget& window, WindowRole role) {
     return isEverywhere || role == WindowRole::overlay ? new X11Role(window, role) : nullptr;
 }
 
+constexpr const char* roleProperty = "ovrinRole";
 constexpr const char* keeperProperty = "ovrinRoleKeeper";
+
+// Makes room for another role.
+void takeRole(QWidget& window) {
+    window.hide();
+    delete window.property(keeperProperty).value<QObject*>();
+    if (QWindow* const native = window.windowHandle()) native->destroy();
+}
 
 }  // namespace
 
-void giveRole(QWidget& window, WindowRole role) {
-    const bool hasRole = window.property(keeperProperty).isValid();
-    if (hasRole && !LayerShell::ofToolkit()) return;  // the chat and its bar are the same
-    if (hasRole) {
-        window.hide();
-        delete window.property(keeperProperty).value<QObject*>();
-        if (QWindow* const native = window.windowHandle()) native->destroy();
-    }
+bool giveRole(QWidget& window, WindowRole role) {
+    const QVariant before = window.property(roleProperty);
+    const bool isOther = before.isValid() && before.toInt() != static_cast<int>(role);
+    // Elsewhere the chat and its bar are the same.
+    if (before.isValid() && (!isOther || LayerShell::ofToolkit() == nullptr)) return false;
+    if (isOther) takeRole(window);
     window.setWindowFlags(flagsFor(window, role));
     const bool takesKeyboard = role != WindowRole::card && role != WindowRole::toast;
     window.setAttribute(Qt::WA_ShowWithoutActivating, !takesKeyboard);
+    window.setProperty(roleProperty, static_cast<int>(role));
     window.setProperty(keeperProperty, QVariant::fromValue(keeperFor(window, role)));
     if (role == WindowRole::toast && wayland::isToolkit()) window.setWindowFlag(Qt::WindowTransparentForInput);
-}
-
-bool isPlacedByProgram(WindowRole role) {
-    if (!wayland::isToolkit()) return true;
-    const bool isOrdinary = role == WindowRole::ordinary || role == WindowRole::chat || role == WindowRole::alert;
-    return LayerShell::ofToolkit() != nullptr && !isOrdinary;
+    return isOther;
 }
 
 bool canStayOnTop() {

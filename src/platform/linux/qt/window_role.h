@@ -24,12 +24,9 @@ enum class WindowRole : std::uint8_t {
 };
 
 // Gives the window its flags and lets the desktop know each time it is shown. Before it is shown for the first time, or
-// while it is shown, to give it another role: where the two are different things to the desktop, the window is hidden
-// by that.
-void giveRole(QWidget& window, WindowRole role);
-
-// Whether windows of the role come up where the program has put them, and can be moved by it.
-bool isPlacedByProgram(WindowRole role);
+// later for another role: where the two are different things to the desktop, the window is hidden by that, which is
+// what it returns.
+bool giveRole(QWidget& window, WindowRole role);
 
 // Whether an ordinary window can be kept above those of other programs.
 bool canStayOnTop();
