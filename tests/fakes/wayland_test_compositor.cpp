@@ -32,7 +32,7 @@ std::string configurationIn(const std::filesystem::path& folder, const std::vect
         file << "output " << nameOf(i) << " mode " << output.width << 'x' << output.height << " position " << output.x
              << ' ' << output.y << " scale " << output.scale << " transform " << output.transform << '\n';
     }
-    file << "exec echo $WAYLAND_DISPLAY\n";
+    file << "exec echo $WAYLAND_DISPLAY $SWAYSOCK\n";
     return path.string();
 }
 
@@ -68,9 +68,11 @@ bool WaylandTestCompositor::isEveryTestDemanded() {
 
 WaylandTestCompositor::WaylandTestCompositor(const std::vector<HeadlessOutput>& outputs)
     : compositor_(setupIn(folder_.path(), outputs)) {
-    const std::string name = compositor_.readLine();
-    if (name.empty()) throw Error("the compositor ended at once");
-    socket_ = folder_.path() / name;
+    const std::string names = compositor_.readLine();
+    if (names.empty()) throw Error("the compositor ended at once");
+    const std::size_t space = names.find(' ');
+    socket_ = folder_.path() / names.substr(0, space);
+    controlSocket_ = names.substr(space + 1);
 }
 
 void WaylandTestCompositor::freeze() const {

@@ -35,6 +35,9 @@ public:
     // XDG_RUNTIME_DIR for its programs. It belongs to the user that the compositor runs as.
     const std::filesystem::path& runtimeFolder() const { return folder_.path(); }
 
+    // Where it takes commands of its own (swaymsg).
+    const std::filesystem::path& controlSocket() const { return controlSocket_; }
+
     // As if it had crashed.
     void stop() { compositor_.stop(); }
     // As if it hung: it answers nobody from now on.
@@ -44,6 +47,7 @@ private:
     TemporaryDirectory folder_;
     ChildProcess compositor_;
     std::filesystem::path socket_;
+    std::filesystem::path controlSocket_;
 };
 
 }  // namespace ovrin

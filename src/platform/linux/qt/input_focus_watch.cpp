@@ -7,8 +7,8 @@
 
 #include <xcb/xcb.h>
 
-#include "platform/linux/qt/layer_shell.h"
-#include "platform/linux/qt/window_role.h"
+#include "platform/linux/qt/layer_window.h"
+#include "platform/linux/qt/x11_window.h"
 
 namespace ovrin {
 
@@ -48,8 +48,9 @@ bool InputFocusWatch::nativeEventFilter(const QByteArray& eventType, void* messa
 }
 
 void InputFocusWatch::judge() {
+    if (LayerWindow::isOne(window_)) return;  // of those the shell tells when
     const QWindow* const window = window_.windowHandle();
-    if (window == nullptr || !window_.isVisible() || window_.isActiveWindow() || hasInputFocus(*window)) return;
+    if (window == nullptr || !window_.isVisible() || window_.isActiveWindow() || x11::hasInputFocus(*window)) return;
     emit left();
 }
 

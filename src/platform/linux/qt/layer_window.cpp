@@ -56,11 +56,11 @@ private:
 // An invisible window over a whole output, below those that the click goes elsewhere of.
 class LayerWindow::ClickCatcher final : public QWidget {
 public:
-    ClickCatcher(LayerShell& shell, const QScreen& screen, std::function<void()> clicked)
+    ClickCatcher(LayerShell& shell, std::uint32_t layer, const QScreen& screen, std::function<void()> clicked)
         : clicked_(std::move(clicked)) {
         setAttribute(Qt::WA_TranslucentBackground);
         setAttribute(Qt::WA_ShowWithoutActivating);
-        new LayerWindow(shell, *this, {.place = Place::output, .layer = ZWLR_LAYER_SHELL_V1_LAYER_TOP});
+        new LayerWindow(shell, *this, {.place = Place::output, .layer = layer});
         setGeometry(screen.geometry());
         show();
     }
@@ -116,7 +116,8 @@ void LayerWindow::comeUp() {
     }
     // The last word before the toolkit destroys the surface.
     connect(window_, &QWindow::visibleChanged, this, &LayerWindow::followVisibility, Qt::UniqueConnection);
-    if (setup_.kind == Kind::menu) catchClicks();
+    connect(window_, &QWindow::screenChanged, this, &LayerWindow::followScreen, Qt::UniqueConnection);
+    if (setup_.kind == Kind::menu) catchClicks(ZWLR_LAYER_SHELL_V1_LAYER_TOP);
     if (QWindow* const owner = this->owner()) {
         const QPointF place = widget_.pos() - owner->position();
         attached_ = shell_.attach(*window_, *owner, (place * nativeScale(*window_)).toPoint());
@@ -142,12 +143,21 @@ void LayerWindow::takeRole() {
             QMetaObject::invokeMethod(&window->widget_, &QWidget::close, Qt::QueuedConnection);
         }};
     isConfigured_ = false;
-    role_ = shell_.giveRole(*window_, outputOf(*screen_), setup_.layer, listener, this);
-    zwlr_layer_surface_v1_set_exclusive_zone(role_, setup_.place == Place::top ? 0 : -1);
+    const bool isWhereUserIs = setup_.place == Place::middle || setup_.place == Place::top;
+    wl_output* const output = isWhereUserIs ? nullptr : outputOf(*screen_);
+    role_ = shell_.giveRole(*window_, output, setup_.layer, listener, this);
+    zwlr_layer_surface_v1_set_exclusive_zone(role_, isWhereUserIs ? 0 : -1);
     askForKeyboard();
     place();
     commit();
     shell_.waitFor(role_, [this] { return isConfigured_; });
+}
+
+// The compositor has chosen the output. What belongs to the window goes by where the widget is.
+void LayerWindow::followScreen(QScreen* screen) {
+    if (role_ == nullptr || setup_.place != Place::middle) return;
+    screen_ = screen;
+    widget_.move(screen->geometry().center() - widget_.rect().center());
 }
 
 void LayerWindow::askForKeyboard() {
@@ -158,7 +168,9 @@ void LayerWindow::askForKeyboard() {
         role_, isOnDemand ? ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_ON_DEMAND
                           : ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE);
     if (isOnDemand) keyboardPatience_.start();
-    if (setup_.keyboard == Keyboard::untilClickElsewhere && !isOnDemand) catchClicks();
+    if (setup_.keyboard == Keyboard::always) return;
+    // On demand the keyboard goes with a click on another window; some compositors let it be with a click beside all.
+    catchClicks(isOnDemand ? ZWLR_LAYER_SHELL_V1_LAYER_BOTTOM : ZWLR_LAYER_SHELL_V1_LAYER_TOP);
 }
 
 void LayerWindow::followVisibility(bool isVisible) {
@@ -173,7 +185,6 @@ void LayerWindow::end() {
 }
 
 void LayerWindow::place() {
-    using enum zwlr_layer_surface_v1_anchor;
     const double scale = nativeScale(*window_);
     const auto native = [scale](int points) { return static_cast<std::int32_t>(std::lround(points * scale)); };
     const QRect frame = widget_.geometry().translated(-screen_->geometry().topLeft());
@@ -182,6 +193,9 @@ void LayerWindow::place() {
             zwlr_layer_surface_v1_set_anchor(role_,
                                              ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP | ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT);
             zwlr_layer_surface_v1_set_margin(role_, native(frame.y()), 0, 0, native(frame.x()));
+            break;
+        case Place::middle:
+            zwlr_layer_surface_v1_set_anchor(role_, 0);
             break;
         case Place::top:
             zwlr_layer_surface_v1_set_anchor(role_, ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP);
@@ -216,14 +230,16 @@ void LayerWindow::insistOnKeyboard() {
     if (role_ == nullptr || shell_.hasKeyboard(*window_)) return;
     zwlr_layer_surface_v1_set_keyboard_interactivity(role_, ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE);
     commit();
-    catchClicks();
+    catchClicks(ZWLR_LAYER_SHELL_V1_LAYER_TOP);
 }
 
 // The toolkit sends a click beside a menu to the menu, which closes by it, wherever its own windows are.
-void LayerWindow::catchClicks() {
+void LayerWindow::catchClicks(std::uint32_t layer) {
+    catchers_.clear();
     for (const QScreen* const screen : QGuiApplication::screens()) {
-        catchers_.push_back(std::make_unique<ClickCatcher>(
-            shell_, *screen, [this] { QMetaObject::invokeMethod(&widget_, &QWidget::close, Qt::QueuedConnection); }));
+        catchers_.push_back(std::make_unique<ClickCatcher>(shell_, layer, *screen, [this] {
+            QMetaObject::invokeMethod(&widget_, &QWidget::close, Qt::QueuedConnection);
+        }));
     }
 }
 

@@ -22,9 +22,10 @@ class LayerWindow final : public QObject {
 
 public:
     enum class Place : std::uint8_t {
-        own,    // where the widget is
-        top,    // at the top of what panels leave free, in the middle, as far down as the widget is on its screen
-        output  // all of it
+        own,     // where the widget is
+        middle,  // of the output where the user is, as far as panels leave it free
+        top,     // the same at its top, as far down as the widget is on its screen
+        output   // all of the one where the widget is
     };
     enum class Keyboard : std::uint8_t {
         none,
@@ -56,6 +57,7 @@ private:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void comeUp();
     void takeRole();
+    void followScreen(QScreen* screen);
     void askForKeyboard();
     QWindow* owner() const;
     void followVisibility(bool isVisible);
@@ -63,7 +65,8 @@ private:
     void place();
     void commit();
     void insistOnKeyboard();
-    void catchClicks();
+    // On the layer: above other programs' windows or below.
+    void catchClicks(std::uint32_t layer);
     void handleConfigure(std::uint32_t serial, std::uint32_t width, std::uint32_t height);
 
     LayerShell& shell_;

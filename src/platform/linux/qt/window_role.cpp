@@ -46,7 +46,7 @@ std::optional<LayerWindow::Setup> layerFor(const QWidget& window, WindowRole rol
     switch (role) {
         case WindowRole::palette:
         case WindowRole::chatBar:
-            return LayerWindow::Setup{.keyboard = Keyboard::untilClickElsewhere};
+            return LayerWindow::Setup{.place = LayerWindow::Place::middle, .keyboard = Keyboard::untilClickElsewhere};
         case WindowRole::card:
             return LayerWindow::Setup{};
         case WindowRole::toast:
@@ -142,11 +142,6 @@ void activate(QWindow& window) {
     const std::string token = std::exchange(activationToken, {});
     if (!token.empty() && wayland::activate(window, token)) return;
     x11::activate(window);
-}
-
-bool hasInputFocus(const QWindow& window) {
-    const LayerShell* const shell = LayerShell::ofToolkit();
-    return shell != nullptr ? shell->hasKeyboard(window) : x11::hasInputFocus(window);
 }
 
 bool knowsOwnShadows() {

@@ -37,10 +37,6 @@ void activate(QWindow& window);
 // the window that is activated next.
 void setActivationToken(std::string token);
 
-// Whether what is typed goes to the window, even while the toolkit calls it inactive because another program, such as
-// an input method, holds the keyboard for a moment.
-bool hasInputFocus(const QWindow& window);
-
 // Whether the desktop takes windows that draw a shadow of their own around their frame.
 bool knowsOwnShadows();
 

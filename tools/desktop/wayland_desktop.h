@@ -1,0 +1,91 @@
+// A Wayland desktop of one's own on a machine without a display: the headless compositor, a session bus and an empty
+// home. Programs on it speak Wayland only. One at a time in a process, whose WAYLAND_DISPLAY it sets. It ends with its
+// scope, and also when its process crashes.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "desktop/pixel_area.h"
+#include "fakes/child_process.h"
+#include "fakes/private_bus.h"
+#include "fakes/temporary_directory.h"
+#include "fakes/wayland_test_compositor.h"
+
+class QImage;
+
+namespace ovrin {
+
+class BusView;
+
+class WaylandDesktop {
+public:
+    explicit WaylandDesktop(const std::vector<HeadlessOutput>& outputs = {HeadlessOutput()});
+    ~WaylandDesktop();
+    WaylandDesktop(const WaylandDesktop&) = delete;
+    WaylandDesktop& operator=(const WaylandDesktop&) = delete;
+
+    WaylandTestCompositor& compositor() { return compositor_; }
+    const BusView& bus() const { return *busView_; }
+    std::filesystem::path home() const { return home_.path(); }
+
+    // The whole environment of the programs that run on it.
+    std::vector<std::string> environment() const;
+    struct Program {
+        std::vector<std::string> arguments;                       // the program first
+        std::vector<std::string> environment{};                   // beside the desktop's
+        ChildProcess::Input input = ChildProcess::Input::ends;    // of its standard input
+        ChildProcess::Output output = ChildProcess::Output::log;  // which is the file "log" at home
+    };
+    std::unique_ptr<ChildProcess> start(const Program& program) const;
+    std::string log() const;
+
+    // Windows that the compositor manages as such; what is there through the layer shell is none.
+    struct Window {
+        std::string title;
+        PixelArea area;  // points of the layout, the frame without its shadow
+        bool isFloating = false;
+        bool hasFocus = false;
+    };
+    std::vector<Window> windows() const;
+    Window waitForWindow(const std::string& titleBeginning) const;
+
+    // What is on the output, counted from 0, in its pixels.
+    QImage picture(std::size_t output = 0) const;
+    // Around all pixels that are different; empty when none is. The pictures have the same size.
+    static PixelArea difference(const QImage& before, const QImage& after);
+    // Returns once the output has not changed for a moment, with what is on it then.
+    QImage settledPicture(std::size_t output = 0) const;
+
+private:
+    TemporaryDirectory home_;
+    PrivateBus bus_;
+    std::unique_ptr<BusView> busView_;
+    WaylandTestCompositor compositor_;
+};
+
+// The assistant on it: the built program, after its welcome.
+class WaylandAssistant {
+public:
+    struct Setup {
+        std::string program;     // path of ovrin
+        std::string serviceURL;  // of the model service
+        std::vector<std::string> environment{};
+    };
+    // Returns when it obeys.
+    WaylandAssistant(const WaylandDesktop& desktop, const Setup& setup);
+
+    ChildProcess& process() { return *process_; }
+    // Runs "ovrin do ACTION" there and returns its exit status.
+    int perform(const std::string& action) const;
+
+private:
+    const WaylandDesktop& desktop_;
+    Setup setup_;
+    std::unique_ptr<ChildProcess> process_;
+};
+
+}  // namespace ovrin
