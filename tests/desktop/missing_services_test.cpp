@@ -128,9 +128,11 @@ std::vector<MissingService> missingServices() {
              },
          .work = [](Test& t) { t.expectToast("没有可用的朗读语音。"); }},
         {.name = "WindowManager",
-         .desktop = {.windowManager = PrivateDesktop::WindowManager::none},
+         .desktop = {.windowManager = PrivateDesktop::WindowManager::none, .tray = PrivateDesktop::Tray::none},
+         .sign = Sign::name,
          .miss =
              [](Test& t) {
+                 t.saysAfter("clipboard-ocr", "剪贴板中没有可识别的图片。");
                  t.press(Test::Action::captureOCR);
                  t.assistant->waitForOverlays();
                  t.user->pressKeys("Escape");
@@ -138,11 +140,9 @@ std::vector<MissingService> missingServices() {
              },
          .work =
              [](Test& t) {
-                 t.saysAfter("clipboard-ocr", "剪贴板中没有可识别的图片。");
                  t.perform("command-palette");
                  t.reader->waitForName(Test::programName, "命令面板");
-             }},
-    };
+             }}};
 }
 
 TEST_P(MissingServiceTest, IsSaidAndNothingElseIsLost) {

@@ -1,8 +1,9 @@
 #include "views/components/reading_column.h"
 
-#include <QDesktopServices>
+#include <QUrl>
 #include <QVBoxLayout>
 
+#include "platform/linux/qt/started_programs.h"
 #include "views/components/ov_scroll_area.h"
 #include "views/components/ov_streaming_text.h"
 
@@ -34,7 +35,7 @@ void ReadingColumn::makeReadable(OVStreamingText& text) {
     connect(&text, &OVStreamingText::linkActivated, this, [](const QUrl& target) {
         // An answer may name anything; only what a browser or a mail program opens is safe to follow.
         const QString scheme = target.scheme();
-        if (scheme == "https" || scheme == "http" || scheme == "mailto") QDesktopServices::openUrl(target);
+        if (scheme == "https" || scheme == "http" || scheme == "mailto") openURL(target);
     });
 }
 

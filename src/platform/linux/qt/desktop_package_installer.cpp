@@ -5,7 +5,6 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusUnixFileDescriptor>
-#include <QDesktopServices>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -27,6 +26,7 @@
 #include "platform/linux/desktop/application_name.h"
 #include "platform/linux/desktop/session_bus.h"
 #include "platform/linux/qt/portal_request.h"
+#include "platform/linux/qt/started_programs.h"
 
 namespace ovrin {
 
@@ -105,7 +105,9 @@ Task<bool> openByPortal(QString path) {
     QDBusMessage call = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.portal.Desktop"), QStringLiteral("/org/freedesktop/portal/desktop"),
         QStringLiteral("org.freedesktop.portal.OpenURI"), QStringLiteral("OpenFile"));
-    const QVariantMap options{{QStringLiteral("handle_token"), request.token()}};
+    QVariantMap options{{QStringLiteral("handle_token"), request.token()}};
+    const QString token = freshActivationToken();
+    if (!token.isEmpty()) options.insert(QStringLiteral("activation_token"), token);
     call << QString() << QVariant::fromValue(descriptor) << options;
     const QDBusMessage reply = co_await answer(call, patience);
     if (isError(reply)) co_return false;
@@ -131,6 +133,7 @@ Task<bool> openByDefaultProgram(QString path) {
     QTimer::singleShot(patienceWithFailures, program, [tell] { tell->push(true); });
     program->setStandardOutputFile(QProcess::nullDevice());
     program->setStandardErrorFile(QProcess::nullDevice());
+    program->setProcessEnvironment(environmentOfStartedProgram());
     program->start(QStringLiteral("xdg-open"), {path});
     const std::optional<bool> isOpened = co_await ending.next();
     co_return isOpened.value_or(false);
@@ -142,7 +145,7 @@ Task<bool> showInFolder(QString path) {
         QDBusMessage call = QDBusMessage::createMethodCall(
             QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("/org/freedesktop/FileManager1"),
             QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
-        call << QStringList{QUrl::fromLocalFile(path).toString()} << QString();
+        call << QStringList{QUrl::fromLocalFile(path).toString()} << freshActivationToken();
         const QDBusMessage reply = co_await answer(call, patience);
         if (!isError(reply)) co_return true;
     }
@@ -168,7 +171,7 @@ Task<PackageHandOver> DesktopPackageInstaller::install(std::filesystem::path pac
 }
 
 void DesktopPackageInstaller::openPage(const std::string& url) {
-    QDesktopServices::openUrl(QUrl(QString::fromStdString(url)));
+    openURL(QUrl(QString::fromStdString(url)));
 }
 
 }  // namespace ovrin

@@ -1,5 +1,5 @@
-// Bringing a window to the front by the desktop's token for it (xdg-activation), in the place of the window toolkit,
-// which takes tokens from nowhere but the environment: other threads read that.
+// Bringing windows to the front by the desktop's tokens for them (xdg-activation), in the place of the window toolkit,
+// which takes tokens from nowhere but the environment, which other threads read, and gives none to programs.
 #pragma once
 
 #include <string>
@@ -10,5 +10,9 @@ namespace ovrin::wayland {
 
 // False where the window is not on Wayland or the compositor knows no tokens. Main thread.
 bool activate(QWindow& window, const std::string& token);
+
+// A token for a program that is started from this window, which has the keyboard; empty where activate() is in vain.
+// Main thread; waits for the compositor.
+std::string requestActivationToken(QWindow& window);
 
 }  // namespace ovrin::wayland
