@@ -26,14 +26,6 @@ struct Step {
 
 // The widest that the ink of a character gets, in heights of the line.
 double widestGlyph(char32_t character) {
-    struct Width {
-        std::u32string_view characters;
-        double heights;
-    };
-    constexpr Width widths[] = {{U"—…", 2.2}, {U"mwMW@%", 1.2}, {U"-", 0.6}, {U".,:|", 0.4}};
-    for (const auto& width : widths) {
-        if (width.characters.find(character) != std::u32string_view::npos) return width.heights;
-    }
     return isWide(character) ? 1.25 : 0.95;
 }
 

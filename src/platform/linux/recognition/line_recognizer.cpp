@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <sstream>
 
 #include <opencv2/imgproc.hpp>
 #include <unicode/unistr.h>
@@ -20,13 +21,9 @@ constexpr double wordGap = 0.15;  // of the line's height, margins included
 // The model lists its characters one a line; the blank precedes them, the space follows.
 std::vector<char32_t> charactersOf(const InferenceSession& network) {
     std::vector<char32_t> characters = {0};
-    const std::string list = network.metadata("character");
-    for (std::size_t begin = 0; begin < list.size();) {
-        const std::size_t end = std::min(list.find('\n', begin), list.size());
-        const auto line = icu::UnicodeString::fromUTF8(list.substr(begin, end - begin));
-        characters.push_back(static_cast<char32_t>(line.char32At(0)));
-        begin = end + 1;
-    }
+    std::istringstream list(network.metadata("character"));
+    for (std::string line; std::getline(list, line);)
+        characters.push_back(static_cast<char32_t>(icu::UnicodeString::fromUTF8(line).char32At(0)));
     if (characters.size() == 1)
         throw Error("文字识别模型文件 " + network.file().string() + " 已损坏：其中没有字符表。");
     characters.push_back(U' ');

@@ -19,14 +19,13 @@ constexpr double following = 0.9;
 // Of a word: on drawn lines in five narrow scripts their readers mostly give words of their own 0.993 and above, Latin
 // words 0.99 at most.
 constexpr double certain = 0.992;
-constexpr double sureNetwork = 0.88;     // a word's mean confidence; of Hangul the network makes less
-constexpr double sureHan = 0.985;        // of a Chinese word: the network makes such of Hangul
-constexpr float sureLetter = 0.9F;       // of one letter
-constexpr double doubtful = 0.6;         // of a stretch that may establish the script
-constexpr double wordGap = 0.22;         // ems
-constexpr double mostUnexplained = 0.2;  // share of a word's ink
-constexpr std::size_t mostAttempts = 4;  // readings of a picture that may well hold nothing of the script
-constexpr double fewestGlyphs = 2.5;     // squares of ink of these
+constexpr double sureNetwork = 0.88;        // a word's mean confidence; of Hangul the network makes less
+constexpr double sureHan = 0.985;           // of a Chinese word: the network makes such of Hangul
+constexpr float sureLetter = 0.9F;          // of one letter
+constexpr double wordGap = 0.22;            // ems
+constexpr double mostUnexplained = 0.2;     // share of a word's ink
+constexpr std::ptrdiff_t mostAttempts = 4;  // readings of a picture that may well hold nothing of the script
+constexpr double fewestGlyphs = 2.5;        // squares of ink of these
 
 // Words side by side that the network could not read.
 struct Stretch {
@@ -111,10 +110,10 @@ public:
     void run() {
         for (LinePiece& piece : pieces_) findStretches(piece);
         std::ranges::sort(stretches_, std::greater(), &Stretch::glyphs);
-        // The longest that the network saw next to nothing of show which script is there, if any.
-        const auto rest =
-            std::ranges::stable_partition(stretches_, [&](const Stretch& stretch) { return isBlank(stretch); });
-        const std::span shown(stretches_.begin(), std::min(rest.begin(), stretches_.begin() + mostAttempts));
+        // The longest show which script is there, if any.
+        const auto isLong = [](const Stretch& stretch) { return stretch.glyphs() >= fewestGlyphs; };
+        const auto attempts = std::min<std::ptrdiff_t>(mostAttempts, std::ranges::count_if(stretches_, isLong));
+        const std::span shown(stretches_.begin(), static_cast<std::size_t>(attempts));
         readStretches(shown);
         std::erase_if(readers_, [&](const SecondReader* reader) {
             return std::ranges::none_of(
@@ -125,7 +124,13 @@ public:
             if (std::ranges::find(readers_, stretch.reader) == readers_.end()) stretch.credibility = -1;
         }
         readStretches(stretches_);
-        for (const Stretch& stretch : stretches_) take(stretch);
+        for (const Stretch& stretch : stretches_) {
+            const ColumnRun& columns = stretch.columns;
+            for (const auto& word : wordsOf(*stretch.piece)) {
+                if (word.right > columns.left && word.left < columns.right)
+                    takeWord(stretch, {std::max(word.left, columns.left), word.right});
+            }
+        }
     }
 
 private:
@@ -159,12 +164,6 @@ private:
         }
     }
 
-    bool isBlank(const Stretch& stretch) const {
-        const Reading network = partOf(stretch.piece->reading, stretch.columns);
-        return stretch.glyphs() >= fewestGlyphs && (meanConfidence(network) < doubtful || isForeign(network) ||
-                                                    unexplainedInk(network, *stretch.piece, stretch.columns) > 0.5);
-    }
-
     // Has every reader that is left read them, and keeps what is most credible.
     void readStretches(std::span<Stretch> stretches) {
         parallelFor(stretches.size(), [&](std::size_t index) {
@@ -179,13 +178,6 @@ private:
                     stretch = {stretch.piece, stretch.columns, reader, std::move(reading), believed};
             }
         });
-    }
-
-    void take(const Stretch& stretch) {
-        for (const auto& word : wordsOf(*stretch.piece)) {
-            if (word.right <= stretch.columns.left || word.left >= stretch.columns.right) continue;
-            takeWord(stretch, {std::max(word.left, stretch.columns.left), word.right});
-        }
     }
 
     // Puts the second reader's part of a word into the reading where it is of its script. What else it makes of letters

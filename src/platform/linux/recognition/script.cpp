@@ -1,38 +1,26 @@
 #include "platform/linux/recognition/script.h"
 
+#include <utility>
+
 #include <unicode/uchar.h>
 #include <unicode/uscript.h>
 
 namespace ovrin {
+
 Script scriptOf(char32_t character) {
+    constexpr std::pair<UScriptCode, Script> scripts[] = {
+        {USCRIPT_HAN, Script::han},           {USCRIPT_HIRAGANA, Script::kana},        {USCRIPT_KATAKANA, Script::kana},
+        {USCRIPT_CYRILLIC, Script::cyrillic}, {USCRIPT_GREEK, Script::greek},          {USCRIPT_THAI, Script::thai},
+        {USCRIPT_ARABIC, Script::arabic},     {USCRIPT_DEVANAGARI, Script::devanagari}};
     const auto code = static_cast<UChar32>(character);
-    if (character < 0x80) {
-        if (u_isdigit(code)) return Script::digit;
-        return u_isalpha(code) ? Script::latin : Script::mark;
-    }
-    if (character == U'ー' || character == U'々' || character == U'〆')
-        return character == U'ー' ? Script::kana : Script::han;
+    if (character < 0x80) return u_isdigit(code) ? Script::digit : u_isalpha(code) ? Script::latin : Script::mark;
+    if (character == U'ー') return Script::kana;
+    // Whole syllables: nobody writes parts of them, and many marks look like one.
+    if (character >= U'가' && character <= U'힣') return Script::hangul;
     UErrorCode status = U_ZERO_ERROR;
-    switch (uscript_getScript(code, &status)) {
-        case USCRIPT_HAN:
-            return Script::han;
-        case USCRIPT_HIRAGANA:
-        case USCRIPT_KATAKANA:
-            return Script::kana;
-        case USCRIPT_HANGUL:  // whole syllables: nobody writes parts of them, and many marks look like one
-            return character >= U'가' && character <= U'힣' ? Script::hangul : Script::wideMark;
-        case USCRIPT_CYRILLIC:
-            return Script::cyrillic;
-        case USCRIPT_GREEK:
-            return Script::greek;
-        case USCRIPT_THAI:
-            return Script::thai;
-        case USCRIPT_ARABIC:
-            return Script::arabic;
-        case USCRIPT_DEVANAGARI:
-            return Script::devanagari;
-        default:
-            break;
+    const UScriptCode script = uscript_getScript(code, &status);
+    for (const auto& [known, result] : scripts) {
+        if (known == script) return result;
     }
     const int width = u_getIntPropertyValue(code, UCHAR_EAST_ASIAN_WIDTH);
     if (width == U_EA_FULLWIDTH || width == U_EA_WIDE) return Script::wideMark;

@@ -23,15 +23,6 @@ constexpr TesseractReader::Language languages[] = {{"ko", "kor", Script::hangul}
                                                    {"el", "ell", Script::greek},  {"th", "tha", Script::thai},
                                                    {"ar", "ara", Script::arabic}, {"hi", "hin", Script::devanagari}};
 
-// Grey, dark on light.
-cv::Mat preparedPicture(const LinePiece& piece, const ColumnRun& columns, double scale) {
-    const cv::Mat grey = 255 - piece.ink.colRange(columns.left, columns.right);
-    cv::Mat scaled;
-    cv::resize(grey, scaled, {}, scale, scale, scale < 1 ? cv::INTER_AREA : cv::INTER_CUBIC);
-    cv::copyMakeBorder(scaled, scaled, border, border, border, border, cv::BORDER_REPLICATE);
-    return scaled;
-}
-
 }  // namespace
 
 std::vector<std::unique_ptr<TesseractReader>> TesseractReader::installed(const std::filesystem::path& dataFolder) {
@@ -54,14 +45,13 @@ TesseractReader::~TesseractReader() {
 }
 
 TesseractReader::Engine TesseractReader::takeEngine() {
-    {
-        const std::lock_guard lock(mutex_);
-        if (!idle_.empty()) {
-            Engine engine = std::move(idle_.back());
-            idle_.pop_back();
-            return engine;
-        }
+    std::unique_lock lock(mutex_);
+    if (!idle_.empty()) {
+        Engine engine = std::move(idle_.back());
+        idle_.pop_back();
+        return engine;
     }
+    lock.unlock();
     auto engine = std::make_unique<tesseract::TessBaseAPI>();
     const std::vector<std::string> names = {"debug_file", "invert_threshold", "user_defined_dpi"};
     const std::vector<std::string> values = {"/dev/null", "0", "300"};
@@ -78,38 +68,38 @@ Reading TesseractReader::read(const LinePiece& piece, const ColumnRun& columns, 
     Engine engine = takeEngine();
     if (!engine) return {};
     const double scale = readingHeight / piece.glyphHeight();
-    const cv::Mat picture = preparedPicture(piece, columns, scale);
-    engine->SetImage(picture.data, picture.cols, picture.rows, 1, static_cast<int>(picture.step));
+    cv::Mat grey = 255 - piece.ink.colRange(columns.left, columns.right);  // dark on light
+    cv::resize(grey, grey, {}, scale, scale, scale < 1 ? cv::INTER_AREA : cv::INTER_CUBIC);
+    cv::copyMakeBorder(grey, grey, border, border, border, border, cv::BORDER_REPLICATE);
+    engine->SetImage(grey.data, grey.cols, grey.rows, 1, static_cast<int>(grey.step));
     tesseract::ETEXT_DESC monitor;
     monitor.cancel_this = const_cast<std::stop_token*>(&stop);
     monitor.cancel = [](void* token, int /*words*/) {
         return static_cast<const std::stop_token*>(token)->stop_requested();
     };
+    const bool isArabic = language_.script == Script::arabic;
     const bool setsWordsApart = language_.script != Script::hangul && language_.script != Script::thai;
+    const bool isRead = engine->Recognize(&monitor) == 0;
+    const std::unique_ptr<tesseract::ResultIterator> symbol(isRead ? engine->GetIterator() : nullptr);
     Reading reading;
-    if (engine->Recognize(&monitor) == 0) {
-        const std::unique_ptr<tesseract::ResultIterator> symbol(engine->GetIterator());
-        if (symbol && !symbol->Empty(tesseract::RIL_SYMBOL)) {
-            do {
-                const std::unique_ptr<const char[]> text(symbol->GetUTF8Text(tesseract::RIL_SYMBOL));
-                int left = 0, top = 0, right = 0, bottom = 0;
-                if (!text || !symbol->BoundingBox(tesseract::RIL_SYMBOL, &left, &top, &right, &bottom)) continue;
-                const auto characters = icu::UnicodeString::fromUTF8(text.get());
-                const bool isAtSpace = language_.script == Script::arabic
-                                           ? symbol->IsAtFinalElement(tesseract::RIL_WORD, tesseract::RIL_SYMBOL)
-                                           : symbol->IsAtBeginningOf(tesseract::RIL_WORD);
-                for (int i = 0; i < characters.length(); i = characters.moveIndex32(i, 1)) {
-                    reading.push_back({.code = static_cast<char32_t>(characters.char32At(i)),
-                                       .confidence = symbol->Confidence(tesseract::RIL_SYMBOL) / 100.0F,
-                                       .left = (left - border) / scale + columns.left,
-                                       .right = (right - border) / scale + columns.left,
-                                       // Those between syllables are worth nothing.
-                                       .spaceBefore = isAtSpace && i == 0 && setsWordsApart ? 1.0 : 0.0});
-                }
-            } while (symbol->Next(tesseract::RIL_SYMBOL));
+    for (bool more = symbol && !symbol->Empty(tesseract::RIL_SYMBOL); more;
+         more = symbol->Next(tesseract::RIL_SYMBOL)) {
+        const std::unique_ptr<const char[]> text(symbol->GetUTF8Text(tesseract::RIL_SYMBOL));
+        int left = 0, top = 0, right = 0, bottom = 0;
+        if (!text || !symbol->BoundingBox(tesseract::RIL_SYMBOL, &left, &top, &right, &bottom)) continue;
+        const bool isAtSpace = isArabic ? symbol->IsAtFinalElement(tesseract::RIL_WORD, tesseract::RIL_SYMBOL)
+                                        : symbol->IsAtBeginningOf(tesseract::RIL_WORD);
+        const auto characters = icu::UnicodeString::fromUTF8(text.get());
+        for (int i = 0; i < characters.length(); i = characters.moveIndex32(i, 1)) {
+            reading.push_back({.code = static_cast<char32_t>(characters.char32At(i)),
+                               .confidence = symbol->Confidence(tesseract::RIL_SYMBOL) / 100.0F,
+                               .left = (left - border) / scale + columns.left,
+                               .right = (right - border) / scale + columns.left,
+                               // Those between syllables are worth nothing.
+                               .spaceBefore = isAtSpace && i == 0 && setsWordsApart ? 1.0 : 0.0});
         }
     }
-    if (language_.script == Script::arabic) {  // as it is seen, from left to right
+    if (isArabic) {  // as it is seen, from left to right
         std::ranges::reverse(reading);
         std::ranges::stable_sort(reading, {}, &ReadCharacter::center);
     }

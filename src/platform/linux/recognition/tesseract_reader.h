@@ -29,8 +29,6 @@ public:
 
     TesseractReader(std::filesystem::path dataFolder, const Language& language);
     ~TesseractReader() override;
-    TesseractReader(const TesseractReader&) = delete;
-    TesseractReader& operator=(const TesseractReader&) = delete;
 
     std::string_view tag() const { return language_.tag; }
     bool isOwn(char32_t character) const override { return scriptOf(character) == language_.script; }

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <map>
+#include <ranges>
 
 #include <opencv2/imgproc.hpp>
 
@@ -77,13 +80,9 @@ cv::Rect scaled(const cv::Rect2d& rect, double factor) {
                       static_cast<int>(std::ceil(rect.br().y * factor)))};
 }
 
-}  // namespace
-
-// Two threads in one run take half of the memory of two runs at once.
-TextDetector::TextDetector(const std::filesystem::path& modelFile) : network_(modelFile, cv::getNumThreads()) {}
-
-cv::Mat TextDetector::textProbability(const cv::Mat& picture, const cv::Rect& area, double scale,
-                                      const std::stop_token& stop) const {
+// How likely each pixel of the area, at that scale, is in the core of a line.
+cv::Mat textProbability(const InferenceSession& network, const cv::Mat& picture, const cv::Rect& area, double scale,
+                        const std::stop_token& stop) {
     const cv::Size size(std::max(1, static_cast<int>(std::lround(area.width * scale))),
                         std::max(1, static_cast<int>(std::lround(area.height * scale))));
     const int columns = (size.width + tileWidth - 1) / tileWidth;
@@ -106,7 +105,7 @@ cv::Mat TextDetector::textProbability(const cv::Mat& picture, const cv::Rect& ar
         const cv::Matx23d back(1 / scale, 0, wanted.x / scale + area.x - source.x + offset,  //
                                0, 1 / scale, wanted.y / scale + area.y - source.y + offset);
         cv::warpAffine(bgr, bgr, back, wanted.size(), cv::INTER_LINEAR | cv::WARP_INVERSE_MAP, cv::BORDER_REPLICATE);
-        network_.run(Tensor::ofPicture(bgr, mean, deviation), stop, [&](auto /*shape*/, std::span<const float> values) {
+        network.run(Tensor::ofPicture(bgr, mean, deviation), stop, [&](auto /*shape*/, std::span<const float> values) {
             const cv::Mat map(bgr.rows, bgr.cols, CV_32F, const_cast<float*>(values.data()));
             cv::Mat target = probability(tile);
             map(cv::Rect(overlap, overlap, tile.width, tile.height)).convertTo(target, CV_8U, fullProbability);
@@ -116,9 +115,10 @@ cv::Mat TextDetector::textProbability(const cv::Mat& picture, const cv::Rect& ar
 }
 
 // A look at the picture made smaller tells how high its lines are.
-double TextDetector::scaleFor(const cv::Mat& picture, const cv::Rect& area, const std::stop_token& stop) const {
+double scaleFor(const InferenceSession& network, const cv::Mat& picture, const cv::Rect& area,
+                const std::stop_token& stop) {
     if (area.area() < largeArea) return largestScale;
-    const cv::Mat mask = textProbability(picture, area, glanceScale, stop) > textThreshold;
+    const cv::Mat mask = textProbability(network, picture, area, glanceScale, stop) > textThreshold;
     cv::Mat labels, boxes, centers;
     const int count = cv::connectedComponentsWithStats(mask, labels, boxes, centers, 8, CV_32S);
     std::vector<double> heights;
@@ -129,42 +129,38 @@ double TextDetector::scaleFor(const cv::Mat& picture, const cv::Rect& area, cons
     return std::clamp(wantedCore / *fifth, leastScale, largestScale);
 }
 
-std::vector<cv::Rect> TextDetector::detect(const cv::Mat& picture, const std::stop_token& stop) const {
-    const cv::Rect area = activeArea(picture);
-    if (area.empty()) return {};
-    const double scale = scaleFor(picture, area, stop);
-    auto regions = detectAt(picture, area, scale, stop);
-    // What is large and alone in a small picture may be seen only from further off.
-    if (regions.empty() && area.area() < largeArea) regions = detectAt(picture, area, leastScale, stop);
-    return joinOverlapping(std::move(regions));
-}
-
-std::vector<cv::Rect> TextDetector::detectAt(const cv::Mat& picture, const cv::Rect& area, double scale,
-                                             const std::stop_token& stop) const {
-    const cv::Mat probability = textProbability(picture, area, scale, stop);
+std::vector<cv::Rect> detectAt(const InferenceSession& network, const cv::Mat& picture, const cv::Rect& area,
+                               double scale, const std::stop_token& stop) {
+    const cv::Mat probability = textProbability(network, picture, area, scale, stop);
     const cv::Mat mask = probability > textThreshold;
     std::vector<std::vector<cv::Point>> contours;
     cv::findContours(mask, contours, cv::RETR_EXTERNAL, cv::CHAIN_APPROX_SIMPLE);
-
-    std::vector<std::pair<double, cv::Rect>> found;
+    std::multimap<double, cv::Rect, std::greater<>> found;  // by the network's sureness
     for (const auto& contour : contours) {
         const cv::Rect core = cv::boundingRect(contour);
         const double score = cv::mean(probability(core), mask(core))[0];
-        if (std::min(core.width, core.height) < 2 || score < minimumScore) continue;
         const double grow = core.area() * growth / (2.0 * (core.width + core.height));
         const cv::Rect2d whole(core.x - grow, core.y - grow, core.width + 2 * grow, core.height + 2 * grow);
-        const cv::Rect box = (scaled(whole, 1 / scale) + area.tl()) & cv::Rect({}, picture.size());
-        if (!box.empty()) found.emplace_back(score, box);
-    }
-    if (found.size() > mostRegions) {
-        std::ranges::nth_element(found, found.begin() + mostRegions, std::greater(),
-                                 &std::pair<double, cv::Rect>::first);
-        found.resize(mostRegions);
+        if (score >= minimumScore)
+            found.emplace(score, (scaled(whole, 1 / scale) + area.tl()) & cv::Rect({}, picture.size()));
     }
     std::vector<cv::Rect> regions;
-    regions.reserve(found.size());
-    for (const auto& [score, box] : found) regions.push_back(box);
+    for (const auto& entry : found | std::views::take(TextDetector::mostRegions)) regions.push_back(entry.second);
     return regions;
+}
+
+}  // namespace
+
+// Two threads in one run take half of the memory of two runs at once.
+TextDetector::TextDetector(const std::filesystem::path& modelFile) : network_(modelFile, cv::getNumThreads()) {}
+
+std::vector<cv::Rect> TextDetector::detect(const cv::Mat& picture, const std::stop_token& stop) const {
+    const cv::Rect area = activeArea(picture);
+    if (area.empty()) return {};
+    auto regions = detectAt(network_, picture, area, scaleFor(network_, picture, area, stop), stop);
+    // What is large and alone in a small picture may be seen only from further off.
+    if (regions.empty() && area.area() < largeArea) regions = detectAt(network_, picture, area, leastScale, stop);
+    return joinOverlapping(std::move(regions));
 }
 
 }  // namespace ovrin

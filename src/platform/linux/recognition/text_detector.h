@@ -22,12 +22,6 @@ public:
     static constexpr std::size_t mostRegions = 4000;
 
 private:
-    cv::Mat textProbability(const cv::Mat& picture, const cv::Rect& area, double scale,
-                            const std::stop_token& stop) const;
-    std::vector<cv::Rect> detectAt(const cv::Mat& picture, const cv::Rect& area, double scale,
-                                   const std::stop_token& stop) const;
-    double scaleFor(const cv::Mat& picture, const cv::Rect& area, const std::stop_token& stop) const;
-
     InferenceSession network_;
 };
 
