@@ -9,7 +9,7 @@
 #include <opencv2/imgproc.hpp>
 #include <unicode/uchar.h>
 
-#include "platform/linux/recognition/script.h"
+#include "base/script.h"
 
 namespace ovrin {
 namespace {

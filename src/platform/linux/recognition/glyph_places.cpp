@@ -6,7 +6,7 @@
 #include <limits>
 #include <string_view>
 
-#include "platform/linux/recognition/script.h"
+#include "base/script.h"
 
 namespace ovrin {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <unicode/uchar.h>
 
-#include "platform/linux/recognition/script.h"
+#include "base/script.h"
 
 namespace ovrin {
 namespace {

@@ -2,14 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <string>
 
 #include <cld2/public/compact_lang_det.h>
 #include <cld2/public/encodings.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
-#include <unicode/uscript.h>
 
+#include "base/script.h"
 #include "han_variants.h"
 #include "platform/linux/recognition/short_text_language.h"
 
@@ -25,42 +26,21 @@ bool isSimplifiedOnly(UChar32 character) {
     return std::ranges::binary_search(simplifiedOnly, character);
 }
 
-struct ScriptCounts {
-    std::size_t han = 0, kana = 0, hangul = 0, bopomofo = 0, cyrillic = 0, latin = 0, others = 0;
-    std::size_t traditional = 0, simplified = 0;
+struct LetterCounts {
+    std::map<Script, std::size_t> scripts;
+    std::size_t all = 0, traditional = 0, simplified = 0;
 
-    std::size_t all() const { return han + kana + hangul + bopomofo + cyrillic + latin + others; }
+    bool isMostly(Script script) const { return of(script) * 2 > all; }
+    std::size_t of(Script script) const { return scripts.contains(script) ? scripts.at(script) : 0; }
 };
 
-ScriptCounts countScripts(const icu::UnicodeString& text) {
-    ScriptCounts counts;
+LetterCounts countLetters(const icu::UnicodeString& text) {
+    LetterCounts counts;
     for (int i = 0; i < text.length(); i = text.moveIndex32(i, 1)) {
         const UChar32 character = text.char32At(i);
         if (!u_isalpha(character)) continue;
-        UErrorCode status = U_ZERO_ERROR;
-        switch (uscript_getScript(character, &status)) {
-            case USCRIPT_HAN:
-                ++counts.han;
-                break;
-            case USCRIPT_HIRAGANA:
-            case USCRIPT_KATAKANA:
-                ++counts.kana;
-                break;
-            case USCRIPT_HANGUL:
-                ++counts.hangul;
-                break;
-            case USCRIPT_BOPOMOFO:
-                ++counts.bopomofo;
-                break;
-            case USCRIPT_CYRILLIC:
-                ++counts.cyrillic;
-                break;
-            case USCRIPT_LATIN:
-                ++counts.latin;
-                break;
-            default:
-                ++counts.others;
-        }
+        ++counts.all;
+        ++counts.scripts[scriptOf(static_cast<char32_t>(character))];
         counts.traditional += isTraditionalOnly(character) ? 1 : 0;
         counts.simplified += isSimplifiedOnly(character) ? 1 : 0;
     }
@@ -70,14 +50,17 @@ ScriptCounts countScripts(const icu::UnicodeString& text) {
 // One East Asian character says about as much as half a word of letters.
 constexpr std::size_t lettersPerCharacter = 5;
 
-std::optional<std::string> eastAsianLanguage(const ScriptCounts& counts) {
-    const std::size_t characters = counts.han + counts.kana + counts.hangul + counts.bopomofo;
-    if (characters * lettersPerCharacter < counts.latin + counts.cyrillic + counts.others || characters == 0)
-        return std::nullopt;
-    if (counts.hangul >= counts.kana && counts.hangul * 2 >= counts.han && counts.hangul > 0) return "ko";
+std::optional<std::string> eastAsianLanguage(const LetterCounts& counts) {
+    const std::size_t han = counts.of(Script::han);
+    const std::size_t kana = counts.of(Script::kana);
+    const std::size_t hangul = counts.of(Script::hangul);
+    const std::size_t bopomofo = counts.of(Script::bopomofo);
+    const std::size_t characters = han + kana + hangul + bopomofo;
+    if (characters * lettersPerCharacter < counts.all - characters || characters == 0) return std::nullopt;
+    if (hangul >= kana && hangul * 2 >= han && hangul > 0) return "ko";
     // Japanese prose is half kana; a single の as decoration does not make Chinese Japanese.
-    if (counts.kana > 0 && counts.kana * 8 >= counts.han) return "ja";
-    if (counts.bopomofo > 0 || counts.traditional > counts.simplified) return "zh-Hant";
+    if (kana > 0 && kana * 8 >= han) return "ja";
+    if (bopomofo > 0 || counts.traditional > counts.simplified) return "zh-Hant";
     return "zh-Hans";
 }
 
@@ -145,19 +128,18 @@ std::string shortCyrillicLanguage(const icu::UnicodeString& text) {
 
 std::optional<std::string> LinuxLanguageIdentifier::dominantLanguage(std::string_view text) const {
     const auto unicode = icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
-    const ScriptCounts counts = countScripts(unicode);
-    if (counts.all() == 0) return std::nullopt;
+    const LetterCounts counts = countLetters(unicode);
+    if (counts.all == 0) return std::nullopt;
     if (auto language = eastAsianLanguage(counts)) return language;
 
     std::string clean;  // as valid UTF-8
     unicode.toUTF8String(clean);
-    if (counts.latin > counts.cyrillic + counts.others) return latinLanguage(unicode, clean);
+    if (counts.isMostly(Script::latin)) return latinLanguage(unicode, clean);
     const Detection detection = detect(clean, Effort::best);
     constexpr std::size_t shortText = 60;  // letters
-    if (counts.cyrillic > counts.latin + counts.others && counts.cyrillic < shortText &&
-        !detect(clean, Effort::usual).isReliable) {
+    if (counts.isMostly(Script::cyrillic) && counts.of(Script::cyrillic) < shortText &&
+        !detect(clean, Effort::usual).isReliable)
         return shortCyrillicLanguage(unicode);
-    }
     if (detection.language.empty()) return std::nullopt;
     return detection.language;
 }

@@ -5,9 +5,9 @@
 #include <iterator>
 #include <utility>
 
+#include "base/script.h"
 #include "platform/linux/recognition/glyph_places.h"
 #include "platform/linux/recognition/parallel.h"
-#include "platform/linux/recognition/script.h"
 
 namespace ovrin {
 namespace {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/linux/recognition/script.h"
+#include "base/script.h"
 #include "platform/linux/recognition/second_reader.h"
 
 namespace tesseract {

@@ -7,7 +7,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "platform/linux/recognition/script.h"
+#include "base/script.h"
 
 namespace ovrin {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/linux/recognition/script.h"
+#include "base/script.h"
 
 #include <utility>
 
@@ -8,10 +8,15 @@
 namespace ovrin {
 
 Script scriptOf(char32_t character) {
-    constexpr std::pair<UScriptCode, Script> scripts[] = {
-        {USCRIPT_HAN, Script::han},           {USCRIPT_HIRAGANA, Script::kana},        {USCRIPT_KATAKANA, Script::kana},
-        {USCRIPT_CYRILLIC, Script::cyrillic}, {USCRIPT_GREEK, Script::greek},          {USCRIPT_THAI, Script::thai},
-        {USCRIPT_ARABIC, Script::arabic},     {USCRIPT_DEVANAGARI, Script::devanagari}};
+    constexpr std::pair<UScriptCode, Script> scripts[] = {{USCRIPT_HAN, Script::han},
+                                                          {USCRIPT_HIRAGANA, Script::kana},
+                                                          {USCRIPT_KATAKANA, Script::kana},
+                                                          {USCRIPT_BOPOMOFO, Script::bopomofo},
+                                                          {USCRIPT_CYRILLIC, Script::cyrillic},
+                                                          {USCRIPT_GREEK, Script::greek},
+                                                          {USCRIPT_THAI, Script::thai},
+                                                          {USCRIPT_ARABIC, Script::arabic},
+                                                          {USCRIPT_DEVANAGARI, Script::devanagari}};
     const auto code = static_cast<UChar32>(character);
     if (character < 0x80) return u_isdigit(code) ? Script::digit : u_isalpha(code) ? Script::latin : Script::mark;
     if (character == U'ー') return Script::kana;
@@ -24,12 +29,14 @@ Script scriptOf(char32_t character) {
     }
     const int width = u_getIntPropertyValue(code, UCHAR_EAST_ASIAN_WIDTH);
     if (width == U_EA_FULLWIDTH || width == U_EA_WIDE) return Script::wideMark;
-    return u_isalpha(code) ? Script::latin : Script::mark;
+    if (!u_isalpha(code)) return Script::mark;
+    return script == USCRIPT_LATIN ? Script::latin : Script::otherLetter;
 }
 
 bool isWide(char32_t character) {
     const Script script = scriptOf(character);
-    return script == Script::han || script == Script::kana || script == Script::hangul || script == Script::wideMark;
+    return script == Script::han || script == Script::kana || script == Script::hangul || script == Script::bopomofo ||
+           script == Script::wideMark;
 }
 
 bool isEastAsian(char32_t character) {
