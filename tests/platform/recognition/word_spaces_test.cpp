@@ -46,17 +46,5 @@ TEST(WordSpacesTest, WidePunctuationBringsItsOwnBlank) {
     EXPECT_EQ(spaced(U"第7页", {{0, 15}, {21, 28}, {34, 49}}, 15), "第 7 页");
 }
 
-TEST(GlyphPlacesTest, DashesThatTheNetworkMergedComeBack) {
-    const std::vector<ColumnRun> runs = {{0, 6}, {8, 12}, {16, 20}, {24, 28}, {32, 38}};
-    LinePiece piece = pieceOf(runs, 14);
-    for (const auto& run : runs) {
-        const bool dash = run.width() == 4;
-        piece.ink(cv::Rect(run.left, dash ? 8 : 2, run.width(), dash ? 2 : 14)) = 255;
-    }
-    piece.reading = {{U'x', 0.99F, 0, 6, 0}, {U'-', 0.99F, 8, 12, 0}, {U'x', 0.99F, 32, 38, 0}};
-    restoreRepeatedMarks(piece);
-    EXPECT_EQ(textOf(piece.reading), "x---x");
-}
-
 }  // namespace
 }  // namespace ovrin

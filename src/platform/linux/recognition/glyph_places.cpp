@@ -4,7 +4,6 @@
 #include <cmath>
 #include <iterator>
 #include <limits>
-#include <string_view>
 
 #include "base/script.h"
 
@@ -17,17 +16,14 @@ constexpr std::size_t mostCharacters = 12;  // that touch
 constexpr double skippedRun = 1.2;
 constexpr double skippedCharacter = 1.5;
 constexpr double touching = 0.05;
+constexpr double widestSquare = 1.25;  // that the ink of a character gets, heights of the line
+constexpr double widestLetter = 0.95;
 
 struct Step {
     double cost = std::numeric_limits<double>::infinity();
     std::size_t characters = 0;
     std::size_t runs = 0;
 };
-
-// The widest that the ink of a character gets, in heights of the line.
-double widestGlyph(char32_t character) {
-    return isWide(character) ? 1.25 : 0.95;
-}
 
 }  // namespace
 
@@ -67,7 +63,7 @@ void placeOnInk(Reading& reading, const LinePiece& piece, const ColumnRun& colum
                         // Readers are off by a few pixels, never by a whole character.
                         const double distance = std::abs(character.center() - start - width / 2) / height;
                         cost += 0.5 * distance + 2 * std::max(0.0, distance - 0.6);
-                        const double excess = width / height - widestGlyph(character.code);
+                        const double excess = width / height - (isWide(character.code) ? widestSquare : widestLetter);
                         cost += (taken > 1 ? 10 : 1) * std::max(0.0, excess);
                     });
                     offer(i, j, cost, together, taken);
@@ -84,31 +80,6 @@ void placeOnInk(Reading& reading, const LinePiece& piece, const ColumnRun& colum
             character.left = start;
             character.right = start + width;
         });
-    }
-}
-
-void restoreRepeatedMarks(LinePiece& piece) {
-    Reading& reading = piece.reading;
-    if (!piece.flatBackground) return;
-    for (const auto& run : piece.runs) {
-        const auto next =
-            std::ranges::find_if(reading, [&](const ReadCharacter& character) { return character.right > run.left; });
-        if ((next != reading.end() && next->left < run.right) || run.width() > 0.8 * piece.em) continue;
-        // Like the mark beside it: as wide, as flat, and within a cell of it.
-        const auto isLike = [&](const ReadCharacter& mark) {
-            const int columns = std::max(1, static_cast<int>(std::lround(mark.right - mark.left)));
-            const int left = std::clamp(static_cast<int>(std::lround(mark.left)), 0, piece.ink.cols - columns);
-            return (mark.code == U'-' || mark.code == U'.') && std::abs(columns - run.width()) <= 1 &&
-                   std::abs(mark.center() - run.center()) < 0.8 * piece.em &&
-                   piece.rowsOfInk(run) == piece.rowsOfInk({left, left + columns});
-        };
-        const bool asBefore = next != reading.begin() && isLike(*std::prev(next));
-        if (!asBefore && (next == reading.end() || !isLike(*next))) continue;
-        ReadCharacter mark = asBefore ? *std::prev(next) : *next;
-        (asBefore ? mark : *next).spaceBefore = 0;
-        mark.left = run.left;
-        mark.right = run.right;
-        reading.insert(next, mark);
     }
 }
 

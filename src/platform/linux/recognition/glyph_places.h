@@ -10,8 +10,4 @@ namespace ovrin {
 // ink evenly. Nothing changes where the piece's ink can't be relied on. columns: those that the reader saw.
 void placeOnInk(Reading& reading, const LinePiece& piece, const ColumnRun& columns = {0, 1 << 30});
 
-// Puts back dashes and dots that the network left out of a row of them: it takes equal neighbours for one. Characters
-// must be on their ink.
-void restoreRepeatedMarks(LinePiece& piece);
-
 }  // namespace ovrin

@@ -10,6 +10,7 @@
 namespace ovrin {
 namespace {
 
+constexpr int near = 12;            // levels of 255: about the same colour
 constexpr double flatShare = 0.3;   // of the pixels that have about the background's colour, text being the rest
 constexpr double sideShare = 0.4;   // of the height, background beside the text: less costs words at their ends
 constexpr double tallestBox = 1.7;  // times the ink's height; a higher box has been stretched by its neighbours
@@ -27,25 +28,24 @@ cv::Scalar backgroundOf(const cv::Mat3b& bgr) {
     return cv::Scalar((*most)[0], (*most)[1], (*most)[2]) / (*most)[3];
 }
 
-double shareNear(const cv::Mat& bgr, const cv::Scalar& color) {
-    constexpr double near = 12;  // levels of 255
-    cv::Mat alike;
-    cv::inRange(bgr, color - cv::Scalar::all(near), color + cv::Scalar::all(near), alike);
-    return cv::countNonZero(alike) / static_cast<double>(bgr.total());
+// How far each pixel is from the background.
+cv::Mat1b distanceFrom(const cv::Scalar& background, const cv::Mat& bgr) {
+    cv::Mat difference, distance;
+    cv::absdiff(bgr, background, difference);
+    cv::reduce(difference.reshape(1, static_cast<int>(bgr.total())), distance, 1, cv::REDUCE_MAX);
+    return distance.reshape(1, bgr.rows);
 }
 
-// How far each pixel is from the background, the strongest text colour of the box being 255.
-cv::Mat inkOf(const cv::Mat& bgr, const cv::Scalar& background, const cv::Rect& box) {
-    cv::Mat difference, ink;
-    cv::absdiff(bgr, background, difference);
-    cv::reduce(difference.reshape(1, static_cast<int>(bgr.total())), ink, 1, cv::REDUCE_MAX);
-    ink = ink.reshape(1, bgr.rows);
+// The distances, the strongest text colour of the box being 255.
+cv::Mat inkOf(const cv::Mat1b& distance, const cv::Rect& box) {
     // The strongest percent decides what full ink is; a blank piece must not be stretched into noise.
-    std::vector<std::uint8_t> levels;
-    for (const auto level : cv::Mat_<std::uint8_t>(ink(box))) levels.push_back(level);
+    constexpr int weakest = 24;
+    const cv::Mat1b within = distance(box);
+    std::vector<std::uint8_t> levels(within.begin(), within.end());
     const auto strongest = levels.begin() + static_cast<std::ptrdiff_t>(levels.size() / 100);
     std::ranges::nth_element(levels, strongest, std::greater());
-    ink.convertTo(ink, CV_8U, 255.0 / std::max<int>(24, *strongest));
+    cv::Mat ink;
+    distance.convertTo(ink, CV_8U, 255.0 / std::max<int>(weakest, *strongest));
     return ink;
 }
 
@@ -90,12 +90,7 @@ ColumnRun rowsOfLine(const cv::Mat& strokes, const cv::Rect& box) {
 
 // The columns of the line: those of the box, and beyond its sides as long as ink follows closely.
 std::vector<ColumnRun> columnsOfLine(const cv::Mat& strokes, const cv::Rect& box, const ColumnRun& rows) {
-    auto runs = runsOf(strokes.rowRange(rows.left, rows.right), Along::columns);
-    // A thin line from top to bottom is a frame's.
-    std::erase_if(runs, [&](const ColumnRun& run) {
-        return run.width() <= std::max(2, rows.width() / 6) && strokes.rows > rows.width() + 2 &&
-               cv::countNonZero(strokes.colRange(run.left, run.right)) >= 0.95 * strokes.rows * run.width();
-    });
+    const auto runs = runsOf(strokes.rowRange(rows.left, rows.right), Along::columns);
     const double reach = std::max(0.4 * rows.width(), 0.35 * box.height);
     auto first = std::ranges::find_if(runs, [&](const ColumnRun& run) { return run.right > box.x; });
     auto last = std::ranges::find_if(first, runs.end(), [&](const ColumnRun& run) { return run.left >= box.br().x; });
@@ -112,7 +107,7 @@ LinePiece noisyPiece(const cv::Mat& picture, cv::Rect box) {
     piece.box = cv::Rect(box.x - aside, box.y, box.width + 2 * aside, box.height) & cv::Rect({}, picture.size());
     cv::cvtColor(picture(piece.box), piece.color, cv::COLOR_BGRA2BGR);
     // Nothing but the letters has one and the same colour: what is near it is ink.
-    piece.ink = 255 - inkOf(piece.color, backgroundOf(piece.color), cv::Rect({}, piece.color.size()));
+    piece.ink = 255 - inkOf(distanceFrom(backgroundOf(piece.color), piece.color), cv::Rect({}, piece.color.size()));
     piece.runs = {{0, piece.box.width}};
     piece.em = 0.8 * box.height;
     return piece;
@@ -127,8 +122,9 @@ LinePiece cutUpright(const cv::Mat& picture, const cv::Rect& box) {
     cv::Mat bgr;
     cv::cvtColor(picture(strip), bgr, cv::COLOR_BGRA2BGR);
     const cv::Scalar background = backgroundOf(bgr(inner));
-    if (shareNear(bgr(inner), background) < flatShare) return noisyPiece(picture, box);
-    const cv::Mat ink = inkOf(bgr, background, inner);
+    const cv::Mat1b distance = distanceFrom(background, bgr);
+    if (cv::mean(distance(inner) <= near)[0] < flatShare * 255) return noisyPiece(picture, box);
+    const cv::Mat ink = inkOf(distance, inner);
     const cv::Mat strokes = ink >= inkLevel;
     const ColumnRun rows = rowsOfLine(strokes, inner);
     LinePiece piece;

@@ -80,7 +80,6 @@ std::vector<LinePiece> cleaned(std::vector<LinePiece> page) {
         placeOnInk(piece.reading, piece);
         removeControlMarks(piece);
         chooseByNeighbours(piece.reading);
-        restoreRepeatedMarks(piece);
         if (piece.flatBackground) widenMarksByGaps(piece.reading, piece.em);
     }
     std::erase_if(page, [](const LinePiece& piece) { return piece.reading.empty(); });

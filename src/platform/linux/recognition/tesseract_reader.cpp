@@ -99,10 +99,7 @@ Reading TesseractReader::read(const LinePiece& piece, const ColumnRun& columns, 
                                .spaceBefore = isAtSpace && i == 0 && setsWordsApart ? 1.0 : 0.0});
         }
     }
-    if (isArabic) {  // as it is seen, from left to right
-        std::ranges::reverse(reading);
-        std::ranges::stable_sort(reading, {}, &ReadCharacter::center);
-    }
+    if (isArabic) std::ranges::sort(reading, {}, &ReadCharacter::center);  // as it is seen, from left to right
     engine->Clear();
     const std::lock_guard lock(mutex_);
     idle_.push_back(std::move(engine));

@@ -6,6 +6,7 @@
 #include <map>
 #include <ranges>
 
+#include <opencv2/core/utility.hpp>
 #include <opencv2/imgproc.hpp>
 
 #include "platform/linux/recognition/parallel.h"
@@ -34,10 +35,6 @@ constexpr double growth = 1.6;  // the network marks a shrunken core of each lin
 const cv::Scalar mean(0.485 * 255, 0.456 * 255, 0.406 * 255);
 const cv::Scalar deviation(0.229 * 255, 0.224 * 255, 0.225 * 255);
 
-int roundedUp(int value, int multiple) {
-    return (value + multiple - 1) / multiple * multiple;
-}
-
 // The part of the picture outside of which neighbouring pixels hardly differ: there is no text there.
 cv::Rect activeArea(const cv::Mat& picture) {
     constexpr int rowsAtOnce = 256;  // the differences of a whole 4K picture would take 33 MiB
@@ -65,11 +62,10 @@ std::vector<cv::Rect> joinOverlapping(std::vector<cv::Rect> regions) {
             const cv::Rect wide(region.x - aside, region.y, region.width + 2 * aside, region.height);
             return (other & wide).height > 0.6 * std::max(region.height, other.height);
         });
-        if (found == joined.end()) {
+        if (found == joined.end())
             joined.push_back(region);
-        } else {
+        else
             *found |= region;
-        }
     }
     return joined;
 }
@@ -85,8 +81,8 @@ cv::Mat textProbability(const InferenceSession& network, const cv::Mat& picture,
                         const std::stop_token& stop) {
     const cv::Size size(std::max(1, static_cast<int>(std::lround(area.width * scale))),
                         std::max(1, static_cast<int>(std::lround(area.height * scale))));
-    const int columns = (size.width + tileWidth - 1) / tileWidth;
-    const int rows = (size.height + tileHeight - 1) / tileHeight;
+    const int columns = cv::divUp(size.width, tileWidth);
+    const int rows = cv::divUp(size.height, tileHeight);
     cv::Mat probability(size, CV_8U, cv::Scalar(0));
     for (int index = 0; index < rows * columns; ++index) {
         const int row = index / columns;
@@ -94,8 +90,9 @@ cv::Mat textProbability(const InferenceSession& network, const cv::Mat& picture,
         const cv::Rect tile(cv::Point(size.width * column / columns, size.height * row / rows),
                             cv::Point(size.width * (column + 1) / columns, size.height * (row + 1) / rows));
         // Around the tile, what the network needs to see of its surroundings; at the picture's edge, more of the edge.
-        const cv::Rect wanted(tile.x - overlap, tile.y - overlap, roundedUp(tile.width + 2 * overlap, strideOfNetwork),
-                              roundedUp(tile.height + 2 * overlap, strideOfNetwork));
+        const cv::Rect wanted(tile.x - overlap, tile.y - overlap,
+                              cv::divUp(tile.width + 2 * overlap, strideOfNetwork) * strideOfNetwork,
+                              cv::divUp(tile.height + 2 * overlap, strideOfNetwork) * strideOfNetwork);
         const cv::Rect source = (scaled(wanted, 1 / scale) + area.tl()) & cv::Rect({}, picture.size());
         if (activeArea(picture(source)).empty()) continue;
         cv::Mat bgr;
