@@ -1,6 +1,7 @@
 #include "platform/linux/recognition/page_reader.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 #include "platform/linux/recognition/control_marks.h"
@@ -59,7 +60,8 @@ LinePiece readBox(const cv::Mat& picture, const cv::Rect& box, const LineRecogni
 }
 
 std::vector<LinePiece> readAsItIs(const cv::Mat& picture, const PageReaders& readers, const std::stop_token& stop) {
-    const auto boxes = readers.detector.detect(picture, stop);
+    auto boxes = readers.detector.detect(picture, stop);
+    std::ranges::sort(boxes, std::greater(), &cv::Rect::width);  // a long line begun last would keep one core waiting
     const LineRecognizer& network = *readers.network.get();
     std::vector<LinePiece> page(boxes.size());
     const auto readAll = [&](int longest) {
