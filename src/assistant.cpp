@@ -350,7 +350,11 @@ SettingsViewModel::Services AppDelegate::settingsServices() {
                       .applyAppearance = [this](AppAppearanceMode mode) { appearance_.apply(mode); },
                       .applyResultWindowLevel = [this] { resultPanel_.applyLevel(); }},
             .keyboard = keyboard_,
-            .inspectSession = [this](const std::stop_token& stop) { return inspectSession(recognizer_, stop); },
+            .inspectSession =
+                [this](const std::stop_token& stop) {
+                    const WindowPath windows = hasNativeWindows() ? WindowPath::native : WindowPath::throughXWayland;
+                    return inspectSession(windows, recognizer_, stop);
+                },
             .inspectionWorker = inspectionWorker_,
             .history = *history_,
             .application = *this,

@@ -35,6 +35,7 @@
 #include "language/conversation_prompts.h"
 #include "platform/linux/desktop/session_bus_assistant.h"
 #include "platform/linux/desktop/session_inspection.h"
+#include "platform/linux/qt/window_system.h"
 #include "platform/linux/recognition/linux_image_decoder.h"
 #include "platform/linux/recognition/linux_language_identifier.h"
 #include "platform/linux/recognition/onnx_text_recognizer.h"
@@ -123,7 +124,8 @@ public:
 
     int operator()(const cli::Doctor& command) {
         OnnxTextRecognizer recognizer(RecognitionFiles::ofThisProgram());
-        return cli::showCapabilities(command, inspectSession(recognizer), terminal_);
+        const WindowPath windows = hasNativeWindows() ? WindowPath::native : WindowPath::throughXWayland;
+        return cli::showCapabilities(command, inspectSession(windows, recognizer), terminal_);
     }
 
     int operator()(const cli::ConfigGet& command) {

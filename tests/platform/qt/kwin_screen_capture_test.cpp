@@ -84,6 +84,24 @@ protected:
     std::string failure;
 };
 
+TEST_F(KWinScreenCaptureTest, IsAskedForAccessWhereKWinIsOnTheBus) {
+    const auto ask = [this]() -> Task<void> {
+        try {
+            co_await capture.requestAccess();
+        } catch (const Error& error) {
+            failure = error.errorDescription();
+        }
+    };
+    run(ask());
+    EXPECT_EQ(failure, "无法截取屏幕：此桌面不支持。");
+    EXPECT_FALSE(capture.preflightAccess());
+    failure.clear();
+    const Peer kwin("org.kde.KWin", "/org/kde/KWin/ScreenShot2", [](const QDBusMessage& call) { return call; });
+    run(ask());
+    EXPECT_EQ(failure, "");
+    EXPECT_TRUE(capture.preflightAccess());
+}
+
 TEST_F(KWinScreenCaptureTest, AsksForThePartInNativePixelsAndReadsThem) {
     QVariantList asked;
     std::vector<std::uint32_t> pixels{red, blue};

@@ -118,7 +118,8 @@ bool hasExtension(xcb_connection_t* connection, xcb_extension_t* extension) {
 // The display: what is shown, read and pressed through it.
 class DisplayInspection {
 public:
-    DisplayInspection() : isWayland_(hasWaylandDisplay(environment_)) {
+    explicit DisplayInspection(WindowPath windows)
+        : isWayland_(hasWaylandDisplay(environment_)), hasNativeWindows_(windows == WindowPath::native) {
         try {
             if (isWayland_) wayland_.emplace();
         } catch (const Error&) {
@@ -222,7 +223,9 @@ private:
         return byExtension(name, &xcb_test_id, "X11 XTEST");
     }
 
-    std::uint32_t layers() const { return wayland_ ? wayland_->versionOf(zwlr_layer_shell_v1_interface) : 0; }
+    std::uint32_t layers() const {
+        return wayland_ && hasNativeWindows_ ? wayland_->versionOf(zwlr_layer_shell_v1_interface) : 0;
+    }
 
     // Of those that other windows never cover, at a place of the program's choice.
     Capability window(const Name& name) const {
@@ -245,15 +248,16 @@ private:
 
     Capability staysOnTop() const {
         constexpr Name name{"stays-on-top", "窗口置顶"};
-        if (layers() > 0 && !x11_)
+        if (hasNativeWindows_)
             return missing(name, {"no protocol for ordinary windows", "此桌面不支持程序自行置顶窗口"});
         return byHint(name, "_NET_WM_STATE_ABOVE");
     }
 
     Capability activation() const {
         constexpr Name name{"activation", "窗口置前"};
-        if (wayland_ && wayland_->versionOf(xdg_activation_v1_interface) > 0) return available(name, "xdg-activation");
-        if (isWayland_) return missing(name, {"the compositor knows no xdg-activation", "此桌面不支持"});
+        if (hasNativeWindows_ && wayland_ && wayland_->versionOf(xdg_activation_v1_interface) > 0)
+            return available(name, "xdg-activation");
+        if (hasNativeWindows_) return missing(name, {"the compositor knows no xdg-activation", "此桌面不支持"});
         return byHint(name, "_NET_ACTIVE_WINDOW");
     }
 
@@ -273,6 +277,7 @@ private:
 
     Environment environment_ = Environment::ofProcess();
     bool isWayland_;
+    bool hasNativeWindows_;
     std::optional<WaylandConnection> wayland_;
     X11Connection x11_{nullptr, xcb_disconnect};
 };
@@ -390,9 +395,9 @@ Capability models(TextRecognizer& recognizer, const std::stop_token& stop) {
 
 }  // namespace
 
-std::vector<Capability> inspectSession(TextRecognizer& recognizer, const std::stop_token& stop) {
+std::vector<Capability> inspectSession(WindowPath windows, TextRecognizer& recognizer, const std::stop_token& stop) {
     std::vector<Capability> found;
-    DisplayInspection().addTo(found);
+    DisplayInspection(windows).addTo(found);
     throwIfStopped(stop);
     BusInspection().addTo(found);
     throwIfStopped(stop);

@@ -1,6 +1,7 @@
 // Asks the session what it can do: every answer is that of a call made now, to the display, the bus or the file system.
 #pragma once
 
+#include <cstdint>
 #include <stop_token>
 #include <vector>
 
@@ -10,7 +11,11 @@ namespace ovrin {
 
 class TextRecognizer;
 
+// How the program's windows come to the compositor of a Wayland session.
+enum class WindowPath : std::uint8_t { native, throughXWayland };
+
 // As InspectSession says. The recogniser has its models loaded.
-std::vector<Capability> inspectSession(TextRecognizer& recognizer, const std::stop_token& stop = {});
+std::vector<Capability> inspectSession(WindowPath windows, TextRecognizer& recognizer,
+                                       const std::stop_token& stop = {});
 
 }  // namespace ovrin

@@ -44,9 +44,14 @@ void requireX11(bool isChosenByUser) {
 
 }  // namespace
 
+bool hasNativeWindows() {
+    const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
+    return chosen.isEmpty() ? isToolkitAble() && isCompositorAble() : chosen.startsWith("wayland");
+}
+
 void chooseWindowSystem() {
     const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
-    const bool isWayland = chosen.isEmpty() ? isToolkitAble() && isCompositorAble() : chosen.startsWith("wayland");
+    const bool isWayland = hasNativeWindows();
     if (!isWayland) requireX11(!chosen.isEmpty());
     if (chosen.isEmpty()) qputenv("QT_QPA_PLATFORM", isWayland ? "wayland" : "xcb");
     if (!isWayland) return;

@@ -9,4 +9,8 @@ namespace ovrin {
 // Throws Error, which says how to go on, where there is no display: the toolkit would end the program in its own way.
 void chooseWindowSystem();
 
+// Whether windows are native to a Wayland compositor: as it was chosen, or would be. Waits for the compositor; any
+// thread.
+bool hasNativeWindows();
+
 }  // namespace ovrin
