@@ -141,6 +141,7 @@ void AppState::present(OCRResult result, Image image, CaptureIntent intent) {
             return surroundings_.resultPanel.show(std::move(result), std::move(image),
                                                   {.initialAIAction = AIAction::whatIsThis});
         case CaptureIntent::silentOCR:
+            if (surroundings_.clipboard.problem()) return;  // which the user has been told of
             return sendNotification("截图 OCR 完成",
                                     "已识别 " + std::to_string(result.paragraphs.size()) + " 段文字并复制到剪贴板。");
     }

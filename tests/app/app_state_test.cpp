@@ -319,6 +319,17 @@ TEST_F(AppStateTest, ClipboardOCRReadsThePictureThere) {
                                 "toast checkmark: 识别结果已复制", "panel: a"}));
 }
 
+TEST_F(AppStateTest, WhereThereIsNoClipboardTheTextIsShownAndKeptAllTheSame) {
+    clipboard_.absence = "no clipboard";
+    startRecognition(CaptureIntent::ocr);
+    engine_->result.succeed(recognized({"a"}));
+    EXPECT_EQ(events(), (Events{"result: a", "idle", "activity: none", "history capture-ocr: a => none",
+                                "toast exclamationmark.triangle: no clipboard", "panel: a"}));
+    startRecognition(CaptureIntent::silentOCR);
+    engine_->result.succeed(recognized({"b"}));
+    EXPECT_EQ(events().back(), "toast exclamationmark.triangle: no clipboard") << "no word of a copy";
+}
+
 TEST_F(AppStateTest, ClipboardTranslateTakesAPictureBeforeText) {
     clipboard_.image = picture_;
     clipboard_.string = "text beside it";

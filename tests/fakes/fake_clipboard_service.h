@@ -33,7 +33,9 @@ public:
     std::vector<std::string> read;                      // the types that were asked for, in order
 
     std::optional<Error> failure;  // of every read of a text or a picture
+    std::optional<std::string> absence;
 
+    std::optional<std::string> problem() const override { return absence; }
     std::int64_t changeCount(Source source = Source::clipboard) const override {
         return source == Source::primary ? selectedChanges : changes;
     }
