@@ -108,6 +108,26 @@ TEST_F(X11SimulateKeyboardTest, KnowsWhetherAnotherProgramHasTheKeyboard) {
     }
 }
 
+void takePrimary(const X11Connection& by, xcb_window_t owner) {
+    xcb_set_selection_owner(by.get(), owner, XCB_ATOM_PRIMARY, XCB_CURRENT_TIME);
+    X11Reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus_reply(by.get(), xcb_get_input_focus(by.get()), nullptr));
+}
+
+TEST_F(X11SimulateKeyboardTest, BesideTheServerProgramsAreReadByWhatIsSelected) {
+    using enum SimulateKeyboard::Selection;
+    X11SimulateKeyboard inWayland(server->display(), X11SimulateKeyboard::Reach::x11Programs);
+    setProperty("WM_STATE", 1);
+    EXPECT_TRUE(inWayland.isTrusted());
+    takePrimary(program, window);
+    EXPECT_EQ(inWayland.selection(), copied);
+    focus(XCB_INPUT_FOCUS_NONE);
+    EXPECT_FALSE(inWayland.isTrusted());
+    EXPECT_TRUE(inWayland.reachesOtherProgram());
+    EXPECT_EQ(inWayland.selection(), shown);
+    takePrimary(program, XCB_WINDOW_NONE);
+    EXPECT_EQ(inWayland.selection(), absent);
+}
+
 TEST_F(X11SimulateKeyboardTest, PressesNothingInATerminal) {
     using enum SimulateKeyboard::Selection;
     setProperty("WM_STATE", 1);
@@ -115,11 +135,6 @@ TEST_F(X11SimulateKeyboardTest, PressesNothingInATerminal) {
         xcb_change_property(program.get(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
                             static_cast<std::uint32_t>(parts.size()), parts.data());
         received();
-    };
-    const auto takePrimary = [](const X11Connection& by, xcb_window_t owner) {
-        xcb_set_selection_owner(by.get(), owner, XCB_ATOM_PRIMARY, XCB_CURRENT_TIME);
-        X11Reply<xcb_get_input_focus_reply_t>(
-            xcb_get_input_focus_reply(by.get(), xcb_get_input_focus(by.get()), nullptr));
     };
     for (const std::string part : {"editor", "determined", "stern", "console-log"}) {
         setClass(part + '\0' + part + '\0');

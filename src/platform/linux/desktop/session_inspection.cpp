@@ -207,10 +207,10 @@ private:
     Capability selection() const {
         constexpr Name name{"selection", "读取选中的文字"};
         if (wayland_ && WaylandDataDevice::isOfferedBy(*wayland_)) return available(name, "PRIMARY by data-control");
-        if (isWayland_)
+        if (isWayland_ && !x11_)
             return missing(name, {"the desktop shows programs what is selected only while they have the keyboard",
                                   "此桌面不支持读取其他程序中选中的文字"});
-        return byExtension(name, &xcb_xfixes_id, "X11 PRIMARY");
+        return byExtension(name, &xcb_xfixes_id, isWayland_ ? "PRIMARY through XWayland" : "X11 PRIMARY");
     }
 
     Capability replacement() const {

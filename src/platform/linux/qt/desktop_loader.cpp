@@ -103,7 +103,8 @@ std::unique_ptr<SimulateKeyboard> DesktopLoader::makeKeyboard() const {
     return orWithout<SimulateKeyboard>(
         [this]() -> std::unique_ptr<SimulateKeyboard> {
             if (controlsClipboard_) return std::make_unique<Heard<WaylandSimulateKeyboard>>();
-            return std::make_unique<X11SimulateKeyboard>(nullptr);
+            using enum X11SimulateKeyboard::Reach;
+            return std::make_unique<X11SimulateKeyboard>(nullptr, isWayland_ ? x11Programs : everyProgram);
         },
         [](const std::string& /*reason*/) { return std::make_unique<NullSimulateKeyboard>(); });
 }

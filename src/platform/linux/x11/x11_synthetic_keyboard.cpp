@@ -98,11 +98,13 @@ xcb_keycode_t modifierKey(xcb_connection_t* connection, xcb_map_index_t modifier
 
 }  // namespace
 
-X11SimulateKeyboard::X11SimulateKeyboard(const char* display) : connection_(connectToX11(display)) {
+X11SimulateKeyboard::X11SimulateKeyboard(const char* display, Reach reach)
+    : connection_(connectToX11(display)), reach_(reach) {
     followX11Keyboard(connection_.get());
 }
 
 bool X11SimulateKeyboard::isTrusted() {
+    if (isOutOfReach(focusedWindow())) return false;
     const auto* const extension = xcb_get_extension_data(connection_.get(), &xcb_test_id);
     if (extension == nullptr || extension->present == 0) return false;
     const X11Reply<xcb_test_get_version_reply_t> version(xcb_test_get_version_reply(
@@ -113,7 +115,7 @@ bool X11SimulateKeyboard::isTrusted() {
 
 bool X11SimulateKeyboard::reachesOtherProgram() {
     const xcb_window_t window = focusedWindow();
-    return window != XCB_WINDOW_NONE && processOf(connection_.get(), window) != getpid();
+    return isOutOfReach(window) || (window != XCB_WINDOW_NONE && processOf(connection_.get(), window) != getpid());
 }
 
 SimulateKeyboard::Window X11SimulateKeyboard::frontWindow() {
@@ -123,12 +125,13 @@ SimulateKeyboard::Window X11SimulateKeyboard::frontWindow() {
 SimulateKeyboard::Selection X11SimulateKeyboard::selection() {
     xcb_connection_t* const connection = connection_.get();
     const xcb_window_t window = focusedWindow();
-    if (window == XCB_WINDOW_NONE || !isTerminal(connection, window)) return Selection::copied;
+    const bool isTerminalInFront = window != XCB_WINDOW_NONE && isTerminal(connection, window);
+    if (!isTerminalInFront && !isOutOfReach(window)) return Selection::copied;
     const X11Reply<xcb_get_selection_owner_reply_t> primary(
         xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, XCB_ATOM_PRIMARY), nullptr));
-    const bool isItsOwn =
-        primary && primary->owner != XCB_WINDOW_NONE && areOfOneClient(connection, primary->owner, window);
-    return isItsOwn ? Selection::shown : Selection::absent;
+    const bool isThere = primary && primary->owner != XCB_WINDOW_NONE;
+    const bool isShown = isThere && (!isTerminalInFront || areOfOneClient(connection, primary->owner, window));
+    return isShown ? Selection::shown : Selection::absent;
 }
 
 void X11SimulateKeyboard::copy() {
@@ -137,6 +140,10 @@ void X11SimulateKeyboard::copy() {
 
 void X11SimulateKeyboard::paste() {
     if (selection() == Selection::copied) pressWithControl("v", Key::v);
+}
+
+bool X11SimulateKeyboard::isOutOfReach(xcb_window_t focused) const {
+    return reach_ == Reach::x11Programs && focused == XCB_WINDOW_NONE;
 }
 
 // The managed one.

@@ -17,10 +17,14 @@ namespace ovrin {
 
 class X11SimulateKeyboard final : public SimulateKeyboard {
 public:
-    // display: such as ":0"; null for the one the environment names. Throws Error when no server answers there.
-    explicit X11SimulateKeyboard(const char* display);
+    // Whose keys the server has: in a Wayland session those of X11 programs alone. While another program has the
+    // keyboard there, no window of the server's has it.
+    enum class Reach : std::uint8_t { everyProgram, x11Programs };
 
-    // Whether the server lets programs press keys. It can't be asked to.
+    // display: such as ":0"; null for the one the environment names. Throws Error when no server answers there.
+    explicit X11SimulateKeyboard(const char* display, Reach reach = Reach::everyProgram);
+
+    // Whether the server lets programs press keys, and has those of the program in front. It can't be asked to.
     bool isTrusted() override;
     Task<bool> requestTrust() override { co_return isTrusted(); }
 
@@ -29,7 +33,8 @@ public:
 
     Window frontWindow() override;
 
-    // What a terminal has selected is the PRIMARY selection, if it owns that.
+    // What a terminal has selected is the PRIMARY selection, if it owns that. Where no keys reach the program in front,
+    // PRIMARY counts whoever owns it.
     Selection selection() override;
 
     // Return when the server has delivered the keys; do nothing when it can't.
@@ -40,9 +45,11 @@ private:
     void pressWithControl(const char* letter, KeyboardShortcuts::Key place);
     std::vector<xcb_keycode_t> heldKeys();
     xcb_window_t focusedWindow();
+    bool isOutOfReach(xcb_window_t focused) const;
     void fake(std::uint8_t event, xcb_keycode_t keyCode);
 
     X11Connection connection_;
+    Reach reach_;
 };
 
 }  // namespace ovrin
