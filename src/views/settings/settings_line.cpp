@@ -70,7 +70,9 @@ void SettingsLine::refresh() {
     errorText_->showPending();
     label_->setVisible(!isError);
     label_->setText(words());
-    setVisible(place_ == Place::reserved || !words().isEmpty());
+    const bool isNeeded = place_ == Place::reserved || !words().isEmpty();
+    // Until it has a place it would come up as a window of its own.
+    if (!isNeeded || parentWidget() != nullptr) setVisible(isNeeded);
     emit changed();
 }
 

@@ -5,11 +5,11 @@
 #include <QKeyEvent>
 #include <QScreen>
 #include <QTimer>
-#include <QWindow>
 #include <algorithm>
 #include <cctype>
 #include <utility>
 
+#include "platform/linux/qt/window_role.h"
 #include "views/components/drawing.h"
 #include "views/components/key_modifiers.h"
 
@@ -17,8 +17,7 @@ namespace ovrin {
 
 namespace {
 
-constexpr int gapToPanel = 4;     // points
-constexpr int grabInterval = 20;  // milliseconds
+constexpr int gapToPanel = 4;  // points
 
 QString textOf(const MenuItem& item) {
     // An ampersand would mark a letter, a tab would end the title.
@@ -58,16 +57,7 @@ StatusMenu::StatusMenu(ViewEnvironment& environment, const KeyboardLayout& layou
 void StatusMenu::popUp(const QPoint& pointer) {
     ensurePolished();
     popup(placeOf(sizeHint(), pointer));
-    grabInput();
-}
-
-// While the button that opened the menu is still held, the pointer belongs to the panel: try until it is up. Without
-// the pointer the menu would not notice clicks elsewhere.
-void StatusMenu::grabInput() {
-    if (!isVisible()) return;
-    const bool hasPointer = windowHandle()->setMouseGrabEnabled(true);
-    const bool hasKeyboard = windowHandle()->setKeyboardGrabEnabled(true);
-    if (!hasPointer || !hasKeyboard) QTimer::singleShot(grabInterval, this, &StatusMenu::grabInput);
+    holdInput(*this);
 }
 
 void StatusMenu::fill(OVMenu& menu, const Menu& items) {

@@ -38,7 +38,6 @@ private:
     void fill(OVMenu& menu, const Menu& items);
     void addItem(OVMenu& menu, const MenuItem& item);
     bool chooseByKeys(const QKeyEvent& event);
-    void grabInput();
 
     struct KeyedItem {
         std::optional<KeyboardShortcuts::Shortcut> shortcut;

@@ -10,7 +10,7 @@
 #include "platform/linux/qt/layer_window.h"
 #include "platform/linux/qt/wayland_activation.h"
 #include "platform/linux/qt/wayland_window.h"
-#include "platform/linux/qt/x11_keyboard_grab.h"
+#include "platform/linux/qt/x11_input_grab.h"
 #include "platform/linux/qt/x11_window.h"
 
 namespace ovrin {
@@ -56,7 +56,8 @@ std::optional<LayerWindow::Setup> layerFor(const QWidget& window, WindowRole rol
         case WindowRole::menu:
             // The toolkit's own menus need a window of its own kinds that they belong to.
             if (window.parentWidget() != nullptr && !LayerWindow::isOne(*window.parentWidget()->window())) return {};
-            return LayerWindow::Setup{.kind = LayerWindow::Kind::menu};
+            return LayerWindow::Setup{.keyboard = window.parentWidget() == nullptr ? Keyboard::always : Keyboard::none,
+                                      .kind = LayerWindow::Kind::menu};
         case WindowRole::ordinary:
         case WindowRole::chat:
         case WindowRole::alert:
@@ -80,7 +81,7 @@ private:
 
     void comeUp() {
         if (role_ == WindowRole::overlay) {
-            new X11KeyboardGrab(window_);
+            new X11InputGrab(window_, X11InputGrab::Devices::keyboard);
         } else {
             x11::keepOnEveryWorkspace(*window_.windowHandle());
         }
@@ -159,6 +160,10 @@ void setShadowMargins(QWindow& window, const ShadowMargins& margins) {
 
 void setFirstColor(QWindow& window, const QColor& color) {
     x11::setFirstColor(window, color);
+}
+
+void holdInput(QWidget& menu) {
+    if (!wayland::isToolkit()) new X11InputGrab(menu, X11InputGrab::Devices::both);
 }
 
 bool showWindowMenu(QWindow& window) {

@@ -53,6 +53,9 @@ void setShadowMargins(QWindow& window, const ShadowMargins& margins);
 // is not shown yet; where it is translucent, so is the colour.
 void setFirstColor(QWindow& window, const QColor& color);
 
+// For a menu that is shown and belongs to no window: pointer and keyboard are its own until it closes.
+void holdInput(QWidget& menu);
+
 // Has the desktop show its menu of the window at the pointer. False where it has none to show.
 bool showWindowMenu(QWindow& window);
 
