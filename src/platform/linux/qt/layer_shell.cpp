@@ -9,6 +9,7 @@
 #include <qpa/qwindowsysteminterface.h>
 #include <unistd.h>
 
+#include "platform/linux/qt/attached_window.h"
 #include "platform/linux/wayland/wayland_connection.h"
 
 namespace ovrin {
@@ -48,6 +49,7 @@ LayerShell* LayerShell::ofToolkit() {
         auto* const made = new LayerShell;
         auto* const native = QGuiApplication::platformNativeInterface();
         made->bind(static_cast<wl_display*>(native->nativeResourceForIntegration("wl_display")));
+        if (made->shell_ != nullptr) AttachedWindow::attachAll(*made);
         return made;
     }();
     return shell->shell_ == nullptr ? nullptr : shell;
