@@ -135,8 +135,10 @@ std::vector<MissingService> missingServices() {
                  t.saysAfter("clipboard-ocr", "剪贴板中没有可识别的图片。");
                  t.press(Test::Action::captureOCR);
                  t.assistant->waitForOverlays();
-                 t.user->pressKeys("Escape");
-                 waitFor("the end of the overlay", [&] { return t.assistant->overlays().empty(); });
+                 waitFor("the end of the overlay", [&] {
+                     t.user->pressKeys("Escape");  // it has the keyboard a little later
+                     return t.assistant->overlays().empty();
+                 });
              },
          .work =
              [](Test& t) {

@@ -117,8 +117,10 @@ TEST_F(TrayTest, ASecondStartAndOtherProcessesReachTheRunningOne) {
     begin();
     EXPECT_EQ(assistant->run({"do", "capture-ocr"}), 0);
     assistant->waitForOverlays();
-    user->pressKeys("Escape");
-    waitFor("the end of the overlay", [&] { return assistant->overlays().empty(); });
+    waitFor("the end of the overlay", [&] {
+        user->pressKeys("Escape");  // it has the keyboard a little later
+        return assistant->overlays().empty();
+    });
     // Without a window it shows the settings, else the window that was used last.
     EXPECT_EQ(assistant->run({}), 0);
     user->waitUntilActive(user->waitForWindow({.title = "Ovrin 设置", .program = "ovrin"}).id);
