@@ -10,11 +10,10 @@
 namespace ovrin {
 namespace {
 
-constexpr int near = 12;            // levels of 255: about the same colour
-constexpr double flatShare = 0.3;   // of the pixels that have about the background's colour, text being the rest
-constexpr double sideShare = 0.4;   // of the height, background beside the text: less costs words at their ends
-constexpr double tallestBox = 1.7;  // times the ink's height; a higher box has been stretched by its neighbours
-constexpr int inkLevel = 96;        // of 255: from here on a pixel belongs to a stroke
+constexpr int near = 12;           // levels of 255: about the same colour
+constexpr double flatShare = 0.3;  // of the pixels that have about the background's colour, text being the rest
+constexpr double sideShare = 0.4;  // of the height, background beside the text: less costs words at their ends
+constexpr int inkLevel = 96;       // of 255: from here on a pixel belongs to a stroke
 // Times the height that the detector found. Of 1 to 1.25, on the lines of 88 pictures, the one with fewest errors; 1.04
 // has as few, and takes longer.
 constexpr double wantedHeight = 1.08;
@@ -133,8 +132,7 @@ LinePiece cutUpright(const cv::Mat& picture, const cv::Rect& box) {
     if (piece.runs.empty()) return piece;
     const cv::Rect text(piece.runs.front().left, rows.left, piece.runs.back().right - piece.runs.front().left,
                         rows.width());
-    // The network likes the height of the box that was found, unless neighbouring lines have stretched that.
-    const double height = std::clamp<double>(box.height, text.height, tallestBox * text.height);
+    const double height = std::max(box.height, text.height);
     const int margin = std::max(2, static_cast<int>(std::lround((wantedHeight * height - text.height) / 2)));
     const int side = std::max(2, static_cast<int>(std::lround(sideShare * height)));
     constexpr int border = cv::BORDER_CONSTANT | cv::BORDER_ISOLATED;

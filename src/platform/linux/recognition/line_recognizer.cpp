@@ -112,15 +112,7 @@ Reading LineRecognizer::readPart(const cv::Mat& line, const std::stop_token& sto
             if (!isCharacter) continue;
             ReadCharacter& character = reading.back();
             character.right = static_cast<double>(step + 1) * pixelsPerStep;
-            if (scores[index] <= character.confidence) continue;
-            character.confidence = scores[index];
-            character.secondConfidence = 0;
-            if (scores[index] > 0.75F) continue;  // no other has a third of that
-            for (std::size_t other = 1; other < classes - 1; ++other) {
-                if (other == index || scores[other] <= character.secondConfidence) continue;
-                character.second = characters_[other];
-                character.secondConfidence = scores[other];
-            }
+            character.confidence = std::max(character.confidence, scores[index]);
         }
     });
     return reading;

@@ -6,7 +6,6 @@
 
 #include "platform/linux/recognition/control_marks.h"
 #include "platform/linux/recognition/glyph_places.h"
-#include "platform/linux/recognition/letter_choice.h"
 #include "platform/linux/recognition/other_script.h"
 #include "platform/linux/recognition/parallel.h"
 #include "platform/linux/recognition/word_spaces.h"
@@ -81,8 +80,6 @@ std::vector<LinePiece> cleaned(std::vector<LinePiece> page) {
         nameBar(piece);
         placeOnInk(piece.reading, piece);
         removeControlMarks(piece);
-        chooseByNeighbours(piece.reading);
-        if (piece.flatBackground) widenMarksByGaps(piece.reading, piece.em);
     }
     std::erase_if(page, [](const LinePiece& piece) { return piece.reading.empty(); });
     placeSpaces(page);

@@ -12,9 +12,6 @@ struct ReadCharacter {
     double left = 0;       // pixels from the left edge of the piece; what the reader believes, only roughly right
     double right = 0;
     double spaceBefore = 0;  // 0..1, how sure the reader is that a space stands before this character
-    // What the reader would have said otherwise; 0 where it doesn't tell.
-    char32_t second = 0;
-    float secondConfidence = 0;
 
     double center() const { return (left + right) / 2; }
 };

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 #include <opencv2/imgproc.hpp>
 
@@ -38,6 +39,39 @@ std::optional<double> cellWidth(const LinePiece& piece) {
 
 double gapBetween(const ReadCharacter& before, const ReadCharacter& after, double em) {
     return (after.left - before.right) / em;
+}
+
+// Of the marks that have a narrow and a wide form; any other character stays as it is.
+char32_t wideForm(char32_t character) {
+    constexpr std::u32string_view narrow = U",:;!?()";
+    constexpr std::u32string_view wide = U"，：；！？（）";
+    const auto mark = narrow.find(character);
+    return mark == std::u32string_view::npos ? character : wide[mark];
+}
+
+// Gives marks beside Chinese or Japanese characters their wide form where they stand in a wide cell: the picture shows
+// a blank there that no space makes.
+void widenMarksByGaps(Reading& reading, double em) {
+    constexpr double blankOfMark = 0.42;  // ems; a space beside a narrow mark leaves about 0.3
+    constexpr double blankOfBrace = 0.5;
+    ReadCharacter* open = nullptr;
+    for (std::size_t i = 0; i < reading.size(); ++i) {
+        auto& character = reading[i];
+        const bool opens = character.code == U'(' || character.code == U'（';
+        const bool closes = character.code == U')' || character.code == U'）';
+        const double before = i == 0 ? 0 : gapBetween(reading[i - 1], character, em);
+        const double after = i + 1 == reading.size() ? 0 : gapBetween(character, reading[i + 1], em);
+        const bool beside =
+            (i > 0 && isEastAsian(reading[i - 1].code)) || (i + 1 < reading.size() && isEastAsian(reading[i + 1].code));
+        const double blank = opens ? before : after;
+        if (beside && blank > (opens || closes ? blankOfBrace : blankOfMark)) character.code = wideForm(character.code);
+        // Braces are of one width.
+        if (closes && open != nullptr && (open->code == U'（' || character.code == U'）')) {
+            open->code = U'（';
+            character.code = U'）';
+        }
+        open = opens ? &character : closes ? nullptr : open;
+    }
 }
 
 // From which gap on, in ems, the Korean syllables of the picture are words apart. Fonts differ in how far apart they
@@ -85,8 +119,9 @@ bool isSpace(const ReadCharacter& before, const ReadCharacter& after, double em,
 void placeSpaces(std::vector<LinePiece>& pieces) {
     const double koreanGap = koreanSpace(pieces);
     for (LinePiece& piece : pieces) {
-        const auto cell = cellWidth(piece);
         Reading& reading = piece.reading;
+        if (piece.flatBackground) widenMarksByGaps(reading, piece.em);
+        const auto cell = cellWidth(piece);
         for (std::size_t i = 0; i < reading.size(); ++i) {
             // Where ink can't be relied on, what the reader says of spaces has to do.
             const bool space = piece.flatBackground

@@ -1,4 +1,4 @@
-// Puts the spaces between words from the gaps that the picture shows.
+// Puts the spaces between words, and the wide forms of marks, from the gaps that the picture shows.
 #pragma once
 
 #include <vector>
@@ -7,8 +7,8 @@
 
 namespace ovrin {
 
-// Sets spaceBefore of every character to 0 or 1. The pieces are those of one picture, characters on their ink: a font
-// of fixed width in long pieces tells what the short ones are set in.
+// Sets spaceBefore of every character to 0 or 1, and gives marks in wide cells their wide form. The pieces are those of
+// one picture, characters on their ink.
 void placeSpaces(std::vector<LinePiece>& pieces);
 
 }  // namespace ovrin
