@@ -60,8 +60,12 @@ bool isCharacter(const ReadCharacter& character, const LinePiece& piece) {
 
 // Chevrons and the like are as high as capitals, signs are not.
 bool isLargeSign(const ReadCharacter& mark, const LinePiece& piece) {
-    const ColumnRun columns{static_cast<int>(mark.left), static_cast<int>(mark.right)};
-    return isOneOf(mark.code, U"<>+=~^«»") && piece.rowsOfInk(columns).width() > 0.62 * piece.em;
+    constexpr int strong = 128;
+    const cv::Rect columns =
+        cv::Rect(static_cast<int>(mark.left), 0, static_cast<int>(mark.right - mark.left), piece.ink.rows) &
+        cv::Rect({}, piece.ink.size());
+    return isOneOf(mark.code, U"<>+=~^«»") && !columns.empty() &&
+           cv::boundingRect(piece.ink(columns) >= strong).height > 0.62 * piece.em;
 }
 
 // Does the word, from `first` up to `last`, belong to the text of its line?
@@ -78,6 +82,8 @@ bool isText(const LinePiece& piece, std::size_t first, std::size_t last) {
     const bool isAtEnd = first == 0 || last == reading.size();
     if (isAtEnd && std::ranges::all_of(letters, isPictorial, &ReadCharacter::code)) return false;
     const ReadCharacter mark = letters.front();
+    // No line begins with a stop: open bullets and dots are read as such.
+    if (last == 1 && isOneOf(mark.code, U"。：")) return false;
     const bool isMark = isAtEnd && letters.size() == 1 && isShape(mark.code);
     std::erase_if(letters, [](const ReadCharacter& character) { return !isOfWords(character.code); });
     if (letters.empty()) {

@@ -39,8 +39,6 @@ struct LinePiece {
     Reading reading;
 
     double glyphHeight() const { return inkBox.height > 0 ? inkBox.height : std::max(1, color.rows); }
-    // The rows that the ink of these columns covers: from `left` up to `right`, pixels from the piece's upper edge.
-    ColumnRun rowsOfInk(const ColumnRun& columns) const;
 };
 
 // Cuts the text that was found in the box out of a picture of four bytes a pixel, upright once it is turned. Parts of

@@ -38,48 +38,35 @@ std::size_t largest(std::span<const float> scores, std::size_t previous) {
     return static_cast<std::size_t>(std::ranges::max_element(scores) - scores.begin());
 }
 
-struct Gap {
-    int column = 0;  // its middle
-    int width = 0;
-};
-
-// Where to cut a line in two: the widest run of columns of one colour within the middle half.
-Gap widestGap(const cv::Mat& line) {
-    constexpr double plain = 40;  // levels of 255 between darkest and lightest, compression's noise included
-    Gap widest{line.cols / 2, 0};
-    int run = 0;
-    for (int x = line.cols / 4; x < line.cols * 3 / 4; ++x) {
-        double least = 0, most = 0;
-        cv::minMaxLoc(line.col(x).clone().reshape(1), &least, &most);
-        run = most - least < plain ? run + 1 : 0;
-        if (run > widest.width) widest = {x - run / 2, run};
-    }
-    return widest;
-}
-
 }  // namespace
 
 // Lines are read in parallel, each by one thread: the threads of one run would wait for each other at every layer.
 LineRecognizer::LineRecognizer(const std::filesystem::path& modelFile)
     : network_(modelFile, 1), characters_(charactersOf(network_)) {}
 
-Reading LineRecognizer::read(const cv::Mat& line, const std::stop_token& stop, int longest) const {
-    if (static_cast<double>(line.cols) * networkHeight / line.rows <= longest) return readPart(line, stop);
-    const auto [cut, gap] = widestGap(line);
-    Reading parts[2];
-    parallelFor(2, [&, cut = cut](std::size_t part) {
-        parts[part] = read(part == 0 ? line.colRange(0, cut) : line.colRange(cut, line.cols), stop, longest);
-    });
-    if (!parts[1].empty() && gap > wordGap * line.rows) parts[1].front().spaceBefore = 1;
-    for (auto& character : parts[1]) {
-        character.left += cut;
-        character.right += cut;
-        parts[0].push_back(character);
+Reading LineRecognizer::read(const LinePiece& piece, const ColumnRun& columns, const std::stop_token& stop,
+                             int longest) const {
+    const int height = piece.color.rows;
+    if (columns.width() * networkHeight <= longest * height) return readPart(piece, columns, stop);
+    ColumnRun widest{columns.left + columns.width() / 2, columns.left + columns.width() / 2};
+    for (std::size_t i = 1; i < piece.runs.size(); ++i) {
+        const ColumnRun gap{piece.runs[i - 1].right, piece.runs[i].left};
+        const bool isInMiddle = std::abs(gap.center() - columns.center()) < columns.width() / 4.0;
+        if (isInMiddle && gap.width() >= widest.width()) widest = gap;
     }
+    const int cut = widest.left + widest.width() / 2;
+    Reading parts[2];
+    parallelFor(2, [&](std::size_t part) {
+        parts[part] =
+            read(piece, part == 0 ? ColumnRun{columns.left, cut} : ColumnRun{cut, columns.right}, stop, longest);
+    });
+    if (!parts[1].empty() && widest.width() > wordGap * height) parts[1].front().spaceBefore = 1;
+    parts[0].insert(parts[0].end(), parts[1].begin(), parts[1].end());
     return parts[0];
 }
 
-Reading LineRecognizer::readPart(const cv::Mat& line, const std::stop_token& stop) const {
+Reading LineRecognizer::readPart(const LinePiece& piece, const ColumnRun& columns, const std::stop_token& stop) const {
+    const cv::Mat line = piece.color.colRange(columns.left, columns.right);
     const double scale = static_cast<double>(networkHeight) / line.rows;
     const int width = std::max(1, static_cast<int>(std::lround(line.cols * scale)));
     const int paddedWidth = std::max(minimumWidth, (width + networkStep - 1) / networkStep * networkStep);
@@ -104,14 +91,15 @@ Reading LineRecognizer::readPart(const cv::Mat& line, const std::stop_token& sto
             space = std::max(space, static_cast<double>(scores.back()));
             const bool isCharacter = index != 0 && index != classes - 1;
             if (isCharacter && index != previous) {
-                reading.push_back({.code = characters_[index], .left = static_cast<double>(step) * pixelsPerStep});
+                reading.push_back(
+                    {.code = characters_[index], .left = columns.left + static_cast<double>(step) * pixelsPerStep});
                 reading.back().spaceBefore = space;
                 space = 0;
             }
             previous = index;
             if (!isCharacter) continue;
             ReadCharacter& character = reading.back();
-            character.right = static_cast<double>(step + 1) * pixelsPerStep;
+            character.right = columns.left + static_cast<double>(step + 1) * pixelsPerStep;
             character.confidence = std::max(character.confidence, scores[index]);
         }
     });

@@ -5,9 +5,8 @@
 #include <stop_token>
 #include <vector>
 
-#include <opencv2/core.hpp>
-
 #include "platform/linux/recognition/inference_session.h"
+#include "platform/linux/recognition/line_piece.h"
 #include "platform/linux/recognition/reading.h"
 
 namespace ovrin {
@@ -20,12 +19,13 @@ public:
     // What the network sees of a line at once, columns; its output takes 3 MiB for every 320 of them.
     static constexpr int longestPart = 1000;
 
-    // line: text on one line cut out, upright, three bytes a pixel (blue, green, red). Of a line that the network would
-    // see longer than `longest`, the parts between its widest gaps are read, in parallel where cores are idle.
-    Reading read(const cv::Mat& line, const std::stop_token& stop, int longest = longestPart) const;
+    // Reads these columns of the piece; places are pixels from the piece's left edge. Of columns that the network would
+    // see more than `longest` of, the parts between the widest gaps are read, in parallel where cores are idle.
+    Reading read(const LinePiece& piece, const ColumnRun& columns, const std::stop_token& stop,
+                 int longest = longestPart) const;
 
 private:
-    Reading readPart(const cv::Mat& line, const std::stop_token& stop) const;
+    Reading readPart(const LinePiece& piece, const ColumnRun& columns, const std::stop_token& stop) const;
 
     InferenceSession network_;
     std::vector<char32_t> characters_;  // by the network's class; 0 for the blank

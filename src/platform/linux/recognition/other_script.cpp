@@ -134,17 +134,14 @@ public:
     }
 
 private:
-    // The network knows some letters of other scripts, but not those scripts.
-    bool isForeign(const Reading& reading) const {
-        return std::ranges::any_of(readers_,
-                                   [&](const SecondReader* reader) { return ownCount(*reader, reading) > 0; });
-    }
-
     bool isRead(const Reading& reading, const LinePiece& piece, const ColumnRun& word) const {
         const Reading part = partOf(reading, word, 0.15 * piece.em);
         const bool isHan = std::ranges::all_of(
             part, [](const ReadCharacter& character) { return scriptOf(character.code) == Script::han; });
-        return meanConfidence(part) >= (isHan ? sureHan : sureNetwork) && !isForeign(part) &&
+        // The network knows some letters of other scripts, but not those scripts.
+        const bool isForeign =
+            std::ranges::any_of(readers_, [&](const SecondReader* reader) { return ownCount(*reader, part) > 0; });
+        return meanConfidence(part) >= (isHan ? sureHan : sureNetwork) && !isForeign &&
                unexplainedInk(part, piece, word) < mostUnexplained;
     }
 
@@ -203,12 +200,7 @@ private:
     }
 
     Reading readAlone(const LinePiece& piece, const ColumnRun& word) const {
-        const ColumnRun columns = withMargin(word, piece);
-        Reading reading = network_.read(piece.color.colRange(columns.left, columns.right).clone(), stop_);
-        for (auto& character : reading) {
-            character.left += columns.left;
-            character.right += columns.left;
-        }
+        Reading reading = network_.read(piece, withMargin(word, piece), stop_);
         if (!reading.empty()) reading.front().spaceBefore = 1;
         placeOnInk(reading, piece, word);
         return reading;

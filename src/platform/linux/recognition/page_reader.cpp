@@ -51,7 +51,7 @@ LinePiece readBox(const cv::Mat& picture, const cv::Rect& box, const LineRecogni
         const bool isNarrowGlyph =
             turn == Turn::none && piece.runs.size() == 1 && piece.inkBox.height > tall * piece.inkBox.width;
         if (turn == Turn::none && box.height > column * box.width && !isNarrowGlyph) continue;
-        if (!piece.runs.empty()) piece.reading = network.read(piece.color, stop, longest);
+        if (!piece.runs.empty()) piece.reading = network.read(piece, {0, piece.color.cols}, stop, longest);
         if (best.runs.empty() || meanConfidence(piece.reading) > meanConfidence(best.reading)) best = std::move(piece);
         if (box.height <= tall * box.width || isNarrowGlyph || meanConfidence(best.reading) >= doubtful) break;
     }
