@@ -128,7 +128,7 @@ TEST_F(WaylandWindowsTest, SettingsFloatWithTheirShadowAndAreMovedByTheirBar) {
               [&] { return desktop->waitForWindow("Ovrin 设置").area.width > moved.width; });
 }
 
-TEST_F(WaylandWindowsTest, TheOverlayCoversEveryOutputAndTheToastIsAtTheTop) {
+TEST_F(WaylandWindowsTest, OnTwoOutputsEachIsWhereItIsUsed) {
     begin({{.width = 1280, .height = 720}, {.width = 1000, .height = 700, .scale = 1.25, .x = 1280}});
     const QImage emptySecond = desktop->picture(1);
     const double first = brightness(empty);
@@ -139,6 +139,16 @@ TEST_F(WaylandWindowsTest, TheOverlayCoversEveryOutputAndTheToastIsAtTheTop) {
     });
     user->pressKeys("Escape");
     waitFor("bright outputs", [&] { return desktop->picture(0) == empty && desktop->picture(1) == emptySecond; });
+
+    user->moveTo({.x = 1500, .y = 20});
+    const QImage withPointer = desktop->settledPicture(1);
+    ASSERT_EQ(assistant->perform("command-palette"), 0);
+    waitFor("the palette where the pointer is", [&] {
+        return WaylandDesktop::difference(withPointer, desktop->picture(1)).width == 650;  // 520 points
+    });
+    user->pressKeys("Escape");
+    user->moveTo(pointerPlace);
+    expectNothing();
 
     ASSERT_EQ(assistant->perform("capture-ocr"), 0);
     waitFor("a dimmed output", [&] { return brightness(desktop->settledPicture(0)) < 0.75 * first; });

@@ -45,6 +45,7 @@ std::optional<LayerWindow::Setup> layerFor(const QWidget& window, WindowRole rol
     using Keyboard = LayerWindow::Keyboard;
     switch (role) {
         case WindowRole::palette:
+            return LayerWindow::Setup{.keyboard = Keyboard::untilClickElsewhere};
         case WindowRole::chatBar:
             return LayerWindow::Setup{.place = LayerWindow::Place::middle, .keyboard = Keyboard::untilClickElsewhere};
         case WindowRole::card:
