@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -153,8 +154,8 @@ QImage WaylandDesktop::settledPicture(std::size_t output) const {
         .value();
 }
 
-WaylandAssistant::WaylandAssistant(const WaylandDesktop& desktop, const Setup& setup)
-    : desktop_(desktop), setup_(setup) {
+WaylandAssistant::WaylandAssistant(const WaylandDesktop& desktop, Setup setup)
+    : desktop_(desktop), setup_(std::move(setup)) {
     const std::filesystem::path folder = desktop.home() / "config/Ovrin";
     std::filesystem::create_directories(folder);
     std::ofstream(folder / "preferences.json") << R"({"ovrin.didDismissWelcome":true})";

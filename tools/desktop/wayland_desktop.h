@@ -76,7 +76,7 @@ public:
         std::vector<std::string> environment{};
     };
     // Returns when it obeys.
-    WaylandAssistant(const WaylandDesktop& desktop, const Setup& setup);
+    WaylandAssistant(const WaylandDesktop& desktop, Setup setup);
 
     ChildProcess& process() { return *process_; }
     // Runs "ovrin do ACTION" there and returns its exit status.

@@ -63,7 +63,7 @@ void LayerShell::bind(wl_display* display) {
     static constexpr wl_registry_listener listener = {
         [](void* self, wl_registry* registry, std::uint32_t name, const char* interface, std::uint32_t version) {
             LayerShell& shell = shellOf(self);
-            if (std::string_view(interface) == wl_seat_interface.name) return shell.addSeat(registry, name);
+            if (std::string_view(interface) == wl_seat_interface.name) return shell.addSeat(registry, name, version);
             if (std::string_view(interface) == wl_subcompositor_interface.name) {
                 shell.subcompositor_ =
                     static_cast<wl_subcompositor*>(wl_registry_bind(registry, name, &wl_subcompositor_interface, 1));
@@ -85,8 +85,9 @@ void LayerShell::bind(wl_display* display) {
 }
 
 // Seats may come and go; their keyboards come and go with the devices.
-void LayerShell::addSeat(wl_registry* registry, std::uint32_t name) {
-    auto* const seat = static_cast<wl_seat*>(wl_registry_bind(registry, name, &wl_seat_interface, seatVersion));
+void LayerShell::addSeat(wl_registry* registry, std::uint32_t name, std::uint32_t version) {
+    auto* const seat =
+        static_cast<wl_seat*>(wl_registry_bind(registry, name, &wl_seat_interface, std::min(version, seatVersion)));
     giveToToolkit(seat);
     seats_.push_back({.seat = seat});
     static constexpr wl_seat_listener listener = {

@@ -50,7 +50,7 @@ private:
     LayerShell() = default;
 
     void bind(wl_display* display);
-    void addSeat(wl_registry* registry, std::uint32_t name);
+    void addSeat(wl_registry* registry, std::uint32_t name, std::uint32_t version);
     void listenTo(wl_seat* seat, std::uint32_t capabilities);
     void setKeyboardWindow(QWindow* window);
 

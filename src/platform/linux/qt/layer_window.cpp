@@ -140,9 +140,10 @@ void LayerWindow::takeRole() {
         [](void* self, zwlr_layer_surface_v1* /*role*/) {
             // The output has gone.
             auto* const window = static_cast<LayerWindow*>(self);
+            window->isAnswered_ = true;
             QMetaObject::invokeMethod(&window->widget_, &QWidget::close, Qt::QueuedConnection);
         }};
-    isConfigured_ = false;
+    isAnswered_ = false;
     const bool isWhereUserIs = setup_.place == Place::middle || setup_.place == Place::top;
     wl_output* const output = isWhereUserIs ? nullptr : outputOf(*screen_);
     role_ = shell_.giveRole(*window_, output, setup_.layer, listener, this);
@@ -150,7 +151,7 @@ void LayerWindow::takeRole() {
     askForKeyboard();
     place();
     commit();
-    shell_.waitFor(role_, [this] { return isConfigured_; });
+    shell_.waitFor(role_, [this] { return isAnswered_; });
 }
 
 // The compositor has chosen the output. What belongs to the window goes by where the widget is.
@@ -219,7 +220,7 @@ void LayerWindow::commit() {
 
 void LayerWindow::handleConfigure(std::uint32_t serial, std::uint32_t width, std::uint32_t height) {
     zwlr_layer_surface_v1_ack_configure(role_, serial);
-    isConfigured_ = true;
+    isAnswered_ = true;
     if (setup_.place != Place::output || width == 0 || height == 0) return;
     const double scale = nativeScale(*window_);
     widget_.resize(static_cast<int>(std::lround(width / scale)), static_cast<int>(std::lround(height / scale)));

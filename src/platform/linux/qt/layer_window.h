@@ -74,7 +74,7 @@ private:
     Setup setup_;
     zwlr_layer_surface_v1* role_ = nullptr;
     wl_subsurface* attached_ = nullptr;  // instead of the role
-    bool isConfigured_ = false;
+    bool isAnswered_ = false;            // with a size, or that there is no output any more
     QScreen* screen_ = nullptr;
     QPointer<QWindow> window_;
     QTimer keyboardPatience_;
