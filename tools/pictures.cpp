@@ -230,7 +230,7 @@ private:
     PracticeUpdates updates_{"1.0-12", releaseNotes, std::size_t{38} << 20U};
     PrivateDesktop desktop_{{.accessibility = PrivateDesktop::Accessibility::on}};
     TestUser user_{desktop_.display()};
-    ScreenReader reader_{desktop_};
+    ScreenReader reader_{desktop_.bus()};
     SampleProgram page_{desktop_, user_, samplePath, SampleProgram::Kind::page};
     Assistant assistant_{desktop_,
                          user_,

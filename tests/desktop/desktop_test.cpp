@@ -29,7 +29,7 @@ void DesktopTest::begin(const Scene& scene) {
     monitorCount_ = std::max<std::size_t>(scene.desktop.monitors.size(), 1);
     user = std::make_unique<TestUser>(desktop->display());
     if (scene.desktop.accessibility == PrivateDesktop::Accessibility::on)
-        reader = std::make_unique<ScreenReader>(*desktop);
+        reader = std::make_unique<ScreenReader>(desktop->bus());
     if (scene.secretService != Scene::SecretService::none) keyring = std::make_unique<Keyring>(*desktop);
     if (scene.secretService == Scene::SecretService::mute) keyring->freeze();
     Assistant::Setup setup{.program = scene.program,

@@ -69,7 +69,7 @@ TEST(PrivateDesktopTest, WhatWindowsSayCanBeRead) {
     const TestUser user(desktop.display());
     SampleProgram editor(desktop, user, sampleProgram, SampleProgram::Kind::editor);
     editor.selectText("read me");
-    const ScreenReader reader(desktop);
+    const ScreenReader reader(desktop.bus());
     const auto element = reader.waitForWords("ovrin_sample_program", "read me");
     EXPECT_EQ(element.text, "read me");
     EXPECT_TRUE(editor.window().area.contains(element.area.center()));

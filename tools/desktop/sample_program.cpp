@@ -9,14 +9,14 @@
 namespace ovrin {
 
 SampleProgram::SampleProgram(const PrivateDesktop& desktop, const TestUser& user, const std::string& program, Kind kind)
-    : user_(user),
-      process_(desktop.start({.arguments = {program, kind == Kind::page ? "page" : "editor"},
-                              .input = ChildProcess::Input::staysOpen,
-                              .output = ChildProcess::Output::lines})) {
+    : SampleDialogue(desktop.start({.arguments = command(program, kind),
+                                    .input = ChildProcess::Input::staysOpen,
+                                    .output = ChildProcess::Output::lines})),
+      user_(user) {
     waitFor("the sample program's window", [this] {
         for (const DesktopWindow& window : user_.view().windows()) {
             const auto owner = user_.view().numbers(window.id, "_NET_WM_PID");
-            if (owner.size() == 1 && static_cast<pid_t>(owner.front()) == process_->id()) window_ = window.id;
+            if (owner.size() == 1 && static_cast<pid_t>(owner.front()) == process().id()) window_ = window.id;
         }
         return window_ != XCB_WINDOW_NONE;
     });
@@ -34,16 +34,19 @@ DesktopWindow SampleProgram::window() const {
     return *window;
 }
 
-json::Value SampleProgram::ask(const json::Value& command) {
+std::vector<std::string> SampleDialogue::command(const std::string& program, Kind kind) {
+    return {program, kind == Kind::page ? "page" : "editor"};
+}
+
+json::Value SampleDialogue::ask(const json::Value& command) {
     process_->write(json::encoded(command) + "\n");
     const auto answer = json::parse(process_->readLine());
     if (!answer || json::member(*answer, "error") != nullptr) throw Error("the sample program did not understand");
     return *answer;
 }
 
-std::vector<SampleProgram::Line> SampleProgram::lines() {
+std::vector<SampleDialogue::Line> SampleDialogue::lines(PixelSpot corner) {
     const json::Value answer = ask({{"do", "lines"}});
-    const PixelArea corner = window().area;
     std::vector<Line> lines;
     for (const json::Value& line : answer.at("lines")) {
         lines.push_back({.text = line.at("text").get<std::string>(),
@@ -55,23 +58,23 @@ std::vector<SampleProgram::Line> SampleProgram::lines() {
     return lines;
 }
 
-void SampleProgram::selectText(const std::string& text) {
+void SampleDialogue::selectText(const std::string& text) {
     ask({{"do", "selectText"}, {"text", text}});
 }
 
-std::string SampleProgram::text() {
+std::string SampleDialogue::text() {
     return ask({{"do", "text"}}).at("text").get<std::string>();
 }
 
-void SampleProgram::copyText(const std::string& text) {
+void SampleDialogue::copyText(const std::string& text) {
     ask({{"do", "copyText"}, {"text", text}});
 }
 
-void SampleProgram::copyPicture(std::size_t line) {
+void SampleDialogue::copyPicture(std::size_t line) {
     ask({{"do", "copyPicture"}, {"line", line}});
 }
 
-void SampleProgram::clearClipboard() {
+void SampleDialogue::clearClipboard() {
     ask({{"do", "clearClipboard"}});
 }
 

@@ -11,24 +11,26 @@
 #include "desktop/pixel_area.h"
 #include "desktop/private_desktop.h"
 #include "desktop/test_user.h"
+#include "fakes/child_process.h"
 
 namespace ovrin {
 
-class SampleProgram {
+// What it does when told to, on whatever desktop.
+class SampleDialogue {
 public:
     enum class Kind : std::uint8_t { page, editor };
+    // program: the path of ovrin_sample_program.
+    static std::vector<std::string> command(const std::string& program, Kind kind);
 
-    // program: the path of ovrin_sample_program. Returns when its window has the keyboard and shows what it has.
-    SampleProgram(const PrivateDesktop& desktop, const TestUser& user, const std::string& program, Kind kind);
-
-    // As it is now.
-    DesktopWindow window() const;
+    // The process takes commands and is read line by line.
+    explicit SampleDialogue(std::unique_ptr<ChildProcess> process) : process_(std::move(process)) {}
 
     struct Line {
         std::string text;
-        PixelArea area;  // on the screen
+        PixelArea area;
     };
-    std::vector<Line> lines();
+    // Of the page, whose upper left corner is there.
+    std::vector<Line> lines(PixelSpot corner);
 
     // Of the editor.
     void selectText(const std::string& text);
@@ -39,11 +41,27 @@ public:
     void copyPicture(std::size_t line);
     void clearClipboard();
 
+protected:
+    const ChildProcess& process() const { return *process_; }
+
 private:
     json::Value ask(const json::Value& command);
 
-    const TestUser& user_;
     std::unique_ptr<ChildProcess> process_;
+};
+
+class SampleProgram : public SampleDialogue {
+public:
+    // Returns when its window has the keyboard and shows what it has.
+    SampleProgram(const PrivateDesktop& desktop, const TestUser& user, const std::string& program, Kind kind);
+
+    // As it is now.
+    DesktopWindow window() const;
+    // Where they are on the screen.
+    std::vector<Line> lines() { return SampleDialogue::lines(window().area.topLeft()); }
+
+private:
+    const TestUser& user_;
     xcb_window_t window_ = XCB_WINDOW_NONE;
 };
 

@@ -27,8 +27,7 @@ std::string busAddress(const BusView& sessionBus) {
 
 }  // namespace
 
-ScreenReader::ScreenReader(const PrivateDesktop& desktop)
-    : bus_(std::make_unique<BusView>(busAddress(desktop.bus()))) {}
+ScreenReader::ScreenReader(const BusView& sessionBus) : bus_(std::make_unique<BusView>(busAddress(sessionBus))) {}
 
 BusView::Method ScreenReader::method(const Reference& object, const std::string& interface,
                                      const std::string& name) const {

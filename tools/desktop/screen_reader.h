@@ -10,7 +10,6 @@
 
 #include "desktop/bus_view.h"
 #include "desktop/pixel_area.h"
-#include "desktop/private_desktop.h"
 
 namespace ovrin {
 
@@ -46,7 +45,8 @@ public:
         bool says(const std::string& words) const;
     };
 
-    explicit ScreenReader(const PrivateDesktop& desktop);
+    // sessionBus: of a desktop with an accessibility bus.
+    explicit ScreenReader(const BusView& sessionBus);
 
     // What the program of that name (in whatever case) shows: its windows with everything in them. Empty when it shows
     // nothing.

@@ -18,6 +18,7 @@
 #include "desktop/wait.h"
 #include "platform/linux/desktop/application_name.h"
 #include "platform/linux/wayland/wayland_screen_capture.h"
+#include "practice/page_text.h"
 
 namespace ovrin {
 
@@ -44,10 +45,13 @@ void collect(const json::Value& node, std::vector<WaylandDesktop::Window>& windo
 
 }  // namespace
 
-WaylandDesktop::WaylandDesktop(const std::vector<HeadlessOutput>& outputs)
+WaylandDesktop::WaylandDesktop(const std::vector<HeadlessOutput>& outputs, Accessibility accessibility)
     : busView_(std::make_unique<BusView>(bus_.address())), compositor_(outputs) {
     ::setenv(displayVariable, compositor_.display().c_str(), 1);
     std::filesystem::create_directories(home() / "config");
+    if (accessibility == Accessibility::off) return;
+    accessibility_ = start({.arguments = {"/usr/libexec/at-spi-bus-launcher", "--launch-immediately"}});
+    waitFor("the accessibility bus", [this] { return busView_->hasOwner("org.a11y.Bus"); });
 }
 
 WaylandDesktop::~WaylandDesktop() {
@@ -68,7 +72,7 @@ std::vector<std::string> WaylandDesktop::environment() const {
             displayVariable + ("=" + compositor_.display()),
             "DBUS_SESSION_BUS_ADDRESS=" + bus_.address(),
             "LANG=C.UTF-8",
-            "NO_AT_BRIDGE=1",
+            accessibility_ ? "QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1" : "NO_AT_BRIDGE=1",
             "NO_PROXY=*"};
 }
 
@@ -85,6 +89,25 @@ std::unique_ptr<ChildProcess> WaylandDesktop::start(const Program& program) cons
 std::string WaylandDesktop::log() const {
     std::ifstream file(home() / "log", std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string WaylandDesktop::selectedText(Selection selection) const {
+    std::vector<std::string> command{"wl-paste", "--no-newline", "--type", "text"};
+    if (selection == Selection::primary) command.emplace_back("--primary");
+    const std::unique_ptr<ChildProcess> reader = start({.arguments = command, .output = ChildProcess::Output::lines});
+    std::string text;
+    for (std::string line = reader->readLine(); !line.empty(); line = reader->readLine()) {
+        text += (text.empty() ? "" : "\n") + line;
+    }
+    return text;
+}
+
+void WaylandDesktop::copyText(const std::string& text, Selection selection) {
+    std::vector<std::string> command{"wl-copy", "--foreground"};
+    if (selection == Selection::primary) command.emplace_back("--primary");
+    command.insert(command.end(), {"--", text});
+    copiers_.at(static_cast<std::size_t>(selection)) = start({.arguments = command});
+    waitFor("the text on the clipboard", [&] { return selectedText(selection) == text; });
 }
 
 std::vector<WaylandDesktop::Window> WaylandDesktop::windows() const {
@@ -152,6 +175,24 @@ QImage WaylandDesktop::settledPicture(std::size_t output) const {
                        return before == last ? std::optional(last) : std::nullopt;
                    })
         .value();
+}
+
+WaylandSampleProgram::WaylandSampleProgram(const WaylandDesktop& desktop, const std::string& program, Kind kind)
+    : SampleDialogue(desktop.start({.arguments = command(program, kind),
+                                    .environment = {"QT_QPA_PLATFORM=wayland"},
+                                    .input = ChildProcess::Input::staysOpen,
+                                    .output = ChildProcess::Output::lines})),
+      desktop_(desktop),
+      title_(kind == Kind::page ? std::string(pageTitle) : "Notes") {
+    waitFor("the sample program to have the keyboard", [this] { return window().hasFocus; });
+    constexpr int inkOnPaper = 150;
+    constexpr int middle = 127;
+    const auto isDrawn = [&] {
+        const PixelArea area = kind == Kind::page ? lines().back().area : window().area.grownBy(-2);
+        const QImage picture = desktop_.picture().copy(area.x, area.y, area.width, area.height);
+        return brightness(picture) > middle && (kind == Kind::editor || contrast(picture) > inkOnPaper);
+    };
+    waitFor("the sample program's window to be drawn", isDrawn);
 }
 
 WaylandAssistant::WaylandAssistant(const WaylandDesktop& desktop, Setup setup)

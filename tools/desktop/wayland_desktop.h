@@ -3,6 +3,8 @@
 // scope, and also when its process crashes.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -10,6 +12,7 @@
 #include <vector>
 
 #include "desktop/pixel_area.h"
+#include "desktop/sample_program.h"
 #include "fakes/child_process.h"
 #include "fakes/private_bus.h"
 #include "fakes/temporary_directory.h"
@@ -23,7 +26,9 @@ class BusView;
 
 class WaylandDesktop {
 public:
-    explicit WaylandDesktop(const std::vector<HeadlessOutput>& outputs = {HeadlessOutput()});
+    enum class Accessibility : std::uint8_t { off, on };  // on: a screen reader can read the windows
+    explicit WaylandDesktop(const std::vector<HeadlessOutput>& outputs = {HeadlessOutput()},
+                            Accessibility accessibility = Accessibility::off);
     ~WaylandDesktop();
     WaylandDesktop(const WaylandDesktop&) = delete;
     WaylandDesktop& operator=(const WaylandDesktop&) = delete;
@@ -42,6 +47,12 @@ public:
     };
     std::unique_ptr<ChildProcess> start(const Program& program) const;
     std::string log() const;
+
+    // What is on the clipboard, or in the PRIMARY selection, as another program gets it; empty where no text is.
+    enum class Selection : std::uint8_t { clipboard, primary };
+    std::string selectedText(Selection selection = Selection::clipboard) const;
+    // From then on some program offers the text, until another one copies something.
+    void copyText(const std::string& text, Selection selection = Selection::clipboard);
 
     // Windows that the compositor manages as such; what is there through the layer shell is none.
     struct Window {
@@ -65,6 +76,23 @@ private:
     PrivateBus bus_;
     std::unique_ptr<BusView> busView_;
     WaylandTestCompositor compositor_;
+    std::unique_ptr<ChildProcess> accessibility_;
+    std::array<std::unique_ptr<ChildProcess>, 2> copiers_;  // by selection
+};
+
+// The other program on it.
+class WaylandSampleProgram : public SampleDialogue {
+public:
+    // program: the path of ovrin_sample_program. Returns when its window has the keyboard and is drawn.
+    WaylandSampleProgram(const WaylandDesktop& desktop, const std::string& program, Kind kind);
+
+    WaylandDesktop::Window window() const { return desktop_.waitForWindow(title_); }
+    // Where they are in the layout.
+    std::vector<Line> lines() { return SampleDialogue::lines(window().area.topLeft()); }
+
+private:
+    const WaylandDesktop& desktop_;
+    std::string title_;
 };
 
 // The assistant on it: the built program, after its welcome.
