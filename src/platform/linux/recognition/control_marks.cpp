@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstddef>
 #include <string_view>
-#include <vector>
 
 #include <opencv2/imgproc.hpp>
 #include <unicode/uchar.h>
@@ -58,16 +57,6 @@ bool isCharacter(const ReadCharacter& character, const LinePiece& piece) {
     return isSure && !isShape(character.code) && !(character.code == U'十' && isPlus(piece));
 }
 
-// Chevrons and the like are as high as capitals, signs are not.
-bool isLargeSign(const ReadCharacter& mark, const LinePiece& piece) {
-    constexpr int strong = 128;
-    const cv::Rect columns =
-        cv::Rect(static_cast<int>(mark.left), 0, static_cast<int>(mark.right - mark.left), piece.ink.rows) &
-        cv::Rect({}, piece.ink.size());
-    return isOneOf(mark.code, U"<>+=~^«»") && !columns.empty() &&
-           cv::boundingRect(piece.ink(columns) >= strong).height > 0.62 * piece.em;
-}
-
 // Does the word, from `first` up to `last`, belong to the text of its line?
 bool isText(const LinePiece& piece, std::size_t first, std::size_t last) {
     const Reading& reading = piece.reading;
@@ -87,7 +76,7 @@ bool isText(const LinePiece& piece, std::size_t first, std::size_t last) {
     const bool isMark = isAtEnd && letters.size() == 1 && isShape(mark.code);
     std::erase_if(letters, [](const ReadCharacter& character) { return !isOfWords(character.code); });
     if (letters.empty()) {
-        if (isMark && gap > wordGap) return mark.confidence > sureOfShape && !isLargeSign(mark, piece);
+        if (isMark && gap > wordGap) return mark.confidence > sureOfShape;
         return mark.confidence >= (isAtEnd && gap > farFromText ? sureOfFew : sureOfMark);
     }
     return meanConfidence(letters) >= (letters.size() <= 2 ? sureOfFew : sureOfMany) && !(isMark && gap > iconGap);

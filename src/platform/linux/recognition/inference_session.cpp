@@ -1,6 +1,8 @@
 #include "platform/linux/recognition/inference_session.h"
 
-#include <string>
+#include <array>
+#include <cstdint>
+#include <utility>
 
 #include <onnxruntime_cxx_api.h>
 
@@ -27,43 +29,14 @@ Ort::SessionOptions sessionOptions(int threads) {
 
 }  // namespace
 
-Tensor Tensor::ofPicture(const cv::Mat& picture, const cv::Scalar& mean, const cv::Scalar& deviation) {
-    Tensor tensor{{1, 3, picture.rows, picture.cols}, std::vector<float>(3 * picture.total())};
-    std::vector<cv::Mat> planes;
-    for (std::size_t i = 0; i < 3; ++i)
-        planes.emplace_back(picture.rows, picture.cols, CV_32F, tensor.values.data() + i * picture.total());
-    cv::Mat levels;
-    picture.convertTo(levels, CV_32F);
-    cv::split(levels, planes);
-    for (int i = 0; i < 3; ++i) {
-        cv::Mat& plane = planes[static_cast<std::size_t>(i)];
-        plane.convertTo(plane, CV_32F, 1 / deviation[i], -mean[i] / deviation[i]);
-    }
-    return tensor;
-}
-
-struct InferenceSession::Runtime {
-    Runtime(const std::filesystem::path& modelFile, int threads)
-        : environment(ORT_LOGGING_LEVEL_FATAL, "ovrin"),
-          session(environment, modelFile.c_str(), sessionOptions(threads)),
-          inputName(session.GetInputNameAllocated(0, allocator).get()),
-          outputName(session.GetOutputNameAllocated(0, allocator).get()) {
-        environment.DisableTelemetryEvents();
-    }
-
-    Ort::Env environment;
-    Ort::Session session;
-    Ort::AllocatorWithDefaultOptions allocator;
-    std::string inputName;
-    std::string outputName;
-};
-
 InferenceSession::InferenceSession(const std::filesystem::path& modelFile, int threads) : file_(modelFile) {
     std::error_code status;
     if (!std::filesystem::is_regular_file(modelFile, status))
         throw Error("缺少文字识别模型文件 " + modelFile.string() + "。");
     try {
-        runtime_ = std::make_unique<Runtime>(modelFile, threads);
+        environment_ = std::make_unique<Ort::Env>(ORT_LOGGING_LEVEL_FATAL, "ovrin");
+        environment_->DisableTelemetryEvents();
+        session_ = std::make_unique<Ort::Session>(*environment_, modelFile.c_str(), sessionOptions(threads));
     } catch (const Ort::Exception&) {
         throw Error("无法载入文字识别模型文件 " + modelFile.string() + "：文件已损坏，或者不是模型。");
     }
@@ -72,31 +45,42 @@ InferenceSession::InferenceSession(const std::filesystem::path& modelFile, int t
 InferenceSession::~InferenceSession() = default;
 
 std::string InferenceSession::metadata(const std::string& key) const {
-    const auto value =
-        runtime_->session.GetModelMetadata().LookupCustomMetadataMapAllocated(key.c_str(), runtime_->allocator);
+    const Ort::AllocatorWithDefaultOptions allocator;
+    const auto value = session_->GetModelMetadata().LookupCustomMetadataMapAllocated(key.c_str(), allocator);
     return value ? value.get() : "";
 }
 
-void InferenceSession::run(const Tensor& input, const std::stop_token& stop, const OutputReader& read) const {
+void InferenceSession::run(const cv::Mat& picture, const cv::Scalar& mean, const cv::Scalar& deviation,
+                           const std::stop_token& stop, const OutputReader& read) const {
     if (stop.stop_requested()) throw CancellationError();
+    // One plane after the other.
+    const std::array<std::int64_t, 4> shape = {1, 3, picture.rows, picture.cols};
+    cv::Mat levels(3 * picture.rows, picture.cols, CV_32F);
+    for (int channel = 0; channel < 3; ++channel) {
+        cv::Mat plane = levels.rowRange(channel * picture.rows, (channel + 1) * picture.rows);
+        cv::Mat bytes;
+        cv::extractChannel(picture, bytes, channel);
+        bytes.convertTo(plane, CV_32F, 1 / deviation[channel], -mean[channel] / deviation[channel]);
+    }
     Ort::RunOptions options;
     const std::stop_callback terminate(stop, [&options] { options.SetTerminate(); });
     const auto memory = Ort::MemoryInfo::CreateCpu(OrtArenaAllocator, OrtMemTypeDefault);
-    // The runtime only reads the input, but its API has one tensor type for both directions.
-    const auto tensor = Ort::Value::CreateTensor<float>(memory, const_cast<float*>(input.values.data()),
-                                                        input.values.size(), input.shape.data(), input.shape.size());
-    const char* inputName = runtime_->inputName.c_str();
-    const char* outputName = runtime_->outputName.c_str();
-    std::vector<Ort::Value> outputs;
+    const auto input =
+        Ort::Value::CreateTensor<float>(memory, levels.ptr<float>(), levels.total(), shape.data(), shape.size());
+    const Ort::AllocatorWithDefaultOptions allocator;
+    const auto inputName = session_->GetInputNameAllocated(0, allocator);
+    const auto outputName = session_->GetOutputNameAllocated(0, allocator);
+    const char* const inputs[] = {inputName.get()};
+    const char* const outputs[] = {outputName.get()};
     try {
-        outputs = runtime_->session.Run(options, &inputName, &tensor, 1, &outputName, 1);
+        auto output = std::move(session_->Run(options, inputs, &input, 1, outputs, 1).front());
+        const auto sides = output.GetTensorTypeAndShapeInfo().GetShape();
+        read({static_cast<int>(sides.at(sides.size() - 2)), static_cast<int>(sides.back()), CV_32F,
+              output.GetTensorMutableData<float>()});
     } catch (const Ort::Exception& failure) {
         if (stop.stop_requested()) throw CancellationError();
         throw Error("文字识别模型 " + file_.string() + " 运行失败：" + firstLine(failure.what()));
     }
-    const auto information = outputs.front().GetTensorTypeAndShapeInfo();
-    const auto shape = information.GetShape();
-    read(shape, {outputs.front().GetTensorData<float>(), information.GetElementCount()});
 }
 
 }  // namespace ovrin

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <sstream>
 
 #include <opencv2/imgproc.hpp>
@@ -76,30 +77,27 @@ Reading LineRecognizer::readPart(const LinePiece& piece, const ColumnRun& column
     cv::copyMakeBorder(scaled, scaled, 0, 0, 0, paddedWidth - width, cv::BORDER_REPLICATE);
 
     Reading reading;
-    const auto input = Tensor::ofPicture(scaled, cv::Scalar::all(127.5), cv::Scalar::all(127.5));
-    network_.run(input, stop, [&](auto shape, auto values) {
-        if (shape.size() != 3 || static_cast<std::size_t>(shape[2]) != characters_.size())
+    network_.run(scaled, cv::Scalar::all(127.5), cv::Scalar::all(127.5), stop, [&](const cv::Mat& output) {
+        const std::size_t classes = characters_.size();
+        if (static_cast<std::size_t>(output.cols) != classes)
             throw Error("文字识别模型文件 " + network_.file().string() + " 已损坏：字符表与网络不符。");
-        const auto classes = static_cast<std::size_t>(shape[2]);
-        const double pixelsPerStep =
-            static_cast<double>(paddedWidth) / static_cast<double>(shape[1]) * line.cols / width;
+        const double pixelsPerStep = static_cast<double>(paddedWidth) / output.rows * line.cols / width;
         std::size_t previous = 0;
         double space = 0;
-        for (std::size_t step = 0; step < static_cast<std::size_t>(shape[1]); ++step) {
-            const auto scores = values.subspan(step * classes, classes);
+        for (int step = 0; step < output.rows; ++step) {
+            const std::span scores(output.ptr<float>(step), classes);
             const std::size_t index = largest(scores, previous);
             space = std::max(space, static_cast<double>(scores.back()));
             const bool isCharacter = index != 0 && index != classes - 1;
             if (isCharacter && index != previous) {
-                reading.push_back(
-                    {.code = characters_[index], .left = columns.left + static_cast<double>(step) * pixelsPerStep});
+                reading.push_back({.code = characters_[index], .left = columns.left + step * pixelsPerStep});
                 reading.back().spaceBefore = space;
                 space = 0;
             }
             previous = index;
             if (!isCharacter) continue;
             ReadCharacter& character = reading.back();
-            character.right = columns.left + static_cast<double>(step + 1) * pixelsPerStep;
+            character.right = columns.left + (step + 1) * pixelsPerStep;
             character.confidence = std::max(character.confidence, scores[index]);
         }
     });

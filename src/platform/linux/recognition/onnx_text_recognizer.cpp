@@ -16,8 +16,8 @@
 #include "base/text.h"
 #include "platform/linux/desktop/library_pages.h"
 #include "platform/linux/recognition/page_reader.h"
-#include "platform/linux/recognition/reading_order.h"
 #include "platform/linux/recognition/tesseract_reader.h"
+#include "recognition/reading_order.h"
 
 namespace ovrin {
 namespace {
@@ -38,11 +38,12 @@ std::vector<TextObservation> observations(const std::vector<LinePiece>& page, co
     std::vector<TextObservation> lines;
     for (const Turn turn : {Turn::none, Turn::half, Turn::counterclockwise, Turn::clockwise}) {
         std::vector<const LinePiece*> pieces;
-        std::vector<cv::Rect> boxes;
+        std::vector<PixelRect> boxes;
         for (const LinePiece& piece : page) {
             if (piece.turn != turn) continue;
             pieces.push_back(&piece);
-            boxes.push_back(turned(piece.box, turn, {image.width(), image.height()}));
+            const cv::Rect box = turned(piece.box, turn, {image.width(), image.height()});
+            boxes.push_back({box.x, box.y, box.width, box.height});
         }
         for (const auto& row : readingOrder(boxes)) {
             Reading line;

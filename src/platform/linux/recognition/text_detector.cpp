@@ -102,8 +102,7 @@ cv::Mat textProbability(const InferenceSession& network, const cv::Mat& picture,
         const cv::Matx23d back(1 / scale, 0, wanted.x / scale + area.x - source.x + offset,  //
                                0, 1 / scale, wanted.y / scale + area.y - source.y + offset);
         cv::warpAffine(bgr, bgr, back, wanted.size(), cv::INTER_LINEAR | cv::WARP_INVERSE_MAP, cv::BORDER_REPLICATE);
-        network.run(Tensor::ofPicture(bgr, mean, deviation), stop, [&](auto /*shape*/, std::span<const float> values) {
-            const cv::Mat map(bgr.rows, bgr.cols, CV_32F, const_cast<float*>(values.data()));
+        network.run(bgr, mean, deviation, stop, [&](const cv::Mat& map) {
             cv::Mat target = probability(tile);
             map(cv::Rect(overlap, overlap, tile.width, tile.height)).convertTo(target, CV_8U, fullProbability);
         });

@@ -4,15 +4,15 @@
 #include <cstddef>
 #include <vector>
 
-#include <opencv2/core.hpp>
+#include "base/geometry.h"
 
 namespace ovrin {
 
 // The pieces of one visual line, left to right, as indices into the boxes.
 using TextRow = std::vector<std::size_t>;
 
-// boxes: pixels, origin at the upper-left corner. Rows from top to bottom, except where two well-filled columns stand
+// Rows from top to bottom, except where two well-filled columns stand
 // beside a clean gutter: there each column is read to its end.
-std::vector<TextRow> readingOrder(const std::vector<cv::Rect>& boxes);
+std::vector<TextRow> readingOrder(const std::vector<PixelRect>& boxes);
 
 }  // namespace ovrin
