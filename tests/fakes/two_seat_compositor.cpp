@@ -28,7 +28,7 @@ void destroyResource(wl_client* /*client*/, wl_resource* resource) {
 TwoSeatCompositor::TwoSeatCompositor() : display_(wl_display_create()) {
     seats_[1].hasKeyboard = true;
     if (::pipe2(commands_.data(), O_CLOEXEC) != 0) throw Error("no pipe");
-    for (Seat& seat : seats_) wl_global_create(display_, &wl_seat_interface, 5, &seat, bindSeat);
+    for (Seat& seat : seats_) seat.global = wl_global_create(display_, &wl_seat_interface, 5, &seat, bindSeat);
     wl_global_create(display_, &ext_data_control_manager_v1_interface, 1, this, bindManager);
     wl_event_loop_add_fd(
         wl_display_get_event_loop(display_), commands_[0], WL_EVENT_READABLE,
@@ -61,6 +61,7 @@ int TwoSeatCompositor::obey(int pipe) {
     if (::read(pipe, &command, 1) == 1 && command == 'r') {
         for (const Seat& seat : seats_) {
             std::ranges::for_each(seat.devices, ext_data_control_device_v1_send_finished);
+            wl_global_destroy(seat.global);
         }
     } else {
         wl_display_terminate(display_);

@@ -38,6 +38,7 @@ private:
     };
     enum Place : std::size_t { clipboard, primary };
     struct Seat {
+        wl_global* global = nullptr;
         bool hasKeyboard = false;
         std::array<std::shared_ptr<Source>, 2> owners;
         std::vector<wl_resource*> devices;

@@ -15,12 +15,14 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "base/error.h"
 #include "base/run_loop.h"
 #include "base/worker_executor.h"
 #include "fakes/child_process.h"
 #include "fakes/two_seat_compositor.h"
 #include "fakes/wayland_test_compositor.h"
 #include "platform/linux/recognition/linux_image_decoder.h"
+#include "platform/linux/wayland/wayland_keyboard_layout.h"
 #include "platform/linux/wayland/wayland_synthetic_keyboard.h"
 
 namespace ovrin {
@@ -294,6 +296,7 @@ TEST_F(WaylandClipboardTest, EverythingGoesByTheYoungerProtocolOnTheSeatWithTheK
 
     compositorOfOurs.removeSeats();
     loop.complete(read(*theirs, std::nullopt));
+    EXPECT_THROW(WaylandKeyboardLayout(compositorOfOurs.display().c_str()), Error);
 }
 
 TEST_F(WaylandClipboardTest, AManagerGetsWhatWasWrittenLastBeforeTheProgramEnds) {

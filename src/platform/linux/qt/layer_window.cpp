@@ -186,6 +186,7 @@ void LayerWindow::end() {
 }
 
 void LayerWindow::place() {
+    if (screen_.isNull()) return;  // it closes soon
     const double scale = nativeScale(*window_);
     const auto native = [scale](int points) { return static_cast<std::int32_t>(std::lround(points * scale)); };
     const QRect frame = widget_.geometry().translated(-screen_->geometry().topLeft());

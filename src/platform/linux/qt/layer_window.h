@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QScreen>
 #include <QTimer>
 #include <cstdint>
 #include <memory>
@@ -12,7 +13,6 @@
 
 #include "platform/linux/qt/layer_shell.h"
 
-class QScreen;
 class QWidget;
 
 namespace ovrin {
@@ -75,7 +75,7 @@ private:
     zwlr_layer_surface_v1* role_ = nullptr;
     wl_subsurface* attached_ = nullptr;  // instead of the role
     bool isAnswered_ = false;            // with a size, or that there is no output any more
-    QScreen* screen_ = nullptr;
+    QPointer<QScreen> screen_;
     QPointer<QWindow> window_;
     QTimer keyboardPatience_;
     std::vector<std::unique_ptr<QWidget>> catchers_;

@@ -125,6 +125,11 @@ void WaylandConnection::findSeat() {
     seat_ = bindSeat();
 }
 
+wl_seat* WaylandConnection::bindSeat() {
+    if (!globals_.contains(seatNumber_)) throw Error("此桌面（Wayland）没有键盘。");
+    return static_cast<wl_seat*>(bindNamed(seatNumber_, wl_seat_interface, seatVersion));
+}
+
 void WaylandConnection::findOutputs() {
     for (const auto& [name, global] : globals_) {
         if (global.interface != wl_output_interface.name) continue;

@@ -64,7 +64,8 @@ public:
     wl_shm* sharedMemory() const { return sharedMemory_; }
     // Of several the first with a keyboard, which is the user's whom the program works for; null without any.
     wl_seat* seat() const { return seat_; }
-    wl_seat* bindSeat() { return static_cast<wl_seat*>(bindNamed(seatNumber_, wl_seat_interface, seatVersion)); }
+    // The same anew. Throws Error without any.
+    wl_seat* bindSeat();
     // As they were when the connection was made.
     const std::vector<WaylandOutput>& outputs() const { return outputs_; }
 

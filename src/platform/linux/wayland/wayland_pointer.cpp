@@ -89,6 +89,7 @@ private:
 };
 
 struct Search {
+    bool hasPointer = false;
     std::vector<std::unique_ptr<TransparentSurface>> surfaces;
     std::optional<WaylandPointerPlace> found;
 };
@@ -117,16 +118,14 @@ constexpr wl_pointer_listener pointerListener = [] {
 }();
 
 // Asking a seat without one for its pointer would be an error of the protocol.
-bool hasPointer(const WaylandConnection& connection, wl_seat* seat) {
-    bool has = false;
+void findCapabilities(const WaylandConnection& connection, wl_seat* seat, Search& search) {
     static constexpr wl_seat_listener listener = {[](void* data, wl_seat* /*seat*/, std::uint32_t capabilities) {
-                                                      *static_cast<bool*>(data) =
+                                                      static_cast<Search*>(data)->hasPointer =
                                                           (capabilities & WL_SEAT_CAPABILITY_POINTER) != 0;
                                                   },
                                                   [](void* /*data*/, wl_seat* /*seat*/, const char* /*name*/) {}};
-    wl_seat_add_listener(seat, &listener, &has);
+    wl_seat_add_listener(seat, &listener, &search);
     connection.roundTrip();
-    return has;
 }
 
 }  // namespace
@@ -138,8 +137,10 @@ bool WaylandPointer::isOfferedBy(const WaylandConnection& connection) {
 std::optional<WaylandPointerPlace> WaylandPointer::find(const char* display) {
     WaylandConnection connection(display);
     const Globals globals(connection);
-    if (!globals.areComplete() || !hasPointer(connection, globals.seat.get())) return std::nullopt;
+    if (!globals.areComplete()) return std::nullopt;
     Search search;
+    findCapabilities(connection, globals.seat.get(), search);
+    if (!search.hasPointer) return std::nullopt;
     const WaylandObject<wl_pointer, wl_pointer_destroy> pointer(wl_seat_get_pointer(globals.seat.get()));
     wl_pointer_add_listener(pointer.get(), &pointerListener, &search);
     for (const WaylandOutput& output : connection.outputs()) {
