@@ -155,7 +155,7 @@ MenuItem StatusBarController::item(OvShortcut shortcut, Symbol symbol) const {
     const ActionDescription& action = description(shortcut);
     return {.title = std::string(action.menuTitle()),
             .icon = symbol == Symbol::shown ? std::optional(OVIcon(action.symbolName)) : std::nullopt,
-            .keyEquivalent = registry.shortcutDisplay(name(shortcut)).value_or(""),
+            .keyEquivalent = registry.usableShortcutDisplay(name(shortcut)).value_or(""),
             .shortcut = registry.getShortcut(name(shortcut)),
             .action = [&actions = surroundings_.actions, shortcut] { perform(shortcut, actions); }};
 }

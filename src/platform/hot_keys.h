@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,10 @@ struct HotKeyEvents {
 class HotKeys {
 public:
     virtual ~HotKeys() = default;
+
+    // Why the session has no hot keys for the program, as a sentence for the user; none where it has. Without them
+    // every combination fails, whichever it is.
+    virtual std::optional<std::string> problem() const { return std::nullopt; }
 
     // Who hears of the events from now on, in place of who did before.
     virtual void setEvents(HotKeyEvents events) = 0;

@@ -44,18 +44,22 @@ private:
 
 class NullHotKeys final : public HotKeys {
 public:
-    explicit NullHotKeys(std::function<std::string(const HotKey&)> reason) : reason_(std::move(reason)) {}
+    // instead: what the user can do for one, a sentence.
+    NullHotKeys(std::string problem, std::function<std::string(const HotKey&)> instead)
+        : problem_(std::move(problem)), instead_(std::move(instead)) {}
 
+    std::optional<std::string> problem() const override { return problem_; }
     void setEvents(HotKeyEvents events) override { events_ = std::move(events); }
     void setHotKeys(const std::vector<HotKey>& hotKeys) override {
-        for (const HotKey& hotKey : hotKeys) events_.failed(hotKey.name, reason_(hotKey));
+        for (const HotKey& hotKey : hotKeys) events_.failed(hotKey.name, problem_ + instead_(hotKey));
     }
     void suspend() override {}
     void resume() override {}
     bool allowsOptionAlone() const override { return true; }
 
 private:
-    std::function<std::string(const HotKey&)> reason_;
+    std::string problem_;
+    std::function<std::string(const HotKey&)> instead_;
     HotKeyEvents events_;
 };
 

@@ -31,6 +31,11 @@ ShortcutsPageViewModel::ShortcutsPageViewModel(Registry& registry, const Recorde
     changes_ = watch(registry_.shortcutByNameDidChange(), [this](const auto& /*change*/) { compareRows(); });
 }
 
+std::string ShortcutsPageViewModel::note() const {
+    if (const auto problem = registry_.problem()) return *problem + "每个命令都可以由“ovrin do”执行。";
+    return "快捷键会在系统范围内生效。若与其他应用冲突，请点击对应录制框重新设置。";
+}
+
 void ShortcutsPageViewModel::didAppear() {
     registry_.synchronize();
 }

@@ -46,6 +46,9 @@ public:
 
     std::deque<ShortcutRow>& rows() { return rows_; }
 
+    // What holds for all combinations.
+    std::string note() const;
+
     // The user looks at the page (again): other programs may have given back what the desktop refused before, and
     // nobody tells of that.
     void didAppear();

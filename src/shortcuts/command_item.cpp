@@ -16,7 +16,7 @@ std::vector<CommandItem> CommandItem::defaultItems(AssistantActions& actions,
                          .title = std::string(action.menuTitle()),
                          .subtitle = std::string(action.subtitle),
                          .symbolName = std::string(action.symbolName),
-                         .shortcutDisplay = registry.shortcutDisplay(name(shortcut)),
+                         .shortcutDisplay = registry.usableShortcutDisplay(name(shortcut)),
                          .action = [&actions, perform = action.perform] { perform(actions); }});
     }
     return items;

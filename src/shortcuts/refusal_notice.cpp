@@ -17,8 +17,9 @@ namespace {
 using KeyboardShortcuts::Registry;
 using Kind = KeyboardShortcuts::RegistrationState::Kind;
 
-// The shortcuts with their combinations: another combination that is refused as well is news.
+// The shortcuts with their combinations: another combination that is refused as well is news, where any would work.
 std::string signature(const std::vector<OvShortcut>& refused, const Registry& registry) {
+    if (registry.problem() && !refused.empty()) return *registry.problem();
     std::string text;
     for (const auto shortcut : refused) {
         const auto combination = registry.getShortcut(name(shortcut)).value_or(KeyboardShortcuts::Shortcut());
@@ -29,6 +30,7 @@ std::string signature(const std::vector<OvShortcut>& refused, const Registry& re
 }
 
 std::string sentence(const std::vector<OvShortcut>& refused, const Registry& registry) {
+    if (registry.problem()) return *registry.problem() + "点击此通知查看可以绑定的命令。";
     std::string text;
     for (const auto shortcut : refused) {
         text.append(text.empty() ? "“" : "、“").append(title(shortcut)).append("”（");
@@ -71,10 +73,11 @@ void RefusalNotice::tellAnswers() {
     const std::string told = signature(found, surroundings_.registry);
     if (told == surroundings_.state.string(stateKey::announcedRefusedShortcuts).value_or("")) return;
     if (!found.empty()) {
-        surroundings_.notifications.add({.identifier = Uuid::random().text(),
-                                         .title = "部分快捷键无法使用",
-                                         .body = sentence(found, surroundings_.registry),
-                                         .activated = surroundings_.showShortcuts});
+        surroundings_.notifications.add(
+            {.identifier = Uuid::random().text(),
+             .title = surroundings_.registry.problem() ? "快捷键无法使用" : "部分快捷键无法使用",
+             .body = sentence(found, surroundings_.registry),
+             .activated = surroundings_.showShortcuts});
     }
     try {
         surroundings_.state.setString(stateKey::announcedRefusedShortcuts, told);

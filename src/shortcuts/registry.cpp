@@ -82,6 +82,10 @@ std::optional<std::string> Registry::shortcutDisplay(const Name& name) const {
     return keys.empty() ? description(*shortcut, layout_) : keys;
 }
 
+std::optional<std::string> Registry::usableShortcutDisplay(const Name& name) const {
+    return currentState(name).kind == RegistrationState::Kind::refused ? std::nullopt : shortcutDisplay(name);
+}
+
 void Registry::setShortcut(std::optional<Shortcut> shortcut, const Name& name) {
     const auto old = getShortcut(name);
     if (!shortcut && !old) return;

@@ -72,6 +72,11 @@ public:
     // What the user sees of it, which is what the desktop calls the keys that work; none when the name has no
     // combination.
     std::optional<std::string> shortcutDisplay(const Name& name) const;
+    // The same of a combination that the desktop has not refused.
+    std::optional<std::string> usableShortcutDisplay(const Name& name) const;
+
+    // As that of HotKeys.
+    std::optional<std::string> problem() const { return hotKeys_.problem(); }
 
     // Stores or clears the combination and announces it; clearing what is clear does nothing. Throws files::FileError
     // when it can't be stored; nothing has changed then.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <utility>
@@ -21,6 +22,9 @@ public:
     std::unordered_set<KeyboardShortcuts::Shortcut> takenByOthers;
     bool isOptionAloneAllowed = true;
     bool asksItsUser = false;  // and answers later, by describe() and fail()
+    std::optional<std::string> whyNone{};
+
+    std::optional<std::string> problem() const override { return whyNone; }
 
     void setEvents(HotKeyEvents events) override { events_ = std::move(events); }
     void setHotKeys(const std::vector<HotKey>& hotKeys) override {

@@ -80,11 +80,14 @@ TEST_F(CommandPaletteTest, EveryCommandClosesThePaletteThenActs) {
     }
 }
 
-TEST_F(CommandPaletteTest, ShowsTheShortcutsThatAreAssigned) {
+TEST_F(CommandPaletteTest, ShowsTheShortcutsThatAreAssignedAndNotRefused) {
     registry.setShortcut(commandShiftT, {.rawValue = "ovrin.captureTranslate"});
+    hotKeys.takenByOthers = {commandShiftW};
+    registry.setShortcut(commandShiftW, {.rawValue = "ovrin.askWhatIsThis"});
     const auto items = CommandItem::defaultItems(actions, registry);
     EXPECT_EQ(items[0].shortcutDisplay, std::nullopt);
     EXPECT_EQ(items[1].shortcutDisplay, "Super+Shift+T");
+    EXPECT_EQ(items[2].shortcutDisplay, std::nullopt);
 }
 
 // Like a window: when it is hidden it loses the keyboard, and then asks to be closed.

@@ -56,6 +56,16 @@ TEST_F(RefusalNoticeTest, TellsAllRefusedOnceAndAgainWhenTheSetIsAnother) {
     EXPECT_EQ(start(), 1);
 }
 
+TEST_F(RefusalNoticeTest, TellsOnceThatNoneCanWork) {
+    hotKeys.whyNone = "none here.";
+    hotKeys.takenByOthers = {commandShiftT, commandShiftS, commandShiftW};
+    EXPECT_EQ(start(), 1);
+    EXPECT_NE(last.find("none here."), std::string::npos);
+    EXPECT_EQ(last.find("重新设置"), std::string::npos);
+    registry.setShortcut(std::nullopt, name(OvShortcut::captureTranslate));
+    EXPECT_EQ(start(), 0);
+}
+
 TEST_F(RefusalNoticeTest, WaitsForTheLastAnswer) {
     hotKeys.asksItsUser = true;
     RefusalNotice notice(

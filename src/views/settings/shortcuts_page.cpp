@@ -23,9 +23,8 @@ ShortcutsPage::ShortcutsPage(ViewEnvironment& environment, const KeyboardLayout&
     auto* card = new SettingsCard(environment, QStringLiteral("全局命令"));
     for (auto& row : viewModel.rows()) card->addRow(makeRow(row, layout));
     add(card);
-    add(new OVLabel(environment,
-                    QStringLiteral("快捷键会在系统范围内生效。若与其他应用冲突，请点击对应录制框重新设置。"),
-                    theme::font::caption, ColorToken::ink2, OVLabel::Lines::wrapped));
+    add(new OVLabel(environment, toQString(viewModel.note()), theme::font::caption, ColorToken::ink2,
+                    OVLabel::Lines::wrapped));
 }
 
 SettingsRow* ShortcutsPage::makeRow(ShortcutRow& row, const KeyboardLayout& layout) {

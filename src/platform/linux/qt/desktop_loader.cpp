@@ -45,8 +45,10 @@ private:
 };
 
 constexpr const char* capturesNowhere = "无法截取屏幕：此桌面不支持。";
-std::string keysBelongToDesktop(const HotKey& hotKey) {
-    return "此桌面不支持全局快捷键，请在系统设置中把快捷键绑定到命令“ovrin do " + hotKey.command + "”。";
+constexpr const char* keysBelongToDesktop = "此桌面不支持全局快捷键。";
+
+std::string bindCommand(const HotKey& hotKey) {
+    return "请在系统设置中把快捷键绑定到命令“ovrin do " + hotKey.command + "”。";
 }
 
 // Without the service, or the extension, that an adapter needs, its null adapter stands in with the reason.
@@ -116,11 +118,10 @@ std::unique_ptr<DesktopLayout> DesktopLoader::makeDesktopLayout(WorkerExecutor& 
 
 // XWayland takes key grabs too, but hears of keys only while one of its own windows has the keyboard.
 std::unique_ptr<HotKeys> DesktopLoader::makeHotKeys(EventLoop& mainLoop) const {
-    if (isWayland_) return std::make_unique<NullHotKeys>(keysBelongToDesktop);
-    return orWithout<HotKeys>([&] { return std::make_unique<X11HotKeys>(mainLoop, nullptr); },
-                              [](const std::string& reason) {
-                                  return std::make_unique<NullHotKeys>([reason](const HotKey&) { return reason; });
-                              });
+    if (isWayland_) return std::make_unique<NullHotKeys>(keysBelongToDesktop, bindCommand);
+    return orWithout<HotKeys>(
+        [&] { return std::make_unique<X11HotKeys>(mainLoop, nullptr); },
+        [](const std::string& reason) { return std::make_unique<NullHotKeys>(reason, bindCommand); });
 }
 
 std::unique_ptr<KeyboardLayout> DesktopLoader::makeKeyboardLayout() const {
