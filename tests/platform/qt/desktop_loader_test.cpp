@@ -88,7 +88,7 @@ TEST_F(DesktopLoaderTest, PicturesOfAWaylandSessionComeFromItsCompositor) {
 TEST_F(DesktopLoaderTest, WhatASessionLacksIsSaidAndTheRestIsThere) {
     constexpr const char* noPictures = "无法截取屏幕：此桌面不支持。";
     constexpr const char* noHotKeys =
-        "此桌面不支持全局快捷键，请在系统设置中把快捷键绑定到命令“ovrin do capture-ocr”。";
+        "此桌面不支持全局快捷键。请在系统设置中把快捷键绑定到命令“ovrin do capture-ocr”。";
     {
         const TwoSeatCompositor compositor;
         const Variable display("WAYLAND_DISPLAY", compositor.display());
