@@ -11,11 +11,6 @@
 namespace ovrin {
 namespace {
 
-// The runtime's messages name source files and run over several lines; the first line holds the cause.
-std::string firstLine(const std::string& text) {
-    return text.substr(0, text.find('\n'));
-}
-
 Ort::SessionOptions sessionOptions(int threads) {
     Ort::SessionOptions options;
     options.SetIntraOpNumThreads(threads);
@@ -79,7 +74,9 @@ void InferenceSession::run(const cv::Mat& picture, const cv::Scalar& mean, const
               output.GetTensorMutableData<float>()});
     } catch (const Ort::Exception& failure) {
         if (stop.stop_requested()) throw CancellationError();
-        throw Error("文字识别模型 " + file_.string() + " 运行失败：" + firstLine(failure.what()));
+        // The runtime's messages name source files and run over several lines; the first line holds the cause.
+        const std::string message = failure.what();
+        throw Error("文字识别模型 " + file_.string() + " 运行失败：" + message.substr(0, message.find('\n')));
     }
 }
 

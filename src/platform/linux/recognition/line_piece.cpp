@@ -17,9 +17,8 @@ constexpr double sideShare = 0.4;  // of the height, background beside the text:
 // best on the whole for both networks.
 constexpr double tallestBox = 1.85;
 constexpr int inkLevel = 96;  // of 255: from here on a pixel belongs to a stroke
-// Times the height that the detector found. Of 1 to 1.25, on the lines of 88 pictures, the one with fewest errors; 1.04
-// has as few, and takes longer.
-constexpr double wantedHeight = 1.08;
+// Times the height that the detector found. Of 1 to 1.25, on the lines of 88 pictures, the one with fewest errors.
+constexpr double wantedHeight = 1.04;
 
 // The most frequent colour, told coarsely, then averaged.
 cv::Scalar backgroundOf(const cv::Mat3b& bgr) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <span>
 #include <sstream>
 
 #include <opencv2/imgproc.hpp>
@@ -33,10 +32,12 @@ std::vector<char32_t> charactersOf(const InferenceSession& network) {
 
 // The class of the largest score. Scores are probabilities: one above a half is the largest, and mostly that of the
 // blank or of the step before, which spares the search among all.
-std::size_t largest(std::span<const float> scores, std::size_t previous) {
-    for (const std::size_t likely : {std::size_t{0}, previous})
-        if (scores[likely] > 0.5F) return likely;
-    return static_cast<std::size_t>(std::ranges::max_element(scores) - scores.begin());
+int largest(const cv::Mat1f& scores, int previous) {
+    for (const int likely : {0, previous})
+        if (scores(likely) > 0.5F) return likely;
+    int best[2] = {};
+    cv::minMaxIdx(scores, nullptr, nullptr, nullptr, best);
+    return best[1];
 }
 
 }  // namespace
@@ -78,27 +79,28 @@ Reading LineRecognizer::readPart(const LinePiece& piece, const ColumnRun& column
 
     Reading reading;
     network_.run(scaled, cv::Scalar::all(127.5), cv::Scalar::all(127.5), stop, [&](const cv::Mat& output) {
-        const std::size_t classes = characters_.size();
-        if (static_cast<std::size_t>(output.cols) != classes)
+        const int space = output.cols - 1;
+        if (characters_.size() != static_cast<std::size_t>(output.cols))
             throw Error("文字识别模型文件 " + network_.file().string() + " 已损坏：字符表与网络不符。");
         const double pixelsPerStep = static_cast<double>(paddedWidth) / output.rows * line.cols / width;
-        std::size_t previous = 0;
-        double space = 0;
+        int previous = 0;
+        float spaceBefore = 0;
         for (int step = 0; step < output.rows; ++step) {
-            const std::span scores(output.ptr<float>(step), classes);
-            const std::size_t index = largest(scores, previous);
-            space = std::max(space, static_cast<double>(scores.back()));
-            const bool isCharacter = index != 0 && index != classes - 1;
+            const cv::Mat1f scores = output.row(step);
+            const int index = largest(scores, previous);
+            spaceBefore = std::max(spaceBefore, scores(space));
+            const bool isCharacter = index != 0 && index != space;
             if (isCharacter && index != previous) {
-                reading.push_back({.code = characters_[index], .left = columns.left + step * pixelsPerStep});
-                reading.back().spaceBefore = space;
-                space = 0;
+                reading.push_back({.code = characters_[static_cast<std::size_t>(index)],
+                                   .left = columns.left + step * pixelsPerStep,
+                                   .spaceBefore = spaceBefore});
+                spaceBefore = 0;
             }
             previous = index;
             if (!isCharacter) continue;
             ReadCharacter& character = reading.back();
             character.right = columns.left + (step + 1) * pixelsPerStep;
-            character.confidence = std::max(character.confidence, scores[index]);
+            character.confidence = std::max(character.confidence, scores(index));
         }
     });
     return reading;
