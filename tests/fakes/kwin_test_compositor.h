@@ -1,5 +1,4 @@
-// KDE's compositor without a screen and without a session bus, for what only it offers. It lets every program press
-// keys and see windows, as if each had a desktop entry that asks for that.
+// KDE's compositor without a screen, for what only it offers.
 #pragma once
 
 #include <filesystem>
@@ -15,16 +14,28 @@ public:
     // As WaylandTestCompositor::mayBeSkipped().
     static bool mayBeSkipped();
 
+    // Without a session bus, and without pictures of its output. It lets every program press keys and see windows, as
+    // if each had a desktop entry that asks for that.
+    KWinTestCompositor() : KWinTestCompositor(Session()) {}
+    // On a session bus, drawing, and as careful as in a real session: it looks into the desktop entries in
+    // dataFolder/applications, which have to be there before.
+    struct Session {
+        std::string busAddress;
+        std::filesystem::path dataFolder;
+        int width = 1024;  // pixels of the output
+        int height = 768;
+    };
     // Returns when it takes connections. Throws Error when it cannot be started.
-    KWinTestCompositor();
+    explicit KWinTestCompositor(const Session& session);
 
     // As those of WaylandTestCompositor.
     std::string display() const { return (folder_.path() / socketName).string(); }
     const std::filesystem::path& runtimeFolder() const { return folder_.path(); }
+    void stop() { compositor_.stop(); }
 
 private:
     static constexpr const char* socketName = "kwin-test";
-    static ChildProcess::Setup setupIn(const std::filesystem::path& folder);
+    static ChildProcess::Setup setupIn(const std::filesystem::path& folder, const Session& session);
 
     TemporaryDirectory folder_;
     ChildProcess compositor_;

@@ -26,7 +26,7 @@ std::string nameOf(std::size_t index) {
 std::string configurationIn(const std::filesystem::path& folder, const std::vector<HeadlessOutput>& outputs) {
     const std::filesystem::path path = folder / "config";
     std::ofstream file(path);
-    file << "xwayland disable\nswaybg_command -\ndefault_border none\n";
+    file << "xwayland disable\nswaybg_command -\ndefault_border none\ndefault_floating_border none\n";
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         const HeadlessOutput& output = outputs[i];
         file << "output " << nameOf(i) << " mode " << output.width << 'x' << output.height << " position " << output.x

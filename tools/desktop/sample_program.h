@@ -22,7 +22,7 @@ public:
     // program: the path of ovrin_sample_program.
     static std::vector<std::string> command(const std::string& program, Kind kind);
 
-    // The process takes commands and is read line by line.
+    // The process takes commands and is read line by line; null: that comes by start().
     explicit SampleDialogue(std::unique_ptr<ChildProcess> process) : process_(std::move(process)) {}
 
     struct Line {
@@ -42,6 +42,7 @@ public:
     void clearClipboard();
 
 protected:
+    void start(std::unique_ptr<ChildProcess> process) { process_ = std::move(process); }
     const ChildProcess& process() const { return *process_; }
 
 private:

@@ -21,6 +21,7 @@ public:
         std::string path;
     };
     enum class State : std::uint8_t {  // their numbers in the bit set that an element answers with
+        active = 1,                    // a window with the keyboard
         checked = 4,
         enabled = 8,
         focusable = 11,

@@ -17,14 +17,15 @@
 #include "desktop/picture.h"
 #include "desktop/wait.h"
 #include "platform/linux/desktop/application_name.h"
+#include "platform/linux/wayland/kwin_screen_capture.h"
 #include "platform/linux/wayland/wayland_screen_capture.h"
-#include "practice/page_text.h"
 
 namespace ovrin {
 
 namespace {
 
 constexpr const char* displayVariable = "WAYLAND_DISPLAY";
+constexpr const char* busVariable = "DBUS_SESSION_BUS_ADDRESS";
 
 PixelArea areaOf(const json::Value& frame) {
     const auto value = [&frame](const char* key) { return static_cast<int>(json::integer(frame, key).value_or(0)); };
@@ -45,17 +46,45 @@ void collect(const json::Value& node, std::vector<WaylandDesktop::Window>& windo
 
 }  // namespace
 
-WaylandDesktop::WaylandDesktop(const std::vector<HeadlessOutput>& outputs, Accessibility accessibility)
-    : busView_(std::make_unique<BusView>(bus_.address())), compositor_(outputs) {
-    ::setenv(displayVariable, compositor_.display().c_str(), 1);
-    std::filesystem::create_directories(home() / "config");
-    if (accessibility == Accessibility::off) return;
+WaylandDesktop::WaylandDesktop(const std::vector<HeadlessOutput>& outputs)
+    : busView_(std::make_unique<BusView>(bus_.address())), sway_(std::in_place, outputs) {
+    begin();
+}
+
+WaylandDesktop::WaylandDesktop(const Setup& setup) : busView_(std::make_unique<BusView>(bus_.address())) {
+    if (setup.compositor == Compositor::sway) {
+        sway_.emplace(std::vector<HeadlessOutput>{{.width = setup.width, .height = setup.height}});
+    } else {
+        install(applicationId, setup.program);
+        install("ovrin-test", std::filesystem::read_symlink("/proc/self/exe"));
+        kwin_.emplace(KWinTestCompositor::Session{
+            .busAddress = bus_.address(), .dataFolder = home() / "data", .width = setup.width, .height = setup.height});
+    }
+    begin();
     accessibility_ = start({.arguments = {"/usr/libexec/at-spi-bus-launcher", "--launch-immediately"}});
     waitFor("the accessibility bus", [this] { return busView_->hasOwner("org.a11y.Bus"); });
 }
 
 WaylandDesktop::~WaylandDesktop() {
     ::unsetenv(displayVariable);
+    ::unsetenv(busVariable);
+}
+
+void WaylandDesktop::begin() {
+    ::setenv(displayVariable, display().c_str(), 1);
+    ::setenv(busVariable, bus_.address().c_str(), 1);
+    std::filesystem::create_directories(home() / "config");
+}
+
+// The entry is the packaged one, but for the path.
+void WaylandDesktop::install(const std::string& name, const std::filesystem::path& program) const {
+    std::ifstream packaged(OVRIN_SOURCE_DIR "/packaging/com.quel.ovrin.desktop");
+    const std::filesystem::path folder = home() / "data/applications";
+    std::filesystem::create_directories(folder);
+    std::ofstream entry(folder / (name + ".desktop"));
+    for (std::string line; std::getline(packaged, line);) {
+        entry << (line == "Exec=ovrin" ? "Exec=" + program.string() : line) << '\n';
+    }
 }
 
 std::vector<std::string> WaylandDesktop::environment() const {
@@ -67,9 +96,9 @@ std::vector<std::string> WaylandDesktop::environment() const {
             "XDG_DATA_HOME=" + home + "/data",
             "XDG_CACHE_HOME=" + home + "/cache",
             "XDG_STATE_HOME=" + home + "/state",
-            "XDG_RUNTIME_DIR=" + compositor_.runtimeFolder().string(),
+            "XDG_RUNTIME_DIR=" + (sway_ ? sway_->runtimeFolder() : kwin_->runtimeFolder()).string(),
             "XDG_SESSION_TYPE=wayland",
-            displayVariable + ("=" + compositor_.display()),
+            displayVariable + ("=" + display()),
             "DBUS_SESSION_BUS_ADDRESS=" + bus_.address(),
             "LANG=C.UTF-8",
             accessibility_ ? "QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1" : "NO_AT_BRIDGE=1",
@@ -112,7 +141,7 @@ void WaylandDesktop::copyText(const std::string& text, Selection selection) {
 
 std::vector<WaylandDesktop::Window> WaylandDesktop::windows() const {
     const ChildProcess::Setup setup{
-        .arguments = {"swaymsg", "--socket", compositor_.controlSocket().string(), "--raw", "--type", "get_tree"},
+        .arguments = {"swaymsg", "--socket", sway_->controlSocket().string(), "--raw", "--type", "get_tree"},
         .environment = environment()};
     ChildProcess question(setup);
     std::string answer;
@@ -132,17 +161,22 @@ WaylandDesktop::Window WaylandDesktop::waitForWindow(const std::string& titleBeg
     return *waitFor("the window " + titleBeginning, found);
 }
 
+std::unique_ptr<ScreenCapture> WaylandDesktop::makeCapture(WorkerExecutor& workers) const {
+    if (sway_) return std::make_unique<WaylandScreenCapture>(workers);
+    return std::make_unique<KWinScreenCapture>(workers);
+}
+
 QImage WaylandDesktop::picture(std::size_t output) const {
     RunLoop loop;
     WorkerExecutor workers(1);
-    WaylandScreenCapture capture(workers);
-    const CapturableDisplay display = loop.complete(capture.displays()).at(output);
+    const std::unique_ptr<ScreenCapture> capture = makeCapture(workers);
+    const CapturableDisplay display = loop.complete(capture->displays()).at(output);
     const auto pixels = [&display](double points) { return static_cast<int>(points * display.scaleFactor); };
     const Image image =
-        loop.complete(capture.screenshot({.display = display.id,
-                                          .sourceRect = {0, 0, display.frame.width, display.frame.height},
-                                          .width = pixels(display.frame.width),
-                                          .height = pixels(display.frame.height)}));
+        loop.complete(capture->screenshot({.display = display.id,
+                                           .sourceRect = {0, 0, display.frame.width, display.frame.height},
+                                           .width = pixels(display.frame.width),
+                                           .height = pixels(display.frame.height)}));
     return QImage(image.data(), image.width(), image.height(), QImage::Format_ARGB32)
         .convertToFormat(QImage::Format_RGB32);
 }
@@ -178,21 +212,17 @@ QImage WaylandDesktop::settledPicture(std::size_t output) const {
 }
 
 WaylandSampleProgram::WaylandSampleProgram(const WaylandDesktop& desktop, const std::string& program, Kind kind)
-    : SampleDialogue(desktop.start({.arguments = command(program, kind),
-                                    .environment = {"QT_QPA_PLATFORM=wayland"},
-                                    .input = ChildProcess::Input::staysOpen,
-                                    .output = ChildProcess::Output::lines})),
-      desktop_(desktop),
-      title_(kind == Kind::page ? std::string(pageTitle) : "Notes") {
-    waitFor("the sample program to have the keyboard", [this] { return window().hasFocus; });
-    constexpr int inkOnPaper = 150;
-    constexpr int middle = 127;
-    const auto isDrawn = [&] {
-        const PixelArea area = kind == Kind::page ? lines().back().area : window().area.grownBy(-2);
-        const QImage picture = desktop_.picture().copy(area.x, area.y, area.width, area.height);
-        return brightness(picture) > middle && (kind == Kind::editor || contrast(picture) > inkOnPaper);
-    };
-    waitFor("the sample program's window to be drawn", isDrawn);
+    : SampleDialogue(nullptr) {
+    const QImage before = desktop.settledPicture();
+    start(desktop.start({.arguments = command(program, kind),
+                         .environment = {"QT_QPA_PLATFORM=wayland", "QT_WAYLAND_DISABLE_WINDOWDECORATION=1"},
+                         .input = ChildProcess::Input::staysOpen,
+                         .output = ChildProcess::Output::lines}));
+    waitFor("the sample program's window", [&] {
+        area_ = WaylandDesktop::difference(before, desktop.settledPicture());
+        constexpr int smallestWidth = 300;  // more than what else may change
+        return area_.width >= smallestWidth;
+    });
 }
 
 WaylandAssistant::WaylandAssistant(const WaylandDesktop& desktop, Setup setup)

@@ -1,6 +1,6 @@
-// A Wayland desktop of one's own on a machine without a display: the headless compositor, a session bus and an empty
-// home. Programs on it speak Wayland only. One at a time in a process, whose WAYLAND_DISPLAY it sets. It ends with its
-// scope, and also when its process crashes.
+// A Wayland desktop of one's own on a machine without a display: a headless compositor, a session bus and an empty
+// home. Programs on it speak Wayland only. One at a time in a process, whose WAYLAND_DISPLAY and
+// DBUS_SESSION_BUS_ADDRESS it sets. It ends with its scope, and also when its process crashes.
 #pragma once
 
 #include <array>
@@ -8,12 +8,14 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "desktop/pixel_area.h"
 #include "desktop/sample_program.h"
 #include "fakes/child_process.h"
+#include "fakes/kwin_test_compositor.h"
 #include "fakes/private_bus.h"
 #include "fakes/temporary_directory.h"
 #include "fakes/wayland_test_compositor.h"
@@ -23,17 +25,29 @@ class QImage;
 namespace ovrin {
 
 class BusView;
+class ScreenCapture;
+class WorkerExecutor;
 
 class WaylandDesktop {
 public:
-    enum class Accessibility : std::uint8_t { off, on };  // on: a screen reader can read the windows
-    explicit WaylandDesktop(const std::vector<HeadlessOutput>& outputs = {HeadlessOutput()},
-                            Accessibility accessibility = Accessibility::off);
+    explicit WaylandDesktop(const std::vector<HeadlessOutput>& outputs = {HeadlessOutput()});
+    // One output of this size, and windows that a screen reader can read. KWin takes the program at this path, and this
+    // process, for installed.
+    enum class Compositor : std::uint8_t { sway, kwin };
+    struct Setup {
+        Compositor compositor = Compositor::sway;
+        int width = 1600;
+        int height = 1000;
+        std::string program;
+    };
+    explicit WaylandDesktop(const Setup& setup);
     ~WaylandDesktop();
     WaylandDesktop(const WaylandDesktop&) = delete;
     WaylandDesktop& operator=(const WaylandDesktop&) = delete;
 
-    WaylandTestCompositor& compositor() { return compositor_; }
+    WaylandTestCompositor& compositor() { return *sway_; }
+    std::string display() const { return sway_ ? sway_->display() : kwin_->display(); }
+    void stopCompositor() { sway_ ? sway_->stop() : kwin_->stop(); }
     const BusView& bus() const { return *busView_; }
     std::filesystem::path home() const { return home_.path(); }
 
@@ -54,7 +68,7 @@ public:
     // From then on some program offers the text, until another one copies something.
     void copyText(const std::string& text, Selection selection = Selection::clipboard);
 
-    // Windows that the compositor manages as such; what is there through the layer shell is none.
+    // Windows that sway manages as such; what is there through the layer shell is none.
     struct Window {
         std::string title;
         PixelArea area;  // points of the layout, the frame without its shadow
@@ -72,10 +86,15 @@ public:
     QImage settledPicture(std::size_t output = 0) const;
 
 private:
+    void begin();
+    void install(const std::string& name, const std::filesystem::path& program) const;
+    std::unique_ptr<ScreenCapture> makeCapture(WorkerExecutor& workers) const;
+
     TemporaryDirectory home_;
     PrivateBus bus_;
     std::unique_ptr<BusView> busView_;
-    WaylandTestCompositor compositor_;
+    std::optional<WaylandTestCompositor> sway_;
+    std::optional<KWinTestCompositor> kwin_;  // instead
     std::unique_ptr<ChildProcess> accessibility_;
     std::array<std::unique_ptr<ChildProcess>, 2> copiers_;  // by selection
 };
@@ -83,16 +102,16 @@ private:
 // The other program on it.
 class WaylandSampleProgram : public SampleDialogue {
 public:
-    // program: the path of ovrin_sample_program. Returns when its window has the keyboard and is drawn.
+    // program: the path of ovrin_sample_program. Returns when its window is drawn and still. Nothing else changes on
+    // the output meanwhile.
     WaylandSampleProgram(const WaylandDesktop& desktop, const std::string& program, Kind kind);
 
-    WaylandDesktop::Window window() const { return desktop_.waitForWindow(title_); }
-    // Where they are in the layout.
-    std::vector<Line> lines() { return SampleDialogue::lines(window().area.topLeft()); }
+    // Where its window is in the layout, and the lines in it.
+    const PixelArea& area() const { return area_; }
+    std::vector<Line> lines() { return SampleDialogue::lines(area_.topLeft()); }
 
 private:
-    const WaylandDesktop& desktop_;
-    std::string title_;
+    PixelArea area_;
 };
 
 // The assistant on it: the built program, after its welcome.

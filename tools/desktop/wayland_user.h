@@ -1,5 +1,5 @@
-// The user of a headless compositor: moves the pointer and types, by virtual devices. Every action returns once the
-// compositor has handed it on. One thread.
+// The user of a headless compositor: moves the pointer and types, by the virtual devices of wlroots' compositors or
+// KWin's fake input. Every action returns once the compositor has handed it on. One thread.
 #pragma once
 
 #include <cstdint>
@@ -11,8 +11,6 @@
 
 #include "desktop/pixel_area.h"
 #include "platform/linux/wayland/wayland_connection.h"
-#include "virtual-keyboard-unstable-v1-client.h"
-#include "wlr-virtual-pointer-unstable-v1-client.h"
 
 namespace ovrin {
 
@@ -39,24 +37,20 @@ public:
     void type(std::string_view text);
 
 private:
+    class Devices;
+    class VirtualDevices;
+    class KWinDevices;
     struct Key {
         std::uint32_t code = 0;  // of the kernel's input events
         bool isShifted = false;
     };
     Key keyOf(xkb_keysym_t symbol) const;
-    void stroke(const Key& key, std::uint32_t modifiers);
-    void sendKeymap();
+    void stroke(const Key& key, bool isControlHeld, bool isShiftHeld);
 
     WaylandConnection connection_;
-    zwlr_virtual_pointer_manager_v1* pointers_;
-    zwp_virtual_keyboard_manager_v1* keyboards_;
-    zwlr_virtual_pointer_v1* pointer_ = nullptr;
-    zwp_virtual_keyboard_v1* keyboard_ = nullptr;
     std::unique_ptr<xkb_context, decltype(&xkb_context_unref)> context_;
     std::unique_ptr<xkb_keymap, decltype(&xkb_keymap_unref)> keymap_;
-    // Of the layout.
-    std::uint32_t width_ = 0;
-    std::uint32_t height_ = 0;
+    std::unique_ptr<Devices> devices_;
 };
 
 }  // namespace ovrin
