@@ -155,6 +155,16 @@ TEST_P(WaylandMainJobTest, WhatIsSelectedIsTranslatedInACardAndThenReplaced) {
     waitForKeyboardIn("ovrin_sample_program");
     waitForSelected(ownText);
 
+    // Where it is something can be selected, too.
+    const auto card = [this] { return desktop->picture().copy(820, 600, 200, 100); };
+    const double bright = brightness(card());
+    ASSERT_EQ(assistant->perform("capture-ocr"), 0);
+    waitFor("the overlay above the card", [&] { return brightness(card()) < 0.75 * bright; });
+    waitFor("the end of the overlay", [&] {
+        user->pressKeys("Escape");  // it has the keyboard a little later
+        return brightness(card()) > bright - 1;
+    });
+
     ASSERT_EQ(assistant->perform("replace-selection"), 0);
     const std::string translation = waitForExchange(1).answer;
     waitFor("the translation in the editor", [&] { return program->text() == translation; });

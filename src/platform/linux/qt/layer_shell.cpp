@@ -133,6 +133,14 @@ void LayerShell::setKeyboardWindow(QWindow* window) {
     if (before != nullptr) emit keyboardLeft(before);
 }
 
+void LayerShell::addForKeyboard() {
+    if (++forKeyboard_ == 1) emit isAnyForKeyboardChanged();
+}
+
+void LayerShell::removeForKeyboard() {
+    if (--forKeyboard_ == 0) emit isAnyForKeyboardChanged();
+}
+
 wl_surface* LayerShell::surfaceOf(QWindow& window) {
     return static_cast<wl_surface*>(
         QGuiApplication::platformNativeInterface()->nativeResourceForWindow("surface", &window));

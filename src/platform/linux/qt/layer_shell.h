@@ -39,12 +39,19 @@ public:
 
     bool hasKeyboard(const QWindow& window) const { return keyboardWindow_ == &window; }
 
+    // As long as there is a window for the keyboard, the others make way for it: compositors show those of one layer
+    // now the older and now the younger in front.
+    bool isAnyForKeyboard() const { return forKeyboard_ > 0; }
+    void addForKeyboard();
+    void removeForKeyboard();
+
     static wl_surface* surfaceOf(QWindow& window);
 
 signals:
     // The keyboard has gone from the window, be it to come back at once: some compositors give it back to such a window
     // after a click elsewhere.
     void keyboardLeft(QWindow* window);
+    void isAnyForKeyboardChanged();
 
 private:
     LayerShell() = default;
@@ -71,6 +78,7 @@ private:
     std::vector<Seat> seats_;
     std::vector<Shown> shown_;
     QWindow* keyboardWindow_ = nullptr;
+    int forKeyboard_ = 0;
 };
 
 }  // namespace ovrin

@@ -7,6 +7,7 @@
 #include <QScreen>
 #include <QWidget>
 #include <QWindow>
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -17,6 +18,7 @@ namespace ovrin {
 
 namespace {
 
+constexpr std::uint32_t changeOfLayerVersion = 2;
 constexpr std::uint32_t keyboardOnDemandVersion = 4;
 // Within which compositors that give the keyboard to a window that asks for it on demand have done so.
 constexpr int keyboardPatienceMilliseconds = 60;
@@ -81,6 +83,7 @@ LayerWindow::LayerWindow(LayerShell& shell, QWidget& widget, const Setup& setup)
     keyboardPatience_.setSingleShot(true);
     keyboardPatience_.setInterval(keyboardPatienceMilliseconds);
     connect(&keyboardPatience_, &QTimer::timeout, this, &LayerWindow::insistOnKeyboard);
+    if (!isForKeyboard()) connect(&shell_, &LayerShell::isAnyForKeyboardChanged, this, &LayerWindow::changeLayer);
 }
 
 LayerWindow::~LayerWindow() {
@@ -146,7 +149,8 @@ void LayerWindow::takeRole() {
     isAnswered_ = false;
     const bool isWhereUserIs = setup_.place == Place::middle || setup_.place == Place::top;
     wl_output* const output = isWhereUserIs ? nullptr : outputOf(*screen_);
-    role_ = shell_.giveRole(*window_, output, setup_.layer, listener, this);
+    role_ = shell_.giveRole(*window_, output, layer(), listener, this);
+    if (isForKeyboard()) shell_.addForKeyboard();
     zwlr_layer_surface_v1_set_exclusive_zone(role_, isWhereUserIs ? 0 : -1);
     askForKeyboard();
     place();
@@ -182,7 +186,20 @@ void LayerWindow::end() {
     keyboardPatience_.stop();
     catchers_.clear();
     if (attached_ != nullptr) wl_subsurface_destroy(std::exchange(attached_, nullptr));
-    if (role_ != nullptr) shell_.end(*window_, std::exchange(role_, nullptr));
+    if (role_ == nullptr) return;
+    shell_.end(*window_, std::exchange(role_, nullptr));
+    if (isForKeyboard()) shell_.removeForKeyboard();
+}
+
+std::uint32_t LayerWindow::layer() const {
+    const bool makesWay = !isForKeyboard() && shell_.isAnyForKeyboard();
+    return makesWay ? std::min<std::uint32_t>(setup_.layer, ZWLR_LAYER_SHELL_V1_LAYER_TOP) : setup_.layer;
+}
+
+void LayerWindow::changeLayer() {
+    if (role_ == nullptr || shell_.version() < changeOfLayerVersion) return;
+    zwlr_layer_surface_v1_set_layer(role_, layer());
+    commit();
 }
 
 void LayerWindow::place() {

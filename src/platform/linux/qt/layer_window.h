@@ -62,6 +62,9 @@ private:
     QWindow* owner() const;
     void followVisibility(bool isVisible);
     void end();
+    bool isForKeyboard() const { return setup_.keyboard != Keyboard::none; }
+    std::uint32_t layer() const;
+    void changeLayer();
     void place();
     void commit();
     void insistOnKeyboard();
