@@ -1,6 +1,7 @@
 // Takes the pictures of every window, in both appearances, that the documents show: ovrin_pictures FOLDER
 //
-// They come from the built program at work on a private desktop, with the practice service in place of a model.
+// They come from the built program at work on private desktops, of X11, sway and KWin, with the practice service in
+// place of a model.
 #include <algorithm>
 #include <cstdlib>
 #include <exception>
@@ -18,6 +19,9 @@
 #include "desktop/screen_reader.h"
 #include "desktop/test_user.h"
 #include "desktop/wait.h"
+#include "desktop/wayland_desktop.h"
+#include "desktop/wayland_user.h"
+#include "practice/page_text.h"
 #include "practice/practice_service.h"
 
 namespace ovrin {
@@ -240,6 +244,58 @@ private:
                           .environment = updates_.environment()}};
 };
 
+// The whole output of a Wayland compositor: the main job a moment after the selection, and its result.
+class WaylandPictureSet {
+public:
+    WaylandPictureSet(fs::path folder, WaylandDesktop::Compositor compositor, std::string appearance)
+        : folder_(std::move(folder)),
+          name_(compositor == WaylandDesktop::Compositor::sway ? "sway" : "kwin"),
+          appearance_(std::move(appearance)),
+          desktop_({.compositor = compositor, .width = width, .height = height, .program = ovrinPath}) {}
+
+    void take() {
+        const double bright = brightness(desktop_.picture());
+        assistant_.perform("capture-translate");
+        constexpr double dimmest = 0.75;
+        waitFor("the overlay", [&] { return brightness(desktop_.picture()) < dimmest * bright; });
+        const auto lines = page_.lines();
+        const PixelArea last = lines.at(5).area;
+        user_.moveTo(lines.at(3).area.grownBy(margin).topLeft());
+        user_.press();
+        const PixelSpot end{.x = lines.at(3).area.bottomRight().x + margin, .y = last.bottomRight().y + margin};
+        user_.moveTo({.x = end.x - 1, .y = end.y - 1});
+        user_.moveTo(end);
+        if (appearance_ == "light") save(name_ + "-overlay");  // it has one appearance
+        user_.release();
+        reader_.waitForWords(program, *pageTranslation(lines.at(5).text, "zh-Hans"));
+        user_.moveTo({.x = 4, .y = 4});
+        save(name_ + "-" + appearance_);
+    }
+
+private:
+    void save(const std::string& name) const {
+        desktop_.settledPicture().save(QString::fromStdString((folder_ / (name + ".png")).string()));
+        std::cout << name << ".png\n" << std::flush;
+    }
+
+    static constexpr int width = 1280;
+    static constexpr int height = 860;
+    static constexpr int margin = 10;
+    static constexpr const char* ovrinPath = OVRIN_BINARY_DIR "/ovrin";
+
+    const fs::path folder_;
+    const std::string name_;
+    const std::string appearance_;
+    PracticeService service_;
+    WaylandDesktop desktop_;
+    WaylandUser user_{desktop_.display()};
+    ScreenReader reader_{desktop_.bus()};
+    WaylandSampleProgram page_{desktop_, OVRIN_BINARY_DIR "/ovrin_sample_program", SampleDialogue::Kind::page};
+    WaylandAssistant assistant_{
+        desktop_,
+        {.program = ovrinPath, .serviceURL = service_.baseURL(), .environment = {"OVRIN_APPEARANCE=" + appearance_}}};
+};
+
 }  // namespace
 }  // namespace ovrin
 
@@ -254,6 +310,10 @@ int main(int count, char** arguments) {
             using Pictures = ovrin::PictureSet;
             Pictures(arguments[1], appearance, Pictures::ModelService::inEnvironment).take();
             Pictures(arguments[1], appearance, Pictures::ModelService::unknown).takeSettings();
+            using Compositor = ovrin::WaylandDesktop::Compositor;
+            for (const Compositor compositor : {Compositor::sway, Compositor::kwin}) {
+                ovrin::WaylandPictureSet(arguments[1], compositor, appearance).take();
+            }
         }
         return EXIT_SUCCESS;
     } catch (const std::exception& error) {
