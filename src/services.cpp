@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "base/text.h"
+#include "base/user_directories.h"
 #include "platform/linux/secrets/secret_service.h"
 #include "storage/preferences.h"
-#include "storage/user_directories.h"
 
 namespace ovrin {
 

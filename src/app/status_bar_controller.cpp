@@ -6,7 +6,7 @@
 #include "app/remote_command.h"
 #include "base/text.h"
 #include "base/watch.h"
-#include "shortcuts/shortcut_description.h"
+#include "platform/shortcut_description.h"
 
 namespace ovrin {
 

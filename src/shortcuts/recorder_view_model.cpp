@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "base/files.h"
+#include "platform/shortcut_description.h"
 #include "shortcuts/recorder_texts.h"
-#include "shortcuts/shortcut_description.h"
 
 namespace ovrin::KeyboardShortcuts {
 

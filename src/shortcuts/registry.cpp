@@ -7,7 +7,7 @@
 
 #include "base/error.h"
 #include "base/json.h"
-#include "shortcuts/shortcut_description.h"
+#include "platform/shortcut_description.h"
 #include "storage/preferences.h"
 
 namespace ovrin::KeyboardShortcuts {

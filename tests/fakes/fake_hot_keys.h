@@ -10,8 +10,8 @@
 
 #include "fakes/journal.h"
 #include "platform/hot_keys.h"
+#include "platform/shortcut_description.h"
 #include "platform/us_keyboard_layout.h"
-#include "shortcuts/shortcut_description.h"
 
 namespace ovrin {
 

@@ -13,9 +13,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "base/user_directories.h"
 #include "fakes/temporary_directory.h"
 #include "storage/preferences.h"
-#include "storage/user_directories.h"
 
 namespace ovrin {
 namespace {

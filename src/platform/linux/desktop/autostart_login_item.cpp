@@ -12,8 +12,8 @@
 
 #include "base/error.h"
 #include "base/files.h"
+#include "base/user_directories.h"
 #include "platform/linux/desktop/application_name.h"
-#include "storage/user_directories.h"
 
 namespace ovrin {
 namespace {

@@ -6,7 +6,7 @@
 #include <cctype>
 #include <utility>
 
-#include "shortcuts/shortcut_description.h"
+#include "platform/shortcut_description.h"
 
 namespace ovrin {
 

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <cstddef>
 
+#include "base/error.h"
 #include "platform/linux/qt/qt_screens.h"
-#include "recognition/ocr_engine_error.h"
 
 namespace ovrin {
 
@@ -36,7 +36,7 @@ Task<std::vector<CapturableDisplay>> X11ScreenCapture::displays() {
 Task<Image> X11ScreenCapture::screenshot(ScreenshotRequest request) {
     const std::vector<ScreenInfo> screens = screenInfos();
     const auto index = static_cast<std::size_t>(request.display);
-    if (index >= screens.size()) throw OCREngineError::invalidImage();  // the display was unplugged meanwhile
+    if (index >= screens.size()) throw Error("无法截取屏幕：显示器已断开。");
     const PixelRect pixels = pixelsOf(screens[index], request);
     const auto take = [this, pixels](const std::stop_token&) { return screenshot_.take(pixels); };
     Image image = co_await workers_.run(take);

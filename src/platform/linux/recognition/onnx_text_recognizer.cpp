@@ -17,7 +17,7 @@
 #include "platform/linux/desktop/library_pages.h"
 #include "platform/linux/recognition/page_reader.h"
 #include "platform/linux/recognition/tesseract_reader.h"
-#include "recognition/reading_order.h"
+#include "platform/reading_order.h"
 
 namespace ovrin {
 namespace {

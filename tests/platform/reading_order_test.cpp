@@ -1,4 +1,4 @@
-#include "recognition/reading_order.h"
+#include "platform/reading_order.h"
 
 #include <gtest/gtest.h>
 

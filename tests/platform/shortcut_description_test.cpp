@@ -1,4 +1,4 @@
-#include "shortcuts/shortcut_description.h"
+#include "platform/shortcut_description.h"
 
 #include <optional>
 #include <string>

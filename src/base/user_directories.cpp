@@ -1,4 +1,4 @@
-#include "storage/user_directories.h"
+#include "base/user_directories.h"
 
 #include <array>
 #include <optional>
