@@ -34,6 +34,7 @@
 #include "platform/linux/x11/x11_connection.h"
 #include "practice/practice_service.h"
 #include "storage/history_store.h"
+#include "wake_ups.h"
 
 namespace ovrin {
 namespace {
@@ -193,29 +194,7 @@ private:
         throw Error("the memory of the program cannot be read");
     }
 
-    // Of each thread that there is; others come and go.
-    std::map<std::string, long> contextSwitches() const {
-        std::map<std::string, long> counts;
-        const std::string tasks = "/proc/" + std::to_string(program_->id()) + "/task";
-        for (const auto& task : std::filesystem::directory_iterator(tasks)) {
-            std::ifstream status(task.path() / "status");
-            for (std::string word; status >> word;) {
-                if (word == "voluntary_ctxt_switches:") status >> counts[task.path().filename()];
-            }
-        }
-        return counts;
-    }
-
-    double wakeUps(std::chrono::seconds time) const {
-        const auto before = contextSwitches();
-        std::this_thread::sleep_for(time);
-        long count = 0;
-        for (const auto& [thread, switches] : contextSwitches()) {
-            const auto known = before.find(thread);
-            count += switches - (known == before.end() ? 0 : known->second);
-        }
-        return static_cast<double>(count);
-    }
+    double wakeUps(std::chrono::seconds time) const { return static_cast<double>(countWakeUps(program_->id(), time)); }
 
     // A window, and how the menu of the tray icon opens it.
     struct MenuWindow {

@@ -1,0 +1,259 @@
+// The speed of the whole program on private Wayland desktops of 1920x1080, beside its limits and other programs:
+//
+//   build/bench/bench/measure_wayland sway|kwin
+//
+// Run it on an idle machine. Every figure is the median of some runs; those on the screen are seen from outside, by
+// somebody who looks at one pixel again and again, which costs the compositor the time that is printed too: KWin, which
+// draws by software here, is held up by it.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include <malloc.h>
+
+#include "base/error.h"
+#include "base/run_loop.h"
+#include "base/worker_executor.h"
+#include "desktop/bus_view.h"
+#include "desktop/wayland_desktop.h"
+#include "desktop/wayland_user.h"
+#include "platform/image_encoder.h"
+#include "platform/linux/desktop/application_name.h"
+#include "platform/linux/recognition/linux_image_decoder.h"
+#include "platform/linux/recognition/onnx_text_recognizer.h"
+#include "platform/linux/wayland/kwin_screen_capture.h"
+#include "platform/linux/wayland/wayland_clipboard.h"
+#include "platform/linux/wayland/wayland_screen_capture.h"
+#include "practice/practice_service.h"
+#include "wake_ups.h"
+
+namespace ovrin {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+using Compositor = WaylandDesktop::Compositor;
+
+constexpr const char* assistantProgram = OVRIN_BINARY_DIR "/ovrin";
+
+double millisecondsSince(Clock::time_point begin) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+}
+
+double median(std::vector<double> values) {
+    std::ranges::sort(values);
+    return values.at(values.size() / 2);
+}
+
+double medianOf(int runs, const std::function<double()>& measure) {
+    std::vector<double> values(static_cast<std::size_t>(runs));
+    for (double& value : values) value = measure();
+    return median(values);
+}
+
+void report(const char* what, double value, const char* unit, double limit) {
+    std::printf("%-58s %8.1f %-3s  limit %6.1f %s\n", what, value, unit, limit, value <= limit ? "" : "  MISSED");
+    std::fflush(stdout);
+}
+
+void spinUntil(const char* what, const std::function<bool()>& condition, std::chrono::milliseconds pause = 0ms) {
+    const auto deadline = Clock::now() + 30s;
+    while (!condition()) {
+        if (Clock::now() > deadline) throw Error(std::string("waited in vain for ") + what);
+        std::this_thread::sleep_for(pause);
+    }
+}
+
+// What is watched is never converted.
+class NoEncoder final : public ImageEncoder {
+    bool canEncode(const std::string& /*type*/) const override { return false; }
+    std::vector<std::byte> encode(std::span<const std::byte> /*picture*/, const std::string& /*type*/) const override {
+        return {};
+    }
+};
+
+class Bench {
+public:
+    explicit Bench(Compositor compositor)
+        : compositor_(compositor),
+          desktop_({.compositor = compositor, .width = width, .height = height, .program = assistantProgram}) {
+        if (compositor == Compositor::sway) {
+            capture_ = std::make_unique<WaylandScreenCapture>(workers_);
+        } else {
+            capture_ = std::make_unique<KWinScreenCapture>(workers_);
+        }
+        display_ = loop_.complete(capture_->displays()).at(0);
+    }
+
+    void run() {
+        user_.moveTo({.x = 600, .y = 400});
+        std::this_thread::sleep_for(6s);  // until it has stopped to wait for a tray
+        report("wake-ups of all threads in 10 idle seconds",
+               static_cast<double>(countWakeUps(assistant_.process().id(), 10s)), "", 0);
+        comparePictures();
+        std::printf("a look at one pixel takes %.1f ms\n", medianOf(15, [this] {
+                        const auto begin = Clock::now();
+                        paperBrightness();
+                        return millisecondsSince(begin);
+                    }));
+        dimmingTime([this] { activate(); });
+        report("event in the process to first dimmed frame",
+               medianOf(9, [this] { return dimmingTime([this] { activate(); }); }), "ms", 60);
+        report("exec ovrin do to first dimmed frame",
+               medianOf(9,
+                        [this] {
+                            std::unique_ptr<ChildProcess> command;
+                            return dimmingTime([&] {
+                                command = desktop_.start({.arguments = {assistantProgram, "do", "silent-capture-ocr"}});
+                            });
+                        }),
+               "ms", 110);
+        OnnxTextRecognizer recognizer(RecognitionFiles::ofThisProgram());
+        report("mouse-up to text on the clipboard, beyond 140 ms and reading", measureCapture(recognizer), "ms", 40);
+        report("wake-ups of all threads in 10 idle seconds after it",
+               static_cast<double>(countWakeUps(assistant_.process().id(), 10s)), "", 0);
+    }
+
+private:
+    Image take(const LocalRect& part, int pictureWidth, int pictureHeight) {
+        return loop_.complete(capture_->screenshot(
+            {.display = display_.id, .sourceRect = part, .width = pictureWidth, .height = pictureHeight}));
+    }
+    int paperBrightness() {
+        const PixelSpot corner = page_.area().topLeft();
+        const Image pixel = take({corner.x + 8.0, corner.y + 8.0, 1, 1}, 1, 1);
+        return static_cast<int>(pixel.data()[0]);
+    }
+
+    // Both connect anew each time; the other program is started for it, which belongs to its way of working.
+    void comparePictures() {
+        const double ours = medianOf(15, [this] {
+            const auto begin = Clock::now();
+            take({0, 0, width, height}, width, height);
+            return millisecondsSince(begin);
+        });
+        const std::string file = (desktop_.home() / (compositor_ == Compositor::kwin ? "picture.png" : "picture.ppm"));
+        std::vector<std::string> command{"grim", "-t", "ppm", file};
+        if (compositor_ == Compositor::kwin) {
+            command = {"spectacle", "--background", "--nonotify", "--fullscreen", "--output", file};
+        }
+        if (!ChildProcess::isInstalled(command.front())) return;
+        const double theirs = medianOf(5, [&] {
+            const auto begin = Clock::now();
+            desktop_.start({.arguments = command, .environment = {"QT_QPA_PLATFORM=wayland"}})->waitForEnd();
+            return millisecondsSince(begin);
+        });
+        if (!std::filesystem::exists(file)) throw Error(command.front() + " takes no picture: " + desktop_.log());
+        report(("1920x1080 picture, beside " + command.front()).c_str(), ours, "ms", 1.2 * theirs);
+    }
+
+    void activate() {
+        desktop_.bus().call({.destination = applicationId,
+                             .path = applicationObjectPath,
+                             .interface = applicationInterface,
+                             .name = "ActivateAction"},
+                            g_variant_new_parsed("('silent-capture-ocr', @av [], @a{sv} {})"));
+    }
+
+    double dimmingTime(const std::function<void()>& begin) {
+        const int bright = paperBrightness();
+        const auto start = Clock::now();
+        begin();
+        spinUntil(
+            "the overlay", [&] { return paperBrightness() != bright; }, 5ms);
+        const double time = millisecondsSince(start);
+        std::this_thread::sleep_for(400ms);  // until it has faded in and holds the keyboard
+        user_.pressKeys("Escape");
+        spinUntil("the end of the overlay", [&] { return paperBrightness() == bright; });
+        std::this_thread::sleep_for(300ms);
+        return time;
+    }
+
+    double measureCapture(OnnxTextRecognizer& recognizer) {
+        const PixelArea area = page_.lines().at(5).area;
+        const LocalRect part{static_cast<double>(area.x), static_cast<double>(area.y), static_cast<double>(area.width),
+                             static_cast<double>(area.height)};
+        const Image picture = take(part, area.width, area.height);
+        const auto recognitionTime = [&] {
+            const auto begin = Clock::now();
+            recognizer.perform({.usesLanguageCorrection = true,
+                                .automaticallyDetectsLanguage = true,
+                                .recognitionLanguages = {"zh-Hans", "zh-Hant", "en-US", "ja-JP", "ko-KR"}},
+                               picture, {});
+            return millisecondsSince(begin);
+        };
+        captureTime(area);
+        recognitionTime();
+        std::vector<double> rests;
+        for (int run = 0; run < 5; ++run) {
+            const double way = captureTime(area);
+            recognitionTime();
+            std::this_thread::sleep_for(2s);  // as long after the one before as in the assistant
+            rests.push_back(way - 140 - recognitionTime());
+        }
+        return median(rests);
+    }
+
+    double captureTime(const PixelArea& area) {
+        activate();
+        std::this_thread::sleep_for(500ms);
+        user_.moveTo(area.topLeft());
+        user_.press();
+        user_.moveTo(area.center());
+        user_.moveTo(area.bottomRight());
+        std::this_thread::sleep_for(100ms);  // a hand rests before it lets go
+        const auto changes = clipboard_.changeCount(ClipboardSource::clipboard);
+        const auto begin = Clock::now();
+        user_.release();
+        spinUntil(
+            "the text", [&] { return clipboard_.changeCount(ClipboardSource::clipboard) != changes; }, 1ms);
+        const double time = millisecondsSince(begin);
+        user_.moveTo({.x = 4, .y = 4});
+        std::this_thread::sleep_for(2s);  // until the toast has gone
+        return time;
+    }
+
+    static constexpr int width = 1920;
+    static constexpr int height = 1080;
+
+    const Compositor compositor_;
+    PracticeService service_{0ms};
+    WaylandDesktop desktop_;
+    WaylandUser user_{desktop_.display()};
+    WaylandSampleProgram page_{desktop_, OVRIN_BINARY_DIR "/ovrin_sample_program", SampleDialogue::Kind::page};
+    WaylandAssistant assistant_{desktop_, {.program = assistantProgram, .serviceURL = service_.baseURL()}};
+    RunLoop loop_;
+    WorkerExecutor workers_{1};
+    LinuxImageDecoder decoder_;
+    NoEncoder encoder_;
+    WaylandClipboard clipboard_{nullptr, decoder_, encoder_, workers_};
+    std::unique_ptr<ScreenCapture> capture_;
+    CapturableDisplay display_;
+};
+
+}  // namespace
+}  // namespace ovrin
+
+int main(int argc, char** argv) {
+    const std::string_view name = argc == 2 ? argv[1] : "";
+    if (name != "sway" && name != "kwin") {
+        std::fputs("measure_wayland sway|kwin\n", stderr);
+        return 2;
+    }
+    mallopt(M_ARENA_MAX, 2);  // as in the assistant
+    try {
+        using Compositor = ovrin::WaylandDesktop::Compositor;
+        ovrin::Bench(name == "sway" ? Compositor::sway : Compositor::kwin).run();
+        return 0;
+    } catch (const ovrin::Error& error) {
+        std::fprintf(stderr, "measure_wayland: %s\n", error.errorDescription().c_str());
+        return 1;
+    }
+}
