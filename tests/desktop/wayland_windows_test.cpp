@@ -119,6 +119,10 @@ TEST_F(WaylandWindowsTest, SettingsFloatWithTheirShadowAndAreMovedByTheirBar) {
     const PixelArea drawn = shown();
     EXPECT_GT(drawn.width, first.width);
     EXPECT_LE(drawn.width, first.width + 60);
+    // To fill the screen the compositor lets no floating window: it stays as it is.
+    click({.x = first.x + 764, .y = first.y + 22});
+    EXPECT_EQ(shown(), drawn);
+    EXPECT_EQ(desktop->waitForWindow("Ovrin 设置").area, first);
     dragUntil({.x = first.x + 400, .y = first.y + 20}, "the window to be moved",
               [&] { return desktop->waitForWindow("Ovrin 设置").area.x > first.x; });
     const PixelArea moved = desktop->waitForWindow("Ovrin 设置").area;

@@ -231,7 +231,11 @@ void OVPanelWindow::closeEvent(QCloseEvent* event) {
 }
 
 void OVPanelWindow::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::WindowStateChange) adaptToDesktop();
+    // Later, when it is what the desktop says: on Wayland the toolkit takes a state back at once that it has to ask
+    // for.
+    if (event->type() == QEvent::WindowStateChange) {
+        QMetaObject::invokeMethod(this, &OVPanelWindow::adaptToDesktop, Qt::QueuedConnection);
+    }
     OVWidget::changeEvent(event);
 }
 
