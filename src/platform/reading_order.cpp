@@ -57,7 +57,7 @@ bool isRunningText(const std::vector<PixelRect>& boxes, const std::vector<TextRo
 std::vector<TextRow> readingOrder(const std::vector<PixelRect>& boxes) {
     Indices all(boxes.size());
     std::iota(all.begin(), all.end(), std::size_t{0});
-    const auto rows = rowsOf(boxes, all);
+    auto rows = rowsOf(boxes, all);
     std::set<int> edges;
     for (const auto& box : boxes) edges.insert(box.x);
     for (const int edge : edges) {

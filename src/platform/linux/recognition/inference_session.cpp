@@ -1,6 +1,5 @@
 #include "platform/linux/recognition/inference_session.h"
 
-#include <array>
 #include <cstdint>
 #include <utility>
 
@@ -32,6 +31,11 @@ InferenceSession::InferenceSession(const std::filesystem::path& modelFile, int t
         environment_ = std::make_unique<Ort::Env>(ORT_LOGGING_LEVEL_FATAL, "ovrin");
         environment_->DisableTelemetryEvents();
         session_ = std::make_unique<Ort::Session>(*environment_, modelFile.c_str(), sessionOptions(threads));
+        const auto output = session_->GetOutputTypeInfo(0);
+        const auto type = output.GetTensorTypeAndShapeInfo();
+        const bool isMatrix = output.GetONNXType() == ONNX_TYPE_TENSOR && type.GetDimensionsCount() >= 2;
+        if (session_->GetInputCount() != 1 || !isMatrix || type.GetElementType() != ONNX_TENSOR_ELEMENT_DATA_TYPE_FLOAT)
+            throw Ort::Exception("not from one input to a matrix of floats", ORT_INVALID_GRAPH);
     } catch (const Ort::Exception&) {
         throw Error("无法载入文字识别模型文件 " + modelFile.string() + "：文件已损坏，或者不是模型。");
     }
@@ -49,11 +53,10 @@ void InferenceSession::run(const cv::Mat& picture, const cv::Scalar& mean, const
                            const std::stop_token& stop, const OutputReader& read) const {
     if (stop.stop_requested()) throw CancellationError();
     // One plane after the other.
-    const std::array<std::int64_t, 4> shape = {1, 3, picture.rows, picture.cols};
+    const std::int64_t shape[] = {1, 3, picture.rows, picture.cols};
     cv::Mat levels(3 * picture.rows, picture.cols, CV_32F);
     for (int channel = 0; channel < 3; ++channel) {
-        cv::Mat plane = levels.rowRange(channel * picture.rows, (channel + 1) * picture.rows);
-        cv::Mat bytes;
+        cv::Mat bytes, plane = levels.rowRange(channel * picture.rows, (channel + 1) * picture.rows);
         cv::extractChannel(picture, bytes, channel);
         bytes.convertTo(plane, CV_32F, 1 / deviation[channel], -mean[channel] / deviation[channel]);
     }
@@ -61,7 +64,7 @@ void InferenceSession::run(const cv::Mat& picture, const cv::Scalar& mean, const
     const std::stop_callback terminate(stop, [&options] { options.SetTerminate(); });
     const auto memory = Ort::MemoryInfo::CreateCpu(OrtArenaAllocator, OrtMemTypeDefault);
     const auto input =
-        Ort::Value::CreateTensor<float>(memory, levels.ptr<float>(), levels.total(), shape.data(), shape.size());
+        Ort::Value::CreateTensor<float>(memory, levels.ptr<float>(), levels.total(), shape, std::size(shape));
     const Ort::AllocatorWithDefaultOptions allocator;
     const auto inputName = session_->GetInputNameAllocated(0, allocator);
     const auto outputName = session_->GetOutputNameAllocated(0, allocator);
@@ -72,6 +75,8 @@ void InferenceSession::run(const cv::Mat& picture, const cv::Scalar& mean, const
         const auto sides = output.GetTensorTypeAndShapeInfo().GetShape();
         read({static_cast<int>(sides.at(sides.size() - 2)), static_cast<int>(sides.back()), CV_32F,
               output.GetTensorMutableData<float>()});
+    } catch (const cv::Exception&) {
+        throw Error("文字识别模型文件 " + file_.string() + " 已损坏：输出的大小不符。");
     } catch (const Ort::Exception& failure) {
         if (stop.stop_requested()) throw CancellationError();
         // The runtime's messages name source files and run over several lines; the first line holds the cause.

@@ -22,10 +22,10 @@ constexpr double wantedHeight = 1.04;
 
 // The most frequent colour, told coarsely, then averaged.
 cv::Scalar backgroundOf(const cv::Mat3b& bgr) {
-    std::array<cv::Vec4i, 8 * 8 * 8> sums{};  // of the pixels of one coarse colour; the last is their number
+    std::array<cv::Vec4d, 512> sums{};  // of the pixels of one coarse colour; the last is their number
     for (const auto& pixel : bgr)
-        sums[pixel[0] / 32U * 64 + pixel[1] / 32U * 8 + pixel[2] / 32U] += cv::Vec4i(pixel[0], pixel[1], pixel[2], 1);
-    const auto most = std::ranges::max_element(sums, {}, [](const cv::Vec4i& sum) { return sum[3]; });
+        sums[pixel[0] / 32U * 64 + pixel[1] / 32U * 8 + pixel[2] / 32U] += cv::Vec4d(pixel[0], pixel[1], pixel[2], 1);
+    const auto most = std::ranges::max_element(sums, {}, [](const cv::Vec4d& sum) { return sum[3]; });
     return cv::Scalar((*most)[0], (*most)[1], (*most)[2]) / (*most)[3];
 }
 

@@ -80,25 +80,24 @@ int unreadColumn(const Reading& reading, const ColumnRun& word) {
     return letters >= 2 && column < word.right ? column : word.left;
 }
 
-std::size_t ownCount(const SecondReader& reader, const Reading& reading) {
-    return static_cast<std::size_t>(
-        std::ranges::count_if(reading, [&](const ReadCharacter& character) { return reader.isOwn(character.code); }));
+std::ptrdiff_t ownCount(const SecondReader& reader, const Reading& reading) {
+    return std::ranges::count_if(reading, [&](const ReadCharacter& character) { return reader.isOwn(character.code); });
 }
 
 // How far the reader can be believed: not at all where little of what it read is of its script.
 double credibility(const SecondReader& reader, const Reading& reading) {
-    const std::size_t own = ownCount(reader, reading);
+    const std::ptrdiff_t own = ownCount(reader, reading);
     const auto others = std::ranges::count_if(reading, [&](const ReadCharacter& character) {
         const Script script = scriptOf(character.code);
         return !reader.isOwn(character.code) && script != Script::mark && script != Script::digit;
     });
-    return own > 0 && std::cmp_greater_equal(own, others) ? meanConfidence(reading) : 0;
+    return own > 0 && own >= others ? meanConfidence(reading) : 0;
 }
 
 // Enough of the script and little else.
 bool establishes(const Stretch& stretch) {
-    const std::size_t own = ownCount(*stretch.reader, stretch.reading);
-    return own >= 3 && own * 3 >= stretch.reading.size() * 2 && stretch.credibility >= establishing;
+    const std::ptrdiff_t own = ownCount(*stretch.reader, stretch.reading);
+    return own >= 3 && own * 3 >= std::ssize(stretch.reading) * 2 && stretch.credibility >= establishing;
 }
 
 class OtherScript {
@@ -120,9 +119,8 @@ public:
                 shown, [&](const Stretch& stretch) { return stretch.reader == reader && establishes(stretch); });
         });
         if (readers_.empty()) return;
-        for (Stretch& stretch : shown) {
+        for (Stretch& stretch : shown)
             if (std::ranges::find(readers_, stretch.reader) == readers_.end()) stretch.credibility = -1;
-        }
         readStretches(stretches_);
         for (const Stretch& stretch : stretches_) {
             const ColumnRun& columns = stretch.columns;
@@ -152,11 +150,10 @@ private:
         for (const auto& word : wordsOf(piece)) {
             const bool unread = !isRead(piece.reading, piece, word);
             const int column = unread ? unreadColumn(placed, word) : word.left;
-            if (unread && continues && column == word.left) {
+            if (unread && continues && column == word.left)
                 stretches_.back().columns.right = word.right;
-            } else if (unread) {
+            else if (unread)
                 stretches_.push_back({&piece, {column, word.right}});
-            }
             continues = unread;
         }
     }

@@ -74,9 +74,7 @@ Reading TesseractReader::read(const LinePiece& piece, const ColumnRun& columns, 
     engine->SetImage(grey.data, grey.cols, grey.rows, 1, static_cast<int>(grey.step));
     tesseract::ETEXT_DESC monitor;
     monitor.cancel_this = const_cast<std::stop_token*>(&stop);
-    monitor.cancel = [](void* token, int /*words*/) {
-        return static_cast<const std::stop_token*>(token)->stop_requested();
-    };
+    monitor.cancel = [](void* token, int) { return static_cast<const std::stop_token*>(token)->stop_requested(); };
     const bool isArabic = language_.script == Script::arabic;
     const bool setsWordsApart = language_.script != Script::hangul && language_.script != Script::thai;
     const bool isRead = engine->Recognize(&monitor) == 0;

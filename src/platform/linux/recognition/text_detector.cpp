@@ -4,7 +4,6 @@
 #include <cmath>
 #include <functional>
 #include <map>
-#include <ranges>
 
 #include <opencv2/core/utility.hpp>
 #include <opencv2/imgproc.hpp>
@@ -141,7 +140,8 @@ std::vector<cv::Rect> detectAt(const InferenceSession& network, const cv::Mat& p
             found.emplace(score, (scaled(whole, 1 / scale) + area.tl()) & cv::Rect({}, picture.size()));
     }
     std::vector<cv::Rect> regions;
-    for (const auto& entry : found | std::views::take(TextDetector::mostRegions)) regions.push_back(entry.second);
+    for (const auto& [score, region] : found)
+        if (regions.size() < TextDetector::mostRegions) regions.push_back(region);
     return regions;
 }
 
