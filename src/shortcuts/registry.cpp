@@ -213,6 +213,7 @@ void Registry::rest(bool isSuspended, bool isRecorderActive) {
 void Registry::noteFailure(const Shortcut& shortcut, const std::string& reason) {
     const RegistrationState refused{.kind = RegistrationState::Kind::refused, .reason = reason};
     if (std::exchange(answers_[shortcut], refused) == refused) return;
+    if (hotKeys_.problem()) return;  // of the session, not of this combination: said to the user elsewhere
     diagnostics_("Error registering hotkey " + description(shortcut, layout_) + ": " + reason);
 }
 
