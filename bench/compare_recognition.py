@@ -84,7 +84,7 @@ def peak_memory_mib(command):
 def main():
     if len(sys.argv) < 2:
         sys.exit(__doc__)
-    corpus, runs = pathlib.Path(sys.argv[1]), int(sys.argv[2]) if len(sys.argv) > 2 else 9
+    corpus, runs = pathlib.Path(sys.argv[1]).resolve(), int(sys.argv[2]) if len(sys.argv) > 2 else 9
     install_peers()
     picture = typical_capture(corpus)
     large = ROOT / "build/capture-4k.png"
