@@ -30,6 +30,7 @@
 #include "desktop/test_user.h"
 #include "desktop/wait.h"
 #include "frame_watch.h"
+#include "measuring.h"
 #include "platform/linux/recognition/onnx_text_recognizer.h"
 #include "platform/linux/x11/x11_connection.h"
 #include "practice/practice_service.h"
@@ -44,36 +45,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr const char* assistant = OVRIN_BINARY_DIR "/ovrin";
 constexpr const char* sampleProgram = OVRIN_BINARY_DIR "/ovrin_sample_program";
-
-double milliseconds(Clock::duration duration) {
-    return std::chrono::duration<double, std::milli>(duration).count();
-}
-
-double median(std::vector<double> values) {
-    std::ranges::sort(values);
-    return values.at(values.size() / 2);
-}
-
-double medianOf(int runs, const std::function<double()>& measure) {
-    std::vector<double> values(static_cast<std::size_t>(runs));
-    for (double& value : values) value = measure();
-    return median(values);
-}
-
-void report(const char* what, double value, const char* unit, double limit) {
-    std::printf("%-58s %8.1f %-3s  limit %6.0f %s\n", what, value, unit, limit, value <= limit ? "" : "  MISSED");
-    std::fflush(stdout);
-}
-
-// With shorter pauses than those of waitFor(): the time counts here. Without any, the X server and the program would
-// have to share what is left of the machine.
-void spinUntil(const char* what, const std::function<bool()>& condition) {
-    const auto deadline = Clock::now() + 30s;
-    while (!condition()) {
-        if (Clock::now() > deadline) throw Error(std::string("waited in vain for ") + what);
-        std::this_thread::sleep_for(1ms);
-    }
-}
 
 std::uint32_t pixelAt(const X11View& view, PixelSpot spot) {
     const X11Reply<xcb_get_image_reply_t> reply(xcb_get_image_reply(
@@ -180,7 +151,7 @@ private:
     double startTime() {
         const auto begin = Clock::now();
         start();
-        const double time = milliseconds(Clock::now() - begin);
+        const double time = millisecondsSince(begin);
         quit();
         return time;
     }
@@ -283,7 +254,7 @@ private:
         const auto begin = Clock::now();
         act();
         spinUntil("the change", [&] { return user_.picture(area) != before; });
-        return milliseconds(Clock::now() - begin);
+        return millisecondsSince(begin);
     }
 
     // The words that stand in the empty search field, away from the caret, and the text of the first row.
@@ -333,7 +304,7 @@ private:
         const auto begin = Clock::now();
         user_.pressKeys("t");
         spinUntil("the overlay", [&] { return pixelAt(user_.view(), corner) != bright; });
-        const double time = milliseconds(Clock::now() - begin);
+        const double time = millisecondsSince(begin);
         user_.releaseKeys("Super_L+Shift_L");
         std::this_thread::sleep_for(300ms);  // until it has faded in and holds the keyboard
         user_.pressKeys("Escape");
@@ -355,7 +326,7 @@ private:
                                 .automaticallyDetectsLanguage = true,
                                 .recognitionLanguages = {"zh-Hans", "zh-Hant", "en-US", "ja-JP", "ko-KR"}},
                                picture, {});
-            return milliseconds(Clock::now() - begin);
+            return millisecondsSince(begin);
         };
         captureTime(area);
         recognitionTime();
@@ -386,7 +357,7 @@ private:
         user_.release();
         // Asking the server more often would take the recognition a part of the machine.
         while (user_.clipboardChanges() == changes) std::this_thread::sleep_for(2ms);
-        const double time = milliseconds(Clock::now() - begin);
+        const double time = millisecondsSince(begin);
         std::this_thread::sleep_for(2500ms);  // until the toast has gone
         return time;
     }

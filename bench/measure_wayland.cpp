@@ -5,7 +5,6 @@
 // Run it on an idle machine. Every figure is the median of some runs; those on the screen are seen from outside, by
 // somebody who looks at one pixel again and again, which costs the compositor the time that is printed too: KWin, which
 // draws by software here, is held up by it.
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -24,6 +23,7 @@
 #include "desktop/bus_view.h"
 #include "desktop/wayland_desktop.h"
 #include "desktop/wayland_user.h"
+#include "measuring.h"
 #include "platform/image_encoder.h"
 #include "platform/linux/desktop/application_name.h"
 #include "platform/linux/recognition/linux_image_decoder.h"
@@ -42,34 +42,6 @@ using Clock = std::chrono::steady_clock;
 using Compositor = WaylandDesktop::Compositor;
 
 constexpr const char* assistantProgram = OVRIN_BINARY_DIR "/ovrin";
-
-double millisecondsSince(Clock::time_point begin) {
-    return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
-}
-
-double median(std::vector<double> values) {
-    std::ranges::sort(values);
-    return values.at(values.size() / 2);
-}
-
-double medianOf(int runs, const std::function<double()>& measure) {
-    std::vector<double> values(static_cast<std::size_t>(runs));
-    for (double& value : values) value = measure();
-    return median(values);
-}
-
-void report(const char* what, double value, const char* unit, double limit) {
-    std::printf("%-58s %8.1f %-3s  limit %6.1f %s\n", what, value, unit, limit, value <= limit ? "" : "  MISSED");
-    std::fflush(stdout);
-}
-
-void spinUntil(const char* what, const std::function<bool()>& condition, std::chrono::milliseconds pause = 0ms) {
-    const auto deadline = Clock::now() + 30s;
-    while (!condition()) {
-        if (Clock::now() > deadline) throw Error(std::string("waited in vain for ") + what);
-        std::this_thread::sleep_for(pause);
-    }
-}
 
 // What is watched is never converted.
 class NoEncoder final : public ImageEncoder {

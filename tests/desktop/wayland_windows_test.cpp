@@ -46,19 +46,6 @@ protected:
         waitFor("an empty output", [this] { return desktop->picture() == empty; });
     }
 
-    // The program asks the compositor to move it once it has seen the drag.
-    void dragUntil(PixelSpot from, const std::string& what, const std::function<bool()>& isReached) const {
-        user->moveTo(from);
-        user->press();
-        int step = 0;
-        waitFor(what, [&] {
-            step = step % 100 + 10;
-            user->moveTo({.x = from.x + step, .y = from.y + step});
-            return isReached();
-        });
-        user->release();
-    }
-
     static constexpr PixelSpot pointerPlace{.x = 5, .y = 5};
     PracticeService service{std::chrono::milliseconds(1)};
     std::unique_ptr<WaylandDesktop> desktop;
@@ -123,12 +110,12 @@ TEST_F(WaylandWindowsTest, SettingsFloatWithTheirShadowAndAreMovedByTheirBar) {
     click({.x = first.x + 764, .y = first.y + 22});
     EXPECT_EQ(shown(), drawn);
     EXPECT_EQ(desktop->waitForWindow("Ovrin 设置").area, first);
-    dragUntil({.x = first.x + 400, .y = first.y + 20}, "the window to be moved",
+    dragUntil(*user, {.x = first.x + 400, .y = first.y + 20}, "the window to be moved",
               [&] { return desktop->waitForWindow("Ovrin 设置").area.x > first.x; });
     const PixelArea moved = desktop->waitForWindow("Ovrin 设置").area;
     EXPECT_EQ(moved.width, first.width);
     const PixelSpot corner = moved.bottomRight();
-    dragUntil({.x = corner.x - 4, .y = corner.y - 4}, "the window to be larger",
+    dragUntil(*user, {.x = corner.x - 4, .y = corner.y - 4}, "the window to be larger",
               [&] { return desktop->waitForWindow("Ovrin 设置").area.width > moved.width; });
 }
 

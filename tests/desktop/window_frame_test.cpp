@@ -17,19 +17,6 @@ struct WindowFrameTest : DesktopTest {
     PixelSpot bar(const DesktopWindow& window) const {
         return {.x = area(window).x + area(window).width / 2, .y = area(window).y + 14};
     }
-    // Down and to the right. The window manager takes over at some moment, and follows what comes then.
-    template <typename Condition>
-    void dragUntil(const PixelSpot& from, const char* what, Condition isReached) {
-        user->moveTo(from);
-        user->press();
-        int step = 0;
-        waitFor(what, [&] {
-            step = step % 100 + 10;
-            user->moveTo({.x = from.x + step, .y = from.y + step});
-            return isReached();
-        });
-        user->release();
-    }
 };
 
 TEST_F(WindowFrameTest, TheBarAndTheEdgesOfTheSettingsWorkAsThoseOfAnyWindow) {
@@ -41,10 +28,10 @@ TEST_F(WindowFrameTest, TheBarAndTheEdgesOfTheSettingsWorkAsThoseOfAnyWindow) {
     user->doubleClick(bar(window));
     waitFor("the window to be as before", [&] { return area(window).width == first.width; });
 
-    dragUntil(bar(window), "the window to be moved", [&] { return area(window).x != first.x; });
+    dragUntil(*user, bar(window), "the window to be moved", [&] { return area(window).x != first.x; });
     const PixelArea moved = area(window);
     EXPECT_EQ(moved.width, first.width);
-    dragUntil({.x = moved.x + moved.width - 2, .y = moved.y + moved.height - 2}, "the window to be larger",
+    dragUntil(*user, {.x = moved.x + moved.width - 2, .y = moved.y + moved.height - 2}, "the window to be larger",
               [&] { return area(window).width > moved.width; });
 
     user->click(bar(window), TestUser::Button::right);

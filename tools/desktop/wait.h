@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "base/error.h"
+#include "desktop/pixel_area.h"
 
 namespace ovrin {
 
@@ -23,6 +24,21 @@ auto waitFor(const std::string& what, Condition condition, std::chrono::millisec
         if (std::chrono::steady_clock::now() > deadline) throw Error("waited in vain for " + what);
         std::this_thread::sleep_for(interval);
     }
+}
+
+// Has the user drag from there down and to the right until the condition holds. Whoever moves windows takes over at
+// some moment, and follows what comes then.
+template <typename User, typename Condition>
+void dragUntil(User& user, PixelSpot from, const std::string& what, Condition isReached) {
+    user.moveTo(from);
+    user.press();
+    int step = 0;
+    waitFor(what, [&] {
+        step = step % 100 + 10;
+        user.moveTo({.x = from.x + step, .y = from.y + step});
+        return isReached();
+    });
+    user.release();
 }
 
 }  // namespace ovrin

@@ -1,4 +1,4 @@
-// Puts the capture overlays on the displays of an X11 desktop.
+// Puts the capture overlays on the displays of the desktop.
 #pragma once
 
 #include "platform/capture_overlays.h"
