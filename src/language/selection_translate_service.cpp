@@ -25,9 +25,12 @@ constexpr auto focusInterval = 10ms;
 constexpr int maximumFocusChecks = 30;
 
 // Clipboard managers look at every new content before the program can paste it; the program itself reads the clipboard
-// some time after it got the keys.
+// some time after it got the keys. On a busy machine that takes longer, and what it found then would be what the user
+// had there. The clipboard does not wait for ever, because a program need not read it at all.
 constexpr auto timeBeforePaste = 60ms;
 constexpr auto timeAfterPaste = 180ms;
+constexpr auto readInterval = 45ms;
+constexpr int maximumReadChecks = 18;
 
 // A wait that is interrupted is merely over: the clipboard is borrowed, and what was begun has to be brought to its
 // end.
@@ -105,9 +108,17 @@ Task<Replacement> SelectionTranslateService::replaceSelection(std::string text, 
         snapshots.front().giveUp();
         co_return stillPossible;
     }
+    co_await paste();
+    co_return Replacement::pasted;
+}
+
+Task<void> SelectionTranslateService::paste() {
+    const std::int64_t before = clipboard_.readCount();
     keyboard_.paste();
     co_await waitUnlessInterrupted(timeAfterPaste);
-    co_return Replacement::pasted;
+    for (int check = 0; check < maximumReadChecks && clipboard_.readCount() == before; ++check) {
+        co_await waitUnlessInterrupted(readInterval);
+    }
 }
 
 // The clipboard's first. None where the clipboard could not be put back, so that the replacement has to stay on it.

@@ -28,7 +28,8 @@ public:
     // Throws SelectionError: noSelection after 360 ms without a text, pictureTooLarge before any key is pressed.
     Task<SelectedText> selectedText(SelectionUse use) override;
 
-    // Takes 240 ms where it pastes, besides the copy of the clipboard.
+    // Takes 240 ms where it pastes, besides the copy of the clipboard, and up to a second where nobody has read the
+    // replacement by then.
     Task<Replacement> replaceSelection(std::string text, SimulateKeyboard::Window window) override;
 
 private:
@@ -38,6 +39,7 @@ private:
     Task<std::string> shownText();
     Task<std::string> copiedText(SimulateKeyboard::Window window);
     Task<std::vector<PasteboardSnapshot>> snapshotsToPaste();
+    Task<void> paste();
 
     ClipboardService& clipboard_;
     SimulateKeyboard& keyboard_;

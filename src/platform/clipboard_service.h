@@ -47,6 +47,10 @@ public:
     // Differs after every change of the contents, whoever made it.
     virtual std::int64_t changeCount(ClipboardSource source = ClipboardSource::clipboard) const = 0;
 
+    // Grows whenever another program takes what this program has put on the clipboard, or selected; clipboard managers
+    // do so too.
+    virtual std::int64_t readCount() const = 0;
+
     // Where programs look for what the keys of paste are to put in, the clipboard first. Some take what is selected.
     virtual std::vector<ClipboardSource> pastedSources() const = 0;
 

@@ -69,6 +69,7 @@ public:
 
     std::optional<std::string> problem() const override { return reason_; }
     std::int64_t changeCount(ClipboardSource /*source*/) const override { return 0; }
+    std::int64_t readCount() const override { return 0; }
     std::vector<ClipboardSource> pastedSources() const override { return {ClipboardSource::clipboard}; }
     Task<std::optional<Image>> readImage() override {
         throw Error(reason_);

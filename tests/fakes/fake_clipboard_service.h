@@ -28,6 +28,7 @@ public:
     std::vector<ClipboardItem> selectedItems;
     std::int64_t changes = 0;
     std::int64_t selectedChanges = 0;
+    std::int64_t reads = 0;
     std::vector<ClipboardSource> pasted{ClipboardSource::clipboard};
     std::map<std::string, EventLoop::Duration> delays;  // how long the owner takes for a type
     std::vector<std::string> read;                      // the types that were asked for, in order
@@ -39,6 +40,7 @@ public:
     std::int64_t changeCount(Source source = Source::clipboard) const override {
         return source == Source::primary ? selectedChanges : changes;
     }
+    std::int64_t readCount() const override { return reads; }
     std::vector<ClipboardSource> pastedSources() const override { return pasted; }
     Task<std::optional<Image>> readImage() override {
         if (failure) throw *failure;

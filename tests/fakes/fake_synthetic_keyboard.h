@@ -16,6 +16,7 @@ public:
     bool isPermitted = true;
     bool answerToRequest = false;
     std::function<void()> onCopy = [] {};
+    std::function<void()> onPaste = [] {};
     Selection way = Selection::copied;
     Window front{7};
     int checksUntilFocus = 0;  // as often it is asked in vain whether another program has the keyboard
@@ -33,7 +34,10 @@ public:
         journal_.add("copy");
         onCopy();
     }
-    void paste() override { journal_.add("paste"); }
+    void paste() override {
+        journal_.add("paste");
+        onPaste();
+    }
 
 private:
     Journal& journal_;

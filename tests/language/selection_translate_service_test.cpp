@@ -31,6 +31,7 @@ protected:
     SelectionTranslateServiceTest() {
         clipboard.items = usersItems;
         clipboard.string = "the user's own";
+        keyboard.onPaste = [this] { ++clipboard.reads; };
     }
 
     void readSelection(SelectionUse use = SelectionUse::reading) { run(keepText(use)); }
@@ -272,6 +273,23 @@ TEST_F(SelectionTranslateServiceTest, PastesTheReplacementAndPutsTheClipboardBac
         EXPECT_EQ(journal.take(), (Events{"clipboard: 2 items", "end"}));
         EXPECT_EQ(clipboard.items, usersItems);
     }
+}
+
+TEST_F(SelectionTranslateServiceTest, ABusyProgramGetsTheTimeToReadTheReplacementButNotForEver) {
+    keyboard.onPaste = [this] { loop.postAfter(700ms, [this] { ++clipboard.reads; }); };
+    replaceSelection("le texte");
+    ++clipboard.reads;  // a clipboard manager's, before the keys
+    loop.advance(760ms - 1ns);
+    EXPECT_EQ(journal.take(), (Events{"clipboard: le texte", "paste"}));
+    loop.advance(45ms);
+    EXPECT_EQ(journal.take(), (Events{"clipboard: 2 items", "end"}));
+
+    keyboard.onPaste = [] {};
+    replaceSelection("le texte");
+    loop.advance(1050ms - 1ns);
+    EXPECT_EQ(journal.take(), (Events{"clipboard: le texte", "paste"}));
+    loop.advance(1ns);
+    EXPECT_EQ(journal.take(), (Events{"clipboard: 2 items", "end"}));
 }
 
 TEST_F(SelectionTranslateServiceTest, WhereTheKeysMayPasteWhatIsSelectedThatIsBorrowedToo) {

@@ -169,6 +169,7 @@ TEST_F(WaylandClipboardTest, TextGoesFromProgramToProgram) {
     EXPECT_EQ(loop.complete(ours->readString()), std::nullopt);
     ours->writeString("识别结果 “ok” 🙂");
     EXPECT_EQ(pasted("text/plain;charset=utf-8"), "识别结果 “ok” 🙂");
+    EXPECT_EQ(ours->readCount(), 1);
     const auto owner = copy({}, "译文\n第二行");
     EXPECT_EQ(loop.complete(ours->readString()), "译文\n第二行");
 }
@@ -246,6 +247,7 @@ TEST_F(WaylandClipboardTest, WhatIsSelectedIsReadBesideTheClipboard) {
     EXPECT_EQ(loop.complete(ours->readString()), "copied");
     EXPECT_EQ(ours->changeCount(), changes);
 
+    EXPECT_EQ(failureOf(*connect({.largest = 1}), ClipboardSource::primary), "选中的内容过大，无法读取。");
     selecting->signal(SIGSTOP);
     EXPECT_EQ(failureOf(*connect({.patience = 20ms}), ClipboardSource::primary),
               "选中文字的程序没有响应，请稍后再试。");

@@ -32,6 +32,7 @@ public:
         // The functions are called on the pumping thread.
         std::function<bool()> isGivenUp{};  // whether the read under way is; the eventfd is written after that happens
         std::function<void(Source)> changedByOthers{};
+        std::function<void()> readByOthers{};  // the contents, not only what forms they have
         // Makes the type from the picture on another thread and calls `done` with it, later or at once;
         // without data when it cannot be made. Nothing is called any more when the client has gone.
         std::function<void(std::shared_ptr<const Bytes> picture, std::string type, std::function<void(Bytes)> done)>

@@ -194,6 +194,7 @@ SelectionClient::User SelectionClipboard::user() {
     return {.wakeDescriptor = jobs_->wakeDescriptor(),
             .isGivenUp = [this] { return closing_.stop_requested() || reader_.stop_requested(); },
             .changedByOthers = [this](Source source) { countChange(source); },
+            .readByOthers = [this] { ++readsByOthers_; },
             .encode = [this](auto picture, auto type,
                              auto done) { encode(std::move(picture), std::move(type), std::move(done)); }};
 }

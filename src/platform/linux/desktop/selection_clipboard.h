@@ -40,6 +40,7 @@ public:
     ~SelectionClipboard() override;
 
     std::int64_t changeCount(ClipboardSource source) const override { return changesOf(source).load(); }
+    std::int64_t readCount() const override { return readsByOthers_.load(); }
     std::vector<ClipboardSource> pastedSources() const override { return {ClipboardSource::clipboard}; }
 
     // A picture, or the file of a picture that was copied in a file manager.
@@ -93,6 +94,7 @@ private:
     WorkerExecutor& workers_;
     std::atomic<std::int64_t> clipboardChanges_ = 0;
     std::atomic<std::int64_t> primaryChanges_ = 0;
+    std::atomic<std::int64_t> readsByOthers_ = 0;
     std::shared_ptr<Jobs> jobs_ = std::make_shared<Jobs>();
     std::stop_source closing_;
     std::stop_token reader_;                      // the thread's: stopped when nobody wants any more what it reads

@@ -138,6 +138,7 @@ void WaylandSelection::serve(const Holding& holding, std::string_view type, int 
     const ClipboardRepresentation* const source =
         form->encodedFrom.empty() ? form : formOf(*holding.own->item, form->encodedFrom);
     if (source == nullptr) return;
+    user_.readByOthers();
     // The data live on when the contents are no longer ours.
     std::shared_ptr<const Bytes> data(holding.own->item, &source->data);
     if (source == form) return beginTransfer(std::move(data), std::move(writing));

@@ -289,6 +289,7 @@ bool X11Selection::answer(xcb_window_t requestor, xcb_atom_t target, xcb_atom_t 
 
 void X11Selection::put(xcb_window_t requestor, xcb_atom_t property, xcb_atom_t type,
                        std::shared_ptr<const Bytes> data) {
+    user_.readByOthers();
     if (data->size() > pieceSize_) {
         return beginTransfer(requestor, property, {.data = std::move(data), .type = type});
     }
