@@ -464,6 +464,8 @@ public:
 
 int runAssistant(Launch launch) {
     chooseWindowSystem();
+    // Otherwise the toolkit asks OpenGL, too, what it could do for the first window.
+    QApplication::setAttribute(Qt::AA_ForceRasterWidgets);
     // Windows carry the program's name as their class.
     std::string name = "ovrin";
     std::array<char*, 2> arguments{name.data(), nullptr};

@@ -7,6 +7,7 @@
 #include <QUrl>
 
 #include "platform/linux/qt/wayland_activation.h"
+#include "platform/linux/qt/window_system.h"
 
 namespace ovrin {
 
@@ -17,19 +18,18 @@ QString freshActivationToken() {
 
 QProcessEnvironment environmentOfStartedProgram() {
     auto environment = QProcessEnvironment::systemEnvironment();
+    for (const QString& name : ownToolkitVariables()) environment.remove(name);
     const QString token = freshActivationToken();
     if (!token.isEmpty()) environment.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), token);
     return environment;
 }
 
 void openURL(const QUrl& url) {
-    const QProcessEnvironment environment = environmentOfStartedProgram();
     QProcess opener;
     opener.setProgram(QStringLiteral("xdg-open"));
     opener.setArguments({url.toString(QUrl::FullyEncoded)});
-    opener.setProcessEnvironment(environment);
-    const bool hasToken = environment.contains(QStringLiteral("XDG_ACTIVATION_TOKEN"));
-    if (!hasToken || !opener.startDetached()) QDesktopServices::openUrl(url);
+    opener.setProcessEnvironment(environmentOfStartedProgram());
+    if (!opener.startDetached()) QDesktopServices::openUrl(url);
 }
 
 }  // namespace ovrin

@@ -11,7 +11,7 @@ namespace ovrin {
 // A fresh one, for one program; empty where none is needed, or given because no window of ours has the keyboard.
 QString freshActivationToken();
 
-// The environment of a program, with such a token.
+// The environment of a program: what the user has set, with such a token.
 QProcessEnvironment environmentOfStartedProgram();
 
 // In the program that the user has chosen for such addresses.

@@ -42,6 +42,17 @@ void requireX11(bool isChosenByUser) {
     }
 }
 
+QStringList& variablesSet() {
+    static QStringList names;
+    return names;
+}
+
+void setUnlessChosen(const char* name, const char* value) {
+    if (!qEnvironmentVariableIsEmpty(name)) return;
+    qputenv(name, value);
+    variablesSet().append(QString::fromLatin1(name));
+}
+
 }  // namespace
 
 bool hasNativeWindows() {
@@ -53,14 +64,21 @@ void chooseWindowSystem() {
     const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
     const bool isWayland = hasNativeWindows();
     if (!isWayland) requireX11(!chosen.isEmpty());
-    if (chosen.isEmpty()) qputenv("QT_QPA_PLATFORM", isWayland ? "wayland" : "xcb");
+    setUnlessChosen("QT_QPA_PLATFORM", isWayland ? "wayland" : "xcb");
     if (!isWayland) return;
+    // Every window has a frame of its own or none. To find out whether it could draw another one, the toolkit would
+    // start OpenGL, which takes 20 ms of the first window's coming up where there is no graphics processor, and memory.
+    setUnlessChosen("QT_WAYLAND_DISABLE_WINDOWDECORATION", "1");
     if (isCompositorAble()) {
         // Windows that bypass the window manager get no role from the toolkit: it is given to them in LayerWindow.
-        qputenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
+        setUnlessChosen("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
         // They are where the program puts them, and menus and tool tips of theirs find their place by that.
-        qputenv("QT_WAYLAND_DISABLE_FIXED_POSITIONS", "1");
+        setUnlessChosen("QT_WAYLAND_DISABLE_FIXED_POSITIONS", "1");
     }
+}
+
+const QStringList& ownToolkitVariables() {
+    return variablesSet();
 }
 
 }  // namespace ovrin
