@@ -93,12 +93,12 @@ CaptureOverlayView::CaptureOverlayView(const ScreenInfo& screen, QImage backdrop
     fadeIn_.setEndValue(1.0);
     fadeIn_.setDuration(fadeInMilliseconds);
     fadeIn_.setEasingCurve(QEasingCurve::OutCubic);
-    connect(&fadeIn_, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
     fadeIn_.setCurrentTime(frameMilliseconds);  // a first frame without any dimming would be one that comes late
-    if (backdrop_.isNull()) {
-        create();
-        setFirstColor(*windowHandle(), dimmingColor());  // the program's own first picture takes longer
-    }
+    create();
+    // The program's own first picture takes longer.
+    if (backdrop_.isNull()) setFirstColor(*windowHandle(), dimmingColor());
+    pacedUpdates_ = new PacedUpdates(*this);
+    connect(&fadeIn_, &QVariantAnimation::valueChanged, this, [this] { pacedUpdates_->update(rect()); });
     show();
     raise();
     followScreens();
@@ -106,8 +106,9 @@ CaptureOverlayView::CaptureOverlayView(const ScreenInfo& screen, QImage backdrop
 
 // What the pointer has changed since it was at the place.
 void CaptureOverlayView::updateSelection(const std::optional<LocalPoint>& previousPoint) {
-    if (previousPoint) update(drawnArea(capture::selectionBetween(*startPoint_, *previousPoint)));
-    update(drawnArea(capture::selectionBetween(*startPoint_, *currentPoint_)));
+    QRegion area = drawnArea(capture::selectionBetween(*startPoint_, *currentPoint_));
+    if (previousPoint) area += drawnArea(capture::selectionBetween(*startPoint_, *previousPoint));
+    pacedUpdates_->update(area);
 }
 
 QRegion CaptureOverlayView::drawnArea(const LocalRect& selection) const {

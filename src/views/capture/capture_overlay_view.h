@@ -10,6 +10,7 @@
 
 #include "base/geometry.h"
 #include "platform/capture_overlays.h"
+#include "platform/linux/qt/paced_updates.h"
 #include "platform/linux/qt/qt_screens.h"
 
 namespace ovrin {
@@ -28,6 +29,8 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* /*event*/) override {}  // nothing of it looks different then
+    void focusOutEvent(QFocusEvent* /*event*/) override {}
 
 private:
     void followScreens();
@@ -47,6 +50,7 @@ private:
     std::optional<LocalPoint> startPoint_;
     std::optional<LocalPoint> currentPoint_;
     QVariantAnimation fadeIn_;  // 0..1
+    PacedUpdates* pacedUpdates_ = nullptr;
     QTimer screensSettle_;
 };
 
