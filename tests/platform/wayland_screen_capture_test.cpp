@@ -195,7 +195,7 @@ TEST_F(WaylandScreenCaptureTest, WhatIsNoLongerThereIsAnErrorAndTheNextComposito
     EXPECT_EQ(failureOfTaking({.id = DisplayId{9999}, .frame = found.at(0).frame}), "无法截取屏幕：显示器已断开。");
     EXPECT_EQ(failureOfTaking(found.at(0)), "no failure");
     compositor->freeze();
-    EXPECT_EQ(failureOfTaking(found.at(0)), "桌面（Wayland）没有应答。");
+    EXPECT_EQ(failureOfTaking(found.at(0)), "无法截取屏幕：桌面没有应答。");
     compositor->stop();
     EXPECT_EQ(failureOfTaking(found.at(0)), "无法连接到桌面（Wayland）。");
     start({HeadlessOutput()});

@@ -135,8 +135,7 @@ RawPicture requestPicture(const Rect<LayoutPoints>& area, const Pipe& pipe) {
             .format = isWords ? WL_SHM_FORMAT_XRGB8888 : WL_SHM_FORMAT_XBGR8888};
 }
 
-Image takePicture(const ScreenshotRequest& request) {
-    const WaylandConnection connection;
+Image takePicture(WaylandConnection& connection, const ScreenshotRequest& request) {
     const WaylandOutput& output = outputOf(connection, request.display);
     const PictureArea area = pictureAreaOf(output, request);
     Pipe pipe;

@@ -77,7 +77,7 @@ WaylandConnection::WaylandConnection(const char* name) : display_(wl_display_con
 
 // The display frees what was bound through it but for the memory of the client's halves.
 WaylandConnection::~WaylandConnection() {
-    for (const WaylandOutput& output : outputs_) wl_output_destroy(output.output);
+    releaseOutputs();
     if (seat_ != nullptr) wl_seat_destroy(seat_);
     if (sharedMemory_ != nullptr) wl_shm_destroy(sharedMemory_);
     if (registry_ != nullptr) wl_registry_destroy(registry_);
@@ -128,6 +128,21 @@ void WaylandConnection::findSeat() {
 wl_seat* WaylandConnection::bindSeat() {
     if (!globals_.contains(seatNumber_)) throw Error("此桌面（Wayland）没有键盘。");
     return static_cast<wl_seat*>(bindNamed(seatNumber_, wl_seat_interface, seatVersion));
+}
+
+// The compositor's half goes, too, where the version has a request for that.
+void WaylandConnection::releaseOutputs() {
+    for (const WaylandOutput& output : outputs_) {
+        const bool isTold = wl_output_get_version(output.output) >= WL_OUTPUT_RELEASE_SINCE_VERSION;
+        isTold ? wl_output_release(output.output) : wl_output_destroy(output.output);
+    }
+    outputs_.clear();
+}
+
+void WaylandConnection::refreshOutputs() {
+    roundTrip();
+    releaseOutputs();
+    findOutputs();
 }
 
 void WaylandConnection::findOutputs() {

@@ -66,8 +66,10 @@ public:
     wl_seat* seat() const { return seat_; }
     // The same anew. Throws Error without any.
     wl_seat* bindSeat();
-    // As they were when the connection was made.
+    // As they were when the connection was made, or refreshOutputs() called.
     const std::vector<WaylandOutput>& outputs() const { return outputs_; }
+    // Asks anew. Throws Error when the compositor has gone.
+    void refreshOutputs();
 
     // The version of the interface that the compositor offers; 0 where it offers none.
     std::uint32_t versionOf(const wl_interface& interface) const;
@@ -104,6 +106,7 @@ private:
     void* bindNamed(std::uint32_t name, const wl_interface& interface, std::uint32_t version);
     void findSeat();
     void findOutputs();
+    void releaseOutputs();
 
     WaylandObject<wl_display, wl_display_disconnect> display_;
     wl_registry* registry_ = nullptr;

@@ -56,8 +56,7 @@ Frame startFrame(zwlr_screencopy_manager_v1* manager, wl_output* output, const P
         manager, withoutPointer, output, area.points.x, area.points.y, area.points.width, area.points.height));
 }
 
-Image takePicture(const ScreenshotRequest& request) {
-    WaylandConnection connection;
+Image takePicture(WaylandConnection& connection, const ScreenshotRequest& request) {
     const WaylandOutput& output = outputOf(connection, request.display);
     const PictureArea area = pictureAreaOf(output, request);
     const Manager manager(connection.bind<zwlr_screencopy_manager_v1>(zwlr_screencopy_manager_v1_interface, 1));
