@@ -63,6 +63,7 @@ void LayerShell::bind(wl_display* display) {
     static constexpr wl_registry_listener listener = {
         [](void* self, wl_registry* registry, std::uint32_t name, const char* interface, std::uint32_t version) {
             LayerShell& shell = shellOf(self);
+            if (std::string_view(interface).starts_with("org_kde_kwin_")) shell.isOnKWin_ = true;
             if (std::string_view(interface) == wl_seat_interface.name) return shell.addSeat(registry, name, version);
             if (std::string_view(interface) == wl_subcompositor_interface.name) {
                 shell.subcompositor_ =
@@ -148,10 +149,13 @@ wl_surface* LayerShell::surfaceOf(QWindow& window) {
 
 zwlr_layer_surface_v1* LayerShell::giveRole(QWindow& window, wl_output* output, std::uint32_t layer,
                                             const zwlr_layer_surface_v1_listener& listener, void* data) {
+    // KWin goes by the name: windows of other kinds would grow and fade in, and out for 200 ms, in which the picture of
+    // what was below the overlay is taken. Elsewhere users write rules for it.
+    const char* const name = isOnKWin_ ? "utility" : "ovrin";
     wl_surface* const surface = surfaceOf(window);
     const Wrapper<zwlr_layer_shell_v1> wrapper = onQueue(shell_, queue_);
     zwlr_layer_surface_v1* const role =
-        zwlr_layer_shell_v1_get_layer_surface(wrapper.get(), surface, output, layer, "ovrin");
+        zwlr_layer_shell_v1_get_layer_surface(wrapper.get(), surface, output, layer, name);
     zwlr_layer_surface_v1_add_listener(role, &listener, data);
     shown_.push_back({.window = &window, .surface = surface});
     return role;

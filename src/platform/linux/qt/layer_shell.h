@@ -75,6 +75,7 @@ private:
     zwlr_layer_shell_v1* shell_ = nullptr;
     wl_subcompositor* subcompositor_ = nullptr;
     std::uint32_t version_ = 0;
+    bool isOnKWin_ = false;
     std::vector<Seat> seats_;
     std::vector<Shown> shown_;
     QWindow* keyboardWindow_ = nullptr;

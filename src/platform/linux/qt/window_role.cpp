@@ -35,7 +35,8 @@ Qt::WindowFlags flagsFor(const QWidget& window, WindowRole role) {
         case WindowRole::menu:
             return window.windowFlags() | own;
         case WindowRole::overlay:
-            return Qt::Window | Qt::BypassWindowManagerHint | Qt::WindowStaysOnTopHint | own;
+            // Compositors fade others in and out, and the picture of what was below is taken right after it.
+            return Qt::Tool | Qt::BypassWindowManagerHint | Qt::WindowStaysOnTopHint | own;
     }
     return Qt::Window | own;
 }
