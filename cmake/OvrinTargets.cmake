@@ -11,6 +11,11 @@ if(OVRIN_SANITIZE)
   target_compile_options(ovrin_options INTERFACE -fsanitize=${OVRIN_SANITIZE} -fno-sanitize-recover=all
                                                  -fno-omit-frame-pointer)
   target_link_options(ovrin_options INTERFACE -fsanitize=${OVRIN_SANITIZE})
+  # Every program gets it, those too that tests start.
+  add_library(ovrin_sanitizers OBJECT "${CMAKE_SOURCE_DIR}/tests/sanitizers.cpp")
+  target_compile_definitions(ovrin_sanitizers PRIVATE OVRIN_SANITIZER_REPORTS="${CMAKE_BINARY_DIR}/sanitizer_reports")
+  target_sources(ovrin_options INTERFACE
+    "$<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:$<TARGET_OBJECTS:ovrin_sanitizers>>")
 endif()
 
 # ovrin_sources(VARIABLE FOLDER...): the .cpp files that lie directly in the folders.
@@ -57,9 +62,6 @@ function(ovrin_test)
   # Only programs that start others know where this checkout lies; a compiler cache shares the objects of the rest.
   if(NOT ARG_LABEL STREQUAL "unit")
     target_compile_definitions(${target} PRIVATE OVRIN_SOURCE_DIR="${CMAKE_SOURCE_DIR}" OVRIN_BINARY_DIR="${CMAKE_BINARY_DIR}")
-  endif()
-  if(OVRIN_SANITIZE)
-    target_sources(${target} PRIVATE "${CMAKE_SOURCE_DIR}/tests/sanitizers.cpp")
   endif()
   set(properties LABELS ${ARG_LABEL})
   if(ARG_ALONE)
