@@ -10,6 +10,9 @@
 
 #include <malloc.h>
 #include <opencv2/core.hpp>
+#ifdef __x86_64__
+#include <cpuid.h>
+#endif
 
 #include "base/error.h"
 #include "base/memory.h"
@@ -65,12 +68,26 @@ std::vector<TextObservation> observations(const std::vector<LinePiece>& page, co
     return lines;
 }
 
+#ifdef __x86_64__
+// The processor itself is asked, because clang-tidy 14 does not know this extension by its name. That the system keeps
+// the registers is part of "avx".
+bool hasAvxVnni() {
+    constexpr unsigned leaf = 7;
+    constexpr unsigned subleaf = 1;
+    unsigned eax = 0;
+    unsigned ebx = 0;
+    unsigned ecx = 0;
+    unsigned edx = 0;
+    return __builtin_cpu_supports("avx") && __get_cpuid_count(leaf, subleaf, &eax, &ebx, &ecx, &edx) != 0 &&
+           (eax & bit_AVXVNNI) != 0;
+}
+#endif
+
 }  // namespace
 
 std::string RecognitionFiles::recognitionModelOfThisProcessor() {
 #ifdef __x86_64__
-    if (__builtin_cpu_supports("avx512vnni") || __builtin_cpu_supports("avxvnni"))
-        return "PP-OCRv6_rec_small_int8.onnx";
+    if (__builtin_cpu_supports("avx512vnni") || hasAvxVnni()) return "PP-OCRv6_rec_small_int8.onnx";
 #endif
     return "PP-OCRv6_rec_small.onnx";
 }
