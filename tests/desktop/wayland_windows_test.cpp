@@ -59,10 +59,10 @@ TEST_F(WaylandWindowsTest, ThePaletteIsInTheMiddleTakesWhatIsTypedAndGoesWhenThe
     const PixelArea middle{.x = 380, .y = 130, .width = 520, .height = 460};
     for (const bool isClick : {false, true}) {
         ASSERT_EQ(assistant->perform("command-palette"), 0);
-        EXPECT_EQ(shown(), middle);
+        waitFor("the palette", [&] { return shown() == middle; });
         const QImage before = desktop->settledPicture();
         user->type("ocr");
-        EXPECT_GT(WaylandDesktop::difference(before, desktop->settledPicture()).width, 0);
+        waitFor("what is typed", [&] { return desktop->picture() != before; });
         if (isClick) {
             click({.x = 100, .y = 650});
         } else {
@@ -76,12 +76,12 @@ TEST_F(WaylandWindowsTest, TheBarOfTheChatBecomesAWindowAndABarAgain) {
     begin();
     const PixelArea bar{.x = 370, .y = 285, .width = 540, .height = 150};
     ASSERT_EQ(assistant->perform("direct-ai"), 0);
-    EXPECT_EQ(shown(), bar);
+    waitFor("the bar", [&] { return shown() == bar; });
     EXPECT_THAT(desktop->windows(), testing::IsEmpty());
     user->type("hello");
     // Its menu goes beyond its edges.
     click({.x = 600, .y = 400}, WaylandUser::Button::right);
-    EXPECT_GT(shown().height, bar.height);
+    waitFor("the menu", [&] { return shown().height > bar.height; });
     click({.x = 100, .y = 650});
     waitFor("the end of the menu", [&] { return shown() == bar; });
 
