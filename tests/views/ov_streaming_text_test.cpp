@@ -232,6 +232,14 @@ TEST_F(StreamingText, OpensALinkThatIsClickedButNotOneThatIsSelected) {
     EXPECT_EQ(opened, QStringList("https://a.b/c"));
 }
 
+TEST_F(StreamingText, IsDrawnAtItsWidthWhateverOtherALayoutAskedAbout) {
+    show(answer, Progress::finished);
+    text.resize(150, text.heightForWidth(150));
+    const QImage before = text.grab().toImage();
+    text.heightForWidth(1000);
+    EXPECT_EQ(text.grab().toImage(), before);
+}
+
 TEST_F(StreamingText, StartsOverWithAnotherText) {
     show("first text\nof two lines", Progress::finished);
     text.selectAll();

@@ -161,6 +161,7 @@ void OVStreamingText::resizeEvent(QResizeEvent* /*event*/) {
 }
 
 void OVStreamingText::paintEvent(QPaintEvent* event) {
+    document_.setWidth(std::max(width(), 1));  // which a layout may have asked about another one since
     QPainter painter(this);
     document_.draw(painter, event->rect(), selection());
 }
