@@ -1,6 +1,10 @@
 // What a Wayland session does to the program: it comes and goes, loses a display, and lets windows to the front.
+#include <filesystem>
+#include <fstream>
+#include <future>
 #include <map>
 #include <memory>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -9,6 +13,8 @@
 #include <nlohmann/json.hpp>
 
 #include "base/json.h"
+#include "desktop/bus_service.h"
+#include "desktop/bus_view.h"
 #include "desktop/picture.h"
 #include "desktop/wait.h"
 #include "desktop/wayland_desktop.h"
@@ -30,9 +36,18 @@ struct WaylandSessionTest : testing::Test {
         desktop = std::make_unique<WaylandDesktop>(outputs);
         user = std::make_unique<WaylandUser>(desktop->compositor().display());
         empty = desktop->settledPicture();
+        // What programs are started with, in place of a browser.
+        const std::filesystem::path opener = desktop->home() / "bin/xdg-open";
+        std::filesystem::create_directory(opener.parent_path());
+        std::ofstream(opener) << "#!/bin/sh\necho \"$1 $XDG_ACTIVATION_TOKEN\" > " << opened().string() << '\n';
+        std::filesystem::permissions(opener, std::filesystem::perms::owner_all);
         assistant = std::make_unique<WaylandAssistant>(
-            *desktop, WaylandAssistant::Setup{.program = program, .serviceURL = service.baseURL()});
+            *desktop,
+            WaylandAssistant::Setup{.program = program,
+                                    .serviceURL = service.baseURL(),
+                                    .environment = {"PATH=" + opener.parent_path().string() + ":/usr/bin:/bin"}});
     }
+    std::filesystem::path opened() const { return desktop->home() / "opened"; }
     void tell(const std::string& command) const {
         const auto message = desktop->start(
             {.arguments = {"swaymsg", "--socket", desktop->compositor().controlSocket().string(), command}});
@@ -102,6 +117,64 @@ TEST_F(WaylandSessionTest, AWindowComesToTheFrontByTheTokenOfWhoAsksForIt) {
             ->waitForEnd();
         waitFor("the window to have the focus", [this] { return desktop->waitForWindow("Ovrin").hasFocus; });
     }
+}
+
+TEST_F(WaylandSessionTest, ThePanelsMenuOpensAWindowInFrontByThePanelsToken) {
+    begin();
+    tell("focus_on_window_activation focus");
+    std::promise<std::string> registered;
+    const BusService panel(desktop->busAddress(),
+                           {.name = "org.kde.StatusNotifierWatcher",
+                            .path = "/StatusNotifierWatcher",
+                            .description = "<node><interface name='org.kde.StatusNotifierWatcher'>"
+                                           "<method name='RegisterStatusNotifierItem'><arg type='s' direction='in'/>"
+                                           "</method></interface></node>"},
+                           [&](const std::string& /*method*/, GVariant* arguments) -> GVariant* {
+                               const char* item = nullptr;
+                               g_variant_get(arguments, "(&s)", &item);
+                               registered.set_value(item);
+                               return nullptr;
+                           });
+    const std::string item = registered.get_future().get();
+    const std::string interface = "org.kde.StatusNotifierItem";
+    const std::string itemPath = "/StatusNotifierItem";
+    const Variant menu = desktop->bus().property({item, itemPath, interface, "Menu"});
+    const auto callMenu = [&](const char* name, GVariant* arguments) {
+        return desktop->bus().call({item, g_variant_get_string(menu.get(), nullptr), "com.canonical.dbusmenu", name},
+                                   arguments);
+    };
+    const Variant layout = callMenu("GetLayout", g_variant_new_parsed("(0, -1, @as [])"));
+    const std::unique_ptr<char, decltype(&g_free)> lines(g_variant_print(layout.get(), FALSE), &g_free);
+    std::cmatch line;
+    ASSERT_TRUE(std::regex_search(lines.get(), line, std::regex(R"(\((\d+), \{[^{}]*'label': <'设置)"))) << lines.get();
+
+    ASSERT_EQ(assistant->perform("settings"), 0);
+    desktop->waitForWindow("Ovrin");
+    tell("workspace other");
+    ASSERT_FALSE(desktop->waitForWindow("Ovrin").hasFocus);
+    desktop->bus().call({item, itemPath, interface, "ProvideXdgActivationToken"},
+                        g_variant_new("(s)", activationToken().c_str()));
+    callMenu("Event", g_variant_new("(isvu)", std::stoi(line[1]), "clicked", g_variant_new_string(""), 0U));
+    waitFor("the window to have the focus", [this] { return desktop->waitForWindow("Ovrin").hasFocus; });
+}
+
+TEST_F(WaylandSessionTest, AProgramThatIsStartedGetsATokenForItsWindow) {
+    begin();
+    ASSERT_EQ(assistant->perform("direct-ai"), 0);
+    desktop->settledPicture();
+    std::string words;
+    for (int word = 0; word < 80; ++word) words += "there ";
+    user->type("[" + words + "](https://example.org/there)");  // which the answer repeats
+    user->pressKeys("Return");
+    const PixelArea chat = desktop->waitForWindow("TalkBox").area;
+    desktop->settledPicture();
+    user->click({.x = chat.center().x, .y = chat.y + 360});
+    waitFor("the browser", [this] { return std::filesystem::exists(opened()); });
+    std::string address;
+    std::string token;
+    std::ifstream(opened()) >> address >> token;
+    EXPECT_EQ(address, "https://example.org/there");
+    EXPECT_NE(token, "");
 }
 
 TEST_F(WaylandSessionTest, TheDoctorAsksForEachCapability) {

@@ -34,7 +34,8 @@ ChildProcess::Setup KWinTestCompositor::setupIn(const std::filesystem::path& fol
                                                "LIBGL_ALWAYS_SOFTWARE=1"});
     }
     return {.arguments = {(folder / "kwin_wayland").string(), "--virtual", "--width", std::to_string(session.width),
-                          "--height", std::to_string(session.height), "--socket", socketName, "--no-lockscreen",
+                          "--height", std::to_string(session.height), "--output-count", std::to_string(session.outputs),
+                          "--scale", std::to_string(session.scale), "--socket", socketName, "--no-lockscreen",
                           "--no-global-shortcuts", program.string()},
             .environment = environment};
 }

@@ -22,8 +22,10 @@ public:
     struct Session {
         std::string busAddress;
         std::filesystem::path dataFolder;
-        int width = 1024;  // pixels of the output
+        int width = 1024;  // pixels of each output
         int height = 768;
+        int outputs = 1;
+        double scale = 1;  // pixels per point
     };
     // Returns when it takes connections. Throws Error when it cannot be started.
     explicit KWinTestCompositor(const Session& session);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -53,12 +54,22 @@ WaylandDesktop::WaylandDesktop(const std::vector<HeadlessOutput>& outputs)
 
 WaylandDesktop::WaylandDesktop(const Setup& setup) : busView_(std::make_unique<BusView>(bus_.address())) {
     if (setup.compositor == Compositor::sway) {
-        sway_.emplace(std::vector<HeadlessOutput>{{.width = setup.width, .height = setup.height}});
+        std::vector<HeadlessOutput> outputs;
+        for (int output = 0; output < setup.outputs; ++output) {
+            const auto left = std::lround(output * setup.width / setup.scale);
+            outputs.push_back(
+                {.width = setup.width, .height = setup.height, .scale = setup.scale, .x = static_cast<int>(left)});
+        }
+        sway_.emplace(outputs);
     } else {
         install(applicationId, setup.program);
         install("ovrin-test", std::filesystem::read_symlink("/proc/self/exe"));
-        kwin_.emplace(KWinTestCompositor::Session{
-            .busAddress = bus_.address(), .dataFolder = home() / "data", .width = setup.width, .height = setup.height});
+        kwin_.emplace(KWinTestCompositor::Session{.busAddress = bus_.address(),
+                                                  .dataFolder = home() / "data",
+                                                  .width = setup.width,
+                                                  .height = setup.height,
+                                                  .outputs = setup.outputs,
+                                                  .scale = setup.scale});
     }
     begin();
     accessibility_ = start({.arguments = {"/usr/libexec/at-spi-bus-launcher", "--launch-immediately"}});
@@ -106,8 +117,10 @@ std::vector<std::string> WaylandDesktop::environment() const {
 }
 
 std::unique_ptr<ChildProcess> WaylandDesktop::start(const Program& program) const {
-    std::vector<std::string> variables = environment();
-    variables.insert(variables.end(), program.environment.begin(), program.environment.end());
+    // Of two values of a variable the first counts.
+    std::vector<std::string> variables = program.environment;
+    const std::vector<std::string> common = environment();
+    variables.insert(variables.end(), common.begin(), common.end());
     return std::make_unique<ChildProcess>(ChildProcess::Setup{.arguments = program.arguments,
                                                               .environment = std::move(variables),
                                                               .afterInput = program.input,
@@ -230,7 +243,7 @@ WaylandAssistant::WaylandAssistant(const WaylandDesktop& desktop, Setup setup)
     const std::filesystem::path folder = desktop.home() / "config/Ovrin";
     std::filesystem::create_directories(folder);
     std::ofstream(folder / "preferences.json") << R"({"ovrin.didDismissWelcome":true})";
-    std::vector<std::string> variables = setup_.environment;
+    std::vector<std::string>& variables = setup_.environment;
     variables.emplace_back("OVRIN_LOCAL_PORTS=none");
     if (!setup_.serviceURL.empty()) {
         variables.insert(variables.end(), {"OVRIN_BASE_URL=" + setup_.serviceURL, "OVRIN_API_KEY=practice"});
@@ -238,12 +251,13 @@ WaylandAssistant::WaylandAssistant(const WaylandDesktop& desktop, Setup setup)
     process_ = desktop.start({.arguments = {setup_.program}, .environment = variables});
     waitFor("the assistant on the bus", [this] {
         if (!process_->isRunning()) throw Error("the assistant ended: " + desktop_.log());
-        return desktop_.bus().hasOwner(applicationId);
+        return desktop_.bus().hasOwner(applicationId) || desktop_.log().find("no session bus") != std::string::npos;
     });
 }
 
 int WaylandAssistant::perform(const std::string& action) const {
-    return desktop_.start({.arguments = {setup_.program, "do", action}})->waitForEnd();
+    return desktop_.start({.arguments = {setup_.program, "do", action}, .environment = setup_.environment})
+        ->waitForEnd();
 }
 
 }  // namespace ovrin

@@ -31,14 +31,16 @@ class WorkerExecutor;
 class WaylandDesktop {
 public:
     explicit WaylandDesktop(const std::vector<HeadlessOutput>& outputs = {HeadlessOutput()});
-    // One output of this size, and windows that a screen reader can read. KWin takes the program at this path, and this
-    // process, for installed.
+    // Outputs of this size beside each other, and windows that a screen reader can read. KWin takes the program at this
+    // path, and this process, for installed.
     enum class Compositor : std::uint8_t { sway, kwin };
     struct Setup {
         Compositor compositor = Compositor::sway;
         int width = 1600;
         int height = 1000;
         std::string program;
+        int outputs = 1;
+        double scale = 1;  // pixels per point
     };
     explicit WaylandDesktop(const Setup& setup);
     ~WaylandDesktop();
@@ -49,13 +51,14 @@ public:
     std::string display() const { return sway_ ? sway_->display() : kwin_->display(); }
     void stopCompositor() { sway_ ? sway_->stop() : kwin_->stop(); }
     const BusView& bus() const { return *busView_; }
+    const std::string& busAddress() const { return bus_.address(); }
     std::filesystem::path home() const { return home_.path(); }
 
     // The whole environment of the programs that run on it.
     std::vector<std::string> environment() const;
     struct Program {
         std::vector<std::string> arguments;                       // the program first
-        std::vector<std::string> environment{};                   // beside the desktop's
+        std::vector<std::string> environment{};                   // in place of the desktop's, or beside them
         ChildProcess::Input input = ChildProcess::Input::ends;    // of its standard input
         ChildProcess::Output output = ChildProcess::Output::log;  // which is the file "log" at home
     };
@@ -118,11 +121,11 @@ private:
 class WaylandAssistant {
 public:
     struct Setup {
-        std::string program;     // path of ovrin
-        std::string serviceURL;  // of the model service
-        std::vector<std::string> environment{};
+        std::string program;                     // path of ovrin
+        std::string serviceURL;                  // of the model service
+        std::vector<std::string> environment{};  // in place of the desktop's, or beside them
     };
-    // Returns when it obeys.
+    // Returns when it obeys, or has said that there is no bus by which it could.
     WaylandAssistant(const WaylandDesktop& desktop, Setup setup);
 
     ChildProcess& process() { return *process_; }

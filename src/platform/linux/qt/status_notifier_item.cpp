@@ -18,6 +18,7 @@
 #include "base/environment.h"
 #include "platform/linux/desktop/session_bus.h"
 #include "platform/linux/qt/status_notifier_pixmap.h"
+#include "platform/linux/qt/window_role.h"
 
 namespace ovrin {
 
@@ -34,6 +35,7 @@ constexpr const char* introspection =
     "<method name=\"Activate\"><arg type=\"i\" direction=\"in\"/><arg type=\"i\" direction=\"in\"/></method>"
     "<method name=\"ContextMenu\"><arg type=\"i\" direction=\"in\"/><arg type=\"i\" direction=\"in\"/></method>"
     "<method name=\"SecondaryActivate\"><arg type=\"i\" direction=\"in\"/><arg type=\"i\" direction=\"in\"/></method>"
+    "<method name=\"ProvideXdgActivationToken\"><arg type=\"s\" direction=\"in\"/></method>"
     "<method name=\"Scroll\"><arg type=\"i\" direction=\"in\"/><arg type=\"s\" direction=\"in\"/></method>"
     "<property name=\"Category\" type=\"s\" access=\"read\"/><property name=\"Id\" type=\"s\" access=\"read\"/>"
     "<property name=\"Title\" type=\"s\" access=\"read\"/><property name=\"Status\" type=\"s\" access=\"read\"/>"
@@ -104,6 +106,8 @@ public:
         const QString method = message.member();
         // The answer first: what the click does may take its time.
         connection.send(message.createReply());
+        if (method == QLatin1String("ProvideXdgActivationToken"))
+            setActivationToken(message.arguments().value(0).toString().toStdString());
         if (method == QLatin1String("Activate")) emit item_.activated(placeIn(message));
         if (method == QLatin1String("ContextMenu")) emit item_.menuRequested(placeIn(message));
         return true;
