@@ -24,6 +24,7 @@
 #include "desktop/screen_reader.h"
 #include "desktop/test_user.h"
 #include "desktop/wait.h"
+#include "fakes/name_hiding_socket.h"
 #include "practice/practice_service.h"
 
 namespace ovrin {
@@ -33,6 +34,7 @@ protected:
     struct Scene {
         std::string program = OVRIN_BINARY_DIR "/ovrin";
         std::vector<std::string> environment{};  // of the assistant, on top of what it gets anyway
+        std::string hidden{};                    // the extension of the X server that it does not get to see
         PrivateDesktop::Setup desktop{.accessibility = PrivateDesktop::Accessibility::on};
         std::string standard = "openai-compatible";
         Assistant::Setup::Launch launch = Assistant::Setup::Launch::later;
@@ -102,6 +104,7 @@ private:
     SampleProgram& open(SampleProgram::Kind kind);
 
     std::size_t monitorCount_ = 1;
+    std::optional<NameHidingSocket> server_;
 };
 
 }  // namespace ovrin

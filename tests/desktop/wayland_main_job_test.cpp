@@ -5,54 +5,26 @@
 #include <string>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "desktop/picture.h"
-#include "desktop/screen_reader.h"
 #include "desktop/wait.h"
-#include "desktop/wayland_desktop.h"
-#include "desktop/wayland_user.h"
+#include "desktop/wayland_desktop_test.h"
 #include "practice/page_text.h"
-#include "practice/practice_service.h"
 
 namespace ovrin {
 namespace {
 
-using Kind = SampleDialogue::Kind;
-using Selection = WaylandDesktop::Selection;
-
 const std::string sentence = "A ticket to the small island costs three coins.";
 const std::string ownText = "the user's own";
 
-using Compositor = WaylandDesktop::Compositor;
-
-class WaylandMainJobTest : public testing::TestWithParam<Compositor> {
+class WaylandMainJobTest : public WaylandDesktopTest, public testing::WithParamInterface<WaylandDesktop::Compositor> {
 protected:
     void SetUp() override {
-        if (GetParam() == Compositor::sway && WaylandTestCompositor::mayBeSkipped()) GTEST_SKIP() << "needs sway";
-        if (GetParam() == Compositor::kwin && KWinTestCompositor::mayBeSkipped()) GTEST_SKIP() << "needs kwin-wayland";
-        desktop = std::make_unique<WaylandDesktop>(
-            WaylandDesktop::Setup{.compositor = GetParam(), .program = OVRIN_BINARY_DIR "/ovrin"});
-        user = std::make_unique<WaylandUser>(desktop->display());
-        reader = std::make_unique<ScreenReader>(desktop->bus());
-        assistant = std::make_unique<WaylandAssistant>(*desktop, WaylandAssistant::Setup{
-                                                                     .program = OVRIN_BINARY_DIR "/ovrin",
-                                                                     .serviceURL = service.baseURL(),
-                                                                 });
-    }
-    void TearDown() override {
-        if (!HasFailure() || !desktop) return;
-        std::cerr << "The assistant wrote: " << desktop->log() << '\n';
-        const std::filesystem::path folder(OVRIN_BINARY_DIR "/desktop-failures");
-        std::filesystem::create_directories(folder);
-        std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
-        std::ranges::replace(name, '/', '-');
-        desktop->picture().save(QString::fromStdString((folder / (name + ".png")).string()));
+        if (mayBeSkipped(GetParam())) GTEST_SKIP() << "needs sway and kwin-wayland";
+        begin({.compositor = GetParam(), .program = OVRIN_BINARY_DIR "/ovrin"});
+        startAssistant();
     }
 
-    void open(Kind kind) {
-        program = std::make_unique<WaylandSampleProgram>(*desktop, OVRIN_BINARY_DIR "/ovrin_sample_program", kind);
-    }
     // An editor in which the text is selected, and something of the user's on the clipboard.
     void openEditorWith(const std::string& text) {
         desktop->copyText(ownText);
@@ -61,13 +33,6 @@ protected:
         user->click(program->area().center());
         user->pressKeys("Control_L+a");
         waitForSelected(text, Selection::primary);
-    }
-    void waitForOverlay(double brightnessBefore) const {
-        constexpr double dimmest = 0.75;
-        waitFor("a dimmed output", [&] { return brightness(desktop->picture()) < dimmest * brightnessBefore; });
-    }
-    void waitForSelected(const std::string& text, Selection selection = Selection::clipboard) const {
-        waitFor("the text to be selected: " + text, [&] { return desktop->selectedText(selection) == text; });
     }
     void waitForKeyboardIn(const std::string& name) const {
         waitFor("the keyboard in a window of " + name, [&] {
@@ -80,22 +45,6 @@ protected:
         reader->waitForName("ovrin", "命令面板");
         waitForKeyboardIn("ovrin");
     }
-    void waitForWords(const std::string& words) const { reader->waitForWords("ovrin", words); }
-    PracticeService::Exchange waitForExchange(std::size_t number) const {
-        return *waitFor("an answer of the service", [&]() -> std::optional<PracticeService::Exchange> {
-            const auto exchanges = service.exchanges();
-            if (exchanges.size() <= number) return std::nullopt;
-            const auto& exchange = exchanges[number];
-            return exchange.state == PracticeService::Exchange::State::running ? std::nullopt : std::optional(exchange);
-        });
-    }
-
-    PracticeService service{std::chrono::milliseconds(1)};
-    std::unique_ptr<WaylandDesktop> desktop;
-    std::unique_ptr<WaylandUser> user;
-    std::unique_ptr<ScreenReader> reader;
-    std::unique_ptr<WaylandAssistant> assistant;
-    std::unique_ptr<WaylandSampleProgram> program;
 };
 
 TEST_P(WaylandMainJobTest, TextInARectangleIsCopiedAndTranslatedAsTheUserWatches) {
@@ -189,8 +138,11 @@ TEST_P(WaylandMainJobTest, TheCommandsOfThePaletteActOnWhatWasSelected) {
     waitFor("the end of the palette", [&] { return reader->windows("ovrin").empty(); });
 }
 
-INSTANTIATE_TEST_SUITE_P(On, WaylandMainJobTest, testing::Values(Compositor::sway, Compositor::kwin),
-                         [](const auto& test) { return test.param == Compositor::sway ? "Sway" : "KWin"; });
+INSTANTIATE_TEST_SUITE_P(On, WaylandMainJobTest,
+                         testing::Values(WaylandDesktop::Compositor::sway, WaylandDesktop::Compositor::kwin),
+                         [](const auto& test) {
+                             return test.param == WaylandDesktop::Compositor::sway ? "Sway" : "KWin";
+                         });
 
 }  // namespace
 }  // namespace ovrin

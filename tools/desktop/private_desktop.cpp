@@ -189,11 +189,9 @@ std::unique_ptr<ChildProcess> PrivateDesktop::start(const Program& program) cons
 
 void PrivateDesktop::startServer(const Setup& setup) {
     const std::string size = std::to_string(setup.width) + "x" + std::to_string(setup.height) + "x24";
-    std::vector<std::string> command{"Xvfb", "-displayfd", "1",         "-screen", "0",       size,
-                                     "-dpi", "96",         "-nolisten", "tcp",     "-noreset"};
-    for (const std::string& extension : setup.missingExtensions)
-        command.insert(command.end(), {"-extension", extension});
-    server_ = start({.arguments = command, .output = ChildProcess::Output::lines});
+    server_ = start(
+        {.arguments = {"Xvfb", "-displayfd", "1", "-screen", "0", size, "-dpi", "96", "-nolisten", "tcp", "-noreset"},
+         .output = ChildProcess::Output::lines});
     const std::string number = server_->readLine();  // written once it accepts connections
     if (number.empty()) throw Error("Xvfb did not start: " + lastLines(logOf("Xvfb")));
     display_ = ":" + number;

@@ -37,8 +37,7 @@ public:
     struct Setup {
         int width = 1920;
         int height = 1080;
-        std::vector<Monitor> monitors{};               // empty: one as large as the screen
-        std::vector<std::string> missingExtensions{};  // what the X server is to lack, such as "XTEST"
+        std::vector<Monitor> monitors{};  // empty: one as large as the screen
         WindowManager windowManager = WindowManager::openbox;
         Compositor compositor = Compositor::picom;
         Tray tray = Tray::tint2;

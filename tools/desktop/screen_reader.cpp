@@ -176,4 +176,8 @@ bool ScreenReader::shows(const std::string& program, const std::string& words) c
     return std::ranges::any_of(all, [&](const Element& element) { return element.says(words); });
 }
 
+void ScreenReader::press(const Element& element) const {
+    bus_->call(method(element.reference, "org.a11y.atspi.Action", "DoAction"), g_variant_new("(i)", 0));
+}
+
 }  // namespace ovrin

@@ -64,6 +64,9 @@ public:
     Element waitForWords(const std::string& program, const std::string& words) const;
     bool shows(const std::string& program, const std::string& words) const;
 
+    // Does what a click on the element would do.
+    void press(const Element& element) const;
+
     const BusView& bus() const { return *bus_; }
 
 private:

@@ -78,16 +78,22 @@ void askWindowManager(xcb_connection_t* connection, QWindow& window, std::string
     xcb_flush(connection);
 }
 
+// A request for an extension that is not there would break the connection.
+bool hasXFixes(xcb_connection_t* connection) {
+    const auto* const extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
+    return extension != nullptr && extension->present != 0;
+}
+
 }  // namespace
 
 bool knowsOwnShadows() {
     xcb_connection_t* const connection = toolkitConnection();
-    return connection != nullptr && isSupported(connection, "_GTK_FRAME_EXTENTS");
+    return connection != nullptr && hasXFixes(connection) && isSupported(connection, "_GTK_FRAME_EXTENTS");
 }
 
 void setShadowMargins(QWindow& window, const ShadowMargins& margins) {
     xcb_connection_t* const connection = toolkitConnection();
-    if (connection == nullptr) return;
+    if (connection == nullptr || !hasXFixes(connection)) return;
     const auto id = static_cast<xcb_window_t>(window.winId());
     const xcb_atom_t extents = atomNamed(connection, "_GTK_FRAME_EXTENTS");
     const double scale = window.devicePixelRatio();

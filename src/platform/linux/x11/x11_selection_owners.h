@@ -1,5 +1,6 @@
 // Whether selections of the X server have an owner, and when that changes. Services announce themselves that way: a
-// compositor owns "_NET_WM_CM_S0", a status area "_NET_SYSTEM_TRAY_S0" (the number is that of the X screen).
+// compositor owns "_NET_WM_CM_S0", a status area "_NET_SYSTEM_TRAY_S0" (the number is that of the X screen). Of a
+// server without XFixes only what is there at first is known.
 #pragma once
 
 #include <cstdint>
@@ -33,7 +34,7 @@ private:
     };
 
     X11Connection connection_;
-    std::uint8_t ownerChangeEvent_ = 0;
+    std::uint8_t ownerChangeEvent_ = 0;  // none where it is 0, as errors have it
     std::map<xcb_atom_t, Selection> selections_;
 };
 
