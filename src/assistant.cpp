@@ -103,7 +103,8 @@ UpdateConfiguration updateConfiguration() {
 // Owns everything that lives as long as the program, and lets it come up.
 class AppDelegate final : public AssistantActions, public ApplicationActions {
 public:
-    AppDelegate();
+    // The connection that the windows' way was chosen by, if any.
+    explicit AppDelegate(std::unique_ptr<WaylandConnection> compositor);
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
     ~AppDelegate() override;
@@ -279,8 +280,9 @@ private:
         settingsServices(), [this](SettingsViewModel& viewModel) { return makeSettingsWindow(viewModel); }};
 };
 
-AppDelegate::AppDelegate()
-    : appState_(std::make_unique<VisionOCREngine>(
+AppDelegate::AppDelegate(std::unique_ptr<WaylandConnection> compositor)
+    : desktop_(std::move(compositor)),
+      appState_(std::make_unique<VisionOCREngine>(
                     std::vector<std::string>{"zh-Hans", "zh-Hant", "en-US", "ja-JP", "ko-KR"}, recognizer_, identifier_,
                     recognitionWorker_, std::chrono::system_clock::now),
                 model_.translation(identifier_),
@@ -463,7 +465,7 @@ public:
 }  // namespace
 
 int runAssistant(Launch launch) {
-    chooseWindowSystem();
+    std::unique_ptr<WaylandConnection> compositor = chooseWindowSystem();
     // Otherwise the toolkit asks OpenGL, too, what it could do for the first window.
     QApplication::setAttribute(Qt::AA_ForceRasterWidgets);
     // Windows carry the program's name as their class.
@@ -493,7 +495,7 @@ int runAssistant(Launch launch) {
         std::fputs("ovrin: no session bus: 'ovrin do' cannot reach this assistant, and there are no notifications\n",
                    stderr);
     }
-    delegate.emplace();
+    delegate.emplace(std::move(compositor));
     const TerminationSignals termination([] { QApplication::quit(); });
     const LostDisplay lostDisplay([&delegate] { delegate->applicationWillEndAtOnce(); });
     delegate->applicationDidFinishLaunching();

@@ -289,7 +289,8 @@ TEST_F(WaylandClipboardTest, EverythingGoesByTheYoungerProtocolOnTheSeatWithTheK
     loop.complete(read(*theirs, "taken over"));
 
     // The keys of such a compositor are the user's alone.
-    WaylandSimulateKeyboard keyboard(compositorOfOurs.display().c_str());
+    WaylandConnection connection(compositorOfOurs.display().c_str());
+    WaylandSimulateKeyboard keyboard(connection);
     EXPECT_FALSE(keyboard.isTrusted());
     EXPECT_EQ(keyboard.selection(), SimulateKeyboard::Selection::shown);
     theirs->writeItems({}, ClipboardSource::primary);
@@ -298,7 +299,8 @@ TEST_F(WaylandClipboardTest, EverythingGoesByTheYoungerProtocolOnTheSeatWithTheK
 
     compositorOfOurs.removeSeats();
     loop.complete(read(*theirs, std::nullopt));
-    EXPECT_THROW(WaylandKeyboardLayout(compositorOfOurs.display().c_str()), Error);
+    WaylandConnection later(compositorOfOurs.display().c_str());
+    EXPECT_THROW(WaylandKeyboardLayout{later}, Error);
 }
 
 TEST_F(WaylandClipboardTest, AManagerGetsWhatWasWrittenLastBeforeTheProgramEnds) {

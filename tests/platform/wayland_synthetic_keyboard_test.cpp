@@ -180,7 +180,8 @@ protected:
         if (WaylandTestCompositor::mayBeSkipped()) GTEST_SKIP() << "sway is not installed (Debian package sway)";
         compositor.emplace();
         user.emplace(compositor->display());
-        keyboard.emplace(compositor->display().c_str());
+        connection.emplace(compositor->display().c_str());
+        keyboard.emplace(*connection);
     }
 
     std::unique_ptr<Program> open(const char* applicationId) const {
@@ -191,6 +192,7 @@ protected:
 
     std::optional<WaylandTestCompositor> compositor;
     std::optional<UserKeyboard> user;
+    std::optional<WaylandConnection> connection;
     std::optional<WaylandSimulateKeyboard> keyboard;
 };
 
@@ -235,14 +237,15 @@ TEST_F(WaylandSimulateKeyboardTest, TheKeyIsTheOneThatTypesTheLetter) {
 
 TEST_F(WaylandSimulateKeyboardTest, TheLayoutIsThatOfTheSeatsKeyboard) {
     using KeyboardShortcuts::Key;
-    WaylandKeyboardLayout layout(compositor->display().c_str());
+    WaylandConnection other(compositor->display().c_str());
+    const WaylandKeyboardLayout layout(other);
     EXPECT_EQ(layout.character(Key::a), "a");
     EXPECT_EQ(layout.key(KEY_A + 8), Key::a);  // by the codes of XKB, which events bring
     const auto useKeymap = [&](const std::string& keymap) {
         user->setKeymap(keymap);
         user->press(KEY_ESC, 0);
         const WaylandConnection later(compositor->display().c_str());  // by then everybody has been told
-        layout.process();
+        other.process();
     };
     useKeymap(keymapOf("fr,us", ""));
     EXPECT_EQ(layout.character(Key::a), "q");
@@ -273,7 +276,9 @@ TEST_F(WaylandSimulateKeyboardTest, KnowsWhetherAnotherProgramHasTheKeyboard) {
 TEST_F(WaylandSimulateKeyboardTest, WhatIsSelectedCountsSinceTheWindowGotTheKeyboard) {
     using enum SimulateKeyboard::Selection;
     const auto before = select();
-    keyboard.emplace(compositor->display().c_str());
+    keyboard.reset();
+    connection.emplace(compositor->display().c_str());
+    keyboard.emplace(*connection);
     const auto editor = open("org.kde.kate");
     EXPECT_EQ(keyboard->selection(), copied);
     const auto inEditor = select();
@@ -320,9 +325,9 @@ TEST_F(WaylandSimulateKeyboardTest, ACompositorThatHangsOrDiesIsNotWaitedFor) {
     compositor->freeze();
     keyboard->copy();
     EXPECT_TRUE(keyboard->reachesOtherProgram());  // as it was told last
-    EXPECT_TRUE(keyboard->process());
+    EXPECT_TRUE(connection->process());
     compositor->stop();
-    while (keyboard->process()) {
+    while (connection->process()) {
     }
     EXPECT_FALSE(keyboard->isTrusted());
     keyboard->paste();
@@ -332,7 +337,8 @@ TEST(KWinSimulateKeyboardTest, PressesKeysAndKnowsWhereTheyGo) {
     using enum SimulateKeyboard::Selection;
     if (KWinTestCompositor::mayBeSkipped()) GTEST_SKIP() << "KWin is not installed (Debian package kwin-wayland)";
     const KWinTestCompositor compositor;
-    WaylandSimulateKeyboard keyboard(compositor.display().c_str());
+    WaylandConnection connection(compositor.display().c_str());
+    WaylandSimulateKeyboard keyboard(connection);
     ASSERT_TRUE(keyboard.isTrusted());
     EXPECT_FALSE(keyboard.reachesOtherProgram());
     auto editor = std::make_unique<Program>(compositor.display(), "org.kde.kate");

@@ -31,19 +31,6 @@ namespace ovrin {
 
 namespace {
 
-// Takes in what the compositor tells from the main loop.
-template <typename Adapter>
-class Heard final : public Adapter {
-public:
-    Heard() : Adapter(nullptr), notifier_(this->descriptor(), QSocketNotifier::Read) {
-        QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_,
-                         [this] { notifier_.setEnabled(this->process()); });
-    }
-
-private:
-    QSocketNotifier notifier_;
-};
-
 constexpr const char* capturesNowhere = "无法截取屏幕：此桌面不支持。";
 constexpr const char* keysBelongToDesktop = "此桌面不支持全局快捷键。";
 
@@ -63,28 +50,35 @@ std::unique_ptr<Seam> orWithout(const Make& make, const MakeWithout& makeWithout
 
 }  // namespace
 
-DesktopLoader::DesktopLoader()
-    : isWayland_(hasWaylandDisplay(Environment::ofProcess())), pictures_(isWayland_ ? Pictures::none : Pictures::x11) {
+DesktopLoader::DesktopLoader(std::unique_ptr<WaylandConnection> connection)
+    : isWayland_(hasWaylandDisplay(Environment::ofProcess())),
+      connection_(std::move(connection)),
+      pictures_(isWayland_ ? Pictures::none : Pictures::x11) {
     if (!isWayland_) return;
     try {
-        const WaylandConnection connection;
-        // KWin is no global of the compositor: whether it is there, its adapter finds out in time.
-        pictures_ = WaylandScreenCapture::isOfferedBy(connection) ? Pictures::screencopy : Pictures::kwin;
-        tellsPointer_ = WaylandPointer::isOfferedBy(connection);
-        controlsClipboard_ = WaylandDataDevice::isOfferedBy(connection);
+        if (!connection_) connection_ = std::make_unique<WaylandConnection>();
     } catch (const Error&) {
         return;  // the adapters say what they cannot do there
     }
+    // KWin is no global of the compositor: whether it is there, its adapter finds out in time.
+    pictures_ = WaylandScreenCapture::isOfferedBy(*connection_) ? Pictures::screencopy : Pictures::kwin;
+    tellsPointer_ = WaylandPointer::isOfferedBy(*connection_);
+    controlsClipboard_ = WaylandDataDevice::isOfferedBy(*connection_);
+    connectionHeard_ = std::make_unique<QSocketNotifier>(connection_->descriptor(), QSocketNotifier::Read);
+    QObject::connect(connectionHeard_.get(), &QSocketNotifier::activated, connectionHeard_.get(),
+                     [this] { connectionHeard_->setEnabled(connection_->process()); });
 }
+
+DesktopLoader::~DesktopLoader() = default;
 
 std::unique_ptr<ScreenCapture> DesktopLoader::makeScreenCapture(WorkerExecutor& workers) {
     switch (pictures_) {
         case Pictures::x11:
             return std::make_unique<X11ScreenCapture>(screenshot_, workers);
         case Pictures::screencopy:
-            return std::make_unique<WaylandScreenCapture>(workers);
+            return std::make_unique<WaylandScreenCapture>(workers, workersConnection_);
         case Pictures::kwin:
-            return std::make_unique<KWinScreenCapture>(workers);
+            return std::make_unique<KWinScreenCapture>(workers, workersConnection_);
         case Pictures::none:
             break;
     }
@@ -104,7 +98,7 @@ std::unique_ptr<ClipboardService> DesktopLoader::makeClipboard(const ImageDecode
 std::unique_ptr<SimulateKeyboard> DesktopLoader::makeKeyboard() const {
     return orWithout<SimulateKeyboard>(
         [this]() -> std::unique_ptr<SimulateKeyboard> {
-            if (controlsClipboard_) return std::make_unique<Heard<WaylandSimulateKeyboard>>();
+            if (controlsClipboard_) return std::make_unique<WaylandSimulateKeyboard>(*connection_);
             using enum X11SimulateKeyboard::Reach;
             return std::make_unique<X11SimulateKeyboard>(nullptr, isWayland_ ? x11Programs : everyProgram);
         },
@@ -112,7 +106,7 @@ std::unique_ptr<SimulateKeyboard> DesktopLoader::makeKeyboard() const {
 }
 
 std::unique_ptr<DesktopLayout> DesktopLoader::makeDesktopLayout(WorkerExecutor& workers) const {
-    if (tellsPointer_) return std::make_unique<WaylandDesktopLayout>(workers);
+    if (tellsPointer_) return std::make_unique<WaylandDesktopLayout>(workers, workersConnection_);
     return std::make_unique<QtDesktopLayout>();
 }
 
@@ -127,8 +121,9 @@ std::unique_ptr<HotKeys> DesktopLoader::makeHotKeys(EventLoop& mainLoop) const {
 std::unique_ptr<KeyboardLayout> DesktopLoader::makeKeyboardLayout() const {
     return orWithout<KeyboardLayout>(
         [this]() -> std::unique_ptr<KeyboardLayout> {
-            if (isWayland_) return std::make_unique<Heard<WaylandKeyboardLayout>>();
-            return std::make_unique<X11KeyboardLayout>(nullptr);
+            if (!isWayland_) return std::make_unique<X11KeyboardLayout>(nullptr);
+            if (!connection_) return std::make_unique<USKeyboardLayout>();
+            return std::make_unique<WaylandKeyboardLayout>(*connection_);
         },
         [](const std::string& /*reason*/) { return std::make_unique<USKeyboardLayout>(); });
 }

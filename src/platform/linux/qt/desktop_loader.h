@@ -13,19 +13,23 @@
 #include "platform/image_decoder.h"
 #include "platform/image_encoder.h"
 #include "platform/keyboard_layout.h"
+#include "platform/linux/wayland/kept_wayland_connection.h"
 #include "platform/linux/x11/x11_screenshot.h"
 #include "platform/notification_center.h"
 #include "platform/screen_capture.h"
 #include "platform/synthetic_keyboard.h"
 #include "platform/system_shortcuts.h"
 
+class QSocketNotifier;
+
 namespace ovrin {
 
 class DesktopLoader {
 public:
-    // Asks the compositor of a Wayland session what it offers to programs without a window. Windows come through
-    // XWayland there; pictures of the screen and the clipboard don't.
-    DesktopLoader();
+    // Asks the compositor of a Wayland session what it offers, through the connection if there is one already, else
+    // through one of its own.
+    explicit DesktopLoader(std::unique_ptr<WaylandConnection> connection = nullptr);
+    ~DesktopLoader();
 
     // What is handed over outlives what is made, as does the loader.
     std::unique_ptr<ScreenCapture> makeScreenCapture(WorkerExecutor& workers);
@@ -45,6 +49,9 @@ private:
     enum class Pictures : std::uint8_t { x11, screencopy, kwin, none };
 
     bool isWayland_;
+    std::unique_ptr<WaylandConnection> connection_;  // of the main thread
+    std::unique_ptr<QSocketNotifier> connectionHeard_;
+    std::shared_ptr<KeptWaylandConnection> workersConnection_ = std::make_shared<KeptWaylandConnection>();
     Pictures pictures_;
     bool controlsClipboard_ = false;
     bool tellsPointer_ = false;

@@ -32,7 +32,9 @@ QPoint toolkitPoint(const WaylandPointerPlace& place) {
 Task<WindowPoint> WaylandDesktopLayout::pointerLocation() {
     std::optional<WaylandPointerPlace> place;
     try {
-        const auto find = [](const std::stop_token&) { return WaylandPointer::find(nullptr); };
+        const auto find = [connection = connection_](const std::stop_token&) {
+            return connection->useWithOutputs(WaylandPointer::find);
+        };
         place = co_await workers_.run(find);
     } catch (const Error&) {
         place.reset();  // the compositor has gone, and the windows with it

@@ -21,14 +21,18 @@ bool isToolkitAble() {
     return !plugins.entryList({QStringLiteral("libqwayland*.so")}, QDir::Files).isEmpty();
 }
 
-bool isCompositorAble() {
-    if (!hasWaylandDisplay(Environment::ofProcess())) return false;
+std::unique_ptr<WaylandConnection> connectToCompositor() {
+    if (!hasWaylandDisplay(Environment::ofProcess())) return nullptr;
     try {
-        const WaylandConnection connection;
-        return connection.versionOf(zwlr_layer_shell_v1_interface) > 0 && WaylandDataDevice::isOfferedBy(connection);
+        return std::make_unique<WaylandConnection>();
     } catch (const Error&) {
-        return false;
+        return nullptr;
     }
+}
+
+bool isAble(const WaylandConnection* compositor) {
+    return compositor != nullptr && compositor->versionOf(zwlr_layer_shell_v1_interface) > 0 &&
+           WaylandDataDevice::isOfferedBy(*compositor);
 }
 
 void requireX11(bool isChosenByUser) {
@@ -37,7 +41,7 @@ void requireX11(bool isChosenByUser) {
     } catch (const Error&) {
         if (isChosenByUser || !hasWaylandDisplay(Environment::ofProcess())) throw;
         const WaylandConnection compositor;  // or it says that it does not answer
-        if (isCompositorAble()) throw Error("缺少 Qt 的 Wayland 支持，也没有 XWayland：请安装软件包 qt6-wayland。");
+        if (isAble(&compositor)) throw Error("缺少 Qt 的 Wayland 支持，也没有 XWayland：请安装软件包 qt6-wayland。");
         throw Error("此桌面（Wayland）不支持浮动窗口（layer-shell），也没有 XWayland：请安装软件包 xwayland。");
     }
 }
@@ -57,24 +61,27 @@ void setUnlessChosen(const char* name, const char* value) {
 
 bool hasNativeWindows() {
     const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
-    return chosen.isEmpty() ? isToolkitAble() && isCompositorAble() : chosen.startsWith("wayland");
+    return chosen.isEmpty() ? isToolkitAble() && isAble(connectToCompositor().get()) : chosen.startsWith("wayland");
 }
 
-void chooseWindowSystem() {
+std::unique_ptr<WaylandConnection> chooseWindowSystem() {
     const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
-    const bool isWayland = hasNativeWindows();
+    std::unique_ptr<WaylandConnection> compositor = connectToCompositor();
+    const bool isWayland =
+        chosen.isEmpty() ? isToolkitAble() && isAble(compositor.get()) : chosen.startsWith("wayland");
     if (!isWayland) requireX11(!chosen.isEmpty());
     setUnlessChosen("QT_QPA_PLATFORM", isWayland ? "wayland" : "xcb");
-    if (!isWayland) return;
+    if (!isWayland) return compositor;
     // Every window has a frame of its own or none. To find out whether it could draw another one, the toolkit would
     // start OpenGL, which takes 20 ms of the first window's coming up where there is no graphics processor, and memory.
     setUnlessChosen("QT_WAYLAND_DISABLE_WINDOWDECORATION", "1");
-    if (isCompositorAble()) {
+    if (isAble(compositor.get())) {
         // Windows that bypass the window manager get no role from the toolkit: it is given to them in LayerWindow.
         setUnlessChosen("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
         // They are where the program puts them, and menus and tool tips of theirs find their place by that.
         setUnlessChosen("QT_WAYLAND_DISABLE_FIXED_POSITIONS", "1");
     }
+    return compositor;
 }
 
 const QStringList& ownToolkitVariables() {

@@ -4,12 +4,17 @@
 #pragma once
 
 #include <QStringList>
+#include <memory>
 
 namespace ovrin {
 
+class WaylandConnection;
+
 // Sets the toolkit's environment, but for what the user has set there. Before the QApplication and any other thread.
-// Throws Error, which says how to go on, where there is no display: the toolkit would end the program in its own way.
-void chooseWindowSystem();
+// Returns the connection that the compositor was asked through; null outside of a Wayland session, or where none
+// answers. Throws Error, which says how to go on, where there is no display: the toolkit would end the program in its
+// own way.
+std::unique_ptr<WaylandConnection> chooseWindowSystem();
 
 // The variables that chooseWindowSystem() has set. They are not for the programs that this one starts, which may not be
 // able to run as they say. Main thread.

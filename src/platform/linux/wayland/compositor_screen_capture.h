@@ -1,16 +1,13 @@
-// What ways of a Wayland compositor to give pictures have in common: the displays are its outputs, and one connection
-// is kept from call to call. A new one takes 2 ms and, in KWin, which looks up then what the program may do, 50 ms in
-// which it does nothing else.
+// What ways of a Wayland compositor to give pictures have in common: the displays are its outputs.
 #pragma once
 
 #include <memory>
 
 #include "base/worker_executor.h"
+#include "platform/linux/wayland/kept_wayland_connection.h"
 #include "platform/screen_capture.h"
 
 namespace ovrin {
-
-class WaylandConnection;
 
 class CompositorScreenCapture : public ScreenCapture {
 public:
@@ -27,16 +24,16 @@ protected:
     using TakePicture = Image (*)(WaylandConnection& connection, const ScreenshotRequest& request);
 
     // The workers outlive the object.
-    CompositorScreenCapture(WorkerExecutor& workers, TakePicture takePicture);
+    CompositorScreenCapture(WorkerExecutor& workers, std::shared_ptr<KeptWaylandConnection> connection,
+                            TakePicture takePicture)
+        : workers_(workers), connection_(std::move(connection)), takePicture_(takePicture) {}
 
     WorkerExecutor& workers() const { return workers_; }
 
 private:
-    class KeptConnection;
-
     WorkerExecutor& workers_;
+    std::shared_ptr<KeptWaylandConnection> connection_;  // shared with what runs on a worker
     TakePicture takePicture_;
-    std::shared_ptr<KeptConnection> kept_;  // with what runs on a worker, too
 };
 
 }  // namespace ovrin

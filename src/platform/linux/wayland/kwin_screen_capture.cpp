@@ -163,7 +163,8 @@ bool KWinScreenCapture::isOffered() {
     }
 }
 
-KWinScreenCapture::KWinScreenCapture(WorkerExecutor& workers) : CompositorScreenCapture(workers, takePicture) {
+KWinScreenCapture::KWinScreenCapture(WorkerExecutor& workers, std::shared_ptr<KeptWaylandConnection> connection)
+    : CompositorScreenCapture(workers, std::move(connection), takePicture) {
     workers.post([found = isFound_](const std::stop_token&) { *found = isOffered(); });
 }
 

@@ -17,7 +17,8 @@ public:
     static bool isOffered();
 
     // Has a worker look for KWin at once.
-    explicit KWinScreenCapture(WorkerExecutor& workers);
+    explicit KWinScreenCapture(WorkerExecutor& workers, std::shared_ptr<KeptWaylandConnection> connection =
+                                                            std::make_shared<KeptWaylandConnection>());
 
     bool preflightAccess() override { return *isFound_; }
     // Looks again. Throws Error where there is no KWin.

@@ -90,8 +90,10 @@ public:
 
     // For a loop that waits for more than this connection: readable when process() has something to do.
     int descriptor() const { return wl_display_get_fd(display()); }
-    // Takes in what has arrived, without waiting; false when the compositor has gone and will tell nothing any more.
+    // Takes in what has arrived, without waiting; false when the compositor has gone and will tell nothing any more. A
+    // program that never does is disconnected in the end.
     bool process() const;
+    bool isLost() const { return wl_display_get_error(display()) != 0; }
 
     // Waits until the compositor has dealt with everything that was asked of it. Throws Error when it doesn't within
     // that time.

@@ -7,10 +7,9 @@
 
 namespace ovrin {
 
-WaylandKeyboardLayout::WaylandKeyboardLayout(const char* name)
-    : connection_(name),
-      layout_(std::make_unique<USKeyboardLayout>()),
-      keyboard_(connection_, [this](const std::string& keymap) { read(keymap); }) {}
+WaylandKeyboardLayout::WaylandKeyboardLayout(WaylandConnection& connection)
+    : layout_(std::make_unique<USKeyboardLayout>()),
+      keyboard_(connection, [this](const std::string& keymap) { read(keymap); }) {}
 
 // Programs make up keymaps for a few characters and take them back soon: one without a key that types stays out.
 void WaylandKeyboardLayout::read(const std::string& keymap) {

@@ -12,15 +12,11 @@
 
 namespace ovrin {
 
-class WaylandKeyboardLayout : public KeyboardLayout {
+class WaylandKeyboardLayout final : public KeyboardLayout {
 public:
-    // name: of the compositor's socket; null for the one the environment names. Throws Error when no compositor
-    // answers, or it has no seat.
-    explicit WaylandKeyboardLayout(const char* name);
-
-    // As those of WaylandConnection.
-    int descriptor() const { return connection_.descriptor(); }
-    bool process() { return connection_.process(); }
+    // Hears of changes when the connection's events are processed. Throws Error when no compositor answers, or it has
+    // no seat.
+    explicit WaylandKeyboardLayout(WaylandConnection& connection);
 
     std::optional<std::string> character(KeyboardShortcuts::Key key) const override { return layout_->character(key); }
     std::optional<KeyboardShortcuts::Key> key(std::uint32_t nativeCode) const override {
@@ -31,7 +27,6 @@ public:
 private:
     void read(const std::string& keymap);
 
-    WaylandConnection connection_;
     std::unique_ptr<const KeyboardLayout> layout_;
     WaylandSeatKeyboard keyboard_;
 };

@@ -11,19 +11,26 @@
 namespace ovrin {
 namespace {
 
+// The first versions have no request for it.
+void endShell(zwlr_layer_shell_v1* shell) {
+    const bool isTold = zwlr_layer_shell_v1_get_version(shell) >= ZWLR_LAYER_SHELL_V1_DESTROY_SINCE_VERSION;
+    isTold ? zwlr_layer_shell_v1_destroy(shell) : wl_proxy_destroy(reinterpret_cast<wl_proxy*>(shell));
+}
+
 // Of the interfaces that are the same in every version that matters here.
 struct Globals {
     WaylandObject<wl_compositor, wl_compositor_destroy> compositor;
-    WaylandObject<zwlr_layer_shell_v1, zwlr_layer_shell_v1_destroy> shell;
+    WaylandObject<zwlr_layer_shell_v1, endShell> shell;
     WaylandObject<wp_viewporter, wp_viewporter_destroy> viewporter;  // may be null
-    WaylandObject<wl_seat, wl_seat_destroy> seat;
+    WaylandObject<wl_seat, wl_seat_release> seat;
     wl_shm* memory = nullptr;
 
     explicit Globals(WaylandConnection& connection)
         : compositor(connection.bind<wl_compositor>(wl_compositor_interface, 1)),
-          shell(connection.bind<zwlr_layer_shell_v1>(zwlr_layer_shell_v1_interface, 1)),
+          shell(connection.bind<zwlr_layer_shell_v1>(zwlr_layer_shell_v1_interface,
+                                                     ZWLR_LAYER_SHELL_V1_DESTROY_SINCE_VERSION)),
           viewporter(connection.bind<wp_viewporter>(wp_viewporter_interface, 1)),
-          seat(connection.bind<wl_seat>(wl_seat_interface, 1)),
+          seat(connection.seat() == nullptr ? nullptr : connection.bindSeat()),
           memory(connection.sharedMemory()) {}
 
     bool areComplete() const { return compositor && shell && seat && memory != nullptr; }
@@ -36,8 +43,9 @@ public:
         : globals_(globals),
           output_(output),
           surface_(wl_compositor_create_surface(globals.compositor.get())),
+          // By this name KWin does not have it fade in and out.
           role_(zwlr_layer_shell_v1_get_layer_surface(globals.shell.get(), surface_.get(), output.output,
-                                                      ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY, "ovrin-pointer")) {
+                                                      ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY, "utility")) {
         static constexpr zwlr_layer_surface_v1_listener listener = {
             [](void* self, zwlr_layer_surface_v1* /*role*/, std::uint32_t serial, std::uint32_t width,
                std::uint32_t height) {
@@ -94,7 +102,7 @@ struct Search {
     std::optional<WaylandPointerPlace> found;
 };
 
-// Of the first version; how many members later ones add depends on the library.
+// Of the version that the seat is bound in; how many members later ones add depends on the library.
 constexpr wl_pointer_listener pointerListener = [] {
     wl_pointer_listener listener{};
     listener.enter = [](void* data, wl_pointer* /*pointer*/, std::uint32_t /*serial*/, wl_surface* surface,
@@ -112,6 +120,11 @@ constexpr wl_pointer_listener pointerListener = [] {
                          wl_fixed_t /*y*/) {};
     listener.button = [](void* /*data*/, wl_pointer* /*pointer*/, std::uint32_t /*serial*/, std::uint32_t /*time*/,
                          std::uint32_t /*button*/, std::uint32_t /*state*/) {};
+    listener.frame = [](void* /*data*/, wl_pointer* /*pointer*/) {};
+    listener.axis_source = [](void* /*data*/, wl_pointer* /*pointer*/, std::uint32_t /*source*/) {};
+    listener.axis_stop = [](void* /*data*/, wl_pointer* /*pointer*/, std::uint32_t /*time*/, std::uint32_t /*axis*/) {};
+    listener.axis_discrete = [](void* /*data*/, wl_pointer* /*pointer*/, std::uint32_t /*axis*/,
+                                std::int32_t /*steps*/) {};
     listener.axis = [](void* /*data*/, wl_pointer* /*pointer*/, std::uint32_t /*time*/, std::uint32_t /*axis*/,
                        wl_fixed_t /*value*/) {};
     return listener;
@@ -134,14 +147,13 @@ bool WaylandPointer::isOfferedBy(const WaylandConnection& connection) {
     return connection.versionOf(zwlr_layer_shell_v1_interface) > 0;
 }
 
-std::optional<WaylandPointerPlace> WaylandPointer::find(const char* display) {
-    WaylandConnection connection(display);
+std::optional<WaylandPointerPlace> WaylandPointer::find(WaylandConnection& connection) {
     const Globals globals(connection);
     if (!globals.areComplete()) return std::nullopt;
     Search search;
     findCapabilities(connection, globals.seat.get(), search);
     if (!search.hasPointer) return std::nullopt;
-    const WaylandObject<wl_pointer, wl_pointer_destroy> pointer(wl_seat_get_pointer(globals.seat.get()));
+    const WaylandObject<wl_pointer, wl_pointer_release> pointer(wl_seat_get_pointer(globals.seat.get()));
     wl_pointer_add_listener(pointer.get(), &pointerListener, &search);
     for (const WaylandOutput& output : connection.outputs()) {
         search.surfaces.push_back(std::make_unique<TransparentSurface>(globals, output));

@@ -24,9 +24,9 @@ public:
     // Whether surfaces can be put on outputs.
     static bool isOfferedBy(const WaylandConnection& connection);
 
-    // Any thread; waits. display: the compositor's socket, null for the one the environment names. None when there is
-    // no pointer, or the compositor does not tell. Throws Error when no compositor answers.
-    static std::optional<WaylandPointerPlace> find(const char* display);
+    // Waits, on the thread that uses the connection. None when there is no pointer, or the compositor does not tell.
+    // Throws Error when the compositor does not answer.
+    static std::optional<WaylandPointerPlace> find(WaylandConnection& connection);
 };
 
 }  // namespace ovrin

@@ -93,6 +93,7 @@ bool WaylandScreenCapture::isOfferedBy(const WaylandConnection& connection) {
     return connection.versionOf(zwlr_screencopy_manager_v1_interface) > 0;
 }
 
-WaylandScreenCapture::WaylandScreenCapture(WorkerExecutor& workers) : CompositorScreenCapture(workers, takePicture) {}
+WaylandScreenCapture::WaylandScreenCapture(WorkerExecutor& workers, std::shared_ptr<KeptWaylandConnection> connection)
+    : CompositorScreenCapture(workers, std::move(connection), takePicture) {}
 
 }  // namespace ovrin

@@ -11,7 +11,8 @@ class WaylandScreenCapture final : public CompositorScreenCapture {
 public:
     static bool isOfferedBy(const WaylandConnection& connection);
 
-    explicit WaylandScreenCapture(WorkerExecutor& workers);
+    explicit WaylandScreenCapture(WorkerExecutor& workers, std::shared_ptr<KeptWaylandConnection> connection =
+                                                               std::make_shared<KeptWaylandConnection>());
 };
 
 }  // namespace ovrin

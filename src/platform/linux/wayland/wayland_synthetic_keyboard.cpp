@@ -22,8 +22,8 @@ bool isPressable(SimulateKeyboard::Selection selection) {
 
 }  // namespace
 
-WaylandSimulateKeyboard::WaylandSimulateKeyboard(const char* name)
-    : connection_(name), toplevels_(WaylandToplevels::of(connection_)) {
+WaylandSimulateKeyboard::WaylandSimulateKeyboard(WaylandConnection& connection)
+    : connection_(connection), toplevels_(WaylandToplevels::of(connection_)) {
     device_.emplace(connection_, [this](SelectionClient::Source source) {
         // What is selected at the start may be anybody's.
         if (source == SelectionClient::Source::primary && device_) noteSelection();
@@ -41,17 +41,11 @@ WaylandSimulateKeyboard::WaylandSimulateKeyboard(const char* name)
 }
 
 // Without a compositor no keys reach anybody.
-void WaylandSimulateKeyboard::attend(const std::function<void()>& work) {
+void WaylandSimulateKeyboard::attend(const std::function<void()>& work) const {
     try {
-        if (!isLost_) work();
-    } catch (const Error&) {
-        isLost_ = wl_display_get_error(connection_.display()) != 0;
+        if (!connection_.isLost()) work();
+    } catch (const Error&) {  // which the connection knows as well
     }
-}
-
-bool WaylandSimulateKeyboard::process() {
-    isLost_ = !connection_.process();
-    return !isLost_;
 }
 
 void WaylandSimulateKeyboard::catchUp() {
@@ -62,7 +56,7 @@ void WaylandSimulateKeyboard::catchUp() {
 }
 
 bool WaylandSimulateKeyboard::isTrusted() {
-    return keys_ != nullptr && !isLost_;
+    return keys_ != nullptr && !connection_.isLost();
 }
 
 const WaylandToplevel* WaylandSimulateKeyboard::front() const {

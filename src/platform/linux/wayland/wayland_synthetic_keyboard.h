@@ -20,20 +20,14 @@
 
 namespace ovrin {
 
-class WaylandSimulateKeyboard : public SimulateKeyboard {
+class WaylandSimulateKeyboard final : public SimulateKeyboard {
 public:
-    // name: of the compositor's socket; null for the one the environment names. The object lives as long as the
+    // Hears of windows and keymaps when the connection's events are processed. The object lives as long as the
     // program: a compositor without another keyboard loses the keyboard focus with a virtual one. Throws Error when no
     // compositor answers, or it does not tell what is selected.
-    explicit WaylandSimulateKeyboard(const char* name);
+    explicit WaylandSimulateKeyboard(WaylandConnection& connection);
     WaylandSimulateKeyboard(const WaylandSimulateKeyboard&) = delete;
     WaylandSimulateKeyboard& operator=(const WaylandSimulateKeyboard&) = delete;
-
-    // Readable when process() has something to do.
-    int descriptor() const { return connection_.descriptor(); }
-    // Takes in what the compositor told; false when it has gone and will tell nothing any more. A program that does not
-    // listen is disconnected in the end.
-    bool process();
 
     // Whether the compositor lets programs press keys. It can't be asked to.
     bool isTrusted() override;
@@ -53,15 +47,14 @@ public:
     void paste() override;
 
 private:
-    void attend(const std::function<void()>& work);
+    void attend(const std::function<void()>& work) const;
     void catchUp();
     const WaylandToplevel* front() const;
     void setKeymap(std::optional<WaylandKeymap> keymap);
     void noteSelection();
     void press(const WaylandKeyStroke& stroke);
 
-    WaylandConnection connection_;
-    bool isLost_ = false;
+    WaylandConnection& connection_;
     std::unique_ptr<WaylandToplevels> toplevels_;  // null where the compositor does not tell of them
     // When PRIMARY last changed by somebody else: the window that was in front, since this activation.
     Window selecting_ = Window::nowhere;
