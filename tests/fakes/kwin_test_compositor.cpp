@@ -22,6 +22,9 @@ ChildProcess::Setup KWinTestCompositor::setupIn(const std::filesystem::path& fol
     // Windows without frames are all of their program's.
     std::filesystem::create_directory(folder / "config");
     std::ofstream(folder / "config/kwinrc") << "[org.kde.kdecoration2]\nNoPlugin=true\n";
+    // With a graphics processor, as it seems, it lets windows fade in and out as on users' desktops.
+    std::ofstream(folder / ".drirc") << R"(<driconf><device><application name="KWin" executable="kwin_wayland">
+        <option name="force_gl_renderer" value="a graphics processor"/></application></device></driconf>)";
     std::vector<std::string> environment{"PATH=/usr/bin:/bin", "HOME=" + folder.string(),
                                          "XDG_RUNTIME_DIR=" + folder.string(),
                                          "XDG_CONFIG_HOME=" + (folder / "config").string()};
