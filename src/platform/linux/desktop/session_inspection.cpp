@@ -30,6 +30,7 @@
 #include "platform/linux/wayland/wayland_screen_capture.h"
 #include "platform/linux/x11/x11_connection.h"
 #include "platform/linux/x11/x11_screenshot.h"
+#include "platform/linux/x11/x11_selection_owners.h"
 #include "platform/linux/x11/xcb_xkb.h"
 #include "platform/text_recognizer.h"
 #include "wlr-layer-shell-unstable-v1-client.h"
@@ -138,6 +139,17 @@ public:
                       window({"card", "译文卡片"}), window({"toast", "提示"}), palette(), staysOnTop(), activation()});
     }
 
+    // Whether a panel on X11 takes the tray's icon in as a window.
+    bool embedsTrayIcon() const {
+        if (!x11_ || hasNativeWindows_) return false;
+        constexpr const char* panel = X11SelectionOwners::statusArea;
+        try {
+            return X11SelectionOwners(nullptr, {panel}).hasOwner(panel);
+        } catch (const Error&) {
+            return false;
+        }
+    }
+
 private:
     Capability session() const {
         constexpr Name name{"session", "会话"};
@@ -193,8 +205,8 @@ private:
     Capability shortcuts() const {
         constexpr Name name{"shortcuts", "全局快捷键"};
         if (isWayland_)
-            return missing(name, {"the desktop keeps keys to itself; bind 'ovrin do' in its settings",
-                                  "此桌面不支持，请在系统设置中把快捷键绑定到命令“ovrin do”"});
+            return missing(name, {"the desktop keeps keys to itself; bind one to 'ovrin do ACTION' in its settings",
+                                  "此桌面不支持，请在系统设置中把快捷键绑定到“ovrin do capture-ocr”等命令"});
         return byExtension(name, &xcb_xkb_id, "X11 key grabs");
     }
 
@@ -249,7 +261,8 @@ private:
     Capability staysOnTop() const {
         constexpr Name name{"stays-on-top", "窗口置顶"};
         if (hasNativeWindows_)
-            return missing(name, {"no protocol for ordinary windows", "此桌面不支持程序自行置顶窗口"});
+            return missing(
+                name, {"the compositor lets no program keep its window above others", "此桌面不支持程序自行置顶窗口"});
         return byHint(name, "_NET_WM_STATE_ABOVE");
     }
 
@@ -289,8 +302,8 @@ class BusInspection {
 public:
     BusInspection() : bus_(connectToSessionBus(BusDeadline(patience).cancellable())) {}
 
-    void addTo(std::vector<Capability>& found) const {
-        found.push_back(tray());
+    void addTo(std::vector<Capability>& found, bool embedsTrayIcon) const {
+        found.push_back(tray(embedsTrayIcon));
         found.push_back(notifications());
         found.push_back(keyring());
     }
@@ -309,9 +322,14 @@ private:
                                                    nullptr));
     }
 
-    Capability tray() const {
-        constexpr const char* watcher = "org.kde.StatusNotifierWatcher";
+    Capability tray(bool embedsIcon) const {
         constexpr Name name{"tray", "系统托盘"};
+        const Capability byBus = trayOnBus(name);
+        return embedsIcon && !byBus.isAvailable ? available(name, "XEmbed") : byBus;
+    }
+
+    Capability trayOnBus(const Name& name) const {
+        constexpr const char* watcher = "org.kde.StatusNotifierWatcher";
         const Variant reply = call(watcher, "/StatusNotifierWatcher", "org.freedesktop.DBus.Properties", "Get",
                                    g_variant_new("(ss)", watcher, "IsStatusNotifierHostRegistered"));
         if (!reply) return missing(name, bus_ ? Lack{"no panel keeps a tray", "当前桌面没有系统托盘"} : noBus);
@@ -345,7 +363,8 @@ private:
         g_variant_get_child(reply.get(), 0, "&o", &collection);
         const bool hasDefault = std::string(collection) != "/";
         return hasDefault ? available(name, "Secret Service")
-                          : missing(name, {"there is no default keyring", "没有默认的密钥环"});
+                          : missing(name, {"there is none yet; the first key that is saved has one made",
+                                           "尚未创建密钥环，首次保存密钥时会请您创建"});
     }
 
     BusConnection bus_;
@@ -397,9 +416,10 @@ Capability models(TextRecognizer& recognizer, const std::stop_token& stop) {
 
 std::vector<Capability> inspectSession(WindowPath windows, TextRecognizer& recognizer, const std::stop_token& stop) {
     std::vector<Capability> found;
-    DisplayInspection(windows).addTo(found);
+    const DisplayInspection display(windows);
+    display.addTo(found);
     throwIfStopped(stop);
-    BusInspection().addTo(found);
+    BusInspection().addTo(found, display.embedsTrayIcon());
     throwIfStopped(stop);
     found.push_back(speech());
     found.push_back(fonts());

@@ -11,8 +11,6 @@ namespace ovrin {
 
 namespace {
 
-constexpr const char* embeddingSelection = "_NET_SYSTEM_TRAY_S0";
-
 xcb_connection_t* toolkitConnection() {
     const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     return x11 == nullptr ? nullptr : x11->connection();
@@ -23,7 +21,7 @@ xcb_connection_t* toolkitConnection() {
 X11Tray::X11Tray(X11Screenshot& screenshot) : screenshot_(screenshot) {
     if (toolkitConnection() == nullptr) return;
     try {
-        owners_.emplace(nullptr, std::vector<std::string>{embeddingSelection});
+        owners_.emplace(nullptr, std::vector<std::string>{X11SelectionOwners::statusArea});
     } catch (const Error&) {
         return;  // the server has gone
     }
@@ -35,7 +33,7 @@ X11Tray::X11Tray(X11Screenshot& screenshot) : screenshot_(screenshot) {
 }
 
 bool X11Tray::embedsIcons() const {
-    return owners_ && owners_->hasOwner(embeddingSelection);
+    return owners_ && owners_->hasOwner(X11SelectionOwners::statusArea);
 }
 
 std::optional<theme::Appearance> X11Tray::appearance() const {

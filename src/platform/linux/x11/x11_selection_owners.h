@@ -1,6 +1,6 @@
 // Whether selections of the X server have an owner, and when that changes. Services announce themselves that way: a
-// compositor owns "_NET_WM_CM_S0", a status area "_NET_SYSTEM_TRAY_S0" (the number is that of the X screen). Of a
-// server without XFixes only what is there at first is known.
+// compositor owns "_NET_WM_CM_S0" (the number is that of the X screen), a status area the one named below. Of a server
+// without XFixes only what is there at first is known.
 #pragma once
 
 #include <cstdint>
@@ -16,6 +16,8 @@ namespace ovrin {
 // One thread, which sleeps until the descriptor is readable.
 class X11SelectionOwners {
 public:
+    static constexpr const char* statusArea = "_NET_SYSTEM_TRAY_S0";  // that takes icons in as windows (XEmbed)
+
     // display: such as ":0"; null for the one the environment names. Throws Error when no server answers there.
     X11SelectionOwners(const char* display, const std::vector<std::string>& selections);
 
