@@ -68,7 +68,7 @@ TEST_P(WaylandMainJobTest, TextInARectangleIsCopiedAndTranslatedAsTheUserWatches
     waitForWords(translation);
     waitForKeyboardIn("ovrin");
     EXPECT_EQ(desktop->selectedText(), line.text);
-    user->pressKeys("Control_L+w");
+    user->pressKeys("Escape");
     waitFor("the end of the panel", [&] { return reader->windows("ovrin").empty(); });
     waitForKeyboardIn("ovrin_sample_program");
 }

@@ -39,7 +39,9 @@ QtResultPanelWindow::QtResultPanelWindow(ViewEnvironment& environment, const Pub
       brandImage_(brandImage) {
     // Queued: what follows may destroy the window, from whose event this comes.
     connect(this, &OVPanelWindow::closeRequested, this, std::move(requestClose), Qt::QueuedConnection);
-    connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &OVPanelWindow::closeRequested);
+    for (const QKeySequence::StandardKey key : {QKeySequence::Close, QKeySequence::Cancel}) {
+        connect(new QShortcut(key, this), &QShortcut::activated, this, &OVPanelWindow::closeRequested);
+    }
 }
 
 void QtResultPanelWindow::setContent(std::shared_ptr<ResultPanelViewModel> viewModel, Entrance entrance) {
