@@ -56,6 +56,7 @@
 #include "platform/linux/recognition/linux_image_decoder.h"
 #include "platform/linux/recognition/linux_language_identifier.h"
 #include "platform/linux/recognition/onnx_text_recognizer.h"
+#include "platform/linux/wayland/compositor_return.h"
 #include "recognition/capture_controller.h"
 #include "recognition/idle_releasing_recognizer.h"
 #include "recognition/vision_ocr_engine.h"
@@ -465,6 +466,15 @@ public:
 }  // namespace
 
 int runAssistant(Launch launch) {
+    const CompositorReturn compositorReturn;
+    if (compositorReturn.isAwaited()) {
+        if (!compositorReturn.wait()) {
+            std::fputs(LostDisplay::lastWords, stderr);
+            return EXIT_FAILURE;
+        }
+        std::fputs("ovrin: the display server had ended the connection and is back; the assistant starts anew\n",
+                   stderr);
+    }
     std::unique_ptr<WaylandConnection> compositor = chooseWindowSystem();
     // Otherwise the toolkit asks OpenGL, too, what it could do for the first window.
     QApplication::setAttribute(Qt::AA_ForceRasterWidgets);
@@ -480,6 +490,11 @@ int runAssistant(Launch launch) {
     QApplication::setQuitOnLastWindowClosed(false);
 
     std::optional<AppDelegate> delegate;
+    const LostDisplay lostDisplay({.last =
+                                       [&delegate] {
+                                           if (delegate) delegate->applicationWillEndAtOnce();
+                                       },
+                                   .startAnew = [&] { compositorReturn.startAnew("--autostart"); }});
     ApplicationBus bus;
     const auto place =
         bus.claim({.reopen = [&delegate] { delegate->applicationShouldHandleReopen(); },
@@ -497,7 +512,6 @@ int runAssistant(Launch launch) {
     }
     delegate.emplace(std::move(compositor));
     const TerminationSignals termination([] { QApplication::quit(); });
-    const LostDisplay lostDisplay([&delegate] { delegate->applicationWillEndAtOnce(); });
     delegate->applicationDidFinishLaunching();
     return QApplication::exec();
 }

@@ -71,6 +71,24 @@ TEST_F(WaylandSessionTest, TheEndOfTheCompositorEndsTheAssistantWithOneLine) {
                 testing::EndsWith("\novrin: the display server has ended the connection; the assistant ends\n"));
 }
 
+TEST_F(WaylandSessionTest, ACompositorThatCrashesAgainAndAgainIsNotFollowedForEver) {
+    begin();
+    std::size_t told = 0;
+    for (int crash = 0; crash < 3; ++crash) {
+        desktop->compositor().restart();
+        waitFor("the assistant to be back", [&] {
+            const std::size_t place = desktop->log().find("is back; the assistant starts anew\n", told);
+            if (place == std::string::npos) return false;
+            told = place + 1;
+            return true;
+        });
+        waitFor("the assistant on the bus", [this] { return desktop->bus().hasOwner("com.quel.ovrin"); });
+    }
+    desktop->compositor().restart();
+    EXPECT_EQ(assistant->process().waitForEnd(), EXIT_FAILURE);
+    EXPECT_THAT(desktop->log(), testing::EndsWith("the assistant ends\n"));
+}
+
 TEST_F(WaylandSessionTest, ASelectionGoesOnOnTheDisplaysThatAreLeft) {
     begin({{.width = 640, .height = 480}, {.width = 640, .height = 480, .x = 640}});
     ASSERT_EQ(assistant->perform("capture-ocr"), 0);

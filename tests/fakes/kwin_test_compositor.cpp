@@ -43,8 +43,14 @@ ChildProcess::Setup KWinTestCompositor::setupIn(const std::filesystem::path& fol
             .environment = environment};
 }
 
-KWinTestCompositor::KWinTestCompositor(const Session& session) : compositor_(setupIn(folder_.path(), session)) {
-    if (compositor_.readLine().empty()) throw Error("the compositor ended at once");
+KWinTestCompositor::KWinTestCompositor(const Session& session) : setup_(setupIn(folder_.path(), session)) {
+    restart();
+}
+
+void KWinTestCompositor::restart() {
+    compositor_ = nullptr;
+    compositor_ = std::make_unique<ChildProcess>(setup_);
+    if (compositor_->readLine().empty()) throw Error("the compositor ended at once");
 }
 
 }  // namespace ovrin

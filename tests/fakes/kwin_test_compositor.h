@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "fakes/child_process.h"
@@ -33,14 +34,16 @@ public:
     // As those of WaylandTestCompositor.
     std::string display() const { return (folder_.path() / socketName).string(); }
     const std::filesystem::path& runtimeFolder() const { return folder_.path(); }
-    void stop() { compositor_.stop(); }
+    void stop() { compositor_->stop(); }
+    void restart();
 
 private:
     static constexpr const char* socketName = "kwin-test";
     static ChildProcess::Setup setupIn(const std::filesystem::path& folder, const Session& session);
 
     TemporaryDirectory folder_;
-    ChildProcess compositor_;
+    const ChildProcess::Setup setup_;
+    std::unique_ptr<ChildProcess> compositor_;
 };
 
 }  // namespace ovrin

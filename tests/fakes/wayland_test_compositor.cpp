@@ -67,8 +67,14 @@ bool WaylandTestCompositor::isEveryTestDemanded() {
 }
 
 WaylandTestCompositor::WaylandTestCompositor(const std::vector<HeadlessOutput>& outputs)
-    : compositor_(setupIn(folder_.path(), outputs)) {
-    const std::string names = compositor_.readLine();
+    : setup_(setupIn(folder_.path(), outputs)) {
+    restart();
+}
+
+void WaylandTestCompositor::restart() {
+    compositor_ = nullptr;
+    compositor_ = std::make_unique<ChildProcess>(setup_);
+    const std::string names = compositor_->readLine();
     if (names.empty()) throw Error("the compositor ended at once");
     const std::size_t space = names.find(' ');
     socket_ = folder_.path() / names.substr(0, space);
@@ -76,7 +82,7 @@ WaylandTestCompositor::WaylandTestCompositor(const std::vector<HeadlessOutput>& 
 }
 
 void WaylandTestCompositor::freeze() const {
-    compositor_.signal(SIGSTOP);
+    compositor_->signal(SIGSTOP);
 }
 
 }  // namespace ovrin

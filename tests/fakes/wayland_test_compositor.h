@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -39,13 +40,16 @@ public:
     const std::filesystem::path& controlSocket() const { return controlSocket_; }
 
     // As if it had crashed.
-    void stop() { compositor_.stop(); }
+    void stop() { compositor_->stop(); }
+    // As if it had crashed and come up again. Returns when it takes connections, at the same socket.
+    void restart();
     // As if it hung: it answers nobody from now on.
     void freeze() const;
 
 private:
     TemporaryDirectory folder_;
-    ChildProcess compositor_;
+    const ChildProcess::Setup setup_;
+    std::unique_ptr<ChildProcess> compositor_;
     std::filesystem::path socket_;
     std::filesystem::path controlSocket_;
 };

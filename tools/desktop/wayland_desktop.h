@@ -49,7 +49,8 @@ public:
 
     WaylandTestCompositor& compositor() { return *sway_; }
     std::string display() const { return sway_ ? sway_->display() : kwin_->display(); }
-    void stopCompositor() { sway_ ? sway_->stop() : kwin_->stop(); }
+    // As if it had crashed and come up again.
+    void restartCompositor() { sway_ ? sway_->restart() : kwin_->restart(); }
     const BusView& bus() const { return *busView_; }
     const std::string& busAddress() const { return bus_.address(); }
     std::filesystem::path home() const { return home_.path(); }

@@ -1,8 +1,10 @@
 #include "platform/linux/desktop/detached_program.h"
 
+#include <csignal>
 #include <cstring>
 
 #include <fcntl.h>
+#include <linux/close_range.h>
 #include <spawn.h>
 #include <unistd.h>
 
@@ -17,6 +19,12 @@ std::vector<char*> pointers(std::vector<std::string>& words) {
     result.reserve(words.size() + 1);
     for (std::string& word : words) result.push_back(word.data());
     result.push_back(nullptr);
+    return result;
+}
+
+std::vector<std::string> entries(const Environment& environment) {
+    std::vector<std::string> result;
+    for (const auto& [name, value] : environment.variables()) result.emplace_back(name).append("=").append(value);
     return result;
 }
 
@@ -52,16 +60,25 @@ pid_t startDetached(const std::filesystem::path& program, const std::vector<std:
                     const Environment& environment) {
     std::vector<std::string> words{program};
     words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<std::string> variables;
-    for (const auto& [name, value] : environment.variables()) {
-        variables.emplace_back(name).append("=").append(value);
-    }
+    std::vector<std::string> variables = entries(environment);
     const Preparations preparations;
     pid_t id = 0;
     const int failure = ::posix_spawn(&id, program.c_str(), preparations.actions(), preparations.attributes(),
                                       pointers(words).data(), pointers(variables).data());
     if (failure != 0) throw Error(program.string() + ": " + std::strerror(failure));
     return id;
+}
+
+void becomeProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                   const Environment& environment) {
+    std::vector<std::string> words{program};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<std::string> variables = entries(environment);
+    ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
+    sigset_t none;
+    sigemptyset(&none);
+    ::pthread_sigmask(SIG_SETMASK, &none, nullptr);
+    ::execve(program.c_str(), pointers(words).data(), pointers(variables).data());
 }
 
 }  // namespace ovrin

@@ -1,4 +1,4 @@
-// A program that goes on when this one has ended.
+// A program that goes on when this one has ended, or in its place.
 #pragma once
 
 #include <filesystem>
@@ -16,5 +16,10 @@ namespace ovrin {
 // Error when it can't be started. Any thread.
 pid_t startDetached(const std::filesystem::path& program, const std::vector<std::string>& arguments,
                     const Environment& environment);
+
+// Puts the program in the place of this one, which leaves it nothing but its standard channels. Returns when it can't
+// be started. Any thread.
+void becomeProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                   const Environment& environment);
 
 }  // namespace ovrin

@@ -8,9 +8,15 @@ namespace ovrin {
 
 class LostDisplay {
 public:
-    // One at a time, on the main thread. lastAct: what must not be lost; it is called there before the program ends
-    // with one line on standard error and EXIT_FAILURE.
-    explicit LostDisplay(std::function<void()> lastAct);
+    static constexpr const char* lastWords = "ovrin: the display server has ended the connection; the assistant ends\n";
+
+    struct Acts {
+        std::function<void()> last;       // so that nothing is lost; on the main thread
+        std::function<void()> startAnew;  // where a Wayland compositor has gone; any thread; returns if it can't
+    };
+    // One at a time, on the main thread. After these acts the program ends with lastWords on standard error and
+    // EXIT_FAILURE.
+    explicit LostDisplay(Acts acts);
     ~LostDisplay();
     LostDisplay(const LostDisplay&) = delete;
     LostDisplay& operator=(const LostDisplay&) = delete;
