@@ -98,8 +98,9 @@ TEST_F(DesktopLoaderTest, WhatASessionLacksIsSaidAndTheRestIsThere) {
         EXPECT_EQ(clipboard()->problem(), std::nullopt);
         // Neither do X11's windows come up there.
         const Variable platform("QT_QPA_PLATFORM", "");
-        EXPECT_EQ(failure(chooseWindowSystem),
-                  "此桌面（Wayland）不支持浮动窗口（layer-shell），也没有 XWayland：请安装软件包 xwayland。");
+        EXPECT_EQ(
+            failure(chooseWindowSystem),
+            "此桌面（Wayland）没有同时提供 layer-shell 和 data-control，也没有 XWayland：请安装软件包 xwayland。");
     }
     const Variable display("WAYLAND_DISPLAY", "nobody");
     EXPECT_EQ(captureFailure(), noPictures);

@@ -52,7 +52,7 @@ struct Lack {
 
 constexpr Lack noDisplay{"no display", "没有可用的显示服务器"};
 constexpr Lack noBus{"no session bus", "没有会话总线"};
-constexpr Lack noX11{"no X11 display", "此桌面不支持"};
+constexpr Lack noX11{"the compositor does not offer it, and there is no XWayland", "此桌面不支持，也没有 XWayland"};
 
 Capability available(const Name& name, const std::string& detail, const std::string& note) {
     return {.name = name.name, .title = name.title, .isAvailable = true, .detail = detail, .note = note};
@@ -168,6 +168,10 @@ private:
     }
 
     Capability capture() const {
+        if (wayland_ && !hasNativeWindows_ && !x11_)
+            return missing(captureName,
+                           {"the assistant has no windows here: it needs layer-shell and data-control, or XWayland",
+                            "无法显示窗口：需要 layer-shell 和 data-control，或 XWayland"});
         if (wayland_ && WaylandScreenCapture::isOfferedBy(*wayland_)) return available(captureName, "screencopy");
         if (wayland_ && KWinScreenCapture::isOffered()) return captureByKWin();
         if (wayland_)
@@ -275,13 +279,13 @@ private:
     }
 
     Capability byHint(const Name& name, const char* hint) const {
-        if (!x11_) return missing(name, noDisplay);
+        if (!x11_) return missing(name, wayland_ ? noX11 : noDisplay);
         if (windowManagerKnows(x11_.get(), hint)) return available(name, hint);
         return missing(name, {"no window manager that knows it", "没有支持它的窗口管理器"});
     }
 
     Capability byExtension(const Name& name, xcb_extension_t* extension, const char* mechanism) const {
-        if (!x11_) return missing(name, isWayland_ ? noX11 : noDisplay);
+        if (!x11_) return missing(name, wayland_ ? noX11 : noDisplay);
         if (hasExtension(x11_.get(), extension)) return available(name, mechanism);
         return missing(name, {"the X11 display lacks the extension for it", "显示服务器缺少所需的扩展"});
     }

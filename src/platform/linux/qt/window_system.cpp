@@ -42,7 +42,8 @@ void requireX11(bool isChosenByUser) {
         if (isChosenByUser || !hasWaylandDisplay(Environment::ofProcess())) throw;
         const WaylandConnection compositor;  // or it says that it does not answer
         if (isAble(&compositor)) throw Error("缺少 Qt 的 Wayland 支持，也没有 XWayland：请安装软件包 qt6-wayland。");
-        throw Error("此桌面（Wayland）不支持浮动窗口（layer-shell），也没有 XWayland：请安装软件包 xwayland。");
+        throw Error(
+            "此桌面（Wayland）没有同时提供 layer-shell 和 data-control，也没有 XWayland：请安装软件包 xwayland。");
     }
 }
 
