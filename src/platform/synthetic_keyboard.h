@@ -36,10 +36,14 @@ public:
     };
     virtual Selection selection() = 0;
 
-    // Press and release the combination that the program takes for copy and paste. Do nothing when the keys cannot be
-    // pressed, or would do something else; what the program makes of them shows on the clipboard, later.
+    // Press the combination that the program takes for copy and paste. Do nothing when the keys cannot be pressed, or
+    // would do something else; what the program makes of them shows on the clipboard, later.
     virtual void copy() = 0;
     virtual void paste() = 0;
+
+    // Ends either, after some time in which a key goes through an input method: where that hands keys on by itself, the
+    // program takes them with the modifiers that are held by then.
+    virtual void letGo() {}
 };
 
 }  // namespace ovrin

@@ -19,6 +19,7 @@ public:
     std::function<void()> onPaste = [] {};
     Selection way = Selection::copied;
     Window front{7};
+    bool isHeld = false;       // by copy() or paste()
     int checksUntilFocus = 0;  // as often it is asked in vain whether another program has the keyboard
 
     bool isTrusted() override { return isPermitted; }
@@ -32,12 +33,15 @@ public:
     Selection selection() override { return way; }
     void copy() override {
         journal_.add("copy");
+        isHeld = true;
         onCopy();
     }
     void paste() override {
         journal_.add("paste");
+        isHeld = true;
         onPaste();
     }
+    void letGo() override { isHeld = false; }
 
 private:
     Journal& journal_;

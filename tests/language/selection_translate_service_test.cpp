@@ -142,7 +142,10 @@ TEST_F(SelectionTranslateServiceTest, WhatIsShownIsReadAtOnceButOnlyWhatIsCopied
     EXPECT_EQ(journal.take(), Events{"end"});
 
     readSelection(SelectionUse::replacing);
-    loop.advance(45ms);
+    loop.advance(45ms - 1ns);
+    EXPECT_TRUE(keyboard.isHeld);
+    loop.advance(1ns);
+    EXPECT_FALSE(keyboard.isHeld);
     EXPECT_EQ(text, "copied");
     keyboard.onCopy = [] {};
     readSelection(SelectionUse::replacing);
@@ -267,7 +270,10 @@ TEST_F(SelectionTranslateServiceTest, PastesTheReplacementAndPutsTheClipboardBac
         loop.advance(1ns);
         EXPECT_EQ(journal.take(), Events{"paste"});
         EXPECT_EQ(clipboard.string, replacement);
-        loop.advance(180ms - 1ns);
+        loop.advance(45ms - 1ns);
+        EXPECT_TRUE(keyboard.isHeld);
+        loop.advance(135ms);
+        EXPECT_FALSE(keyboard.isHeld);
         EXPECT_EQ(journal.take(), Events{});
         loop.advance(1ns);
         EXPECT_EQ(journal.take(), (Events{"clipboard: 2 items", "end"}));

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 
 #include <linux/input-event-codes.h>
 #include <sys/mman.h>
@@ -45,7 +46,7 @@ public:
         ::close(file);
     }
 
-    // Compositors don't derive a virtual keyboard's modifiers from its keys.
+    // Compositors don't derive a virtual keyboard's modifiers from its keys, and tell them to input methods, too.
     void press(const WaylandKeyStroke& stroke) override {
         if (!hasKeymap_) return;
         key(stroke.modifierKey, WL_KEYBOARD_KEY_STATE_PRESSED);
@@ -91,13 +92,21 @@ public:
         key(stroke.modifierKey, WL_KEYBOARD_KEY_STATE_PRESSED);
         key(stroke.key, WL_KEYBOARD_KEY_STATE_PRESSED);
         key(stroke.key, WL_KEYBOARD_KEY_STATE_RELEASED);
-        key(stroke.modifierKey, WL_KEYBOARD_KEY_STATE_RELEASED);
+        held_ = stroke.modifierKey;
+    }
+
+    // KWin gives keys to the input method, which gives them back, and modifiers to the program itself: released at
+    // once, they overtake the key, and the program is written a "c" instead of copying.
+    void letGo() override {
+        if (held_) key(*held_, WL_KEYBOARD_KEY_STATE_RELEASED);
+        held_.reset();
     }
 
 private:
     void key(std::uint32_t code, std::uint32_t state) { org_kde_kwin_fake_input_keyboard_key(input_, code, state); }
 
     org_kde_kwin_fake_input* input_;
+    std::optional<std::uint32_t> held_;
 };
 
 bool offersVirtualKeyboard(const WaylandConnection& connection) {

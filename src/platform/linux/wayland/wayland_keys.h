@@ -25,9 +25,10 @@ public:
     // To be called before the first stroke, as early as possible, and whenever the seat's keymap has changed.
     virtual void useKeymap(const WaylandKeymap& keymap) = 0;
 
-    // Presses both keys and releases them, as if no other key were held. They are sent with the connection's next
-    // round trip.
+    // Press both keys and release them, as if no other key were held; the modifier may stay pressed until letGo(). They
+    // are sent with the connection's next round trip.
     virtual void press(const WaylandKeyStroke& stroke) = 0;
+    virtual void letGo() {}
 
 protected:
     WaylandKeys() = default;

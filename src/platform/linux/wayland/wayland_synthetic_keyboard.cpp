@@ -101,6 +101,12 @@ void WaylandSimulateKeyboard::paste() {
     if (isPressable(selection()) && keymap_) press(keymap_->shiftInsert());
 }
 
+void WaylandSimulateKeyboard::letGo() {
+    if (!isTrusted()) return;
+    keys_->letGo();
+    catchUp();
+}
+
 // A virtual keyboard has that of the seat's own, so that programs that go by a key's place understand it as well.
 void WaylandSimulateKeyboard::setKeymap(std::optional<WaylandKeymap> keymap) {
     keymap_ = std::move(keymap);

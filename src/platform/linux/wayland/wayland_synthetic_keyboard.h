@@ -45,6 +45,7 @@ public:
 
     void copy() override;
     void paste() override;
+    void letGo() override;
 
 private:
     void attend(const std::function<void()>& work) const;
