@@ -196,18 +196,6 @@ TEST_F(AppStateTest, EveryIntentHasItsRecordTypeAndItsEnd) {
     }
 }
 
-TEST_F(AppStateTest, EveryNotificationHasAnIdentifierOfItsOwn) {
-    std::vector<std::string> identifiers;
-    for (int i = 0; i < 2; ++i) {
-        startRecognition(CaptureIntent::silentOCR);
-        engine_->result.succeed(recognized({"a"}));
-        loop_.runPosted();
-        identifiers.push_back(notifications_.lastIdentifier);
-    }
-    EXPECT_TRUE(Uuid::parse(identifiers[0]));
-    EXPECT_NE(identifiers[0], identifiers[1]);
-}
-
 TEST_F(AppStateTest, ASecondCaptureWhileAnythingIsCapturedOrRecognisedDoesNothing) {
     const auto startsNothing = [this] {
         journal_.take();
@@ -364,32 +352,6 @@ TEST_F(AppStateTest, ClipboardTranslateOfNothingUsableIsAnError) {
     EXPECT_EQ(events(), failure("silent owner"));
     app_->clipboardOCR();
     EXPECT_EQ(events(), Events{"toast exclamationmark.triangle: silent owner"});
-}
-
-TEST_F(AppStateTest, ASelectionGoesToThePanelOrSilentlyToTheCard) {
-    selection_->selection.succeed("hola");
-    app_->selectionTranslate({.silent = false, .replace = false});
-    EXPECT_EQ(events(), (Events{"activity: 正在读取选中文字", "selection read", "activity: none",
-                                "history selection-translation: hola => none", "panel: hola => ", "panel translates"}));
-    selection_->selection.succeed("hola");
-    app_->selectionTranslate({.silent = true, .replace = false});
-    EXPECT_EQ(events(), (Events{"activity: 正在读取选中文字", "selection read", "activity: none", "card: hola"}));
-}
-
-TEST_F(AppStateTest, ReplacingPutsTheTranslationInPlaceWhateverSilentSays) {
-    for (const bool silent : {true, false}) {
-        app_->selectionTranslate({.silent = silent, .replace = true});
-        EXPECT_EQ(events(), (Events{"activity: 正在读取选中文字", "selection read to be replaced"}));
-        selection_->selection.succeed("hola");
-        EXPECT_EQ(events(), (Events{"activity: none", "activity: 正在翻译并替换"}));
-        EXPECT_NE(service_.lastRequest.body.find("into French (BCP-47: fr)"), std::string::npos);
-        service_.answer.succeed("salut");
-        EXPECT_EQ(events(), Events{"selection replaced: salut"});
-        selection_->replacement.succeed(Replacement::pasted);
-        EXPECT_EQ(events(), (Events{"history selection-replace: hola => salut", "activity: none",
-                                    "toast checkmark: 已替换为译文"}));
-        EXPECT_FALSE(app_->isCapturing().value());
-    }
 }
 
 TEST_F(AppStateTest, ATranslationThatCannotBePastedIsKeptAndTheUserIsToldWhatToDo) {

@@ -3,7 +3,6 @@
 #include <chrono>
 #include <functional>
 #include <latch>
-#include <memory>
 #include <stop_token>
 #include <string>
 #include <thread>
@@ -43,27 +42,6 @@ Task<void> read(AsyncStream<int> stream, Log log) {
     log->push_back(end);
 }
 
-TEST(AsyncStream, DeliversInOrderAcrossThreadsAndEnds) {
-    RunLoop loop;
-    auto [stream, writer] = makeStream<int>();
-    std::thread producer([own = std::move(writer)]() mutable {
-        for (int i = 0; i < 10'000; ++i) own.push(i);
-        own.finish();
-    });
-    const auto collect = [](AsyncStream<int> source) -> Task<std::vector<int>> {
-        std::vector<int> values;
-        while (true) {
-            const auto value = co_await source.next();
-            if (!value) co_return values;
-            values.push_back(*value);
-        }
-    };
-    const auto values = loop.complete(collect(std::move(stream)));
-    producer.join();
-    ASSERT_EQ(values.size(), 10'000U);
-    for (int i = 0; i < 10'000; ++i) ASSERT_EQ(values[static_cast<std::size_t>(i)], i);
-}
-
 TEST(AsyncStream, EndsAfterWhatWasPushedBefore) {
     struct End {
         std::string name;
@@ -95,30 +73,6 @@ TEST(AsyncStream, EndsAfterWhatWasPushedBefore) {
             EXPECT_EQ(*log, (Lines{"1", "2", end.name}));
         }
     }
-}
-
-TEST(AsyncStream, KeepsGivingTheSameAnswerAfterTheEnd) {
-    RunLoop loop;
-    const auto work = [](bool isFailing) -> Task<int> {
-        auto [stream, writer] = makeStream<int>();
-        if (isFailing) {
-            writer.fail(std::make_exception_ptr(Error("broken")));
-        } else {
-            writer.finish();
-        }
-        int same = 0;
-        for (int i = 0; i < 3; ++i) {
-            try {
-                const auto value = co_await stream.next();
-                if (!value && !isFailing) ++same;
-            } catch (const Error&) {
-                if (isFailing) ++same;
-            }
-        }
-        co_return same;
-    };
-    EXPECT_EQ(loop.complete(work(false)), 3);
-    EXPECT_EQ(loop.complete(work(true)), 3);
 }
 
 TEST(AsyncStream, AStoppedWaitLosesNoValue) {

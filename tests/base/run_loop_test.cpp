@@ -1,7 +1,6 @@
 #include "base/run_loop.h"
 
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <stop_token>
@@ -22,23 +21,6 @@ namespace ovrin {
 namespace {
 
 using Lines = std::vector<std::string>;
-
-TEST(RunLoop, RunsWorkOfOneThreadInOrderOnItsOwn) {
-    RunLoop loop;
-    std::vector<int> order;
-    std::thread poster([&] {
-        EXPECT_FALSE(loop.isCurrent());
-        for (int i = 0; i < 1000; ++i) loop.post([&order, i] { order.push_back(i); });
-        loop.post([&loop] {
-            EXPECT_TRUE(loop.isCurrent());
-            loop.quit();
-        });
-    });
-    loop.run();
-    poster.join();
-    ASSERT_EQ(order.size(), 1000U);
-    for (int i = 0; i < 1000; ++i) EXPECT_EQ(order[static_cast<std::size_t>(i)], i);
-}
 
 TEST(RunLoop, QuitLeavesTheRestForTheNextRun) {
     RunLoop loop;

@@ -1,7 +1,6 @@
 #include <chrono>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -37,18 +36,6 @@ TEST(TaskSlot, ReplacingDestroysTheOldTaskWhereItWaits) {
     loop.advance(2s);
     EXPECT_FALSE(slot.isRunning());
     EXPECT_EQ(*log, (Lines{"first is cleaned up", "second begins", "second ends"}));
-}
-
-TEST(TaskSlot, DestroyingTheSlotEndsItsTask) {
-    VirtualLoop loop;
-    const Log log = makeLog();
-    {
-        TaskSlot slot(loop);
-        slot.replace(workFor(1s, log, "work", Probe()));
-    }
-    EXPECT_EQ(Probe::living, 0);
-    loop.advance(2s);
-    EXPECT_EQ(*log, Lines{"work begins"});
 }
 
 TEST(TaskSlot, ATaskThatReplacesItselfEndsAtItsNextWait) {

@@ -48,17 +48,6 @@ TEST(WorkerExecutor, GivesResultsAndExceptionsOnTheAwaitingLoop) {
     EXPECT_EQ(loop.complete(work(loop, workers)), "from the worker");
 }
 
-TEST(WorkerExecutor, TakesFunctionsAndResultsThatCannotBeCopied) {
-    RunLoop loop;
-    WorkerExecutor workers(1);
-    const auto work = [](WorkerExecutor& executor) -> Task<int> {
-        auto give = [held = std::make_unique<int>(3)](const std::stop_token&) mutable { return std::move(held); };
-        const auto result = co_await executor.run(std::move(give));
-        co_return *result;
-    };
-    EXPECT_EQ(loop.complete(work(workers)), 3);
-}
-
 TEST(WorkerExecutor, DestroysAFunctionThatHasRunOnItsOwnThread) {
     RunLoop loop;
     WorkerExecutor workers(1);

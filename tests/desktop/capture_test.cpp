@@ -159,20 +159,6 @@ TEST_F(CaptureTest, ATinyDragIsNoneAndBackwardsIsAsGoodAsForwards) {
     waitForHistory(1);
 }
 
-TEST_F(CaptureTest, WhereNothingIsWrittenItSaysSoAndChangesNothing) {
-    begin();
-    auto& page = openPage();
-    page.copyText("what was there");
-    const PixelArea window = page.window().area;
-    capture(Action::captureOCR, {.x = window.x + 20, .y = window.y + window.height - 50, .width = 600, .height = 40});
-    expectToast("没有在所选区域中识别到文字。");
-    EXPECT_EQ(user->clipboardText(), "what was there");
-    EXPECT_TRUE(assistant->history().empty());
-    EXPECT_FALSE(assistant->panel());
-    capture(Action::captureOCR, page.lines()[0].area);
-    user->waitForClipboard(page.lines()[0].text);
-}
-
 TEST_F(CaptureTest, TheScreenIsDimmedButForTheSelectionWithAndWithoutACompositor) {
     for (const auto compositor : {PrivateDesktop::Compositor::picom, PrivateDesktop::Compositor::none}) {
         begin({.desktop = {.compositor = compositor, .accessibility = PrivateDesktop::Accessibility::on}});
@@ -201,6 +187,18 @@ TEST_F(CaptureTest, EveryScriptOfThePageIsReadAsItIsWritten) {
     std::string all;
     for (const auto& line : lines) all += (all.empty() ? "" : "\n") + line.text;
     user->waitForClipboard(all);
+}
+
+TEST_F(CaptureTest, APictureThatAnotherProgramCopiedIsReadLikeOneOfTheScreen) {
+    begin();
+    auto& page = openPage();
+    const auto line = page.lines()[8];
+    page.copyPicture(8);
+    press(Action::clipboardOCR);
+    expectToast("识别结果已复制");
+    user->waitForClipboard(line.text);
+    assistant->waitForPanel();
+    EXPECT_EQ(json::string(waitForHistory(1)[0], "recordType"), "capture-ocr");
 }
 
 }  // namespace

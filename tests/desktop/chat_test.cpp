@@ -161,16 +161,6 @@ TEST_F(ChatTest, TroubleIsToldBelowTheConversationAndWhatArrivedStays) {
     EXPECT_FALSE(reader->shows(programName, "连接被中断。"));
 }
 
-TEST_F(ChatTest, TheConversationStaysOnTheScreenWhereverTheBarWas) {
-    begin();
-    const DesktopWindow bar = openBar();
-    user->moveWindow(bar.id, {.x = 1370, .y = 880});
-    waitFor("the bar to be moved", [&] { return user->view().window(bar.id)->area.x == 1370; });
-    const PixelArea area = ask("What is a compass?").area;
-    EXPECT_LE(area.x + area.width, 1920);
-    EXPECT_LE(area.y + area.height, 1080);
-}
-
 TEST_F(ChatTest, IsReachedFromThePaletteTheMenuAndOtherProcesses) {
     begin();
     EXPECT_EQ(assistant->run({"do", "direct-ai"}), 0);

@@ -128,16 +128,5 @@ TEST_F(SelectionTest, NothingSelectedIsSaidAndTheClipboardStays) {
     EXPECT_TRUE(service.exchanges().empty());
 }
 
-TEST_F(SelectionTest, ARefusedTranslationLeavesTheTextAsItWas) {
-    begin();
-    auto& editor = editorWith(sentence);
-    service.planNext({.trouble = PracticeService::Plan::Trouble::refuse});
-    press(Action::replaceSelection);
-    expectToast("练习服务按计划拒绝了这次请求。");
-    EXPECT_EQ(editor.text(), sentence);
-    user->waitForClipboard("the user's own");
-    EXPECT_TRUE(assistant->history().empty());
-}
-
 }  // namespace
 }  // namespace ovrin

@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -266,45 +265,7 @@ struct SettingsControlsTest : SettingsTest {
         g_strfreev(words);
         return command;
     }
-    // What everything on the page says, by role and name, wherever it has been scrolled to.
-    std::map<std::pair<std::string, std::string>, std::string> values() const {
-        std::map<std::pair<std::string, std::string>, std::string> values;
-        for (const auto& one : reader->elements(programName)) {
-            const std::string state = one.is(State::checked) || one.is(State::selected) ? " on" : "";
-            if (one.is(State::focusable)) values[{one.role, one.name}] = one.text + state;
-        }
-        return values;
-    }
-    // Scrolls, between the controls and the scroll bar, until the control is clear of the window's lower edge.
-    PixelSpot bringIntoView(const std::string& name, const PixelArea& window) const {
-        constexpr int edge = 16;
-        PixelSpot spot;
-        waitFor(name + " to come into view", [&] {
-            spot = element(name).area.center();
-            const bool isBelow = spot.y > window.y + window.height - edge;
-            if (isBelow) user->scroll({.x = window.x + window.width - 24, .y = window.center().y}, 1);
-            return !isBelow;
-        });
-        return spot;
-    }
 };
-
-TEST_F(SettingsControlsTest, TheWheelChangesNothing) {
-    begin(sceneWith(Scene::SecretService::none));
-    const json::Value preferences = assistant->preferences();
-    for (const char* const section : {"general", "service", "shortcuts", "advanced", "about"}) {
-        const PixelArea window = openSettings(section).area;
-        const auto before = values();
-        for (const auto& [control, value] : before) {
-            const PixelSpot spot = bringIntoView(control.second, window);
-            user->scroll(spot, 2);
-            user->scroll(spot, -2);
-        }
-        user->waitForStillPicture(window);
-        EXPECT_EQ(values(), before) << section;
-    }
-    EXPECT_EQ(assistant->preferences(), preferences);
-}
 
 TEST_F(SettingsControlsTest, TheEntryOfTheSessionStartOpensNoWindowBesideARunningAssistant) {
     begin(sceneWith(Scene::SecretService::none));

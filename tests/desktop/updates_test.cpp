@@ -71,18 +71,5 @@ TEST_F(UpdatesTest, AnAnnouncedUpdateIsVerifiedAndHandedToTheInstaller) {
     EXPECT_EQ(packageKit.package(), updates.package());
 }
 
-TEST_F(UpdatesTest, ASkippedVersionIsStillShownToWhoAsks) {
-    beginScene();
-    for (int i = 0; i < 2; ++i) {
-        assistant->run({"do", "check-for-updates"});
-        const DesktopWindow window = user->waitForWindow(updater);
-        user->waitUntilActive(window.id);
-        clickOn("跳过此版本");
-        user->waitUntilGone(window.id);
-    }
-    const std::string state = files::readFile(desktop->home() / "state/Ovrin/state.json", 4096);
-    EXPECT_THAT(state, testing::HasSubstr("\"skippedUpdate\": \"99.0-7\""));
-}
-
 }  // namespace
 }  // namespace ovrin

@@ -145,17 +145,35 @@ bool ChildProcess::waitForExit(std::chrono::milliseconds patience) const {
 }
 
 std::string ChildProcess::readLine(std::chrono::milliseconds patience) {
-    std::array<char, 4096> buffer{};
     std::size_t end = 0;
     while ((end = received_.find('\n')) == std::string::npos) {
-        if (!isReadable(output_, patience)) throw Error(name_ + " says nothing");
-        const ssize_t count = ::read(output_, buffer.data(), buffer.size());
-        if (count <= 0) return std::exchange(received_, {});
-        received_.append(buffer.data(), static_cast<std::size_t>(count));
+        if (!receive(patience)) return std::exchange(received_, {});
     }
     std::string line = received_.substr(0, end);
     received_.erase(0, end + 1);
     return line;
+}
+
+std::string ChildProcess::read(std::size_t size) {
+    while (received_.size() < size && receive(defaultPatience)) {
+    }
+    std::string bytes = received_.substr(0, size);
+    received_.erase(0, size);
+    return bytes;
+}
+
+bool ChildProcess::receive(std::chrono::milliseconds patience) {
+    std::array<char, 4096> buffer{};
+    if (output_ < 0) return false;
+    if (!isReadable(output_, patience)) throw Error(name_ + " says nothing");
+    const ssize_t count = ::read(output_, buffer.data(), buffer.size());
+    if (count <= 0) return false;
+    received_.append(buffer.data(), static_cast<std::size_t>(count));
+    return true;
+}
+
+void ChildProcess::closeOutput() {
+    closeIfOpen(output_);
 }
 
 void ChildProcess::write(std::string_view bytes) const {

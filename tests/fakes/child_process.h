@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -43,6 +44,13 @@ public:
     static constexpr std::chrono::seconds defaultPatience{60};
     std::string readLine(std::chrono::milliseconds patience = defaultPatience);
 
+    // The next bytes of its standard output, as many as asked for unless it ends before. Throws Error as readLine()
+    // does.
+    std::string read(std::size_t size);
+
+    // Nobody reads its standard output from now on.
+    void closeOutput();
+
     // Adds to its standard input, which has to have stayed open. Throws Error when it no longer reads.
     void write(std::string_view bytes) const;
 
@@ -60,6 +68,7 @@ public:
 private:
     bool waitForExit(std::chrono::milliseconds patience) const;
     int killGroupAndReap();
+    bool receive(std::chrono::milliseconds patience);  // false at the end of its output
     void closeDescriptors();
 
     std::string name_;

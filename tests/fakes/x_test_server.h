@@ -3,26 +3,20 @@
 
 #include <algorithm>
 #include <array>
-#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
+#include "base/error.h"
 #include "fakes/child_process.h"
 #include "platform/linux/x11/xcb_xkb.h"
-
-extern char** environ;  // NOLINT(readability-redundant-declaration)
 
 namespace ovrin {
 
@@ -37,20 +31,12 @@ public:
     static bool isInstalled() { return ChildProcess::isInstalled("Xvfb"); }
 
     // screen: width, height and depth.
-    explicit XTestServer(const std::string& screen = "640x480x24") {
-        // The server picks a free display and writes its number into the pipe once it is ready.
-        std::array<int, 2> pipe{};
-        if (::pipe(pipe.data()) != 0) throw std::runtime_error("no pipe");
-        fcntl(pipe[0], F_SETFD, FD_CLOEXEC);
-        server_ = spawn(
-            {"Xvfb", "-displayfd", std::to_string(pipe[1]), "-screen", "0", screen, "-nolisten", "tcp", "-noreset"});
-        close(pipe[1]);
-        std::string number;
-        for (char digit = 0; read(pipe[0], &digit, 1) == 1 && digit != '\n';) number += digit;
-        close(pipe[0]);
-        display_ = ":" + number;
-        connection_.reset(xcb_connect(display_.c_str(), nullptr));
-        if (number.empty() || xcb_connection_has_error(connection()) != 0) throw std::runtime_error("no X server");
+    explicit XTestServer(const std::string& screen = "640x480x24")
+        // The server picks a free display and writes its number once it is ready.
+        : server_(setup({"Xvfb", "-displayfd", "1", "-screen", "0", screen, "-nolisten", "tcp", "-noreset"})),
+          display_(":" + server_.readLine()),
+          connection_(xcb_connect(display(), nullptr), &xcb_disconnect) {
+        if (xcb_connection_has_error(connection()) != 0) throw Error("no X server");
     }
     XTestServer(const XTestServer&) = delete;
     XTestServer& operator=(const XTestServer&) = delete;
@@ -58,9 +44,8 @@ public:
 
     // As if the server had crashed.
     void stop() {
-        if (server_ == 0) return;
-        kill(server_, SIGKILL);
-        waitpid(std::exchange(server_, 0), nullptr, 0);
+        if (!server_.isRunning()) return;
+        server_.stop();
         unlink(("/tmp/.X" + display_.substr(1) + "-lock").c_str());
         unlink(("/tmp/.X11-unix/X" + display_.substr(1)).c_str());
     }
@@ -99,23 +84,12 @@ public:
 
     // Sets the layouts, such as "us,ru", as the user's settings would.
     void setLayouts(const std::string& layouts) const {
-        waitpid(spawn({"setxkbmap", "-display", display_, "-layout", layouts}), nullptr, 0);
+        ChildProcess(setup({"setxkbmap", "-display", display_, "-layout", layouts})).waitForEnd();
     }
 
 private:
-    static pid_t spawn(std::vector<std::string> command) {
-        std::vector<char*> arguments;
-        arguments.reserve(command.size() + 1);
-        for (auto& argument : command) arguments.push_back(argument.data());
-        arguments.push_back(nullptr);
-        posix_spawn_file_actions_t files;
-        posix_spawn_file_actions_init(&files);
-        posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-        pid_t process = 0;
-        const int failure = posix_spawnp(&process, arguments[0], &files, nullptr, arguments.data(), environ);
-        posix_spawn_file_actions_destroy(&files);
-        if (failure != 0) throw std::runtime_error("cannot start " + command[0]);
-        return process;
+    static ChildProcess::Setup setup(std::vector<std::string> command) {
+        return {.arguments = std::move(command), .environment = {"PATH=/usr/bin:/bin"}};
     }
 
     // The server does it after the delay, and what it is asked afterwards only then.
@@ -124,9 +98,9 @@ private:
         xcb_flush(connection());
     }
 
-    pid_t server_ = 0;
+    ChildProcess server_;
     std::string display_;
-    std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection_{nullptr, &xcb_disconnect};
+    std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection_;
 };
 
 }  // namespace ovrin

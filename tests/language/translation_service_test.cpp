@@ -12,7 +12,6 @@
 #include "base/virtual_loop.h"
 #include "fakes/fake_http_client.h"
 #include "fakes/fake_language_identifier.h"
-#include "model/deep_seek_error.h"
 
 namespace ovrin {
 namespace {
@@ -109,18 +108,6 @@ Task<void> append(AsyncStream<AnswerChange> stream, std::string& text) {
         if (!change) break;
         change->applyTo(text);
     }
-}
-
-TEST_F(TranslationServiceTest, StreamsATranslation) {
-    identifier.answer = "ja";
-    http.willAnswer({.chunks = {"data: {\"choices\":[{\"delta\":{\"content\":\" go\"}}]}\n",
-                                "data: {\"choices\":[{\"delta\":{\"content\":\"od \"}}]}\n"}});
-    std::string text;
-    task.replace(append(service.stream("良い", "ja"), text));
-    loop.runPosted();
-    EXPECT_EQ(text, " good ");
-    EXPECT_EQ(sentMessages()[0]["content"], service.messages("良い", "en").front().content);
-    EXPECT_EQ(nlohmann::json::parse(http.requests().back().body)["temperature"], 0.2);
 }
 
 TEST_F(TranslationServiceTest, DoesNotDetectASingleCharacter) {

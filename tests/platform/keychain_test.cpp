@@ -92,18 +92,6 @@ TEST_F(KeychainTest, TheServiceKeepsSecretsAndTheFileStaysAway) {
     EXPECT_FALSE(std::filesystem::exists(file));
 }
 
-TEST_F(KeychainTest, TheStoreWorksOverTheService) {
-    const PrivateBus bus;
-    const auto service = startService(bus, true);
-    LinuxKeychain keychain = keychainOn(bus.address());
-    KeychainStore store(keychain);
-    store.writeString("one", apiKey.account);
-    store.writeString("two", apiKey.account);
-    EXPECT_THAT(store.readString(apiKey.account), Optional(std::string("two")));
-    store.deleteString(apiKey.account);
-    EXPECT_EQ(store.readString(apiKey.account), std::nullopt);
-}
-
 TEST_F(KeychainTest, WithoutAServiceAPrivateFileKeepsSecrets) {
     const PrivateBus bus;  // nobody on it offers the service
     for (const std::string& address : {std::string("unix:path=/nowhere"), bus.address()}) {

@@ -6,7 +6,6 @@
 #include <iterator>
 #include <memory>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -28,36 +27,6 @@ TEST(NetworkLoop, StartsItsThreadWithTheFirstWork) {
     loop.post([&] { isCurrent.set_value(loop.isCurrent()); });
     EXPECT_TRUE(isCurrent.get_future().get());
     EXPECT_FALSE(loop.isCurrent());
-}
-
-TEST(NetworkLoop, RunsWorkInOrderAndTimersWhenTheyAreDue) {
-    NetworkLoop loop;
-    std::vector<int> order;
-    std::promise<void> done;
-    loop.post([&] {
-        loop.postAfter(2ms, [&] {
-            order.push_back(4);
-            done.set_value();
-        });
-        loop.postAfter(1ms, [&] { order.push_back(3); });
-        loop.post([&] { order.push_back(2); });
-        order.push_back(1);
-    });
-    done.get_future().wait();
-    EXPECT_EQ(order, (std::vector{1, 2, 3, 4}));
-}
-
-TEST(NetworkLoop, ATimerThatIsDueCanStillBeCancelled) {
-    NetworkLoop loop;
-    bool hasRun = false;
-    std::promise<void> done;
-    loop.post([&] {
-        const auto timer = loop.postAfter(0ms, [&] { hasRun = true; });
-        loop.post([&, timer] { loop.cancelTimer(timer); });
-        loop.postAfter(1ms, [&] { done.set_value(); });
-    });
-    done.get_future().wait();
-    EXPECT_FALSE(hasRun);
 }
 
 TEST(NetworkLoop, RunsWhatWasPostedBeforeItEndsAndForgetsTimers) {

@@ -80,17 +80,6 @@ TEST_F(Cancelling, ClosesAConnectionThatNeverAnswers) {
     server.waitForEnded(1);
 }
 
-TEST_F(Cancelling, AStopEndsTheWaitAtOnce) {
-    std::stop_source stop;
-    LoopbackServer server([&](Connection& connection) {
-        connection.readRequest();
-        stop.request_stop();
-        connection.waitForClose();
-    });
-    EXPECT_THROW(loop.complete(client.data(get(server.url())), stop.get_token()), CancellationError);
-    server.waitForEnded(1);
-}
-
 TEST_F(Cancelling, AThousandStreamsLeaveNothing) {
     const long descriptors = descriptorCount();
     {

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <thread>
 #include <utility>
@@ -15,13 +14,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "base/error.h"
-#include "base/run_loop.h"
-#include "base/worker_executor.h"
 #include "fakes/child_process.h"
 #include "fakes/two_seat_compositor.h"
 #include "fakes/wayland_test_compositor.h"
-#include "platform/linux/recognition/linux_image_decoder.h"
+#include "platform/clipboard_fixture.h"
 #include "platform/linux/wayland/wayland_keyboard_layout.h"
 #include "platform/linux/wayland/wayland_synthetic_keyboard.h"
 
@@ -29,22 +25,6 @@ namespace ovrin {
 namespace {
 
 using namespace std::chrono_literals;
-
-std::vector<std::byte> bytesOf(const std::string& text) {
-    const auto bytes = std::as_bytes(std::span(text));
-    return {bytes.begin(), bytes.end()};
-}
-
-// "Encodes" by naming the type before the bytes.
-class NamingEncoder final : public ImageEncoder {
-public:
-    bool canEncode(const std::string& /*type*/) const override { return true; }
-    std::vector<std::byte> encode(std::span<const std::byte> picture, const std::string& type) const override {
-        std::vector<std::byte> made = bytesOf(type + " of ");
-        made.insert(made.end(), picture.begin(), picture.end());
-        return made;
-    }
-};
 
 // A program whose clipboard holds a text without an end.
 class EndlessOwner {
@@ -80,7 +60,7 @@ private:
     std::thread thread_;
 };
 
-class WaylandClipboardTest : public testing::Test {
+class WaylandClipboardTest : public ClipboardTest {
 protected:
     void SetUp() override {
         if (WaylandTestCompositor::mayBeSkipped()) GTEST_SKIP() << "sway is not installed (Debian package sway)";
@@ -118,16 +98,6 @@ protected:
         while (ours->changeCount(source) == before) co_await sleepFor(1ms);
     }
 
-    // What the user reads when the text cannot be had.
-    std::string failureOf(ClipboardService& of, ClipboardSource source = ClipboardSource::clipboard) {
-        try {
-            loop.complete(of.readString(source));
-            return "";
-        } catch (const Error& error) {
-            return error.errorDescription();
-        }
-    }
-
     // Until the compositor has told that program, too.
     static Task<void> read(ClipboardService& from, std::optional<std::string> expected) {
         std::optional<std::string> text = co_await from.readString();
@@ -157,10 +127,6 @@ protected:
         compositor->stop();
     }
 
-    RunLoop loop;
-    LinuxImageDecoder decoder;
-    NamingEncoder encoder;
-    WorkerExecutor workers{1};
     std::unique_ptr<WaylandTestCompositor> compositor;
     std::unique_ptr<ClipboardService> ours;
 };
@@ -175,8 +141,7 @@ TEST_F(WaylandClipboardTest, TextGoesFromProgramToProgram) {
 }
 
 TEST_F(WaylandClipboardTest, EveryFormComesBackByteForByteHoweverLarge) {
-    std::string large(3'000'000, '\0');
-    for (std::size_t i = 0; i < large.size(); ++i) large[i] = static_cast<char>(i * 7919 >> 5U);
+    const std::string large = largeData();
     const ClipboardItem saved{{"text/html", bytesOf("<b>粗</b>")},
                               {"image/png", bytesOf(large)},
                               {"x-kde-passwordManagerHint", bytesOf("secret")}};

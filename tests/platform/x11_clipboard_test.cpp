@@ -1,11 +1,9 @@
 #include "platform/linux/x11/x11_clipboard.h"
 
 #include <chrono>
-#include <cstring>
 #include <fstream>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <thread>
 #include <utility>
@@ -14,24 +12,16 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "base/run_loop.h"
 #include "base/running_task.h"
-#include "base/worker_executor.h"
 #include "fakes/temporary_directory.h"
 #include "fakes/x_test_server.h"
-#include "platform/linux/recognition/linux_image_decoder.h"
+#include "platform/clipboard_fixture.h"
 #include "platform/linux/x11/x11_connection.h"
 
 namespace ovrin {
 namespace {
 
 using namespace std::chrono_literals;
-
-std::vector<std::byte> bytesOf(const std::string& text) {
-    std::vector<std::byte> bytes(text.size());
-    std::memcpy(bytes.data(), text.data(), text.size());
-    return bytes;
-}
 
 // A 2 x 1 picture, blue and red, as a BMP file.
 std::string bitmapFile() {
@@ -168,18 +158,7 @@ private:
     std::thread thread_;
 };
 
-// "Encodes" by naming the type before the bytes, and cannot make TIFF.
-class NamingEncoder final : public ImageEncoder {
-public:
-    bool canEncode(const std::string& type) const override { return type != "image/tiff"; }
-    std::vector<std::byte> encode(std::span<const std::byte> picture, const std::string& type) const override {
-        std::vector<std::byte> made = bytesOf(type + " of ");
-        made.insert(made.end(), picture.begin(), picture.end());
-        return made;
-    }
-};
-
-class X11ClipboardTest : public testing::Test {
+class X11ClipboardTest : public ClipboardTest {
 protected:
     void SetUp() override {
         if (!XTestServer::isInstalled()) GTEST_SKIP() << "Xvfb is not installed (Debian package xvfb)";
@@ -221,16 +200,6 @@ protected:
         return settled([&of] { return of.readImage(); });
     }
 
-    // What the user reads when the text cannot be had.
-    std::string failureOf(ClipboardService& of, ClipboardSource source = ClipboardSource::clipboard) {
-        try {
-            loop.complete(of.readString(source));
-            return "";
-        } catch (const Error& error) {
-            return error.errorDescription();
-        }
-    }
-
     // Another program takes the clipboard and answers nobody.
     void makeSilentOwner() const {
         const BareClient silent(server->connection());
@@ -238,10 +207,6 @@ protected:
         server->synchronize();
     }
 
-    RunLoop loop;
-    LinuxImageDecoder decoder;
-    NamingEncoder encoder;
-    WorkerExecutor workers{1};
     std::unique_ptr<XTestServer> server;
     std::unique_ptr<ClipboardService> ours;
     std::unique_ptr<ClipboardService> theirs;
@@ -257,10 +222,9 @@ TEST_F(X11ClipboardTest, TextGoesFromProgramToProgram) {
 }
 
 TEST_F(X11ClipboardTest, EveryFormComesBackByteForByteHoweverLarge) {
-    std::string large(3'000'000, '\0');
-    for (std::size_t i = 0; i < large.size(); ++i) large[i] = static_cast<char>(i * 7919 >> 5U);
-    const std::vector<ClipboardItem> saved{
-        {{"text/html", bytesOf("<b>粗</b>")}, {"application/x-own", bytesOf(large)}, {"UTF8_STRING", bytesOf("粗")}}};
+    const std::vector<ClipboardItem> saved{{{"text/html", bytesOf("<b>粗</b>")},
+                                            {"application/x-own", bytesOf(largeData())},
+                                            {"UTF8_STRING", bytesOf("粗")}}};
     theirs->writeItems(saved);
     EXPECT_EQ(items(*ours), saved);
     ours->writeItems(items(*ours));

@@ -12,12 +12,9 @@
 #include "base/error.h"
 #include "base/virtual_loop.h"
 #include "fakes/journal.h"
-#include "fakes/temporary_directory.h"
 #include "fakes/x_test_server.h"
 #include "platform/linux/x11/x11_keyboard_layout.h"
 #include "platform/linux/x11/xcb_xkb.h"
-#include "shortcuts/registry.h"
-#include "storage/defaults_store.h"
 
 namespace ovrin {
 namespace {
@@ -233,32 +230,6 @@ TEST_F(X11HotKeysTest, AServerThatDiesFailsEveryHotKey) {
     EXPECT_EQ(layout.character(Key::t), "t");
     set({});
     EXPECT_THROW(X11HotKeys(loop, server->display()), Error);
-}
-
-TEST_F(X11HotKeysTest, ASuspendedRegistryLeavesItsCombinationsToOthers) {
-    const TemporaryDirectory directory;
-    DefaultsStore defaults(directory.path() / "preferences.json");
-    const X11KeyboardLayout layout(server->display());
-    X11HotKeys own(loop, server->display());
-    KeyboardShortcuts::Registry registry(defaults, own, layout, [](const std::string&) {});
-    const KeyboardShortcuts::Name name{.rawValue = "name", .defaultShortcut = commandShiftT};
-    registry.add(name);
-    registry.onKeyDown(name, [this] { journal.add("registry"); });
-
-    server->type(commandShiftTKeys);
-    loop.runUntil([this] { return !journal.events().empty(); });
-    EXPECT_EQ(journal.take(), (Events{"registry"}));
-
-    registry.suspend();
-    set({commandShiftT});
-    server->type(commandShiftTKeys);
-    EXPECT_EQ(eventsSoFar(), (Events{"down 1", "up 1"}));
-
-    set({});
-    registry.resume();
-    server->type(commandShiftTKeys);
-    loop.runUntil([this] { return !journal.events().empty(); });
-    EXPECT_EQ(journal.take(), (Events{"registry"}));
 }
 
 }  // namespace

@@ -4,11 +4,11 @@
 #include <filesystem>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <sys/types.h>
 
+#include "fakes/child_process.h"
 #include "fakes/temporary_directory.h"
 
 namespace ovrin {
@@ -45,25 +45,21 @@ public:
     };
 
     RunningProgram(const TestHome& home, const Setup& setup);
-    RunningProgram(const RunningProgram&) = delete;
-    RunningProgram& operator=(const RunningProgram&) = delete;
-    ~RunningProgram();  // kills it
 
-    pid_t id() const { return id_; }
-    void signal(int number) const;
+    pid_t id() const { return process_.id(); }
+    void signal(int number) const { process_.signal(number); }
 
     // The next bytes of standard output, as many as asked for unless it ends before.
-    std::string readOutput(std::size_t size) const;
-    void closeOutput();
+    std::string readOutput(std::size_t size) { return process_.read(size); }
+    void closeOutput() { process_.closeOutput(); }
 
     // Waits for its end. The output is what readOutput() left.
     Outcome finish();
 
 private:
-    pid_t id_ = -1;
-    int input_ = -1;
-    int output_ = -1;
-    int error_ = -1;
+    TemporaryDirectory directory_;
+    std::filesystem::path error_ = directory_.path() / "error";
+    ChildProcess process_;
 };
 
 // Runs it to its end.

@@ -130,32 +130,6 @@ TEST_F(SettingsStoreTest, SavesWhatTheFieldsHeldWhenTheButtonWasPressed) {
     EXPECT_EQ(store->savedMessage().value(), std::nullopt);
 }
 
-TEST_F(SettingsStoreTest, RefusesInTheOrderOfTheChecksAndWritesNothing) {
-    open();
-    const auto refusal = [this] {
-        store->saveService();
-        settle();
-        return state().message;
-    };
-    store->editMaxOutputTokens("12x");
-    EXPECT_FALSE(store->maxOutputTokens().error()->empty()) << "marked at once";
-    store->editConnectionURL("ftp://host");
-    addHeader("Bad:", "1");
-    EXPECT_THAT(refusal(), HasSubstr("API Key"));
-    store->editAPIKey("sk-1");
-    EXPECT_THAT(refusal(), HasSubstr("URL"));
-    store->editConnectionURL("https://host");
-    EXPECT_EQ(refusal(), "Header“Bad:”格式无效。");
-    store->editHeaderName(store->customHeaders().value()->back().id, "");
-    EXPECT_EQ(refusal(), "自定义 Header 格式无效。");
-    store->removeHeader(store->customHeaders().value()->back().id);
-    EXPECT_EQ(refusal(), "最大输出 Token 必须大于 0。");
-    EXPECT_THAT(keychain.items, IsEmpty());
-    EXPECT_FALSE(defaults.contains(preference::connectionURL));
-    store->editMaxOutputTokens("12");
-    EXPECT_EQ(*store->maxOutputTokens().error().operator->(), "");
-}
-
 TEST_F(SettingsStoreTest, AFailureInTheMiddleOfSavingKeepsWhatWasWrittenBefore) {
     keychain.items[headersAccount] = R"({"a":"b"})";
     open();

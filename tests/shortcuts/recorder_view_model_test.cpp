@@ -41,15 +41,6 @@ protected:
          }}};
 };
 
-TEST_F(RecorderTest, StoresWhatIsPressed) {
-    recorder.startRecording();
-    EXPECT_EQ(press(Key::t, commandShift).kind, Outcome::stored);
-    EXPECT_EQ(registry.getShortcut(plain), commandShiftT);
-    EXPECT_EQ(recorder.text().value(), "Super+Shift+T");
-    EXPECT_FALSE(recorder.isRecording().value());
-    EXPECT_TRUE(hotKeys.isRegistered(commandShiftT));
-}
-
 TEST_F(RecorderTest, DecidesByKeyAndModifiers) {
     struct Row {
         Key key;

@@ -1,6 +1,5 @@
 #include "storage/defaults_store.h"
 
-#include <csignal>
 #include <fstream>
 #include <thread>
 #include <vector>
@@ -39,13 +38,6 @@ protected:
     std::filesystem::path file = directory.path() / "config" / "Ovrin" / "preferences.json";
     DefaultsStore store{file};
 };
-
-TEST_F(DefaultsStoreTest, AbsentValuesReadAsNothingFalseAndZero) {
-    EXPECT_EQ(store.string("ovrin.model"), std::nullopt);
-    EXPECT_FALSE(store.boolean("ovrin.launchAtLogin"));
-    EXPECT_EQ(store.integer("ovrin.maxOutputTokens"), 0);
-    EXPECT_FALSE(store.contains("ovrin.model"));
-}
 
 TEST_F(DefaultsStoreTest, ValuesAreOnTheDiskAndPrivate) {
     store.setString("text", "译文");
@@ -166,13 +158,6 @@ TEST(UserDirectoriesTest, NothingOfOthersInTheTemporaryDirectoryIsTrusted) {
     std::filesystem::rename(own, directory.path() / "elsewhere");
     std::filesystem::create_symlink("elsewhere", own);
     EXPECT_EQ(privateTemporaryDirectory(environment), "/nonexistent/Ovrin");
-}
-
-TEST(PreferencesTest, EveryKeyHasItsType) {
-    EXPECT_THAT(preferenceType("ovrin.maxOutputTokens"), Optional(PreferenceType::integer));
-    EXPECT_THAT(preferenceType("ovrin.launchAtLogin"), Optional(PreferenceType::boolean));
-    EXPECT_THAT(preferenceType("KeyboardShortcuts_ovrin.captureOCR"), Optional(PreferenceType::string));
-    EXPECT_EQ(preferenceType("ovrin.unheardOf"), std::nullopt);
 }
 
 }  // namespace

@@ -77,15 +77,6 @@ TEST_F(HistoryStoreTest, ASavedRecordIsAtTheFrontAndOnTheDisk) {
     EXPECT_EQ(status.st_mode & 07777U, 0600U);
 }
 
-TEST_F(HistoryStoreTest, ObserversHearOnceBeforeAndOnceAfter) {
-    const auto store = open();
-    std::vector<std::size_t> heard;
-    const auto before = store->records().onWillChange([&](const auto&) { heard.push_back(store->records()->size()); });
-    const auto after = store->records().onDidChange([&](const auto& records) { heard.push_back(records.size()); });
-    save(*store, "one");
-    EXPECT_THAT(heard, ElementsAre(0U, 1U));
-}
-
 TEST_F(HistoryStoreTest, KeepsTheFiveHundredNewest) {
     std::string document = "[";
     for (int number = 0; number < 600; ++number) {
@@ -281,35 +272,6 @@ TEST_F(HistoryStoreTest, ChangesThatCouldNotBeWrittenAreMadeUpFor) {
     EXPECT_EQ(sources(store->records().value()), all);
     EXPECT_EQ(sources(open()->records().value()), all);
     EXPECT_THAT(open()->records()->back()->resultText, Optional(std::string("result")));
-}
-
-TEST_F(HistoryStoreTest, AKillWhileSavingLeavesAWholeHistory) {
-    {
-        const auto store = open();
-        for (int index = 0; index < 20; ++index) save(*store, std::string(1000, 'x'));
-    }
-    for (int round = 0; round < 12; ++round) {
-        int ready[2];
-        ASSERT_EQ(::pipe(ready), 0);
-        const pid_t child = ::fork();
-        if (child == 0) {
-            const auto store = open();
-            while (true) {
-                save(*store, std::string(1000, 'y'));
-                (void)!::write(ready[1], "r", 1);
-            }
-        }
-        char byte = 0;
-        for (int saves = 0; saves <= round % 5; ++saves) ASSERT_EQ(::read(ready[0], &byte, 1), 1);
-        ::kill(child, SIGKILL);
-        ::waitpid(child, nullptr, 0);
-        ::close(ready[0]);
-        ::close(ready[1]);
-        ASSERT_GE(open()->records()->size(), 20U);
-    }
-    save(*open(), "last");
-    EXPECT_FALSE(std::filesystem::exists(file.parent_path() / ".history.json.new"));
-    EXPECT_FALSE(std::filesystem::exists(file.string() + ".unreadable"));
 }
 
 TEST_F(HistoryStoreTest, WithoutAFolderTheHistoryLivesInMemory) {

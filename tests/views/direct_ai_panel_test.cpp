@@ -82,11 +82,5 @@ TEST_F(DirectAIPanelTest, TheDraftIsSentFromEitherFieldAndKeptWhileAnAnswerStrea
     EXPECT_TRUE(field().hasFocus());
 }
 
-TEST_F(DirectAIPanelTest, EscapeAsksForItsEnd) {
-    press(Qt::Key_Escape);
-    EXPECT_EQ(closings, 1);
-    EXPECT_TRUE(panel.isVisible());
-}
-
 }  // namespace
 }  // namespace ovrin

@@ -170,15 +170,5 @@ TEST_F(HistoryViewTest, WhatIsBeingReadStaysWhereItIs) {
     EXPECT_EQ(placeOf(*firstInSight()), top);
 }
 
-TEST_F(HistoryViewTest, EscapeClearsTheSearch) {
-    open(3);
-    search->setFocus();
-    search->setText("nothing like it");
-    EXPECT_EQ(model->searchText().value(), "nothing like it");
-    press(Qt::Key_Escape);
-    EXPECT_EQ(model->searchText().value(), "");
-    EXPECT_EQ(search->text(), "");
-}
-
 }  // namespace
 }  // namespace ovrin

@@ -1,6 +1,5 @@
 #include "windows/direct_ai_window_presenter.h"
 
-#include "fakes/fake_keychain.h"
 #include "panel_fixture.h"
 
 namespace ovrin {
@@ -61,10 +60,6 @@ protected:
         return journal.take();
     }
 
-    DefaultsStore defaults{directory.path() / "preferences.json"};
-    FakeKeychain keychain;
-    KeychainStore keychainStore{keychain};
-    AppConfig config{defaults, [] { return Environment(); }, keychainStore};
     FakePanel* panel = nullptr;
     DirectAIViewModel* viewModel = nullptr;
     std::unique_ptr<DirectAIWindowPresenter> presenter = std::make_unique<DirectAIWindowPresenter>(
@@ -88,21 +83,6 @@ TEST_F(DirectAIWindowPresenterTest, OpensOneBarAndBringsItBack) {
     EXPECT_EQ(viewModel->draft().value(), "half a question");
 }
 
-TEST_F(DirectAIWindowPresenterTest, GrowsWithTheFirstQuestionOnly) {
-    open();
-    willAnswer("a");
-    ask("q1");
-    EXPECT_EQ(events(), Events{"to " + expanded});
-    willAnswer("a");
-    ask("q2");
-    EXPECT_EQ(events(), Events{});
-    viewModel->newConversation();
-    EXPECT_EQ(journal.take(), Events{});  // not from inside the notification
-    EXPECT_EQ(events(), Events{"to " + compact});
-    viewModel->newConversation();
-    EXPECT_EQ(events(), Events{});
-}
-
 TEST_F(DirectAIWindowPresenterTest, ABareBarGoesWithTheKeyboardAndAConversationStays) {
     open();
     willAnswer("a");
@@ -119,21 +99,6 @@ TEST_F(DirectAIWindowPresenterTest, ABareBarGoesWithTheKeyboardAndAConversationS
     panel->events.resignedKey();
     EXPECT_EQ(journal.take(), Events{});  // not from inside the event
     EXPECT_EQ(events(), Events{"gone"});
-}
-
-TEST_F(DirectAIWindowPresenterTest, ClosingEndsTheAnswerAndTheNextChatIsFresh) {
-    open();
-    willStream("half");
-    ask("q");
-    panel->events.requestClose();
-    EXPECT_FALSE(viewModel->isStreaming().value());
-    EXPECT_EQ(events(), (Events{"to " + expanded, "gone"}));
-    EXPECT_TRUE(http.isBodyDropped());
-    EXPECT_TRUE(history.records()->empty());
-    presenter->close();
-    presenter->show();
-    EXPECT_EQ(events(), (Events{"panel " + compact, "present"}));
-    EXPECT_TRUE(viewModel->turns()->empty());
 }
 
 TEST_F(DirectAIWindowPresenterTest, WhatAClosedChatStillAsksForTouchesNoOther) {

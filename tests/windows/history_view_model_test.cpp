@@ -16,7 +16,6 @@
 #include "fakes/journal.h"
 #include "fakes/temporary_directory.h"
 #include "storage/history_store.h"
-#include "windows/history_window_controller.h"
 
 namespace ovrin {
 namespace {
@@ -140,19 +139,6 @@ TEST_F(HistoryViewModelTest, ASearchedListFollowsEveryFlow) {
     EXPECT_EQ(shown(), (Strings{"apple 3", "apple 2", "pear"}));
 }
 
-TEST_F(HistoryViewModelTest, RecordsAreReopenedAndCopied) {
-    save(history, "bare");
-    save(history, "blank", "");
-    save(history, "whole", "result");
-    for (const auto& record : history.records().value()) {
-        model->open(*record);
-        model->copy(*record);
-    }
-    const std::string toast = "toast checkmark: 内容已复制";
-    EXPECT_EQ(journal.take(), (Strings{"panel: whole => result", "clipboard: result", toast, "panel: blank => ",
-                                       "clipboard: blank", toast, "panel: bare => ", "clipboard: bare", toast}));
-}
-
 TEST_F(HistoryViewModelTest, EverythingIsDeletedOnlyOnceItWasConfirmed) {
     EXPECT_FALSE(model->canDeleteAll().value());
     model->askToDeleteAll();
@@ -199,26 +185,6 @@ TEST_F(HistoryViewModelTest, OtherProcessesAreFollowedWhileTheWindowIsVisible) {
 
     model->setVisible(false);
     EXPECT_EQ(files.watches, 0);
-}
-
-TEST_F(HistoryViewModelTest, TheWindowIsMadeOnceAndKeepsItsSearch) {
-    struct FakeWindow final : HistoryWindow {
-        explicit FakeWindow(Journal& journal) : journal_(journal) {}
-        void present() override { journal_.add("present"); }
-        Journal& journal_;
-    };
-    HistoryViewModel* made = nullptr;
-    HistoryWindowController controller(services(), [&](HistoryViewModel& viewModel) {
-        made = &viewModel;
-        journal.add("make");
-        return std::make_unique<FakeWindow>(journal);
-    });
-    EXPECT_EQ(made, nullptr);
-    controller.show();
-    made->setSearchText("kept");
-    controller.show();
-    EXPECT_EQ(journal.take(), (Strings{"make", "present", "present"}));
-    EXPECT_EQ(made->searchText().value(), "kept");
 }
 
 }  // namespace

@@ -1,4 +1,3 @@
-#include "fakes/fake_keychain.h"
 #include "panel_fixture.h"
 #include "windows/input_translate_presenter.h"
 
@@ -29,29 +28,6 @@ protected:
     InputTranslateViewModel window{"", "zh-Hans", windowServices()};
 };
 
-TEST_F(InputTranslateViewModelTest, StreamsATranslationAndKeepsTheTrimmedTextInTheHistory) {
-    identifier.answer = "en";
-    willStream("你");
-    window.setInputText(" hello\n");
-    EXPECT_EQ(requests(), 0U);
-    window.translate();
-    EXPECT_TRUE(window.isStreaming().value());
-    EXPECT_EQ(window.detectedLanguage().value(), "en");
-    loop.runPosted();
-    EXPECT_EQ(lastRequest(), Events{"user: hello"});
-    EXPECT_NE(lastSystemPrompt().find("Simplified Chinese (BCP-47: zh-Hans)"), std::string::npos);
-    push("好");
-    EXPECT_EQ(window.outputText().value(), "你好");
-    finish();
-    EXPECT_FALSE(window.isStreaming().value());
-    EXPECT_EQ(window.inputText().value(), " hello\n");
-    ASSERT_EQ(history.records()->size(), 1U);
-    const HistoryRecord& record = *history.records()->front();
-    EXPECT_EQ(record.sourceText, "hello");
-    EXPECT_EQ(record.resultText, "你好");
-    EXPECT_EQ(record.recordType, "input-translation");
-}
-
 TEST_F(InputTranslateViewModelTest, ABlankInputLeavesWhatIsThere) {
     willAnswer("你好");
     translate("hello");
@@ -73,24 +49,6 @@ TEST_F(InputTranslateViewModelTest, TheTargetIsThePickedOneUnlessTheTextIsInItAl
     EXPECT_NE(lastSystemPrompt().find("BCP-47: ja)"), std::string::npos);
 }
 
-TEST_F(InputTranslateViewModelTest, SwappingTranslatesBackIntoTheDetectedLanguage) {
-    window.swapLanguages();
-    EXPECT_EQ(requests(), 0U);
-    identifier.answer = "en";
-    willAnswer("你好");
-    translate("hello");
-    identifier.answer = "zh-Hans";
-    willStream("hi");
-    window.swapLanguages();
-    EXPECT_EQ(window.inputText().value(), "你好");
-    EXPECT_EQ(window.outputText().value(), "");
-    EXPECT_EQ(window.targetLanguage().value(), "en");
-    EXPECT_EQ(window.detectedLanguage().value(), "zh-Hans");
-    loop.runPosted();
-    EXPECT_EQ(lastRequest(), Events{"user: 你好"});
-    EXPECT_NE(lastSystemPrompt().find("BCP-47: en)"), std::string::npos);
-}
-
 TEST_F(InputTranslateViewModelTest, SwappingKeepsTheTargetWhereNothingWasDetected) {
     identifier.answer = "en";
     willAnswer("是");
@@ -99,48 +57,6 @@ TEST_F(InputTranslateViewModelTest, SwappingKeepsTheTargetWhereNothingWasDetecte
     willAnswer("yes");
     window.swapLanguages();
     EXPECT_EQ(window.targetLanguage().value(), "zh-Hans");
-}
-
-TEST_F(InputTranslateViewModelTest, AFailureKeepsWhatCameAndANewTranslationStartsClean) {
-    willStream("你");
-    translate("hello");
-    http.openBody().fail(std::make_exception_ptr(Error("the line broke")));
-    loop.runPosted();
-    EXPECT_FALSE(window.isStreaming().value());
-    EXPECT_EQ(window.outputText().value(), "你");
-    ASSERT_TRUE(window.errorMessage().value());
-    EXPECT_NE(window.errorMessage().value()->find("the line broke"), std::string::npos);
-    EXPECT_TRUE(history.records()->empty());
-
-    willStream("您");
-    window.translate();
-    EXPECT_EQ(window.outputText().value(), "");
-    EXPECT_EQ(window.errorMessage().value(), std::nullopt);
-    loop.runPosted();
-
-    // Again while it runs: the first request is given up without a word.
-    const StreamWriter<std::string> old = std::move(http.openBody());
-    willAnswer("喂");
-    window.translate();
-    loop.runPosted();
-    EXPECT_TRUE(old.stopToken().stop_requested());
-    EXPECT_EQ(window.outputText().value(), "喂");
-    EXPECT_EQ(history.records()->size(), 1U);
-}
-
-TEST_F(InputTranslateViewModelTest, ClearingEndsTheTranslationAndEmptiesBothPanes) {
-    identifier.answer = "en";
-    willStream("你");
-    translate("hello");
-    window.clear();
-    EXPECT_EQ(window.inputText().value() + window.outputText().value(), "");
-    EXPECT_EQ(window.detectedLanguage().value(), std::nullopt);
-    EXPECT_FALSE(window.isStreaming().value());
-    push("好");
-    finish();
-    EXPECT_EQ(window.outputText().value(), "");
-    EXPECT_EQ(window.errorMessage().value(), std::nullopt);
-    EXPECT_TRUE(history.records()->empty());
 }
 
 TEST_F(InputTranslateViewModelTest, TellsWhetherThereIsSomethingToTranslate) {
@@ -192,15 +108,13 @@ private:
 
 class InputTranslatePresenterTest : public InputTranslateTest {
 protected:
+    InputTranslatePresenterTest() { variables["LANG"] = "ko_KR"; }
+
     Events events() {
         loop.runPosted();
         return journal.take();
     }
 
-    DefaultsStore defaults{directory.path() / "preferences.json"};
-    FakeKeychain keychain;
-    KeychainStore keychainStore{keychain};
-    AppConfig config{defaults, [] { return Environment(Environment::Variables{{"LANG", "ko_KR"}}); }, keychainStore};
     FakeWindow* window = nullptr;
     InputTranslateViewModel* viewModel = nullptr;
     std::unique_ptr<InputTranslatePresenter> presenter = std::make_unique<InputTranslatePresenter>(

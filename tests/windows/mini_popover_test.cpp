@@ -1,5 +1,4 @@
 #include "fakes/fake_desktop_layout.h"
-#include "fakes/fake_keychain.h"
 #include "fakes/fake_mini_popover_window.h"
 #include "panel_fixture.h"
 #include "windows/mini_popover_placement.h"
@@ -43,10 +42,6 @@ protected:
                 .toasts = services.toasts};
     }
 
-    DefaultsStore defaults{directory.path() / "preferences.json"};
-    FakeKeychain keychain;
-    KeychainStore keychainStore{keychain};
-    AppConfig config{defaults, [] { return Environment(); }, keychainStore};
     FakeDesktopLayout desktop;
     FakeMiniPopoverWindow* card = nullptr;
     MiniPopoverPresenter presenter{cardServices(services()), config, desktop,

@@ -1,5 +1,5 @@
-// A result panel's surroundings: a model service that streams what the test pushes, and a history, a clipboard and
-// toasts that write into one journal.
+// The surroundings of windows that show answers: a model service that streams what the test pushes, preferences, and a
+// history, a clipboard and toasts that write into one journal.
 #pragma once
 
 #include <memory>
@@ -15,12 +15,16 @@
 #include "base/virtual_loop.h"
 #include "fakes/fake_clipboard_service.h"
 #include "fakes/fake_http_client.h"
+#include "fakes/fake_keychain.h"
 #include "fakes/fake_language_identifier.h"
 #include "fakes/fake_presenters.h"
 #include "fakes/fake_speech_synthesizer.h"
 #include "fakes/journal.h"
 #include "fakes/temporary_directory.h"
+#include "storage/app_config.h"
+#include "storage/defaults_store.h"
 #include "storage/history_store.h"
+#include "storage/keychain_store.h"
 #include "windows/result_panel_view_model.h"
 
 namespace ovrin {
@@ -88,6 +92,11 @@ protected:
     Journal journal;
     VirtualLoop loop;
     TemporaryDirectory directory;
+    DefaultsStore defaults{directory.path() / "preferences.json"};
+    FakeKeychain keychain;
+    KeychainStore keychainStore{keychain};
+    Environment::Variables variables;  // those that the configuration sees
+    AppConfig config{defaults, [this] { return Environment(variables); }, keychainStore};
     FakeHTTPClient http;
     FakeLanguageIdentifier identifier;
     ModelClient client{loop, http, [] {

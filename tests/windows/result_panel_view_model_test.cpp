@@ -72,25 +72,6 @@ TEST_F(ResultPanelViewModelTest, TheRecognisersLanguageGoesBeforeTheTexts) {
     EXPECT_EQ(make(std::nullopt)->targetLanguage(), "fr");
 }
 
-TEST_F(ResultPanelViewModelTest, StreamsTheTranslationAndKeepsItInTheHistory) {
-    const auto panel = make();
-    willStream("Bon");
-    panel->translate();
-    EXPECT_TRUE(panel->isTranslating().value());
-    EXPECT_EQ(panel->primaryText(), "text");
-    loop.runPosted();
-    EXPECT_EQ(lastRequest(), Events{"user: text"});
-    EXPECT_NE(lastSystemPrompt().find("French (BCP-47: fr)"), std::string::npos);
-    push("jour");
-    EXPECT_EQ(panel->translation().value(), "Bonjour");
-    EXPECT_EQ(panel->primaryText(), "Bonjour");
-    EXPECT_TRUE(panel->isTranslating().value());
-    EXPECT_EQ(latestResult(), std::nullopt);
-    finish();
-    EXPECT_FALSE(panel->isTranslating().value());
-    EXPECT_EQ(latestResult(), "Bonjour");
-}
-
 TEST_F(ResultPanelViewModelTest, AFailedTranslationKeepsWhatCameAndANewOneStartsClean) {
     const auto panel = make();
     willStream("Bon");
@@ -332,16 +313,6 @@ TEST_F(ResultPanelViewModelTest, ANewTranslationEndsAStreamingAnswer) {
     EXPECT_TRUE(answer.stopToken().stop_requested());
     EXPECT_EQ(panel->aiOutput().value(), "a");
     EXPECT_EQ(panel->translation().value(), "Bonjour");
-}
-
-TEST_F(ResultPanelViewModelTest, ItsEndEndsTheRequest) {
-    auto panel = make();
-    willStream("Bon");
-    panel->translate();
-    loop.runPosted();
-    panel.reset();
-    loop.runPosted();
-    EXPECT_TRUE(http.isBodyDropped());
 }
 
 TEST_F(ResultPanelViewModelTest, ShowsTheOverlayOfATranslatedPictureOnly) {

@@ -1,6 +1,5 @@
 #include "windows/result_window_presenter.h"
 
-#include "fakes/fake_keychain.h"
 #include "fakes/fake_result_panel_window.h"
 #include "panel_fixture.h"
 
@@ -19,10 +18,6 @@ protected:
         return journal.take();
     }
 
-    DefaultsStore defaults{directory.path() / "preferences.json"};
-    FakeKeychain keychain;
-    KeychainStore keychainStore{keychain};
-    AppConfig config{defaults, [] { return Environment(); }, keychainStore};
     FakeResultPanelWindow* window = nullptr;
     std::unique_ptr<ResultWindowPresenter> presenter = std::make_unique<ResultWindowPresenter>(
         services(), config, defaults, [this](std::function<void()> requestClose) {
@@ -56,35 +51,6 @@ TEST_F(ResultWindowPresenterTest, LiftsAnOpenWindowWhenThePreferenceChanges) {
     defaults.setBoolean("ovrin.resultWindowAlwaysOnTop", false);
     presenter->applyLevel();
     EXPECT_EQ(events(), (Events{"window", "content one", "floating", "present", "normal"}));
-}
-
-TEST_F(ResultWindowPresenterTest, StartsWhatTheCaptureWasFor) {
-    const OCRResult result{
-        .paragraphs = {{.text = "a", .normalizedBoundingBox = {}}, {.text = "b", .normalizedBoundingBox = {}}}};
-    willAnswer("Bonjour");
-    presenter->show(result, Image(1, 1, std::vector<std::uint8_t>(4)), {.translateImmediately = true});
-    loop.runPosted();
-    EXPECT_EQ(lastRequest(), Events{"user: a\nb"});
-    EXPECT_EQ(presenter->latestViewModel()->translation().value(), "Bonjour");
-    EXPECT_TRUE(presenter->latestViewModel()->canShowOverlay());
-
-    willAnswer("A letter.");
-    presenter->show(result, std::nullopt, {.initialAIAction = AIAction::whatIsThis});
-    loop.runPosted();
-    EXPECT_EQ(presenter->latestViewModel()->selectedAIAction().value(), AIAction::whatIsThis);
-    EXPECT_EQ(presenter->latestViewModel()->initialQuestion().value(), "这是什么？");
-    EXPECT_EQ(requests(), 2U);
-}
-
-TEST_F(ResultWindowPresenterTest, NewContentEndsTheWorkOfTheOld) {
-    showText("one");
-    willStream("Un");
-    presenter->latestViewModel()->translate();
-    loop.runPosted();
-    showText("two", "deux");
-    loop.runPosted();
-    EXPECT_TRUE(http.isBodyDropped());
-    EXPECT_EQ(presenter->latestViewModel()->translation().value(), "deux");
 }
 
 TEST_F(ResultWindowPresenterTest, ClosingEndsTheWorkAndTheNextShowMakesANewWindow) {

@@ -113,7 +113,6 @@ std::vector<std::string> PrivateDesktop::missingPackages(const Setup& setup) {
         Need{.isNeeded = setup.compositor == Compositor::picom, .program = "picom", .package = "picom"},
         Need{.isNeeded = setup.tray == Tray::tint2, .program = "tint2", .package = "tint2"},
         Need{.isNeeded = setup.tray == Tray::lxqtPanel, .program = "lxqt-panel", .package = "lxqt-panel"},
-        Need{.isNeeded = setup.notifications == Notifications::dunst, .program = "dunst", .package = "dunst"},
         Need{.isNeeded = setup.accessibility == Accessibility::on,
              .program = accessibilityLauncher,
              .package = "at-spi2-core"}};
@@ -141,12 +140,10 @@ PrivateDesktop::PrivateDesktop(const Setup& setup) {
     if (setup.accessibility == Accessibility::on) startAccessibility();
     if (setup.tray == Tray::tint2) startTint2();
     if (setup.tray == Tray::lxqtPanel) startLxqtPanel();
-    if (setup.notifications == Notifications::dunst) startNotificationDaemon();
 }
 
 PrivateDesktop::~PrivateDesktop() {
-    for (auto* const program : {&notificationDaemon_, &tray_, &accessibility_, &compositor_, &windowManager_})
-        program->reset();
+    for (auto* const program : {&tray_, &accessibility_, &compositor_, &windowManager_}) program->reset();
     view_.reset();
     if (server_) server_->terminate();  // politely: it has a socket and a lock to take away
 }
@@ -280,11 +277,6 @@ void PrivateDesktop::startLxqtPanel() {
     write(configurationFolder() / "lxqt/panel.conf", lxqtPanelConfiguration);
     tray_ = start({.arguments = {"lxqt-panel"}});
     waitFor("lxqt-panel", [this] { return busView_->hasOwner("org.kde.StatusNotifierWatcher"); });
-}
-
-void PrivateDesktop::startNotificationDaemon() {
-    notificationDaemon_ = start({.arguments = {"dunst", "-config", "/dev/null"}});
-    waitFor("dunst", [this] { return busView_->hasOwner("org.freedesktop.Notifications"); });
 }
 
 void PrivateDesktop::startAccessibility() {

@@ -30,7 +30,6 @@ public:
         tint2,     // icons embedded by the XEmbed protocol
         lxqtPanel  // icons as status notifier items
     };
-    enum class Notifications : std::uint8_t { none, dunst };
     enum class Accessibility : std::uint8_t { off, on };  // on: a screen reader can read the windows
     enum class WindowManager : std::uint8_t { none, openbox };
 
@@ -41,7 +40,6 @@ public:
         WindowManager windowManager = WindowManager::openbox;
         Compositor compositor = Compositor::picom;
         Tray tray = Tray::tint2;
-        Notifications notifications = Notifications::none;
         Accessibility accessibility = Accessibility::off;
     };
 
@@ -82,7 +80,6 @@ public:
     void setMonitors(const std::vector<Monitor>& monitors);
 
     // Kill a part of it as a crash would.
-    void killNotificationDaemon() { notificationDaemon_.reset(); }
     void killCompositor() { compositor_.reset(); }
     void killServer() { server_.reset(); }
     // Of tint2.
@@ -95,7 +92,6 @@ private:
     void startCompositor();
     void startTint2();
     void startLxqtPanel();
-    void startNotificationDaemon();
     void startAccessibility();
     void paintBackground();
     void waitForSelection(const std::string& selection, const std::string& program) const;
@@ -113,7 +109,6 @@ private:
     std::unique_ptr<ChildProcess> compositor_;
     std::unique_ptr<ChildProcess> accessibility_;
     std::unique_ptr<ChildProcess> tray_;
-    std::unique_ptr<ChildProcess> notificationDaemon_;
 };
 
 }  // namespace ovrin

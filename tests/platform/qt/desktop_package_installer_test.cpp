@@ -60,10 +60,11 @@ protected:
 TEST_F(DesktopPackageInstallerTest, PackageKitIsGivenTheFileFirst) {
     std::optional<QDBusMessage> asked;
     QString error;
-    const Peer packageKit("org.freedesktop.PackageKit", "/org/freedesktop/PackageKit", [&](const QDBusMessage& call) {
-        asked = call;
-        return error.isEmpty() ? call.createReply() : call.createErrorReply(error, "dependencies are missing");
-    });
+    const FakeService packageKit(
+        "org.freedesktop.PackageKit", "/org/freedesktop/PackageKit", [&](const QDBusMessage& call) {
+            asked = call;
+            return error.isEmpty() ? call.createReply() : call.createErrorReply(error, "dependencies are missing");
+        });
     EXPECT_EQ(outcome(), "installed");
     EXPECT_EQ(asked->interface(), "org.freedesktop.PackageKit.Modify2");
     EXPECT_EQ(asked->member(), "InstallPackageFiles");
@@ -81,19 +82,20 @@ TEST_F(DesktopPackageInstallerTest, PackageKitIsGivenTheFileFirst) {
 TEST_F(DesktopPackageInstallerTest, ThePortalGetsTheOpenFileAndAnswersLater) {
     uint response = 0;
     QByteArray content;
-    Peer* self = nullptr;
-    Peer portal("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop", [&](const QDBusMessage& call) {
-        const auto descriptor = qdbus_cast<QDBusUnixFileDescriptor>(call.arguments()[1]);
-        QFile file;
-        if (file.open(descriptor.fileDescriptor(), QIODevice::ReadOnly)) content = file.readAll();
-        const auto options = qdbus_cast<QVariantMap>(call.arguments()[2]);
-        const QString handle = "/org/freedesktop/portal/desktop/request/" + call.service().mid(1).replace('.', '_') +
-                               "/" + options["handle_token"].toString();
-        QDBusMessage signal = QDBusMessage::createSignal(handle, "org.freedesktop.portal.Request", "Response");
-        signal << response << QVariantMap();
-        self->bus.send(signal);  // even before the reply
-        return call.createReply(QVariant::fromValue(QDBusObjectPath(handle)));
-    });
+    FakeService* self = nullptr;
+    FakeService portal(
+        "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop", [&](const QDBusMessage& call) {
+            const auto descriptor = qdbus_cast<QDBusUnixFileDescriptor>(call.arguments()[1]);
+            QFile file;
+            if (file.open(descriptor.fileDescriptor(), QIODevice::ReadOnly)) content = file.readAll();
+            const auto options = qdbus_cast<QVariantMap>(call.arguments()[2]);
+            const QString handle = "/org/freedesktop/portal/desktop/request/" +
+                                   call.service().mid(1).replace('.', '_') + "/" + options["handle_token"].toString();
+            QDBusMessage signal = QDBusMessage::createSignal(handle, "org.freedesktop.portal.Request", "Response");
+            signal << response << QVariantMap();
+            self->connection().send(signal);  // even before the reply
+            return call.createReply(QVariant::fromValue(QDBusObjectPath(handle)));
+        });
     self = &portal;
     EXPECT_EQ(outcome(), "opened");
     EXPECT_EQ(content, "package");
@@ -109,10 +111,11 @@ TEST_F(DesktopPackageInstallerTest, WhereNothingOpensPackagesTheFolderIsShown) {
     makeOpener("case \"$1\" in *.deb) exit 3;; esac\n");
     EXPECT_EQ(outcome(), "shown");
     QStringList shown;
-    const Peer manager("org.freedesktop.FileManager1", "/org/freedesktop/FileManager1", [&](const QDBusMessage& call) {
-        shown = call.arguments()[0].toStringList();
-        return call.createReply();
-    });
+    const FakeService manager("org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
+                              [&](const QDBusMessage& call) {
+                                  shown = call.arguments()[0].toStringList();
+                                  return call.createReply();
+                              });
     EXPECT_EQ(outcome(), "shown");
     EXPECT_EQ(shown, QStringList{QString::fromStdString("file://" + package.string())});
 }

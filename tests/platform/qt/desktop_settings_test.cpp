@@ -1,6 +1,5 @@
 #include <QDBusVariant>
 #include <QMap>
-#include <memory>
 #include <optional>
 
 #include "fakes/x_test_server.h"
@@ -40,8 +39,9 @@ class DesktopSettingsTest : public testing::Test {
 protected:
     void startPortal(const SettingsPortal::Settings& settings) {
         qDBusRegisterMetaType<SettingsPortal::Settings>();
-        portal.emplace("org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
-                       [settings](const QDBusMessage&) -> QVariantList { return {QVariant::fromValue(settings)}; });
+        portal.emplace(
+            "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
+            [settings](const QDBusMessage& call) { return call.createReply(QVariant::fromValue(settings)); });
     }
     void change(const QString& group, const QString& key, const QVariant& value) {
         portal->emitSignal("org.freedesktop.portal.Settings", "SettingChanged",

@@ -1,7 +1,6 @@
 #include "platform/linux/wayland/kwin_screen_capture.h"
 
 #include <QDBusUnixFileDescriptor>
-#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -96,7 +95,7 @@ TEST_F(KWinScreenCaptureTest, IsAskedForAccessWhereKWinIsOnTheBus) {
     EXPECT_EQ(failure, "无法截取屏幕：此桌面不支持。");
     EXPECT_FALSE(capture.preflightAccess());
     failure.clear();
-    const Peer kwin("org.kde.KWin", "/org/kde/KWin/ScreenShot2", [](const QDBusMessage& call) { return call; });
+    const FakeService kwin("org.kde.KWin", "/org/kde/KWin/ScreenShot2", [](const QDBusMessage& call) { return call; });
     run(ask());
     EXPECT_EQ(failure, "");
     EXPECT_TRUE(capture.preflightAccess());
@@ -108,7 +107,7 @@ TEST_F(KWinScreenCaptureTest, AsksForThePartInNativePixelsAndReadsThem) {
     uint width = 2;
     uint height = 1;
     uint format = 6;
-    const Peer kwin("org.kde.KWin", "/org/kde/KWin/ScreenShot2", [&](const QDBusMessage& call) {
+    const FakeService kwin("org.kde.KWin", "/org/kde/KWin/ScreenShot2", [&](const QDBusMessage& call) {
         EXPECT_EQ(call.interface() + "." + call.member(), "org.kde.KWin.ScreenShot2.CaptureArea");
         EXPECT_EQ(call.signature(), "iiuua{sv}h");
         asked = call.arguments();
@@ -130,8 +129,8 @@ TEST_F(KWinScreenCaptureTest, AsksForThePartInNativePixelsAndReadsThem) {
 }
 
 TEST_F(KWinScreenCaptureTest, WhoeverIsTurnedAwayOrGetsTooLittleReadsWhy) {
-    const auto failureWith = [this](const Peer::Handle& handle) {
-        const Peer kwin("org.kde.KWin", "/org/kde/KWin/ScreenShot2", handle);
+    const auto failureWith = [this](const FakeService::Answer& handle) {
+        const FakeService kwin("org.kde.KWin", "/org/kde/KWin/ScreenShot2", handle);
         EXPECT_TRUE(take(0, {0, 0, 2, 1}, 2, 1).empty());
         return failure;
     };

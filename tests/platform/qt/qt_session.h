@@ -59,17 +59,17 @@ private:
     std::optional<QApplication> application_;
 };
 
-// A program on the bus whose every call the test answers.
+// A program on the bus whose every call, to the path and below, the test answers with a reply or an error.
 class FakeService final : public QDBusVirtualObject {
 public:
-    using Answer = std::function<QVariantList(const QDBusMessage& call)>;
+    using Answer = std::function<QDBusMessage(const QDBusMessage& call)>;
 
     FakeService(const QString& name, const QString& path, Answer answer)
         : connection_(QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), name)),
           name_(name),
           path_(path),
           answer_(std::move(answer)) {
-        connection_.registerVirtualObject(path, this);
+        connection_.registerVirtualObject(path, this, QDBusConnection::SubPath);
         connection_.registerService(name);
     }
     FakeService(const FakeService&) = delete;
@@ -89,8 +89,7 @@ public:
 
     QString introspect(const QString& /*path*/) const override { return {}; }
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-        connection.send(message.createReply(answer_(message)));
-        return true;
+        return connection.send(answer_(message));
     }
 
 private:
@@ -98,40 +97,6 @@ private:
     QString name_;
     QString path_;
     Answer answer_;
-};
-
-// Answers the one call that it expects, or fails it.
-class Peer final : public QDBusVirtualObject {
-public:
-    using Handle = std::function<QDBusMessage(const QDBusMessage& call)>;
-
-    Peer(const QString& name, const QString& path, Handle handle)
-        : bus(QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), name)),
-          name_(name),
-          path_(path),
-          handle_(std::move(handle)) {
-        bus.registerVirtualObject(path, this, QDBusConnection::SubPath);
-        bus.registerService(name);
-    }
-    Peer(const Peer&) = delete;
-    Peer& operator=(const Peer&) = delete;
-    ~Peer() override {
-        bus.unregisterObject(path_);
-        bus = QDBusConnection(QString());
-        QDBusConnection::disconnectFromBus(name_);
-    }
-
-    QString introspect(const QString& /*path*/) const override { return {}; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-        return connection.send(handle_(message));
-    }
-
-    QDBusConnection bus;
-
-private:
-    QString name_;
-    QString path_;
-    Handle handle_;
 };
 
 }  // namespace ovrin

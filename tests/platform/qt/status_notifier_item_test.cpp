@@ -61,10 +61,10 @@ public:
     }
 
 private:
-    QVariantList answer(const QDBusMessage& call) {
+    QDBusMessage answer(const QDBusMessage& call) {
         if (call.member() == QLatin1String("RegisterStatusNotifierItem")) item_ = call.arguments().value(0).toString();
-        if (call.member() == QLatin1String("Get")) return {QVariant::fromValue(QDBusVariant(true))};
-        return {};
+        if (call.member() == QLatin1String("Get")) return call.createReply(QVariant::fromValue(QDBusVariant(true)));
+        return call.createReply();
     }
 
     static QStringList linesOf(const DBusMenuLine& line, const QString& indentation) {
