@@ -1,7 +1,6 @@
 #include "assistant.h"
 
 #include <QApplication>
-#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -15,7 +14,6 @@
 #include "app/app_icon_manager.h"
 #include "app/app_state.h"
 #include "app/appearance_manager.h"
-#include "app/application_actions.h"
 #include "app/deferred_writes.h"
 #include "app/model_readiness.h"
 #include "app/remote_command.h"
@@ -61,6 +59,7 @@
 #include "recognition/idle_releasing_recognizer.h"
 #include "recognition/vision_ocr_engine.h"
 #include "services.h"
+#include "settings/application_actions.h"
 #include "settings/first_launch.h"
 #include "settings/settings_window_controller.h"
 #include "settings/shortcuts_page_view_model.h"
@@ -71,20 +70,11 @@
 #include "shortcuts/registry.h"
 #include "updates/update_controller.h"
 #include "views/application/qt_application_icon.h"
+#include "views/application/qt_windows.h"
 #include "views/application/settings_key.h"
 #include "views/capture/qt_capture_overlays.h"
-#include "views/command_palette/command_palette_view.h"
 #include "views/components/view_environment.h"
-#include "views/direct_ai/qt_direct_ai_panel.h"
-#include "views/history/qt_history_window.h"
-#include "views/input_translate/qt_input_translate_window.h"
-#include "views/mini_popover/mini_popover_panel.h"
-#include "views/result_panel/qt_result_panel_window.h"
-#include "views/settings/qt_settings_window.h"
-#include "views/settings/shortcuts_page.h"
 #include "views/status_item/qt_status_item.h"
-#include "views/toast/toast_panel.h"
-#include "views/updates/qt_update_window.h"
 #include "windows/direct_ai_window_presenter.h"
 #include "windows/history_window_controller.h"
 #include "windows/input_translate_presenter.h"
@@ -143,7 +133,6 @@ public:
     void quit() override { QApplication::quit(); }
 
 private:
-    std::unique_ptr<ToastWindow::Panel> makeToast(const std::string& message, OVIcon icon);
     ResultPanelViewModel::Services resultPanelServices();
     InputTranslateViewModel::Services inputTranslateServices();
     HistoryViewModel::Services historyServices();
@@ -206,34 +195,21 @@ private:
     WindowMemory windowMemory_{[this] { return recentWindows_.lastUsed() != nullptr; }};
 
     // Windows and flows.
-    ToastWindow toasts_{loop_, [this](const std::string& message, OVIcon icon) { return makeToast(message, icon); }};
-    ResultWindowPresenter resultPanel_{
-        resultPanelServices(), settings_.config, settings_.defaults, [this](std::function<void()> requestClose) {
-            return std::make_unique<QtResultPanelWindow>(environment_, icons_.image(), std::move(requestClose));
-        }};
+    QtWindows windows_{environment_, icons_.image()};
+    ToastWindow toasts_{loop_, windows_.toasts()};
+    ResultWindowPresenter resultPanel_{resultPanelServices(), settings_.config, settings_.defaults,
+                                       windows_.resultPanels()};
     MiniPopoverPresenter translationCard_{
         {.loop = loop_, .translation = model_.translation(identifier_), .clipboard = clipboard_, .toasts = toasts_},
         settings_.config,
         *layout_,
-        [this](MiniPopoverViewModel& viewModel, std::function<void()> requestClose) {
-            return std::make_unique<MiniPopoverPanel>(environment_, icons_.image(), viewModel, std::move(requestClose));
-        }};
-    InputTranslatePresenter inputTranslate_{
-        inputTranslateServices(), settings_.config,
-        [this](InputTranslateViewModel& viewModel, std::function<void()> requestClose) {
-            return std::make_unique<QtInputTranslateWindow>(environment_, icons_.image(), viewModel,
-                                                            std::move(requestClose));
-        }};
+        windows_.translationCards()};
+    InputTranslatePresenter inputTranslate_{inputTranslateServices(), settings_.config, windows_.inputTranslation()};
     DirectAIWindowPresenter directAI_{
         {.loop = loop_, .ai = AIService(model_.client), .prompts = prompts_, .history = *history_},
         settings_.config,
-        [this](DirectAIViewModel& viewModel, const DirectAIPanel::Form& form, DirectAIPanel::Events events) {
-            return std::make_unique<QtDirectAIPanel>(environment_, icons_.image(), viewModel, form, std::move(events));
-        }};
-    HistoryWindowController historyWindow_{historyServices(), [this](HistoryViewModel& viewModel) {
-                                               return std::make_unique<QtHistoryWindow>(environment_, icons_.image(),
-                                                                                        viewModel);
-                                           }};
+        windows_.directAI()};
+    HistoryWindowController historyWindow_{historyServices(), windows_.history()};
     AppState appState_;
 
     // Updates. Their requests run on a thread of their own, which may wait for the disk.
@@ -241,11 +217,7 @@ private:
     DownloadedPackages updatePackages_{cacheDirectory(Environment::ofProcess()) / "updates"};
     DesktopPackageInstaller packageInstaller_;
     URLSessionHTTPClient updateHTTP_{Environment::ofProcess()};  // after what its tasks use
-    UpdateController updates_{updateConfiguration(), updateServices(),
-                              [this](UpdateViewModel& viewModel, std::function<void()> requestClose) {
-                                  return std::make_unique<QtUpdateWindow>(environment_, icons_.image(), viewModel,
-                                                                          std::move(requestClose));
-                              }};
+    UpdateController updates_{updateConfiguration(), updateServices(), windows_.updates()};
 
     // How they are reached.
     std::unique_ptr<HotKeys> ownedHotKeys_ = desktop_.makeHotKeys(loop_);
@@ -262,14 +234,7 @@ private:
              showSettings(SettingsSection::shortcuts);
          }}};
     CommandPalettePresenter commandPalette_{
-        *this,
-        registry_,
-        *layout_,
-        [this](CommandPaletteViewModel& viewModel, std::function<void()> requestClose) {
-            return std::make_unique<CommandPaletteView>(environment_, viewModel, std::move(requestClose));
-        },
-        loop_,
-        text::caseRules(Environment::ofProcess())};
+        *this, registry_, *layout_, windows_.commandPalettes(), loop_, text::caseRules(Environment::ofProcess())};
     X11Tray tray_{desktop_.screenshot()};
     QtStatusItem statusItem_{environment_, keyboardLayout_, tray_};
     TrayNotice trayNotice_{{.loop = loop_, .statusItem = statusItem_, .notifications = notifications_}};
@@ -301,10 +266,6 @@ AppDelegate::AppDelegate(std::unique_ptr<WaylandConnection> compositor)
 AppDelegate::~AppDelegate() {
     closing_.request_stop();
     loop_.discardPosted();
-}
-
-std::unique_ptr<ToastWindow::Panel> AppDelegate::makeToast(const std::string& message, OVIcon icon) {
-    return std::make_unique<ToastPanel>(environment_, message, icon);
 }
 
 ResultPanelViewModel::Services AppDelegate::resultPanelServices() {
@@ -348,8 +309,8 @@ SettingsViewModel::Services AppDelegate::settingsServices() {
                       .keychain = settings_.keychain,
                       .toasts = toasts_,
                       .loginItem = loginItem_,
-                      .icons = icons_,
                       .environment = Environment::ofProcess,
+                      .selectEntranceIcon = [this](EntranceIconStyle style) { icons_.select(style); },
                       .applyAppearance = [this](AppAppearanceMode mode) { appearance_.apply(mode); },
                       .applyResultWindowLevel = [this] { resultPanel_.applyLevel(); }},
             .keyboard = keyboard_,
@@ -371,8 +332,7 @@ std::unique_ptr<SettingsWindow> AppDelegate::makeSettingsWindow(SettingsViewMode
                                           .menuItemUsing = [this](const KeyboardShortcuts::Shortcut& shortcut) {
                                               return statusBar_->itemUsing(shortcut, keyboardLayout_);
                                           }});
-    return std::make_unique<QtSettingsWindow>(environment_, icons_.image(), viewModel,
-                                              new ShortcutsPage(environment_, keyboardLayout_, *shortcutsPage_));
+    return windows_.makeSettings(viewModel, keyboardLayout_, *shortcutsPage_);
 }
 
 AppState::Surroundings AppDelegate::surroundings() {

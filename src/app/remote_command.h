@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/application_actions.h"
+#include "settings/application_actions.h"
 #include "settings/settings_section.h"
 #include "shortcuts/action.h"
 #include "shortcuts/assistant_actions.h"

@@ -7,10 +7,10 @@
 #include <optional>
 #include <string>
 
-#include "app/application_actions.h"
 #include "base/event_loop.h"
 #include "base/published.h"
 #include "platform/status_item.h"
+#include "settings/application_actions.h"
 #include "shortcuts/action.h"
 #include "shortcuts/assistant_actions.h"
 #include "shortcuts/registry.h"

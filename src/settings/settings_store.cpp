@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <charconv>
 #include <chrono>
-#include <exception>
 #include <utility>
 
-#include "app/app_icon_manager.h"
 #include "base/error.h"
 #include "base/suspension.h"
 #include "base/worker_executor.h"
@@ -15,6 +13,7 @@
 #include "model/local_service.h"
 #include "platform/login_item.h"
 #include "platform/toast_presenter.h"
+#include "settings/service_standard.h"
 #include "storage/preferences.h"
 
 namespace ovrin {
@@ -24,21 +23,8 @@ using namespace std::chrono_literals;
 
 const std::string noModelList = "无法列出模型：";
 
-// More than that nobody looks through in a menu.
-constexpr std::size_t mostModelChoices = 500;
-
 // How long savedMessage stands.
 constexpr auto savedMessageTime = 2s;
-
-std::string_view defaultConnectionURL(ModelAPIStandard standard) {
-    return standard == ModelAPIStandard::anthropic ? ModelAPIConfiguration::defaultAnthropicConnectionURL
-                                                   : ModelAPIConfiguration::defaultOpenAIConnectionURL;
-}
-
-std::string_view defaultModel(ModelAPIStandard standard) {
-    return standard == ModelAPIStandard::anthropic ? ModelAPIConfiguration::defaultAnthropicModel
-                                                   : ModelAPIConfiguration::defaultOpenAIModel;
-}
 
 std::string trimmed(const std::string& text) {
     return std::string(text::trimmed(text));
@@ -65,24 +51,12 @@ std::optional<std::string> failureOf(const Work& work) {
 
 }  // namespace
 
-ServiceHints serviceHints(ModelAPIStandard standard) {
-    const bool isAnthropic = standard == ModelAPIStandard::anthropic;
-    return {.connectionURLPlaceholder = defaultConnectionURL(standard),
-            .modelPlaceholder = defaultModel(standard),
-            .automaticHeaders = isAnthropic ? "自动添加 x-api-key、anthropic-version 与 Content-Type"
-                                            : "自动添加 Authorization 与 Content-Type",
-            .headerNamePlaceholder = isAnthropic ? "如 anthropic-beta" : "如 OpenAI-Project"};
-}
-
-std::string_view title(ModelAPIStandard standard) {
-    return standard == ModelAPIStandard::anthropic ? "Anthropic" : "OpenAI 兼容";
-}
-
 SettingsStore::SettingsStore(Surroundings surroundings)
     : surroundings_(std::move(surroundings)),
       headerOrder_(surroundings_.environment()),
-      connectionTask_(surroundings_.loop),
-      modelListTask_(surroundings_.loop),
+      connectionTest_(surroundings_.loop, surroundings_.client),
+      modelChoices_(surroundings_.loop, surroundings_.ioLoop, surroundings_.http,
+                    [this](const std::string& reason) { model_.setError(noModelList + reason); }),
       operations_(surroundings_.loop) {
     loadPreferences();
     refreshLoginItem();
@@ -168,8 +142,7 @@ Task<void> SettingsStore::readKeyring(Reading reading) {
     };
     const KeyringContent content = co_await surroundings_.worker.run(std::move(work));
     takeKeyringContent(content);
-    const bool hasFailed = connectionState_->kind == ConnectionState::Kind::failed;
-    if (wasUnread && hasFailed && !content.failure) connectionState_.set({});
+    if (wasUnread && connectionTest_.hasFailed() && !content.failure) connectionTest_.setIdle();
     if (reading == Reading::shown) isLoadingKeyring_.set(false);
     updatePermissions();
 }
@@ -185,7 +158,7 @@ void SettingsStore::takeKeyringContent(const KeyringContent& content) {
     } else {
         customHeaders_.setUnread();
     }
-    if (content.failure) return failConnection(*content.failure);
+    if (content.failure) return connectionTest_.fail(*content.failure);
     keyStorageNote_.set(content.isKeptInFile ? "密钥环不可用，密钥保存在仅您可读的文件中。" : "");
 }
 
@@ -202,36 +175,23 @@ void SettingsStore::updatePermissions() {
 void SettingsStore::updateAPIStandard(ModelAPIStandard standard) {
     const ModelAPIStandard old = apiStandard_.value().value();
     if (standard == old) return;
-    cancelTest();
-    forgetModels();
+    connectionTest_.cancel();
+    modelChoices_.forget();
     apiStandard_.edit(standard);
-    if (shouldReplaceConnectionURL(old)) connectionURL_.edit(std::string(defaultConnectionURL(standard)));
-    if (shouldReplaceModel(old)) model_.edit(std::string(defaultModel(standard)));
-    connectionState_.set({});
-}
-
-bool SettingsStore::shouldReplaceConnectionURL(ModelAPIStandard old) const {
-    std::string_view url = connectionURL_.value().value();
-    url.remove_prefix(std::min(url.find_first_not_of(" /"), url.size()));
-    url = url.substr(0, url.find_last_not_of(" /") + 1);
-    return url.empty() || url == defaultConnectionURL(old);
-}
-
-bool SettingsStore::shouldReplaceModel(ModelAPIStandard old) const {
-    const std::string_view model = text::trimmed(model_.value().value());
-    if (model.empty()) return true;
-    if (old == ModelAPIStandard::anthropic) return model.starts_with("claude-");
-    return model == ModelAPIConfiguration::defaultOpenAIModel || model == "deepseek-chat" ||
-           model == "deepseek-reasoner";
+    if (isDefaultConnectionURL(connectionURL_.value().value(), old)) {
+        connectionURL_.edit(std::string(defaultConnectionURL(standard)));
+    }
+    if (isDefaultModel(model_.value().value(), old)) model_.edit(std::string(defaultModel(standard)));
+    connectionTest_.setIdle();
 }
 
 void SettingsStore::editConnectionURL(std::string text) {
-    forgetModels();
+    modelChoices_.forget();
     connectionURL_.edit(std::move(text));
 }
 
 void SettingsStore::editAPIKey(std::string text) {
-    forgetModels();
+    modelChoices_.forget();
     apiKey_.edit(std::move(text));
 }
 
@@ -274,48 +234,25 @@ void SettingsStore::removeHeader(const Uuid& id) {
 }
 
 void SettingsStore::useLocalService(const LocalService& service) {
-    cancelTest();
-    forgetModels();
+    connectionTest_.cancel();
+    modelChoices_.forget();
     apiStandard_.edit(ModelAPIStandard::openAICompatible);
     connectionURL_.edit(service.connectionURL);
     apiKey_.edit({});
     const bool hasModel = std::ranges::find(service.models, trimmed(model_.value().value())) != service.models.end();
     if (!hasModel && !service.models.empty()) model_.edit(service.models.front());
-    connectionState_.set({});
+    connectionTest_.setIdle();
 }
 
 void SettingsStore::listModels() {
-    forgetModels();
+    modelChoices_.forget();
     try {
-        ModelAPIConfiguration configuration = serviceConfiguration();
-        HTTPRequest request = modelListRequest(configuration);
+        HTTPRequest request = modelListRequest(serviceConfiguration());
         model_.setError({});
-        modelChoices_.set({.kind = ModelChoices::Kind::loading});
-        modelListTask_.replace(readModelList(std::move(request)));
+        modelChoices_.load(std::move(request));
     } catch (const Error& error) {
         model_.setError(noModelList + error.errorDescription());
     }
-}
-
-Task<void> SettingsStore::readModelList(HTTPRequest request) {
-    ModelChoices choices;
-    try {
-        ModelList list = co_await fetchModelList(surroundings_.ioLoop, surroundings_.http, std::move(request));
-        if (list.names.empty()) throw Error("此服务没有模型。");
-        choices = {.kind = ModelChoices::Kind::ready, .names = std::move(list.names)};
-        if (choices.names.size() > mostModelChoices) {
-            choices.omitted = choices.names.size() - mostModelChoices;
-            choices.names.resize(mostModelChoices);
-        }
-    } catch (const Error& error) {
-        model_.setError(noModelList + error.errorDescription());
-    }
-    modelChoices_.set(std::move(choices));
-}
-
-void SettingsStore::forgetModels() {
-    modelListTask_.cancel();
-    modelChoices_.set({});
 }
 
 ModelAPIConfiguration SettingsStore::serviceConfiguration() const {
@@ -347,7 +284,7 @@ std::optional<SettingsStore::PressedSave> SettingsStore::pressSave() {
                            .maxOutputTokens = maxOutputTokens_.value().value(),
                            .customHeaders = customHeaders_.value().value()};
     } catch (const DeepSeekError& error) {
-        failConnection(error.errorDescription());
+        connectionTest_.fail(error.errorDescription());
         return std::nullopt;
     }
 }
@@ -385,66 +322,43 @@ void SettingsStore::saveService() {
 
 Task<void> SettingsStore::saveAndShow(PressedSave pressed) {
     const std::optional<std::string> failure = co_await store(std::move(pressed));
-    if (failure) co_return failConnection(*failure);
+    if (failure) co_return connectionTest_.fail(*failure);
     // What had failed before is made good.
-    const bool hadFailed = connectionState_->kind == ConnectionState::Kind::failed;
-    if (hadFailed && !isKeyringUnread()) connectionState_.set({});
+    if (connectionTest_.hasFailed() && !isKeyringUnread()) connectionTest_.setIdle();
     showSaved("服务配置已保存");
 }
 
 void SettingsStore::testConnection() {
     if (!canTestConnection_.value()) return;
-    cancelTest();
+    connectionTest_.cancel();
     auto pressed = pressSave();
     if (!pressed) return;
-    connectionState_.set({.kind = ConnectionState::Kind::testing});
-    operations_.start(saveAndTest(*std::move(pressed), test_));
+    operations_.start(saveAndTest(*std::move(pressed), connectionTest_.begin()));
 }
 
 // The save goes on to its end whatever becomes of the test.
 Task<void> SettingsStore::saveAndTest(PressedSave pressed, std::uint64_t test) {
     ServiceSave save = pressed.save;
     const std::optional<std::string> failure = co_await store(std::move(pressed));
-    if (test != test_) co_return;
-    if (failure) co_return failConnection(*failure);
+    if (!connectionTest_.isNewest(test)) co_return;
+    if (failure) co_return connectionTest_.fail(*failure);
     if (!save.writesAPIKey || !save.writesCustomHeaders) {
         // What the service needs is in the keyring, which is asked once more.
         co_await readKeyring(Reading::quiet);
-        if (test != test_ || isKeyringUnread()) co_return;
+        if (!connectionTest_.isNewest(test) || isKeyringUnread()) co_return;
         const std::optional<PressedSave> complete = pressSave();
         if (!complete) co_return;
         const ModelAPIConfiguration& read = complete->save.configuration;
         if (!save.writesAPIKey) save.configuration.apiKey = read.apiKey;
         if (!save.writesCustomHeaders) save.configuration.customHeaders = read.customHeaders;
-        connectionState_.set({.kind = ConnectionState::Kind::testing});
     }
-    connectionTask_.replace(ping(withLocalKey(std::move(save.configuration))));
-}
-
-Task<void> SettingsStore::ping(ModelAPIConfiguration configuration) {
-    const ModelClient client = surroundings_.client.withConfiguration(std::move(configuration));
-    std::vector<DeepSeek::Message> conversation{{.role = "system", .content = "Reply with OK only."},
-                                                {.role = "user", .content = "ping"}};
-    ConnectionState outcome{.kind = ConnectionState::Kind::success};
-    try {
-        co_await client.complete(std::move(conversation), 0.0);
-    } catch (const CancellationError&) {
-        throw;
-    } catch (...) {
-        outcome = {.kind = ConnectionState::Kind::failed, .message = errorDescription(std::current_exception())};
-    }
-    connectionState_.set(std::move(outcome));
-}
-
-void SettingsStore::cancelTest() {
-    ++test_;
-    connectionTask_.cancel();
+    connectionTest_.ask(withLocalKey(std::move(save.configuration)));
 }
 
 void SettingsStore::resetService() {
     if (!canResetService_.value()) return;
-    cancelTest();
-    if (connectionState_->kind == ConnectionState::Kind::testing) connectionState_.set({});
+    connectionTest_.cancel();
+    if (connectionTest_.isTesting()) connectionTest_.setIdle();
     operations_.start(reset());
 }
 
@@ -458,7 +372,7 @@ Task<void> SettingsStore::reset() {
     --resets_;
     if (failure) {
         updatePermissions();
-        co_return failConnection(*failure);
+        co_return connectionTest_.fail(*failure);
     }
     const AppConfig& config = surroundings_.config;
     const auto set = [](auto& field, auto value, auto effective) {
@@ -473,12 +387,8 @@ Task<void> SettingsStore::reset() {
     set(maxOutputTokens_, tokens, tokens);
     set(customHeaders_, std::vector<HeaderEntry>(), std::vector<HeaderEntry>());
     updatePermissions();
-    connectionState_.set({});
+    connectionTest_.setIdle();
     showSaved("模型配置已恢复默认");
-}
-
-void SettingsStore::failConnection(std::string message) {
-    connectionState_.set({.kind = ConnectionState::Kind::failed, .message = std::move(message)});
 }
 
 // The other pages. A write stores what its field holds and gives what counts from then on.
@@ -491,7 +401,7 @@ bool SettingsStore::store(Field& field, const Write& write) {
         field.markSaved(field.value().value(), std::move(effective));
         return true;
     } catch (const Error& error) {
-        failConnection(error.errorDescription());
+        connectionTest_.fail(error.errorDescription());
         field.setError(error.errorDescription());
         surroundings_.toasts.show(error.errorDescription(), "exclamationmark.triangle");
         return false;
@@ -563,7 +473,7 @@ void SettingsStore::updateEntranceIcon(EntranceIconStyle style) {
     if (style == entranceIconStyle_.value().value()) return;
     entranceIconStyle_.edit(style);
     storeChoice(entranceIconStyle_, [&] {
-        surroundings_.icons.select(style);
+        surroundings_.selectEntranceIcon(style);
         return style;
     });
 }

@@ -2,12 +2,10 @@
 // out.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "base/event_loop.h"
@@ -19,8 +17,10 @@
 #include "model/model_api_configuration.h"
 #include "model/model_client.h"
 #include "platform/http_client.h"
+#include "settings/connection_test.h"
 #include "settings/header_entry.h"
 #include "settings/local_service_finder.h"
+#include "settings/model_choices.h"
 #include "settings/service_save.h"
 #include "settings/settings_field.h"
 #include "storage/app_config.h"
@@ -31,22 +31,9 @@
 
 namespace ovrin {
 
-class AppIconManager;
 class LoginItem;
 class ToastPresenter;
 class WorkerExecutor;
-
-// The texts of the service page that go with a standard, whether it is saved or not.
-struct ServiceHints {
-    std::string_view connectionURLPlaceholder;
-    std::string_view modelPlaceholder;
-    std::string_view automaticHeaders;  // the hint line of the headers' card
-    std::string_view headerNamePlaceholder;
-};
-ServiceHints serviceHints(ModelAPIStandard standard);
-
-// What the picker of the standard calls it: "OpenAI 兼容", "Anthropic".
-std::string_view title(ModelAPIStandard standard);
 
 // Main thread; operations return at once. What has to do with the keyring is done on a worker, one piece after another
 // in the order in which it was asked for; it reports here. Destroying the store drops what it still waits for.
@@ -64,32 +51,15 @@ public:
         KeychainStore& keychain;
         ToastPresenter& toasts;
         LoginItem& loginItem;
-        AppIconManager& icons;
         EnvironmentSource environment;
+        std::function<void(EntranceIconStyle style)> selectEntranceIcon;  // stores and shows it; throws Error
         std::function<void(AppAppearanceMode mode)> applyAppearance;
         std::function<void()> applyResultWindowLevel;  // as the stored preference says
     };
 
     using HeaderEntry = ovrin::HeaderEntry;
-
-    struct ConnectionState {
-        enum class Kind : std::uint8_t { idle, testing, success, failed };
-
-        Kind kind = Kind::idle;
-        std::string message = {};  // when failed: the description of the error
-
-        bool operator==(const ConnectionState&) const = default;
-    };
-
-    struct ModelChoices {
-        enum class Kind : std::uint8_t { none, loading, ready };
-
-        Kind kind = Kind::none;
-        std::vector<std::string> names = {};  // as many as a menu can hold
-        std::size_t omitted = 0;              // how many more the service has
-
-        bool operator==(const ModelChoices&) const = default;
-    };
+    using ConnectionState = ovrin::ConnectionState;
+    using ModelChoices = ovrin::ModelChoices;
 
     struct LanguageOption {
         std::string tag;
@@ -121,7 +91,7 @@ public:
     // Asks the service of the draft, with the draft's key, which models it has. Why there is no list is told as the
     // error of model(). Editing what leads to the service drops the question and the list.
     void listModels();
-    const Published<ModelChoices>& modelChoices() const { return modelChoices_; }
+    const Published<ModelChoices>& modelChoices() const { return modelChoices_.choices(); }
 
     // Puts in the new standard's defaults for a URL and a model that are not the user's own, and drops a running test.
     void updateAPIStandard(ModelAPIStandard standard);
@@ -146,7 +116,7 @@ public:
     // 密钥环不可用，密钥保存在仅您可读的文件中。 Empty where there is a keyring.
     const Published<std::string>& keyStorageNote() const { return keyStorageNote_; }
 
-    const Published<ConnectionState>& connectionState() const { return connectionState_; }
+    const Published<ConnectionState>& connectionState() const { return connectionTest_.state(); }
 
     void saveService();
     void resetService();
@@ -224,13 +194,7 @@ private:
     Task<std::optional<std::string>> store(PressedSave pressed);
     Task<void> saveAndShow(PressedSave pressed);
     Task<void> saveAndTest(PressedSave pressed, std::uint64_t test);
-    Task<void> ping(ModelAPIConfiguration configuration);
     Task<void> reset();
-    void cancelTest();
-    Task<void> readModelList(HTTPRequest request);
-    void forgetModels();
-    bool shouldReplaceConnectionURL(ModelAPIStandard old) const;
-    bool shouldReplaceModel(ModelAPIStandard old) const;
     void editHeader(const Uuid& id, const std::function<void(HeaderEntry& row)>& edit);
 
     template <typename Field, typename Write>
@@ -241,7 +205,6 @@ private:
     bool storeTargetLanguage();
     bool storeResultWindowAlwaysOnTop();
     bool storeLaunchAtLogin();
-    void failConnection(std::string message);
     void showSaved(std::string message);
     Task<void> forgetSavedMessage(std::string message);
     void updatePermissions();
@@ -261,8 +224,6 @@ private:
     Published<bool> canResetService_;
     Published<bool> canReloadKeyring_;
     Published<std::string> keyStorageNote_;
-    Published<ConnectionState> connectionState_;
-    Published<ModelChoices> modelChoices_;
     int saves_ = 0;  // under way
     int resets_ = 0;
 
@@ -278,9 +239,8 @@ private:
 
     Published<std::optional<std::string>> savedMessage_;
 
-    std::uint64_t test_ = 0;   // the newest; what belongs to an older one is dropped
-    TaskSlot connectionTask_;  // its request
-    TaskSlot modelListTask_;
+    ConnectionTest connectionTest_;
+    ModelChoicesLoader modelChoices_;
     TaskGroup operations_;
 };
 

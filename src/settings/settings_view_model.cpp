@@ -4,10 +4,10 @@
 #include <iterator>
 #include <utility>
 
-#include "app/application_actions.h"
 #include "base/watch.h"
 #include "base/worker_executor.h"
 #include "platform/synthetic_keyboard.h"
+#include "settings/application_actions.h"
 #include "storage/history_store.h"
 
 namespace ovrin {

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "app/application_actions.h"
 #include "fakes/journal.h"
+#include "settings/application_actions.h"
 
 namespace ovrin {
 

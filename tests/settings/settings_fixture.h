@@ -32,8 +32,8 @@ protected:
             .keychain = secrets,
             .toasts = toasts,
             .loginItem = loginItem,
-            .icons = icons,
             .environment = [this] { return Environment(variables); },
+            .selectEntranceIcon = [this](EntranceIconStyle style) { icons.select(style); },
             .applyAppearance = [this](AppAppearanceMode mode) { journal.add("apply " + std::string(rawValue(mode))); },
             .applyResultWindowLevel = [this] { journal.add("level"); }};
     }

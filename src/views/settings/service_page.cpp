@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "settings/service_standard.h"
 #include "settings/settings_section.h"
 #include "settings/settings_store.h"
 #include "views/components/ov_button.h"
