@@ -1,6 +1,7 @@
 #include "windows/answer_reading.h"
 
 #include <exception>
+#include <utility>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -32,6 +33,16 @@ Task<AnswerEnd> readAnswer(AsyncStream<AnswerChange> changes, std::function<void
         end = {.kind = AnswerEnd::Kind::failed, .errorMessage = errorDescription(std::current_exception())};
     }
     co_return end;
+}
+
+Task<AnswerEnd> readAnswerInto(Published<std::string>& text, AsyncStream<AnswerChange> changes,
+                               ThinkingTime& thinking) {
+    const auto take = [&text](const AnswerChange& change) {
+        std::string whole = text.value();
+        change.applyTo(whole);
+        text.set(std::move(whole));
+    };
+    return readAnswer(std::move(changes), take, thinking);
 }
 
 }  // namespace ovrin

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "base/async_stream.h"
+#include "base/published.h"
 #include "base/task.h"
 #include "model/answer_change.h"
 #include "windows/thinking_time.h"
@@ -29,5 +30,7 @@ struct AnswerEnd {
 // cancelled reader is destroyed where it waits.
 Task<AnswerEnd> readAnswer(AsyncStream<AnswerChange> changes, std::function<void(const AnswerChange& change)> take,
                            ThinkingTime& thinking);
+// The same for an answer that is the whole of a text. The text outlives the reading.
+Task<AnswerEnd> readAnswerInto(Published<std::string>& text, AsyncStream<AnswerChange> changes, ThinkingTime& thinking);
 
 }  // namespace ovrin

@@ -1,7 +1,5 @@
 #include "windows/input_translate_view_model.h"
 
-#include <functional>
-
 #include "base/text.h"
 #include "storage/history_store.h"
 #include "windows/answer_reading.h"
@@ -36,12 +34,7 @@ void InputTranslateViewModel::translate() {
 }
 
 Task<void> InputTranslateViewModel::consumeTranslation(std::string source, std::string target) {
-    std::function<void(const AnswerChange&)> take = [this](const AnswerChange& change) {
-        std::string text = outputText_.value();
-        change.applyTo(text);
-        outputText_.set(std::move(text));
-    };
-    AnswerEnd end = co_await readAnswer(services_.translation.stream(source, target), std::move(take), thinking_);
+    AnswerEnd end = co_await readAnswerInto(outputText_, services_.translation.stream(source, target), thinking_);
     isStreaming_.set(false);
     isBlank_.set(end.isBlank(outputText_.value()));
     if (end.kind == AnswerEnd::Kind::complete) {

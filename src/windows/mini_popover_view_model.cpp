@@ -1,6 +1,5 @@
 #include "windows/mini_popover_view_model.h"
 
-#include <functional>
 #include <utility>
 
 #include "language/language_names.h"
@@ -26,13 +25,8 @@ void MiniPopoverViewModel::start() {
 }
 
 Task<void> MiniPopoverViewModel::consumeTranslation() {
-    std::function<void(const AnswerChange&)> take = [this](const AnswerChange& change) {
-        std::string text = translation_.value();
-        change.applyTo(text);
-        translation_.set(std::move(text));
-    };
     AsyncStream<AnswerChange> changes = services_.translation.stream(sourceText_.value(), targetLanguage_);
-    AnswerEnd end = co_await readAnswer(std::move(changes), std::move(take), thinking_);
+    AnswerEnd end = co_await readAnswerInto(translation_, std::move(changes), thinking_);
     isStreaming_.set(false);
     isBlank_.set(end.isBlank(translation_.value()));
     errorMessage_.set(std::move(end.errorMessage));

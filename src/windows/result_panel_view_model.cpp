@@ -85,13 +85,8 @@ void ResultPanelViewModel::translate() {
 }
 
 Task<void> ResultPanelViewModel::consumeTranslation() {
-    std::function<void(const AnswerChange&)> take = [this](const AnswerChange& change) {
-        std::string text = translation_.value();
-        change.applyTo(text);
-        translation_.set(std::move(text));
-    };
     AsyncStream<AnswerChange> changes = services_.translation.stream(originalText_.value(), targetLanguage_);
-    AnswerEnd end = co_await readAnswer(std::move(changes), std::move(take), translationThinking_);
+    AnswerEnd end = co_await readAnswerInto(translation_, std::move(changes), translationThinking_);
     isTranslating_.set(false);
     isTranslationBlank_.set(end.isBlank(translation_.value()));
     if (end.kind == AnswerEnd::Kind::complete) {

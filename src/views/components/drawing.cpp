@@ -132,6 +132,17 @@ void fillRounded(QPainter& painter, const QRectF& rectangle, double radius, cons
     painter.drawRoundedRect(rectangle, radius, radius);
 }
 
+QPalette fieldPalette(QPalette palette, const ViewEnvironment& environment) {
+    palette.setColor(QPalette::Base, Qt::transparent);
+    palette.setColor(QPalette::Text, environment.color(theme::ColorToken::ink));
+    palette.setColor(QPalette::PlaceholderText, environment.color(theme::ColorToken::ink3));
+    QColor selection = environment.color(theme::ColorToken::accent);
+    selection.setAlphaF(0.35F);
+    palette.setColor(QPalette::Highlight, selection);
+    palette.setColor(QPalette::HighlightedText, environment.color(theme::ColorToken::ink));
+    return palette;
+}
+
 void drawFieldGround(QPainter& painter, const QRectF& rectangle, double radius, bool hasFocus,
                      const ViewEnvironment& environment) {
     fillRounded(painter, rectangle, radius, environment.color(theme::ColorToken::inset));

@@ -4,6 +4,7 @@
 #include <QColor>
 #include <QFont>
 #include <QImage>
+#include <QPalette>
 #include <QPixmap>
 #include <QRectF>
 #include <QString>
@@ -49,6 +50,9 @@ void drawIcon(QPainter& painter, OVIcon icon, const QRectF& rectangle, double si
 
 // Fills a rounded rectangle without outline.
 void fillRounded(QPainter& painter, const QRectF& rectangle, double radius, const QColor& color);
+
+// The colours of what can be typed in.
+QPalette fieldPalette(QPalette palette, const ViewEnvironment& environment);
 
 // The ground of what can be typed in, with a ring while it has the keyboard.
 void drawFieldGround(QPainter& painter, const QRectF& rectangle, double radius, bool hasFocus,

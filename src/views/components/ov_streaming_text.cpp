@@ -94,7 +94,7 @@ void OVStreamingText::setColor(ColorToken color) {
     applyLook();
 }
 
-void OVStreamingText::setInterfaceStyle(const StreamedDocument::InterfaceStyle& style) {
+void OVStreamingText::setInterfaceStyle(const InterfaceStyle& style) {
     interfaceStyle_ = style;
     applyLook();
 }

@@ -43,7 +43,7 @@ public:
     // The language of the text (a BCP-47 tag), which decides on the shapes of Chinese characters.
     void setLanguage(std::string_view tag);
     void setColor(theme::ColorToken color);
-    void setInterfaceStyle(const StreamedDocument::InterfaceStyle& style);
+    void setInterfaceStyle(const InterfaceStyle& style);
     // The ring that shows that the keyboard reached the text goes around this part of the window instead of the text.
     void setFocusRing(QWidget& around, const OVFocusRing::Shape& shape);
 
@@ -104,7 +104,7 @@ private:
     StreamedDocument document_;
     theme::ColorToken color_ = theme::ColorToken::ink;
     std::string language_ = "zh-Hans";
-    std::optional<StreamedDocument::InterfaceStyle> interfaceStyle_;
+    std::optional<InterfaceStyle> interfaceStyle_;
 
     std::string pendingText_;
     Progress pendingProgress_ = Progress::finished;

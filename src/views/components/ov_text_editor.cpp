@@ -74,14 +74,7 @@ void OVTextEditor::replaceText(const QString& text) {
 }
 
 void OVTextEditor::applyColors() {
-    QPalette colors = palette();
-    colors.setColor(QPalette::Base, Qt::transparent);
-    colors.setColor(QPalette::Text, environment_.color(ColorToken::ink));
-    QColor selection = environment_.color(ColorToken::accent);
-    selection.setAlphaF(0.35F);
-    colors.setColor(QPalette::Highlight, selection);
-    colors.setColor(QPalette::HighlightedText, environment_.color(ColorToken::ink));
-    setPalette(colors);
+    setPalette(fieldPalette(palette(), environment_));
 }
 
 void OVTextEditor::paintEvent(QPaintEvent* event) {

@@ -55,15 +55,7 @@ QSize OVTextField::sizeHint() const {
 }
 
 void OVTextField::applyColors() {
-    QPalette colors = palette();
-    colors.setColor(QPalette::Base, Qt::transparent);
-    colors.setColor(QPalette::Text, environment_.color(ColorToken::ink));
-    colors.setColor(QPalette::PlaceholderText, environment_.color(ColorToken::ink3));
-    QColor selection = environment_.color(ColorToken::accent);
-    selection.setAlphaF(0.35F);
-    colors.setColor(QPalette::Highlight, selection);
-    colors.setColor(QPalette::HighlightedText, environment_.color(ColorToken::ink));
-    setPalette(colors);
+    setPalette(fieldPalette(palette(), environment_));
 }
 
 void OVTextField::contextMenuEvent(QContextMenuEvent* event) {

@@ -3,11 +3,9 @@
 #include <QPainter>
 #include <QTextBoundaryFinder>
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <utility>
 
-#include "theme/type_scale.h"
 #include "views/components/drawing.h"
 #include "views/components/quote_breaks.h"
 
@@ -20,9 +18,6 @@ using Range = StreamedDocument::Range;
 
 namespace {
 
-constexpr theme::FontStyle codeFont{12, theme::FontWeight::regular, theme::FontDesign::monospaced};
-constexpr double bodyLine = 21;
-constexpr double codeLine = 18;
 constexpr double listIndent = 24;
 constexpr double quoteIndent = 14;
 constexpr double quoteBarWidth = 3;
@@ -32,22 +27,6 @@ constexpr double codePadding = 12;
 constexpr double codeRadius = 9;
 constexpr double ruleHeight = 1;
 constexpr double narrowestIndented = 40;  // points of a text's width
-
-theme::FontStyle headingFont(int level) {
-    constexpr std::array sizes{17.0, 15.0, 14.0};
-    return {sizes[static_cast<std::size_t>(std::clamp(level, 1, 3) - 1)], theme::FontWeight::semibold,
-            theme::FontDesign::standard};
-}
-
-bool isChineseOrJapanese(std::string_view language) {
-    return language.starts_with("zh") || language.starts_with("ja");
-}
-
-// Letters, digits and marks of the scripts that are written in letters.
-bool isOfAlphabets(QChar character) {
-    constexpr char16_t middleDot = 0xB7;  // in Chinese between the parts of a name
-    return character.unicode() < 0x2000 && character.unicode() != middleDot;
-}
 
 MarkdownLine plainLine(const QString& source) {
     MarkdownLine line;
@@ -135,7 +114,8 @@ void StreamedDocument::show(MarkdownLine line) {
 }
 
 void StreamedDocument::fill(Block& block) const {
-    block.wrapped.set(block.line.text, formats(block.line), metrics(block.line), textWidth(block.line));
+    block.wrapped.set(block.line.text, lineFormats(block.line, look_), lineMetrics(block.line, look_),
+                      textWidth(block.line));
 }
 
 void StreamedDocument::setWidth(double width) {
@@ -199,71 +179,6 @@ double StreamedDocument::left(const Block& block) const {
     return width_ - indent(block.line) - textWidth(block.line);
 }
 
-QFont StreamedDocument::font(const MarkdownLine& line, const MarkdownSpan& span) const {
-    if (look_.interfaceStyle) return toQFont(look_.interfaceStyle->font, look_.language);
-    theme::FontStyle style = theme::font::body;
-    if (line.kind == Kind::heading) style = headingFont(line.level);
-    if (line.kind == Kind::code) style = codeFont;
-    if (span.isCode) style = {style.size - 1, style.weight, theme::FontDesign::monospaced};
-    if (span.isBold) style.weight = theme::FontWeight::semibold;
-    QFont font = toQFont(style, look_.language);
-    font.setItalic(span.isItalic);
-    if (!usesTwoFaces(line, span)) return font;
-    // Quotation marks, dashes and dots are as wide as the characters around them only in a face made for those.
-    QStringList families = font.families();
-    families.push_back(families.takeFirst());
-    font.setFamilies(families);
-    return font;
-}
-
-// Chinese and Japanese are set in a face of their own, and the letters among them as everywhere in the window.
-bool StreamedDocument::usesTwoFaces(const MarkdownLine& line, const MarkdownSpan& span) const {
-    return !look_.interfaceStyle && isChineseOrJapanese(look_.language) && line.kind != Kind::code && !span.isCode;
-}
-
-WrappedText::Metrics StreamedDocument::metrics(const MarkdownLine& line) const {
-    if (look_.interfaceStyle) return {.font = font(line, {}), .lineHeight = look_.interfaceStyle->lineHeight};
-    const double height = line.kind == Kind::code      ? codeLine
-                          : line.kind == Kind::heading ? headingFont(line.level).size + 9
-                                                       : bodyLine;
-    return {.font = font(line, {}), .lineHeight = std::round(height), .followsText = line.kind != Kind::code};
-}
-
-QList<QTextLayout::FormatRange> StreamedDocument::formats(const MarkdownLine& line) const {
-    QList<QTextLayout::FormatRange> formats;
-    QTextCharFormat all;
-    all.setForeground(line.kind == Kind::quote ? look_.quietText : look_.text);
-    qsizetype covered = 0;
-    const QStringList lettersFaces = toQFont(theme::font::body, look_.language).families();
-    const auto addOneFace = [&formats](qsizetype start, qsizetype end, const QTextCharFormat& format) {
-        if (start < end) formats.push_back({static_cast<int>(start), static_cast<int>(end - start), format});
-    };
-    const auto add = [&](qsizetype start, qsizetype end, const QTextCharFormat& format, const MarkdownSpan& span = {}) {
-        if (!usesTwoFaces(line, span)) return addOneFace(start, end, format);
-        QTextCharFormat ofLetters = format;
-        ofLetters.setFontFamilies(lettersFaces);
-        while (start < end) {
-            const bool areLetters = isOfAlphabets(line.text[start]);
-            qsizetype next = start + 1;
-            while (next < end && isOfAlphabets(line.text[next]) == areLetters) ++next;
-            addOneFace(std::exchange(start, next), next, areLetters ? ofLetters : format);
-        }
-    };
-    for (const MarkdownSpan& span : line.spans) {
-        add(covered, span.start, all);
-        QTextCharFormat format = all;
-        format.setFont(font(line, span));
-        if (!span.link.isEmpty()) {
-            format.setForeground(look_.link);
-            format.setFontUnderline(true);
-        }
-        covered = span.start + span.length;
-        add(span.start, covered, format, span);
-    }
-    add(covered, line.text.size(), all);
-    return formats;
-}
-
 void StreamedDocument::draw(QPainter& painter, const QRectF& clip, const Range& selection) const {
     painter.setRenderHint(QPainter::Antialiasing);
     for (std::size_t i = blockIndexAt(clip.top() - codePadding); i < blocks_.size(); ++i) {
@@ -317,7 +232,7 @@ void StreamedDocument::drawAdornments(QPainter& painter, std::size_t index) cons
 }
 
 void StreamedDocument::drawMarker(QPainter& painter, const Block& block) const {
-    const WrappedText::Metrics metrics = this->metrics(block.line);
+    const WrappedText::Metrics metrics = lineMetrics(block.line, look_);
     const bool isRightToLeft = block.wrapped.isRightToLeft();
     const double markerWidth = QFontMetricsF(metrics.font).horizontalAdvance(block.line.marker);
     const double gap = block.line.marker.size() > 1 ? numberGap : bulletGap;

@@ -4,18 +4,16 @@
 // points from the document's upper-left corner. Main thread.
 #pragma once
 
-#include <QColor>
 #include <QRectF>
 #include <QString>
 #include <QStringDecoder>
 #include <compare>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "theme/type_scale.h"
+#include "views/components/line_typesetting.h"
 #include "views/components/markdown_reader.h"
 #include "views/components/wrapped_text.h"
 
@@ -27,23 +25,7 @@ class StreamedDocument {
 public:
     enum class Mode : std::uint8_t { plain, markdown };
 
-    // Words of the interface look like its labels; without it a text looks as what is to be read does.
-    struct InterfaceStyle {
-        theme::FontStyle font;
-        double lineHeight = 0;  // points
-    };
-
-    struct Look {
-        std::string language = "zh-Hans";  // BCP-47 tag; decides on the shapes of Chinese characters
-        QColor text;
-        QColor quietText;  // quotes, list markers
-        QColor link;
-        QColor codeBackground;
-        QColor inlineCodeBackground;
-        QColor line;  // rules, the edge of code, the bar beside a quote
-        QColor selection;
-        std::optional<InterfaceStyle> interfaceStyle{};
-    };
+    using Look = DocumentLook;
 
     // A place between two characters.
     struct Position {
@@ -133,10 +115,6 @@ private:
     static double indent(const MarkdownLine& line);
     double textWidth(const MarkdownLine& line) const;
     double left(const Block& block) const;  // edge of its text
-    WrappedText::Metrics metrics(const MarkdownLine& line) const;
-    QList<QTextLayout::FormatRange> formats(const MarkdownLine& line) const;
-    QFont font(const MarkdownLine& line, const MarkdownSpan& span) const;
-    bool usesTwoFaces(const MarkdownLine& line, const MarkdownSpan& span) const;
 
     void drawCodeBackground(QPainter& painter, std::size_t index, const QRectF& clip) const;
     void drawAdornments(QPainter& painter, std::size_t index) const;

@@ -1,13 +1,13 @@
 #include "views/result_panel/result_card.h"
 
 #include <QHBoxLayout>
-#include <QPainter>
 #include <QVBoxLayout>
 
 #include "base/watch.h"
 #include "views/components/blank_answer_note.h"
 #include "views/components/busy_note.h"
 #include "views/components/ov_animated_icon.h"
+#include "views/components/ov_hairline.h"
 #include "views/components/ov_label.h"
 #include "views/components/ov_streaming_text.h"
 #include "views/result_panel/source_toggle.h"
@@ -24,19 +24,6 @@ constexpr int padding = 16;
 constexpr double headerIcon = 14;
 const theme::FontStyle headerFont{12, theme::FontWeight::semibold, theme::FontDesign::standard};
 
-// A hairline between translation and source.
-class Divider final : public OVWidget {
-public:
-    explicit Divider(ViewEnvironment& environment) : OVWidget(environment) { setFixedHeight(1); }
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override {
-        QColor line = color(ColorToken::ink);
-        line.setAlphaF(environment().isDark() ? 0.1F : 0.08F);
-        QPainter(this).fillRect(rect(), line);
-    }
-};
-
 }  // namespace
 
 ResultCard::ResultCard(ViewEnvironment& environment, ResultPanelViewModel& viewModel, QWidget* parent)
@@ -47,7 +34,7 @@ ResultCard::ResultCard(ViewEnvironment& environment, ResultPanelViewModel& viewM
       blank_(makeBlankAnswerNote(environment)),
       nothing_(new OVLabel(environment, QStringLiteral("暂无内容"), theme::font::body, ColorToken::ink3)),
       busy_(new BusyNote(environment, QStringLiteral("正在生成"))),
-      divider_(new Divider(environment)),
+      divider_(new OVHairline(environment, {.light = 0.08F, .dark = 0.1F})),
       toggle_(new SourceToggle(environment)) {
     translation_->setAccessibleName(QStringLiteral("译文"));
     original_->setAccessibleName(QStringLiteral("识别结果"));

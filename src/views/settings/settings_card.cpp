@@ -1,8 +1,8 @@
 #include "views/settings/settings_card.h"
 
-#include <QPainter>
 #include <QVBoxLayout>
 
+#include "views/components/ov_hairline.h"
 #include "views/components/ov_label.h"
 #include "views/components/ov_surface.h"
 
@@ -17,19 +17,6 @@ constexpr int padding = 16;
 constexpr int formPadding = 10;  // above and below rows that no lines separate
 constexpr int titleGap = 7;
 const theme::FontStyle titleFont{12, theme::FontWeight::semibold, theme::FontDesign::standard};
-
-class Separator final : public OVWidget {
-public:
-    explicit Separator(ViewEnvironment& environment) : OVWidget(environment) { setFixedHeight(1); }
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override {
-        QPainter painter(this);
-        QColor line = color(ColorToken::ink);
-        line.setAlphaF(environment().isDark() ? 0.09F : 0.07F);
-        painter.fillRect(rect(), line);
-    }
-};
 
 }  // namespace
 
@@ -50,7 +37,8 @@ SettingsCard::SettingsCard(ViewEnvironment& environment, const QString& title, R
 }
 
 void SettingsCard::addRow(QWidget* row) {
-    if (separation_ == Rows::separated && rows_->count() > 0) rows_->addWidget(new Separator(environment()));
+    if (separation_ == Rows::separated && rows_->count() > 0)
+        rows_->addWidget(new OVHairline(environment(), {.light = 0.07F, .dark = 0.09F}));
     rows_->addWidget(row);
 }
 

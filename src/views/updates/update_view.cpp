@@ -49,15 +49,19 @@ UpdateView::UpdateView(ViewEnvironment& environment, UpdateViewModel& viewModel,
     changes_ = watch(viewModel_.status(), [this](const auto& /*status*/) { refresh(); });
 }
 
+UpdateView::Words UpdateView::makeWords() {
+    return {.title = new OVLabel(environment(), {}, theme::font::title, ColorToken::ink, OVLabel::Lines::wrapped),
+            .message = new OVLabel(environment(), {}, theme::font::body, ColorToken::ink2, OVLabel::Lines::wrapped),
+            .error = new OVErrorNote(environment()),
+            .loader = new OVPixelLoader(environment(), ColorToken::accentInk)};
+}
+
 QWidget* UpdateView::makeBriefFace(const Published<std::string>& brandImage) {
     auto* face = new QWidget;
     auto* column = new QVBoxLayout(face);
     column->setContentsMargins(0, topSpace_, 0, 0);
     column->setSpacing(0);
-    brief_ = {.title = new OVLabel(environment(), {}, theme::font::title, ColorToken::ink, OVLabel::Lines::wrapped),
-              .message = new OVLabel(environment(), {}, theme::font::body, ColorToken::ink2, OVLabel::Lines::wrapped),
-              .error = new OVErrorNote(environment()),
-              .loader = new OVPixelLoader(environment(), ColorToken::accentInk)};
+    brief_ = makeWords();
     brief_.title->setAlignment(Qt::AlignCenter);
     brief_.message->setAlignment(Qt::AlignCenter);
     auto* words = new QWidget;
@@ -83,10 +87,7 @@ QWidget* UpdateView::makeOfferFace(const Published<std::string>& brandImage) {
     auto* column = new QVBoxLayout(face);
     column->setContentsMargins(0, topSpace_ - 4, 0, 0);
     column->setSpacing(14);
-    offer_ = {.title = new OVLabel(environment(), {}, theme::font::title, ColorToken::ink, OVLabel::Lines::wrapped),
-              .message = new OVLabel(environment(), {}, theme::font::body, ColorToken::ink2, OVLabel::Lines::wrapped),
-              .error = new OVErrorNote(environment()),
-              .loader = new OVPixelLoader(environment(), ColorToken::accentInk)};
+    offer_ = makeWords();
     progress_ = new OVProgressBar(environment(), QStringLiteral("下载进度"));
     auto* row = new QHBoxLayout;
     row->setSpacing(14);

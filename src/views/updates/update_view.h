@@ -41,6 +41,7 @@ private:
         OVPixelLoader* loader = nullptr;
     };
 
+    Words makeWords();
     QWidget* makeBriefFace(const Published<std::string>& brandImage);
     QWidget* makeOfferFace(const Published<std::string>& brandImage);
     QWidget* makeNotes();
