@@ -13,7 +13,8 @@ public:
     // Whether the program has a picture of that name, such as "EntranceIconLight".
     virtual bool hasImage(std::string_view asset) const = 0;
 
-    // Shows it from now on; it is there. Without a call the desktop shows what it knows of the program.
+    // Shows the picture from now on; the program has it. Until the first call the desktop shows what it knows of the
+    // program.
     virtual void setImage(std::string_view asset) = 0;
 };
 

@@ -30,7 +30,7 @@ public:
     // The frames of all displays, the primary one first.
     virtual std::vector<DisplayRect> screenFrames() = 0;
 
-    // Whether they can only be drawn on a picture of what lies beneath them.
+    // Whether overlays can only be drawn on a picture of what lies beneath them.
     virtual bool needBackdrops() = 0;
 
     // Covers the display with that frame; backdrop: a picture of it, none where none is needed or to be had. The

@@ -35,7 +35,7 @@ enum class ClipboardSource : std::uint8_t {
     primary  // what is selected, in whatever program, without anything having been copied
 };
 
-// Main thread. What is not there, or not to be had in that form, counts as absent.
+// Main thread. Contents that are not there, or not to be had in that form, count as absent.
 class ClipboardService {
 public:
     virtual ~ClipboardService() = default;
@@ -44,7 +44,7 @@ public:
     // is written is lost.
     virtual std::optional<std::string> problem() const { return std::nullopt; }
 
-    // Differs after every change of the contents, whoever made it.
+    // A number that every change of the contents makes another one, whoever made the change.
     virtual std::int64_t changeCount(ClipboardSource source = ClipboardSource::clipboard) const = 0;
 
     // Grows whenever another program takes what this program has put on the clipboard, or selected; clipboard managers
@@ -68,7 +68,8 @@ public:
     virtual Task<std::vector<std::vector<std::string>>> readTypes(
         ClipboardSource source = ClipboardSource::clipboard) = 0;
 
-    // What the item at this place has of the type; empty when it has nothing, which it may have promised all the same.
+    // The data of one form of the item of that number, from 0 on; empty when its owner has none, which it may have
+    // promised all the same.
     // A read that is cancelled keeps no later one waiting.
     virtual Task<std::vector<std::byte>> readForm(std::size_t item, std::string type,
                                                   ClipboardSource source = ClipboardSource::clipboard) = 0;

@@ -16,7 +16,7 @@ struct DesktopScreen {
     bool operator==(const DesktopScreen&) const = default;
 };
 
-// Main thread. As things are at the moment of the call.
+// Main thread. Every answer tells how things are at the moment of the call.
 class DesktopLayout {
 public:
     virtual ~DesktopLayout() = default;

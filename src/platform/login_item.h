@@ -9,10 +9,10 @@ class LoginItem {
 public:
     virtual ~LoginItem() = default;
 
-    // As it is now. Never fails: what cannot be read is not enabled.
+    // Whether it does so by now. Never fails: what cannot be read is not enabled.
     virtual bool isEnabled() const = 0;
 
-    // Has the desktop start the program, or no longer. Throw Error; nothing has changed then.
+    // Have the desktop start the program, or no longer start it. Both throw Error; nothing has changed then.
     virtual void registerItem() = 0;
     virtual void unregisterItem() = 0;
 };

@@ -1,4 +1,4 @@
-// What stands behind a seam where the session has nothing for it: they work everywhere and do nothing. Each is given
+// The adapters behind a seam where the session has nothing for it: they work everywhere and do nothing. Each is given
 // the reason, a sentence that the user reads at the action that needs it. KeyboardLayout has USKeyboardLayout.
 #pragma once
 
@@ -93,7 +93,8 @@ private:
     std::string reason_;
 };
 
-// It is not trusted, for which the callers have a sentence of their own. What is selected shows without keys at most.
+// The program is not trusted to press keys, for which the callers have a sentence of their own. At most, what is
+// selected can be read without keys.
 class NullSimulateKeyboard final : public SimulateKeyboard {
 public:
     bool isTrusted() override { return false; }

@@ -20,7 +20,7 @@ struct CapturableDisplay {
 
 struct ScreenshotRequest {
     DisplayId display{};
-    LocalRect sourceRect;  // of the display
+    LocalRect sourceRect;  // points of the display
     int width = 0;         // pixels of the picture
     int height = 0;        // pixels of the picture
 };
@@ -32,13 +32,14 @@ public:
     // Whether the program may see the screen. Main thread.
     virtual bool preflightAccess() = 0;
 
-    // Asks the user for it when it may not; their answer. Throws Error where nobody can be asked.
+    // Asks the user to let the program see the screen where it may not; gives their answer. Throws Error where nobody
+    // can be asked.
     virtual Task<bool> requestAccess() = 0;
 
     // The displays in the order the system lists them. Throws Error.
     virtual Task<std::vector<CapturableDisplay>> displays() = 0;
 
-    // The screenshot that will be asked for next, while there is time: what can be had ready for it is. Main thread.
+    // Makes ready for the screenshot that will be asked for next, as far as that can be done before. Main thread.
     virtual void prepare(const ScreenshotRequest& request) = 0;
 
     // One picture of what is on the display now, every window included and the pointer not. The wait for it does not

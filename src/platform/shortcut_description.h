@@ -1,4 +1,4 @@
-// How a shortcut is written for the user and read to them: in words.
+// Shortcuts in words, as they are written for the user and read to them.
 #pragma once
 
 #include <string>

@@ -15,12 +15,12 @@ struct Utterance {
 // Main thread. A desktop without voices stays silent; speak() then tells so by its result.
 class SpeechSynthesizer {
 public:
-    virtual ~SpeechSynthesizer() = default;  // falls silent at once
+    virtual ~SpeechSynthesizer() = default;  // the voice falls silent at once
 
     // Starts to read and returns; false when this desktop has nothing to read with.
     virtual bool speak(const Utterance& utterance) = 0;
 
-    // Falls silent at once.
+    // Has the voice fall silent at once.
     virtual void stop() = 0;
 };
 

@@ -15,14 +15,15 @@ public:
     // Whether this process may press keys in other programs.
     virtual bool isTrusted() = 0;
 
-    // Asks the user for it, where the desktop has a way to; the trust as it is now.
+    // Asks the user to let this process press keys, where the desktop has a way to; gives the trust as it is then.
     virtual Task<bool> requestTrust() = 0;
 
     // Whether the keys would reach another program now. They would not while one of this program's windows has the
     // keyboard, or is giving it back.
     virtual bool reachesOtherProgram() = 0;
 
-    // The window that the keys would reach now, of whatever program; nowhere when there is none or it is not known.
+    // The window that the keys would reach now, of whatever program; nowhere when there is none or the desktop does not
+    // tell.
     enum class Window : std::uint64_t { nowhere = 0 };
     virtual Window frontWindow() = 0;
 

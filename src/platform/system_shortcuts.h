@@ -11,8 +11,8 @@ class SystemShortcuts {
 public:
     virtual ~SystemShortcuts() = default;
 
-    // Those that are in force now, in no particular order; empty where the desktop tells nothing. Main thread; quick
-    // enough for every key press of a recorder.
+    // The combinations that are in force now, in no particular order; empty where the desktop tells nothing. Main
+    // thread; quick enough for every key press of a recorder.
     virtual std::vector<KeyboardShortcuts::Shortcut> enabledShortcuts() const = 0;
 };
 

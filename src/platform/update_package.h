@@ -26,6 +26,7 @@ public:
     // Removes the file, unless it was kept.
     virtual ~UpdatePackage() = default;
 
+    // Adds the bytes to the end of the file. Throws when the disk does not take them.
     virtual void append(std::string_view bytes) = 0;
 
     // Whether the whole file carries the signature by the key's owner. Both are Base64 of Ed25519. Throws when the key
@@ -35,7 +36,7 @@ public:
     // Throws when the file is no package.
     virtual PackageControl control() const = 0;
 
-    // For a program that the file is handed to. Throws when there is another file in its place by now.
+    // Where the file is, for a program that it is handed to. Throws when there is another file in its place by now.
     virtual std::filesystem::path path() const = 0;
 
     // The file outlives the object, for a program that is still to read it. UpdatePackages::removeLeftovers() of a

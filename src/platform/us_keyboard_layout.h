@@ -9,7 +9,7 @@ class USKeyboardLayout final : public KeyboardLayout {
 public:
     std::optional<std::string> character(KeyboardShortcuts::Key key) const override;
 
-    // There is no window system, hence no event.
+    // None: without a window system there is no event.
     std::optional<KeyboardShortcuts::Key> key(std::uint32_t nativeCode) const override;
 
     std::unique_ptr<const KeyboardLayout> snapshot() const override;

@@ -21,7 +21,7 @@ public:
     // (OnlyShowIn, NotShowIn) is the user's affair.
     bool isEnabled() const override;
 
-    // What else the user's entry holds stays.
+    // Switches the user's entry on; what else it holds stays.
     void registerItem() override;
     // Deletes the user's entry; where all users have one, hides that by an entry of the user.
     void unregisterItem() override;

@@ -19,7 +19,8 @@ struct UnreferenceVariant {
     void operator()(GVariant* value) const { g_variant_unref(value); }
 };
 
-// Cancels what it is given to once the patience is over. Connecting to the bus has no time limit of its own.
+// Cancels the calls that are given its cancellable once the patience is over. Connecting to the bus has no time limit
+// of its own.
 class BusDeadline {
 public:
     explicit BusDeadline(std::chrono::milliseconds patience)

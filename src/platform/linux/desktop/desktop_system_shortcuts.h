@@ -9,7 +9,7 @@
 
 namespace ovrin {
 
-// By XDG_CURRENT_DESKTOP; a desktop that is not known tells of no shortcuts. The layout outlives the result.
+// Goes by XDG_CURRENT_DESKTOP; a desktop that is not known tells of no shortcuts. The layout outlives the result.
 std::unique_ptr<SystemShortcuts> makeDesktopSystemShortcuts(const Environment& environment,
                                                             const KeyboardLayout& layout);
 

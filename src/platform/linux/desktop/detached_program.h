@@ -11,9 +11,9 @@
 
 namespace ovrin {
 
-// Starts it in a session of its own, so that no key of this one's terminal reaches it, with all the variables and
-// without input or output. arguments: what follows its name. Gives its number; the caller may wait for its end. Throws
-// Error when it can't be started. Any thread.
+// Starts the program in a session of its own, so that no key of this program's terminal reaches it, with all variables
+// of the environment and without input or output. arguments: what follows its name. Gives the number of the process,
+// for whose end the caller may wait. Throws Error when it can't be started. Any thread.
 pid_t startDetached(const std::filesystem::path& program, const std::vector<std::string>& arguments,
                     const Environment& environment);
 

@@ -5,7 +5,8 @@
 
 namespace ovrin {
 
-// Its path, also once a newer file has taken its place, as after an update. Empty when the system does not tell.
+// The path of the file, also once a newer file has taken its place, as after an update. Empty when the system does not
+// tell.
 std::filesystem::path ownExecutable();
 
 }  // namespace ovrin

@@ -1,8 +1,8 @@
 // What a display server lets one program do with the clipboard and with what is selected (PRIMARY): take the clipboard
 // over and serve its contents to others, and ask the owners of both for theirs.
 //
-// One thread, which sleeps in pump() until the server says something. While a read waits, requests of others are
-// served.
+// Used by one thread, which sleeps in pump() until the server says something. While a read waits, requests of others
+// are served.
 #pragma once
 
 #include <chrono>
@@ -51,8 +51,8 @@ public:
     // Gives the clipboard's contents, if they are our own, to whoever keeps them for the time after us.
     virtual void handOver() = 0;
 
-    // Both throw Error, in words for the user, when the owner does not answer or sends without end, and when the server
-    // has gone.
+    // targets() and convert() throw Error, in words for the user, when the owner does not answer or sends without end,
+    // and when the server has gone.
 
     // The forms that the owner offers, without those that only speak about the others; empty when there is none.
     virtual std::vector<std::string> targets(Source source) = 0;
@@ -61,7 +61,7 @@ public:
     virtual std::optional<Bytes> convert(std::string_view target, Source source) = 0;
 };
 
-// For reads that fail, and why.
+// How reads fail.
 [[noreturn]] void throwOwnerIsSilent(ClipboardSource source);
 [[noreturn]] void throwTooMuch(ClipboardSource source);
 

@@ -9,7 +9,7 @@ namespace ovrin {
 
 enum class SessionBus : std::uint8_t { none, ofProcess };
 
-// Asked before any library is: where there is none, those would start one of their own.
+// To be asked before any library is: where there is none, libraries would start one of their own.
 SessionBus sessionBus(const Environment& environment);
 
 }  // namespace ovrin

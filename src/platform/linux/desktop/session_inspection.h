@@ -14,7 +14,7 @@ class TextRecognizer;
 // How the program's windows come to the compositor of a Wayland session.
 enum class WindowPath : std::uint8_t { native, throughXWayland };
 
-// As InspectSession says. The recogniser has its models loaded.
+// Does what InspectSession says. The recogniser loads its models for that.
 std::vector<Capability> inspectSession(WindowPath windows, TextRecognizer& recognizer,
                                        const std::stop_token& stop = {});
 

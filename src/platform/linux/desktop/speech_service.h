@@ -16,7 +16,7 @@ public:
     explicit SpeechService(std::chrono::milliseconds patience = std::chrono::seconds(1));
     SpeechService(const SpeechService&) = delete;
     SpeechService& operator=(const SpeechService&) = delete;
-    // The service falls silent. One that does not answer is left behind with the thread that waits for it.
+    // Has the service fall silent. One that does not answer is left behind with the thread that waits for it.
     ~SpeechService();
 
     // Whether the desktop has the service, running or not. Any thread.

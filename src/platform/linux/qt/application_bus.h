@@ -18,7 +18,7 @@ public:
         std::function<void()> reopen;
         // Does what the name stands for; false when it stands for nothing.
         std::function<bool(const std::string& commandName)> perform;
-        // Before either, where the desktop lets the window that comes up come to the front by this token.
+        // Called before either, where the desktop lets the window that comes up come to the front by this token.
         std::function<void(const std::string& token)> activationTokenReceived{};
     };
     enum class Place : std::uint8_t {
@@ -34,7 +34,7 @@ public:
     // Gives the place up.
     ~ApplicationBus();
 
-    // Once, on the main thread, after the QCoreApplication is there. Never throws.
+    // Takes the place if it is free. Once, on the main thread, after the QCoreApplication is there. Never throws.
     Place claim(Events events, Launch launch = Launch::byUser);
 
 private:

@@ -15,10 +15,10 @@ class AttachedWindow final : public QObject {
     Q_OBJECT
 
 public:
-    // For every such window of the application from now on. Once.
+    // Attaches every such window of the application from now on. To be called once.
     static void attachAll(LayerShell& shell);
 
-    // Belongs to the window, which is about to be shown.
+    // The object belongs to the window, which is about to be shown.
     AttachedWindow(LayerShell& shell, QWindow& window);
     ~AttachedWindow() override;
 

@@ -28,7 +28,7 @@ public:
     explicit DBusMenu(Source source);
     ~DBusMenu() override;
 
-    // From now on panels can ask for it.
+    // From now on panels can ask for the menu.
     void start();
 
 signals:

@@ -6,7 +6,7 @@
 
 namespace ovrin {
 
-// After the QCoreApplication. No call waits.
+// To be made after the QCoreApplication. No call waits.
 class DesktopPackageInstaller final : public PackageInstaller {
 public:
     Task<PackageHandOver> install(std::filesystem::path package) override;

@@ -9,7 +9,8 @@ namespace ovrin {
 
 class NotificationService;
 
-// In a session with a bus; after the QCoreApplication, before which it must go. No call waits for the service.
+// For a session with a bus. To be made after the QCoreApplication, before which it must go. No call waits for the
+// service.
 class FreedesktopNotificationCenter final : public NotificationCenter {
 public:
     FreedesktopNotificationCenter();

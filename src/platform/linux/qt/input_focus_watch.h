@@ -15,11 +15,11 @@ class InputFocusWatch final : public QObject, private QAbstractNativeEventFilter
     Q_OBJECT
 
 public:
-    // Belongs to the window.
+    // The watch belongs to the window.
     explicit InputFocusWatch(QWidget& window);
 
 signals:
-    // Only while the window is shown.
+    // The keyboard has gone to another window. Told only while the window is shown.
     void left();
 
 private:

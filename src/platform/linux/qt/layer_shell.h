@@ -1,6 +1,6 @@
 // The compositor's layer shell on the connection of the window toolkit, which knows nothing of it: where it is offered,
-// windows can be put at a place of an output, above all others. And who has the keyboard, of the windows that are there
-// through it: the toolkit tells that of its own kinds of windows only. Main thread.
+// windows can be put at a place of an output, above all others. It also tells which of the windows that are there
+// through it has the keyboard: the toolkit tells that of its own kinds of windows only. Main thread.
 #pragma once
 
 #include <QObject>
@@ -19,13 +19,13 @@ class LayerShell final : public QObject {
     Q_OBJECT
 
 public:
-    // Null where windows are not on Wayland, or the compositor has no such shell. As long as the process.
+    // Null where windows are not on Wayland, or the compositor has no such shell. It lives as long as the process.
     static LayerShell* ofToolkit();
 
     std::uint32_t version() const { return version_; }
 
-    // A role for the window's surface, which has none yet. Null output: the compositor chooses. The events of the role
-    // come to the caller's listener by the toolkit's event loop; while waitFor() waits, from there.
+    // Gives the window's surface, which has no role yet, one of the shell. Null output: the compositor chooses. The
+    // events of the role come to the caller's listener by the toolkit's event loop; while waitFor() waits, from there.
     zwlr_layer_surface_v1* giveRole(QWindow& window, wl_output* output, std::uint32_t layer,
                                     const zwlr_layer_surface_v1_listener& listener, void* data);
     // Sends what is waiting and takes in what concerns the role until it is so. False when the compositor has gone.
@@ -33,8 +33,8 @@ public:
     // Ends the role, before the window's surface goes.
     void end(QWindow& window, zwlr_layer_surface_v1* role);
 
-    // For what belongs to a window there, such as a menu: in front of it, and as far beyond its edges as need be. The
-    // place is in points from the corner of the window that it belongs to.
+    // Attaches what belongs to a window there, such as a menu: in front of that, and as far beyond its edges as need
+    // be. place: in points from the upper-left corner of the owner.
     wl_subsurface* attach(QWindow& window, QWindow& owner, const QPoint& place);
 
     bool hasKeyboard(const QWindow& window) const { return keyboardWindow_ == &window; }

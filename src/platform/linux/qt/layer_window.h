@@ -45,7 +45,7 @@ public:
         std::uint32_t layer = ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY;
     };
 
-    // For a widget that has not been shown as another kind of window; belongs to it.
+    // For a widget that has not been shown as another kind of window. The object belongs to the widget.
     LayerWindow(LayerShell& shell, QWidget& widget, const Setup& setup);
     ~LayerWindow() override;
 
@@ -68,7 +68,7 @@ private:
     void place();
     void commit();
     void insistOnKeyboard();
-    // On the layer: above other programs' windows or below.
+    // layer: above other programs' windows, or below them.
     void catchClicks(std::uint32_t layer);
     void handleConfigure(std::uint32_t serial, std::uint32_t width, std::uint32_t height);
 

@@ -12,9 +12,9 @@ namespace ovrin {
 // Main thread.
 class LinuxDesktopSettings {
 public:
-    // After the QGuiApplication, before which it must go. display: such as ":0"; null for the one the environment
-    // names. Never waits for another program: current() is a first guess until the desktop has answered. Nothing wakes
-    // the processor while nothing changes. Never throws.
+    // To be made after the QGuiApplication, before which it must go. display: such as ":0"; null for the one the
+    // environment names. Never waits for another program: current() is a first guess until the desktop has answered.
+    // Nothing wakes the processor while nothing changes. Never throws.
     explicit LinuxDesktopSettings(const char* display = nullptr);
     ~LinuxDesktopSettings();
     LinuxDesktopSettings(const LinuxDesktopSettings&) = delete;

@@ -25,7 +25,7 @@ public:
     PortalRequest(const PortalRequest&) = delete;
     PortalRequest& operator=(const PortalRequest&) = delete;
 
-    // For the call's option "handle_token".
+    // The value of the call's option "handle_token".
     const QString& token() const { return token_; }
 
     // One value, when the user has answered; none when the portal goes before that.

@@ -13,24 +13,24 @@ class QScreen;
 namespace ovrin {
 
 struct ScreenInfo {
-    QRect frame;             // points, as windows are placed
+    QRect frame;             // points that windows are placed by
     double scaleFactor = 1;  // device pixels per point
     DisplayRect displaySpaceFrame;
     WindowRect windowSpaceFrame;
     WindowRect visibleFrame;  // without panels and docks
 
-    // Device pixels of the root window: a display's corner is given in them, its size in points.
+    // The frame in device pixels of the root window: the toolkit gives a display's corner in these, its size in points.
     PixelRect pixelFrame() const;
 };
 
 // All displays, the primary one first.
 std::vector<ScreenInfo> screenInfos();
 
-// Between where windows are placed and window space; there has to be a display.
+// Between the points that windows are placed by and window space; there has to be a display.
 WindowRect toWindowSpace(const QRect& rectangle);
 QPoint fromWindowSpace(WindowPoint point);
 
-// Where windows are placed, of a device pixel of the root window.
+// The point that windows are placed by, of a device pixel of the root window.
 QPoint toPoints(const QPoint& pixel);
 
 }  // namespace ovrin

@@ -18,7 +18,7 @@ class RecentWindows {
 public:
     RecentWindows();
 
-    // None when no window is open; a minimised one is. The program keeps the window.
+    // Null when no window is open; a minimised one is. The program keeps the window.
     QWindow* lastUsed() const;
 
 private:

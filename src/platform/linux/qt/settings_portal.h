@@ -16,7 +16,7 @@ class SettingsPortal final : public QObject {
     Q_OBJECT
 
 public:
-    // By group, then key.
+    // Values by group, then key.
     using Settings = QMap<QString, QVariantMap>;
 
     explicit SettingsPortal(QObject* parent = nullptr) : QObject(parent) {}
@@ -24,7 +24,7 @@ public:
     // Asks for what the program wants to know. Either changed() or unavailable() follows.
     void start();
 
-    // Invalid for what the desktop does not tell.
+    // The value; an invalid one for what the desktop does not tell.
     QVariant value(const QString& group, const QString& key) const { return settings_.value(group).value(key); }
 
 signals:

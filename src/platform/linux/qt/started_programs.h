@@ -8,13 +8,14 @@ class QUrl;
 
 namespace ovrin {
 
-// A fresh one, for one program; empty where none is needed, or given because no window of ours has the keyboard.
+// A fresh token, for one program; empty where none is needed, and where none is given because no window of ours has
+// the keyboard.
 QString freshActivationToken();
 
 // The environment of a program: what the user has set, with such a token.
 QProcessEnvironment environmentOfStartedProgram();
 
-// In the program that the user has chosen for such addresses.
+// Opens the address in the program that the user has chosen for such addresses.
 void openURL(const QUrl& url);
 
 }  // namespace ovrin

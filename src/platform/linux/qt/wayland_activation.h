@@ -8,7 +8,7 @@ class QWindow;
 
 namespace ovrin::wayland {
 
-// False where the window is not on Wayland or the compositor knows no tokens. Main thread.
+// Brings the window to the front. False where it is not on Wayland or the compositor knows no tokens. Main thread.
 bool activate(QWindow& window, const std::string& token);
 
 // A token for a program that is started from this window, which has the keyboard; empty where activate() is in vain.

@@ -33,8 +33,8 @@ bool canStayOnTop();
 
 // Brings a window that is shown to the front, with the keyboard.
 void activate(QWindow& window);
-// Where the user wants it from another program, the desktop wants to see the token that it gave for that: it counts for
-// the window that is activated next.
+// Takes the token with which the desktop lets a window come to the front that the user wants from another program: it
+// counts for the window that is activated next.
 void setActivationToken(std::string token);
 
 // Whether the desktop takes windows that draw a shadow of their own around their frame.
@@ -45,15 +45,15 @@ struct ShadowMargins {
     int grip = 0;    // points of them, beside the frame, that still take the pointer
 };
 
-// Tells the desktop, and lets clicks on the shadow go to what lies below. Call it again when the window's size has
-// changed. Margins of 0 take it back.
+// Tells the desktop of the shadow, and lets clicks on it go to what lies below. Call this again when the window's size
+// has changed. Margins of 0 take it back.
 void setShadowMargins(QWindow& window, const ShadowMargins& margins);
 
 // What the window is filled with when it comes up, before the program has drawn anything. The window exists already and
 // is not shown yet; where it is translucent, so is the colour.
 void setFirstColor(QWindow& window, const QColor& color);
 
-// For a menu that is shown and belongs to no window: pointer and keyboard are its own until it closes.
+// Gives pointer and keyboard to a menu that is shown and belongs to no window, until it closes.
 void holdInput(QWidget& menu);
 
 // Has the desktop show its menu of the window at the pointer. False where it has none to show.

@@ -22,7 +22,7 @@ public:
 
     bool embedsIcons() const;
 
-    // None where no panel can be looked at.
+    // How the panel looks; none where no panel can be looked at.
     std::optional<theme::Appearance> appearance() const;
 
 signals:

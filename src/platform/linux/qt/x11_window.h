@@ -18,7 +18,7 @@ void setShadowMargins(QWindow& window, const ShadowMargins& margins);
 // already and is not shown yet; where it is translucent, so is the colour.
 void setFirstColor(QWindow& window, const QColor& color);
 
-// For a window that has not been shown yet.
+// Has the window manager show the window, which has not been shown yet, on every workspace.
 void keepOnEveryWorkspace(QWindow& window);
 
 // Brings a window that is shown to the front, with the keyboard. The program is told of its shortcuts on another

@@ -21,7 +21,7 @@ public:
                                                             std::make_shared<KeptWaylandConnection>());
 
     bool preflightAccess() override { return *isFound_; }
-    // Looks again. Throws Error where there is no KWin.
+    // Looks for KWin again. Throws Error where there is none.
     Task<bool> requestAccess() override;
 
 private:

@@ -21,9 +21,9 @@ struct RawPicture {
     bool isBottomRowFirst = false;
 };
 
-// The part, in pixels of the picture as it is seen, opaque; what lies outside of the picture stays black. Throws Error
-// when the format is none of XRGB, ARGB, XBGR and ABGR with 8 bits or with 10 (and 2 of alpha) a colour, or when there
-// are too few bytes.
+// Cuts the part out, in pixels of the picture as it is seen, opaque; what lies outside of the picture is black. Throws
+// Error when the format is none of XRGB, ARGB, XBGR and ABGR with 8 bits or with 10 (and 2 of alpha) a colour, or when
+// there are too few bytes.
 Image visiblePart(const RawPicture& picture, const PixelRect& part);
 
 }  // namespace ovrin

@@ -64,11 +64,11 @@ public:
     wl_shm* sharedMemory() const { return sharedMemory_; }
     // Of several the first with a keyboard, which is the user's whom the program works for; null without any.
     wl_seat* seat() const { return seat_; }
-    // The same anew. Throws Error without any.
+    // Binds that seat once more, for whoever wants its events from the beginning. Throws Error where there is none.
     wl_seat* bindSeat();
-    // As they were when the connection was made, or refreshOutputs() called.
+    // The displays as they were when the connection was made, or refreshOutputs() called.
     const std::vector<WaylandOutput>& outputs() const { return outputs_; }
-    // Asks anew. Throws Error when the compositor has gone.
+    // Asks for them anew. Throws Error when the compositor has gone.
     void refreshOutputs();
 
     // The version of the interface that the compositor offers; 0 where it offers none.
@@ -80,7 +80,7 @@ public:
         return static_cast<Object*>(bindGlobal(interface, version));
     }
 
-    // Sends what is waiting and takes events in until `isDone` holds. False when it doesn't within that time. Throws
+    // Sends what is waiting and takes events in until `isDone` holds; false when the time is over before. Throws
     // Error when the compositor has gone.
     bool waitUntil(const std::function<bool()>& isDone, std::chrono::milliseconds time = patience) const;
 

@@ -13,7 +13,8 @@
 
 namespace ovrin {
 
-// The protocol's own functions for it have no linkage that a type of more than one file could name.
+// Destroys the protocol's objects. Its own functions for that have no linkage that a type of more than one file could
+// name.
 struct DestroysDataControl {
     void operator()(zwlr_data_control_manager_v1* object) const { zwlr_data_control_manager_v1_destroy(object); }
     void operator()(zwlr_data_control_device_v1* object) const { zwlr_data_control_device_v1_destroy(object); }
@@ -46,8 +47,9 @@ public:
     // What this program's own PRIMARY offers besides its forms, so that it is told from what the user has selected.
     static constexpr const char* ownType = "application/x-com.quel.ovrin";
 
+    // A source without any type, to which the caller adds those that it offers.
     WaylandDataSource makeSource();
-    // Makes the source the owner; null: there is none.
+    // Makes the source the owner of the clipboard or of PRIMARY; null leaves it without one.
     void set(Source source, zwlr_data_control_source_v1* contents);
 
 private:

@@ -9,8 +9,8 @@
 
 namespace ovrin {
 
-// In the order the compositor lists them, the first counting as the primary one. An output keeps its id for every
-// connection.
+// The displays in the order in which the compositor lists its outputs, the first counting as the primary one. An output
+// keeps its id for every connection.
 std::vector<CapturableDisplay> displaysOf(const WaylandConnection& connection);
 
 // Throws Error when the display has been unplugged.

@@ -17,11 +17,11 @@ struct WaylandKeyStroke {
 
 class WaylandKeymap {
 public:
-    // text: in the format that XKB calls version 1. None when it is damaged or lacks one of the keys, as the keymaps
-    // that programs make up for a few characters do.
+    // Takes a keymap apart. text: in the format that XKB calls version 1. None when it is damaged or lacks one of the
+    // keys, as the keymaps that programs make up for a few characters do.
     static std::optional<WaylandKeymap> read(std::string text);
 
-    // The one that the environment (XKB_DEFAULT_LAYOUT and so on) describes.
+    // The keymap that the environment (XKB_DEFAULT_LAYOUT and so on) describes.
     static std::optional<WaylandKeymap> ofEnvironment();
 
     const std::string& text() const { return text_; }

@@ -12,10 +12,10 @@ namespace ovrin {
 // Used by the thread that uses the connection, which outlives it.
 class WaylandKeys {
 public:
-    // By what keys are pressed there; empty where they cannot be.
+    // The name of what keys are pressed with there; empty where they cannot be.
     static std::string mechanism(const WaylandConnection& connection);
 
-    // seat: outlives the object. Null where the compositor lets this program press none.
+    // Makes what presses them. seat: outlives the object. Null where the compositor lets this program press none.
     static std::unique_ptr<WaylandKeys> of(WaylandConnection& connection, wl_seat* seat);
 
     virtual ~WaylandKeys() = default;

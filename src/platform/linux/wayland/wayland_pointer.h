@@ -24,8 +24,8 @@ public:
     // Whether surfaces can be put on outputs.
     static bool isOfferedBy(const WaylandConnection& connection);
 
-    // Waits, on the thread that uses the connection. None when there is no pointer, or the compositor does not tell.
-    // Throws Error when the compositor does not answer.
+    // Looks for the pointer. Waits, on the thread that uses the connection. None when there is no pointer, or the
+    // compositor does not tell. Throws Error when the compositor does not answer.
     static std::optional<WaylandPointerPlace> find(WaylandConnection& connection);
 };
 

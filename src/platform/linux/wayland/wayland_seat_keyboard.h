@@ -12,8 +12,8 @@ namespace ovrin {
 // Used by the thread that uses the connection, which outlives it.
 class WaylandSeatKeyboard {
 public:
-    // keymapChanged: called with each keymap, in XKB's format of version 1; at first before the constructor returns,
-    // if the seat has a keyboard.
+    // Follows the seat's keyboard. keymapChanged: called with each keymap, in XKB's format of version 1; at first
+    // before the constructor returns, if the seat has a keyboard.
     WaylandSeatKeyboard(WaylandConnection& connection, std::function<void(std::string)> keymapChanged);
     WaylandSeatKeyboard(const WaylandSeatKeyboard&) = delete;
     WaylandSeatKeyboard& operator=(const WaylandSeatKeyboard&) = delete;

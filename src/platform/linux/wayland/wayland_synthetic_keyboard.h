@@ -29,7 +29,7 @@ public:
     WaylandSimulateKeyboard(const WaylandSimulateKeyboard&) = delete;
     WaylandSimulateKeyboard& operator=(const WaylandSimulateKeyboard&) = delete;
 
-    // Whether the compositor lets programs press keys. It can't be asked to.
+    // Whether the compositor lets programs press keys. It cannot be asked for that.
     bool isTrusted() override;
     Task<bool> requestTrust() override { co_return isTrusted(); }
 

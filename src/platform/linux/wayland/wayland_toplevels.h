@@ -17,7 +17,8 @@ struct WaylandToplevel {
     bool isActivated = false;
 };
 
-// As the events say that the connection has taken in. Used by the thread that uses the connection, which outlives it.
+// What the events tell that the connection has taken in. Used by the thread that uses the connection, which outlives
+// it.
 class WaylandToplevels {
 public:
     // Null where the compositor tells this program nothing of them.
@@ -27,7 +28,7 @@ public:
     WaylandToplevels(const WaylandToplevels&) = delete;
     WaylandToplevels& operator=(const WaylandToplevels&) = delete;
 
-    // The one with the keyboard; null while none has it.
+    // The window with the keyboard; null while none has it.
     const WaylandToplevel* front() const;
 
     // How often a window has got the keyboard so far.
