@@ -58,7 +58,7 @@ constexpr zxdg_output_v1_listener layoutListener = {
 
 }  // namespace
 
-WaylandConnection::WaylandConnection(const char* name) : display_(wl_display_connect(name)) {
+WaylandConnection::WaylandConnection(const char* name) : WaylandConnection(Display(wl_display_connect(name))) {
     if (!display_) throw Error("无法连接到桌面（Wayland）。");
     registry_ = wl_display_get_registry(display());
     static constexpr wl_registry_listener listener = {
@@ -101,7 +101,7 @@ void* WaylandConnection::bindGlobal(const wl_interface& interface, std::uint32_t
 
 void WaylandConnection::findSeat() {
     struct Seat {
-        wl_seat* object = nullptr;
+        WaylandObject<wl_seat, wl_seat_destroy> object;
         std::uint32_t number = 0;
         bool hasKeyboard = false;
     };
@@ -109,7 +109,7 @@ void WaylandConnection::findSeat() {
     for (const auto& [number, global] : globals_) {
         if (global.interface != wl_seat_interface.name) continue;
         auto* const seat = static_cast<wl_seat*>(bindNamed(number, wl_seat_interface, seatVersion));
-        seats.push_back({.object = seat, .number = number});
+        seats.push_back({.object = WaylandObject<wl_seat, wl_seat_destroy>(seat), .number = number});
     }
     if (seats.empty()) return;
     static constexpr wl_seat_listener listener = {[](void* found, wl_seat* /*seat*/, std::uint32_t capabilities) {
@@ -117,11 +117,10 @@ void WaylandConnection::findSeat() {
                                                           (capabilities & WL_SEAT_CAPABILITY_KEYBOARD) != 0;
                                                   },
                                                   [](void* /*found*/, wl_seat* /*seat*/, const char* /*name*/) {}};
-    for (Seat& seat : seats) wl_seat_add_listener(seat.object, &listener, &seat);
+    for (Seat& seat : seats) wl_seat_add_listener(seat.object.get(), &listener, &seat);
     roundTrip();
     const auto withKeyboard = std::ranges::find_if(seats, &Seat::hasKeyboard);
     seatNumber_ = (withKeyboard == seats.end() ? seats.front() : *withKeyboard).number;
-    for (const Seat& seat : seats) wl_seat_destroy(seat.object);
     seat_ = bindSeat();
 }
 

@@ -9,6 +9,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <poll.h>
@@ -100,17 +101,21 @@ public:
     void roundTrip(std::chrono::milliseconds time = patience) const;
 
 private:
+    using Display = WaylandObject<wl_display, wl_display_disconnect>;
     struct Global {
         std::string interface;
         std::uint32_t version = 0;
     };
+    // Knows nothing of the compositor yet. What asks it later may throw, and is destroyed properly then.
+    explicit WaylandConnection(Display display) : display_(std::move(display)) {}
+
     void* bindGlobal(const wl_interface& interface, std::uint32_t version);
     void* bindNamed(std::uint32_t name, const wl_interface& interface, std::uint32_t version);
     void findSeat();
     void findOutputs();
     void releaseOutputs();
 
-    WaylandObject<wl_display, wl_display_disconnect> display_;
+    Display display_;
     wl_registry* registry_ = nullptr;
     std::map<std::uint32_t, Global> globals_;  // by the number that the compositor gave them
     wl_shm* sharedMemory_ = nullptr;

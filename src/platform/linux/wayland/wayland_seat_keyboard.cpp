@@ -19,20 +19,15 @@ WaylandSeatKeyboard::WaylandSeatKeyboard(WaylandConnection& connection, std::fun
             static_cast<WaylandSeatKeyboard*>(self)->follow((capabilities & WL_SEAT_CAPABILITY_KEYBOARD) != 0);
         },
         ignored};
-    wl_seat_add_listener(seat_, &listener, this);
+    wl_seat_add_listener(seat_.get(), &listener, this);
     connection.roundTrip();  // whether there is a keyboard
     connection.roundTrip();  // its keymap
 }
 
-WaylandSeatKeyboard::~WaylandSeatKeyboard() {
-    if (keyboard_ != nullptr) wl_keyboard_release(keyboard_);
-    wl_seat_release(seat_);
-}
-
 void WaylandSeatKeyboard::follow(bool hasKeyboard) {
-    if (!hasKeyboard && keyboard_ != nullptr) wl_keyboard_release(std::exchange(keyboard_, nullptr));
-    if (!hasKeyboard || keyboard_ != nullptr) return;
-    keyboard_ = wl_seat_get_keyboard(seat_);
+    if (!hasKeyboard) keyboard_.reset();
+    if (!hasKeyboard || keyboard_) return;
+    keyboard_.reset(wl_seat_get_keyboard(seat_.get()));
     static constexpr wl_keyboard_listener listener = {
         [](void* self, wl_keyboard* /*keyboard*/, std::uint32_t format, int descriptor, std::uint32_t size) {
             static_cast<const WaylandSeatKeyboard*>(self)->takeKeymap(format, descriptor, size);
@@ -42,7 +37,7 @@ void WaylandSeatKeyboard::follow(bool hasKeyboard) {
         ignored,
         ignored,
         ignored};
-    wl_keyboard_add_listener(keyboard_, &listener, this);
+    wl_keyboard_add_listener(keyboard_.get(), &listener, this);
 }
 
 void WaylandSeatKeyboard::takeKeymap(std::uint32_t format, int descriptor, std::uint32_t size) const {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "platform/linux/wayland/wayland_connection.h"
@@ -17,17 +18,21 @@ public:
     WaylandSeatKeyboard(WaylandConnection& connection, std::function<void(std::string)> keymapChanged);
     WaylandSeatKeyboard(const WaylandSeatKeyboard&) = delete;
     WaylandSeatKeyboard& operator=(const WaylandSeatKeyboard&) = delete;
-    ~WaylandSeatKeyboard();
 
-    wl_seat* seat() const { return seat_; }
+    wl_seat* seat() const { return seat_.get(); }
 
 private:
+    struct Releases {
+        void operator()(wl_seat* seat) const { wl_seat_release(seat); }
+        void operator()(wl_keyboard* keyboard) const { wl_keyboard_release(keyboard); }
+    };
+
     void follow(bool hasKeyboard);
     void takeKeymap(std::uint32_t format, int descriptor, std::uint32_t size) const;
 
     std::function<void(std::string)> keymapChanged_;
-    wl_seat* seat_;
-    wl_keyboard* keyboard_ = nullptr;
+    std::unique_ptr<wl_seat, Releases> seat_;
+    std::unique_ptr<wl_keyboard, Releases> keyboard_;
 };
 
 }  // namespace ovrin

@@ -23,24 +23,21 @@ public:
                 static_cast<WlrToplevels*>(self)->introduce(handle);
             },
             ignored};
-        zwlr_foreign_toplevel_manager_v1_add_listener(manager_, &listener, this);
+        zwlr_foreign_toplevel_manager_v1_add_listener(manager_.get(), &listener, this);
         connection.roundTrip();
-    }
-    WlrToplevels(const WlrToplevels&) = delete;
-    WlrToplevels& operator=(const WlrToplevels&) = delete;
-    ~WlrToplevels() override {
-        for (zwlr_foreign_toplevel_handle_v1* const handle : handles_) zwlr_foreign_toplevel_handle_v1_destroy(handle);
-        zwlr_foreign_toplevel_manager_v1_destroy(manager_);
     }
 
 private:
+    using Manager = WaylandObject<zwlr_foreign_toplevel_manager_v1, zwlr_foreign_toplevel_manager_v1_destroy>;
+    using Handle = WaylandObject<zwlr_foreign_toplevel_handle_v1, zwlr_foreign_toplevel_handle_v1_destroy>;
+
     static bool isActivatedIn(const wl_array& states) {
         const std::span all(static_cast<const std::uint32_t*>(states.data), states.size / sizeof(std::uint32_t));
         return std::ranges::find(all, std::uint32_t{ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_ACTIVATED}) != all.end();
     }
 
     void introduce(zwlr_foreign_toplevel_handle_v1* handle) {
-        handles_.push_back(handle);
+        handles_.emplace_back(handle);
         add(handle);
         static constexpr zwlr_foreign_toplevel_handle_v1_listener listener = {
             ignored,
@@ -61,12 +58,11 @@ private:
     }
     void forget(zwlr_foreign_toplevel_handle_v1* handle) {
         remove(handle);
-        std::erase(handles_, handle);
-        zwlr_foreign_toplevel_handle_v1_destroy(handle);
+        std::erase_if(handles_, [handle](const Handle& known) { return known.get() == handle; });
     }
 
-    zwlr_foreign_toplevel_manager_v1* manager_;
-    std::vector<zwlr_foreign_toplevel_handle_v1*> handles_;
+    Manager manager_;
+    std::vector<Handle> handles_;
 };
 
 // KWin tells of windows in a protocol of its own, and programs only whose desktop entry asks for it.
@@ -82,21 +78,18 @@ public:
             [](void* self, org_kde_plasma_window_management* /*manager*/, std::uint32_t /*number*/, const char* name) {
                 static_cast<PlasmaToplevels*>(self)->introduce(name);
             }};
-        org_kde_plasma_window_management_add_listener(manager_, &listener, this);
+        org_kde_plasma_window_management_add_listener(manager_.get(), &listener, this);
         connection.roundTrip();  // which windows there are
         connection.roundTrip();  // what they are
     }
-    PlasmaToplevels(const PlasmaToplevels&) = delete;
-    PlasmaToplevels& operator=(const PlasmaToplevels&) = delete;
-    ~PlasmaToplevels() override {
-        for (org_kde_plasma_window* const window : windows_) org_kde_plasma_window_destroy(window);
-        org_kde_plasma_window_management_destroy(manager_);
-    }
 
 private:
+    using Manager = WaylandObject<org_kde_plasma_window_management, org_kde_plasma_window_management_destroy>;
+    using Window = WaylandObject<org_kde_plasma_window, org_kde_plasma_window_destroy>;
+
     void introduce(const char* name) {
-        org_kde_plasma_window* const window = org_kde_plasma_window_management_get_window_by_uuid(manager_, name);
-        windows_.push_back(window);
+        auto* const window = org_kde_plasma_window_management_get_window_by_uuid(manager_.get(), name);
+        windows_.emplace_back(window);
         noteUnknown();
         add(window);
         static constexpr org_kde_plasma_window_listener listener = [] {
@@ -128,12 +121,11 @@ private:
     }
     void forget(org_kde_plasma_window* window) {
         remove(window);
-        std::erase(windows_, window);
-        org_kde_plasma_window_destroy(window);
+        std::erase_if(windows_, [window](const Window& known) { return known.get() == window; });
     }
 
-    org_kde_plasma_window_management* manager_;
-    std::vector<org_kde_plasma_window*> windows_;
+    Manager manager_;
+    std::vector<Window> windows_;
 };
 
 }  // namespace
