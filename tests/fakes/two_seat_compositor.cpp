@@ -30,7 +30,7 @@ TwoSeatCompositor::TwoSeatCompositor() : display_(wl_display_create()) {
     if (::pipe2(commands_.data(), O_CLOEXEC) != 0) throw Error("no pipe");
     for (Seat& seat : seats_) seat.global = wl_global_create(display_, &wl_seat_interface, 5, &seat, bindSeat);
     wl_global_create(display_, &ext_data_control_manager_v1_interface, 1, this, bindManager);
-    wl_event_loop_add_fd(
+    commandSource_ = wl_event_loop_add_fd(
         wl_display_get_event_loop(display_), commands_[0], WL_EVENT_READABLE,
         [](int pipe, std::uint32_t /*mask*/, void* self) { return static_cast<TwoSeatCompositor*>(self)->obey(pipe); },
         this);
@@ -47,6 +47,7 @@ TwoSeatCompositor::TwoSeatCompositor() : display_(wl_display_create()) {
 TwoSeatCompositor::~TwoSeatCompositor() {
     ask('q');
     thread_.join();
+    wl_event_source_remove(commandSource_);
     wl_display_destroy_clients(display_);
     wl_display_destroy(display_);
     for (const int end : commands_) ::close(end);

@@ -57,6 +57,7 @@ private:
     wl_display* display_;
     std::array<Seat, 2> seats_;
     std::array<int, 2> commands_{};  // a pipe
+    wl_event_source* commandSource_ = nullptr;
     std::thread thread_;
 };
 

@@ -121,6 +121,7 @@ public:
         xdg_toplevel_destroy(toplevel_);
         xdg_surface_destroy(shellSurface_);
         wl_surface_destroy(surface_);
+        wl_buffer_destroy(buffer_);
         xdg_wm_base_destroy(shell_);
         wl_compositor_destroy(compositor_);
     }
@@ -138,8 +139,8 @@ private:
         const int file = ::memfd_create("picture", MFD_CLOEXEC);
         ASSERT_EQ(::ftruncate(file, size), 0);
         wl_shm_pool* const pool = wl_shm_create_pool(connection_.sharedMemory(), file, size);
-        wl_buffer* const buffer = wl_shm_pool_create_buffer(pool, 0, side, side, side * 4, WL_SHM_FORMAT_XRGB8888);
-        wl_surface_attach(surface_, buffer, 0, 0);
+        buffer_ = wl_shm_pool_create_buffer(pool, 0, side, side, side * 4, WL_SHM_FORMAT_XRGB8888);
+        wl_surface_attach(surface_, buffer_, 0, 0);
         wl_surface_commit(surface_);
         wl_shm_pool_destroy(pool);
         ::close(file);
@@ -152,6 +153,7 @@ private:
     xdg_surface* shellSurface_;
     xdg_toplevel* toplevel_;
     wl_keyboard* keyboard_;
+    wl_buffer* buffer_ = nullptr;
     bool isConfigured_ = false;
     bool hasKeyboard_ = false;
     std::uint32_t modifiers_ = 0;
