@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <filesystem>
 #include <memory>
 #include <span>
@@ -240,11 +241,17 @@ Task<Result> SelectionClipboard::ask(std::function<Result(SelectionClient&)> que
                writer = std::make_shared<StreamWriter<Result>>(std::move(writer))](SelectionClient& selection) {
         reader_ = writer->stopToken();
         const std::stop_callback wake(reader_, [this] { jobs_->wake(); });
+        std::exception_ptr failure;
         try {
             if (!reader_.stop_requested()) writer->push(question(selection));
-            writer->finish();
         } catch (const Error&) {
-            writer->fail(std::current_exception());
+            failure = std::current_exception();
+        }
+        // Outside the handler, which would keep a hold on what the awaiting thread throws.
+        if (failure) {
+            writer->fail(std::move(failure));
+        } else {
+            writer->finish();
         }
         reader_ = {};
     };
