@@ -29,9 +29,17 @@ extern "C" const char* __tsan_default_options() {  // NOLINT(bugprone-reserved-i
     return REPORTS;
 }
 
-// The thread sanitizer does not see their locks and takes what they hand from thread to thread for races.
+// The thread sanitizer does not see their locks and takes what they hand from thread to thread for races: events that
+// are posted to the main loop, what the threads of the image library have read for the one that waits for them, and all
+// that the inference runtime does.
 extern "C" const char* __tsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier)
-    return "called_from_lib:libQt6Core.so\n"
+    return "race:QEvent::type\n"
+           "race:recognition/parallel.h\n"
+           "race:libonnxruntime.so\n"
+           "race:libQt6WaylandClient.so\n"
+           "mutex:libQt6WaylandClient.so\n"
+           "mutex:wl_event_queue_destroy\n"  // of the toolkit's last queue, after its connection
+           "called_from_lib:libQt6Core.so\n"
            "called_from_lib:libQt6DBus.so\n"
            "called_from_lib:libQt6Gui.so\n"
            "called_from_lib:libQt6Widgets.so\n"
