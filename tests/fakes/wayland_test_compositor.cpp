@@ -85,4 +85,8 @@ void WaylandTestCompositor::freeze() const {
     compositor_->signal(SIGSTOP);
 }
 
+void WaylandTestCompositor::thaw() const {
+    compositor_->signal(SIGCONT);
+}
+
 }  // namespace ovrin

@@ -45,6 +45,7 @@ public:
     void restart();
     // As if it hung: it answers nobody from now on.
     void freeze() const;
+    void thaw() const;
 
 private:
     TemporaryDirectory folder_;

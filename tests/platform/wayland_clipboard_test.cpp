@@ -237,6 +237,14 @@ TEST_F(WaylandClipboardTest, WhatIsSelectedIsLentAndGivenBackBesideTheClipboard)
     EXPECT_EQ(ours->changeCount(ClipboardSource::primary), before + 3);
 }
 
+TEST_F(WaylandClipboardTest, ACompositorThatWasSlowHasWhatWasWrittenMeanwhile) {
+    compositor->freeze();
+    ours->writeString("written meanwhile");
+    EXPECT_EQ(loop.complete(ours->readString()), "written meanwhile");  // once it is no longer waited for
+    compositor->thaw();
+    EXPECT_EQ(pasted("text/plain"), "written meanwhile");
+}
+
 // The protocol's younger name, which no compositor of the distribution offers.
 TEST_F(WaylandClipboardTest, EverythingGoesByTheYoungerProtocolOnTheSeatWithTheKeyboard) {
     const TwoSeatCompositor compositorOfOurs;

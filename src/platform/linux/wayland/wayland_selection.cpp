@@ -59,12 +59,13 @@ void WaylandSelection::handleChange(Source source) {
     user_.changedByOthers(source);
 }
 
-// Without a compositor nobody has anything.
+// Without a compositor nobody has anything. One that is only slow does later what it was asked for.
 void WaylandSelection::doWithCompositor(const std::function<void()>& work) {
     try {
         if (!isLost_) work();
     } catch (const Error&) {
-        isLost_ = true;
+        isLost_ = wl_display_get_error(connection_.display()) != 0;
+        if (!isLost_) return;
         clipboard_.own.reset();
         primary_.own.reset();
     }
