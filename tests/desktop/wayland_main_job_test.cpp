@@ -151,6 +151,34 @@ TEST_P(WaylandMainJobTest, TheCommandsOfThePaletteActOnWhatWasSelected) {
     waitFor("the end of the palette", [&] { return reader->windows("ovrin").empty(); });
 }
 
+// For sway WaylandWindowsTest looks at two outputs.
+struct KWinOutputsTest : WaylandDesktopTest {};
+
+TEST_F(KWinOutputsTest, TheSecondIsReadAtItsScale) {
+    if (mayBeSkipped(Compositor::kwin)) GTEST_SKIP() << "needs kwin-wayland";
+    begin({.compositor = Compositor::kwin,
+           .width = 1920,
+           .height = 1350,
+           .program = OVRIN_BINARY_DIR "/ovrin",
+           .outputs = 2,
+           .scale = 1.5});
+    startAssistant();
+    user->moveTo({.x = 1700, .y = 300});  // where windows come up
+    const auto page =
+        desktop->start({.arguments = SampleDialogue::command(OVRIN_BINARY_DIR "/ovrin_sample_program", Kind::page),
+                        .environment = {"QT_QPA_PLATFORM=wayland", "QT_WAYLAND_DISABLE_WINDOWDECORATION=1"},
+                        .input = ChildProcess::Input::staysOpen});
+    constexpr double brightnessWithPage = 100;
+    waitFor("the page", [&] { return brightness(desktop->picture(1)) > brightnessWithPage; });
+    const double bright = brightness(desktop->picture(1));
+    ASSERT_EQ(assistant->perform("capture-ocr"), 0);
+    waitForOverlay(bright, 1);
+    user->drag({.x = 1300, .y = 100}, {.x = 2500, .y = 500});
+    waitForWords("识别结果已复制");
+    EXPECT_THAT(desktop->selectedText(),
+                testing::HasSubstr("\nNobody repairs it, because the ferry is always on time."));
+}
+
 INSTANTIATE_TEST_SUITE_P(On, WaylandMainJobTest,
                          testing::Values(WaylandDesktop::Compositor::sway, WaylandDesktop::Compositor::kwin),
                          [](const auto& test) {

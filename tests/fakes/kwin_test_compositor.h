@@ -23,7 +23,7 @@ public:
     struct Session {
         std::string busAddress;
         std::filesystem::path dataFolder;
-        int width = 1024;  // pixels of each output
+        int width = 1024;  // points of each output
         int height = 768;
         int outputs = 1;
         double scale = 1;  // pixels per point

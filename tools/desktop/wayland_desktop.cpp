@@ -53,12 +53,14 @@ WaylandDesktop::WaylandDesktop(const std::vector<HeadlessOutput>& outputs)
 }
 
 WaylandDesktop::WaylandDesktop(const Setup& setup) : busView_(std::make_unique<BusView>(bus_.address())) {
+    const auto points = [&setup](int pixels) { return static_cast<int>(std::lround(pixels / setup.scale)); };
     if (setup.compositor == Compositor::sway) {
         std::vector<HeadlessOutput> outputs;
         for (int output = 0; output < setup.outputs; ++output) {
-            const auto left = std::lround(output * setup.width / setup.scale);
-            outputs.push_back(
-                {.width = setup.width, .height = setup.height, .scale = setup.scale, .x = static_cast<int>(left)});
+            outputs.push_back({.width = setup.width,
+                               .height = setup.height,
+                               .scale = setup.scale,
+                               .x = points(output * setup.width)});
         }
         sway_.emplace(outputs);
     } else {
@@ -66,8 +68,8 @@ WaylandDesktop::WaylandDesktop(const Setup& setup) : busView_(std::make_unique<B
         install("ovrin-test", std::filesystem::read_symlink("/proc/self/exe"));
         kwin_.emplace(KWinTestCompositor::Session{.busAddress = bus_.address(),
                                                   .dataFolder = home() / "data",
-                                                  .width = setup.width,
-                                                  .height = setup.height,
+                                                  .width = points(setup.width),
+                                                  .height = points(setup.height),
                                                   .outputs = setup.outputs,
                                                   .scale = setup.scale});
     }

@@ -31,8 +31,8 @@ class WorkerExecutor;
 class WaylandDesktop {
 public:
     explicit WaylandDesktop(const std::vector<HeadlessOutput>& outputs = {HeadlessOutput()});
-    // Outputs of this size beside each other, and windows that a screen reader can read. KWin takes the program at this
-    // path, and this process, for installed.
+    // Outputs of this size in pixels beside each other, and windows that a screen reader can read. KWin takes the
+    // program at this path, and this process, for installed.
     enum class Compositor : std::uint8_t { sway, kwin };
     struct Setup {
         Compositor compositor = Compositor::sway;
