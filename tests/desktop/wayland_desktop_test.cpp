@@ -38,6 +38,7 @@ void WaylandDesktopTest::TearDown() {
 }
 
 void WaylandDesktopTest::open(Kind kind) {
+    program.reset();  // whose window would have a part of the output until then
     program = std::make_unique<WaylandSampleProgram>(*desktop, OVRIN_BINARY_DIR "/ovrin_sample_program", kind);
 }
 
