@@ -16,13 +16,15 @@ protected:
     void SetUp() override {
         if (WaylandTestCompositor::mayBeSkipped()) GTEST_SKIP() << "needs sway";
     }
-    void begin(const std::vector<HeadlessOutput>& outputs = {HeadlessOutput()}) {
+    void begin(const std::vector<HeadlessOutput>& outputs = {HeadlessOutput()},
+               const std::vector<std::string>& environment = {}) {
         desktop = std::make_unique<WaylandDesktop>(outputs);
         user = std::make_unique<WaylandUser>(desktop->compositor().display());
         user->moveTo(pointerPlace);
         assistant = std::make_unique<WaylandAssistant>(*desktop, WaylandAssistant::Setup{
                                                                      .program = OVRIN_BINARY_DIR "/ovrin",
                                                                      .serviceURL = service.baseURL(),
+                                                                     .environment = environment,
                                                                  });
         empty = desktop->settledPicture();
     }
@@ -55,7 +57,7 @@ protected:
 };
 
 TEST_F(WaylandWindowsTest, ThePaletteIsInTheMiddleTakesWhatIsTypedAndGoesWhenTheUserTurnsAway) {
-    begin();
+    begin({HeadlessOutput()}, {"WAYLAND_DEBUG=1"});
     const PixelArea middle{.x = 380, .y = 130, .width = 520, .height = 460};
     for (const bool isClick : {false, true}) {
         ASSERT_EQ(assistant->perform("command-palette"), 0);
@@ -70,6 +72,8 @@ TEST_F(WaylandWindowsTest, ThePaletteIsInTheMiddleTakesWhatIsTypedAndGoesWhenThe
         }
         expectNothing();
     }
+    // The name that the user's rules for the compositor go by.
+    EXPECT_THAT(desktop->log(), testing::ContainsRegex(R"(get_layer_surface\([^)]*, "ovrin"\))"));
 }
 
 TEST_F(WaylandWindowsTest, TheBarOfTheChatBecomesAWindowAndABarAgain) {

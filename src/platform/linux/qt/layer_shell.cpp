@@ -63,7 +63,8 @@ void LayerShell::bind(wl_display* display) {
     static constexpr wl_registry_listener listener = {
         [](void* self, wl_registry* registry, std::uint32_t name, const char* interface, std::uint32_t version) {
             LayerShell& shell = shellOf(self);
-            if (std::string_view(interface).starts_with("org_kde_kwin_")) shell.isOnKWin_ = true;
+            // Other compositors have protocols with KWin's name, too.
+            if (std::string_view(interface) == "org_kde_plasma_shell") shell.isOnKWin_ = true;
             if (std::string_view(interface) == wl_seat_interface.name) return shell.addSeat(registry, name, version);
             if (std::string_view(interface) == wl_subcompositor_interface.name) {
                 shell.subcompositor_ =
