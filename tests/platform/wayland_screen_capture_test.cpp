@@ -194,6 +194,9 @@ TEST_F(WaylandScreenCaptureTest, WhatIsNoLongerThereIsAnErrorAndTheNextComposito
     const std::vector<CapturableDisplay> found = displays();
     EXPECT_EQ(failureOfTaking({.id = DisplayId{9999}, .frame = found.at(0).frame}), "无法截取屏幕：显示器已断开。");
     EXPECT_EQ(failureOfTaking(found.at(0)), "no failure");
+    compositor->stop();
+    start({HeadlessOutput()});
+    EXPECT_EQ(failureOfTaking(displays().at(0)), "no failure");
     compositor->freeze();
     EXPECT_EQ(failureOfTaking(found.at(0)), "无法截取屏幕：桌面没有应答。");
     compositor->stop();

@@ -41,6 +41,7 @@ private:
         try {
             if (connection) connection->refreshOutputs();
         } catch (const Error&) {
+            if (!connection->isLost()) throw;  // a compositor that hangs would let a new connection wait as long again
             connection.reset();
         }
         return connection ? std::move(connection) : std::make_unique<WaylandConnection>();
