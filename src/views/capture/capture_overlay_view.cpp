@@ -225,7 +225,7 @@ void CaptureOverlayView::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::RightButton) return cancel();
     if (event->button() != Qt::LeftButton) return;
     startPoint_ = currentPoint_ = toLocalPoint(event->position());
-    update();  // the hint goes
+    pacedUpdates_->update(rect());  // the hint goes
 }
 
 void CaptureOverlayView::mouseMoveEvent(QMouseEvent* event) {
@@ -241,7 +241,7 @@ void CaptureOverlayView::mouseReleaseEvent(QMouseEvent* event) {
     if (!capture::isSelection(selection)) {
         startPoint_.reset();
         currentPoint_.reset();
-        update();
+        pacedUpdates_->update(rect());
         return;
     }
     // As in cancel().
