@@ -1,8 +1,7 @@
 // The program's item in a status area that works over the session bus (org.kde.StatusNotifierItem): icon, tooltip, and
 // the clicks on it. It names a menu, without which some hosts show no item, and which most show by themselves; others
 // tell that it is asked for. A token that comes with a click lets the next window come to the front. Nothing here
-// waits for another program; hosts may come, go and come
-// again.
+// waits for another program; hosts may come, go and come again.
 #pragma once
 
 #include <QImage>

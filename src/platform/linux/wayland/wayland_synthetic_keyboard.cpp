@@ -44,7 +44,7 @@ WaylandSimulateKeyboard::WaylandSimulateKeyboard(WaylandConnection& connection)
 void WaylandSimulateKeyboard::attend(const std::function<void()>& work) const {
     try {
         if (!connection_.isLost()) work();
-    } catch (const Error&) {  // which the connection knows as well
+    } catch (const Error&) {  // one that has gone is known to the connection; one that is slow may answer next time
     }
 }
 
