@@ -38,7 +38,7 @@ std::optional<fs::path> homeInPasswordDatabase() {
 
 std::optional<fs::path> baseDirectory(const Environment& environment, std::string_view variable,
                                       std::string_view belowHome) {
-    if (const auto base = absolutePath(environment, variable)) return base;
+    if (auto base = absolutePath(environment, variable)) return base;
     if (const auto home = absolutePath(environment, "HOME")) return *home / belowHome;
     if (const auto home = homeInPasswordDatabase()) return *home / belowHome;
     return std::nullopt;
