@@ -64,7 +64,7 @@ void WaylandSelection::doWithCompositor(const std::function<void()>& work) {
     try {
         if (!isLost_) work();
     } catch (const Error&) {
-        isLost_ = wl_display_get_error(connection_.display()) != 0;
+        isLost_ = connection_.isLost();
         if (!isLost_) return;
         clipboard_.own.reset();
         primary_.own.reset();
