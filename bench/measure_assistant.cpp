@@ -320,24 +320,17 @@ private:
         const QImage seen = user_.picture(area).convertToFormat(QImage::Format_ARGB32);
         const Image picture(seen.width(), seen.height(),
                             {seen.constBits(), seen.constBits() + static_cast<std::ptrdiff_t>(seen.sizeInBytes())});
-        const auto recognitionTime = [&] {
-            const auto begin = Clock::now();
-            recognizer.perform({.usesLanguageCorrection = true,
-                                .automaticallyDetectsLanguage = true,
-                                .recognitionLanguages = {"zh-Hans", "zh-Hant", "en-US", "ja-JP", "ko-KR"}},
-                               picture, {});
-            return millisecondsSince(begin);
-        };
         captureTime(area);
-        recognitionTime();
+        recognitionTime(recognizer, picture);
         std::vector<double> ways;
         std::vector<double> recognitions;
         std::vector<double> rests;
         for (int run = 0; run < 9; ++run) {
             ways.push_back(captureTime(area));
-            recognitionTime();  // finds its memory anew: the command of the capture was forked from this process
+            recognitionTime(recognizer,
+                            picture);  // finds its memory anew: the command of the capture was forked from this process
             std::this_thread::sleep_for(3s);  // as long after the one before as in the assistant
-            recognitions.push_back(recognitionTime());
+            recognitions.push_back(recognitionTime(recognizer, picture));
             rests.push_back(ways.back() - 140 - recognitions.back());
         }
         std::printf("%s: mouse-up to text on the clipboard %.1f ms, recognition of it %.1f ms\n", what, median(ways),

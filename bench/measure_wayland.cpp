@@ -176,22 +176,14 @@ private:
         const LocalRect part{static_cast<double>(area.x), static_cast<double>(area.y), static_cast<double>(area.width),
                              static_cast<double>(area.height)};
         const Image picture = take(part, area.width, area.height);
-        const auto recognitionTime = [&] {
-            const auto begin = Clock::now();
-            recognizer.perform({.usesLanguageCorrection = true,
-                                .automaticallyDetectsLanguage = true,
-                                .recognitionLanguages = {"zh-Hans", "zh-Hant", "en-US", "ja-JP", "ko-KR"}},
-                               picture, {});
-            return millisecondsSince(begin);
-        };
         captureTime(area);
-        recognitionTime();
+        recognitionTime(recognizer, picture);
         std::vector<double> rests;
         for (int run = 0; run < 5; ++run) {
             const double way = captureTime(area);
-            recognitionTime();
+            recognitionTime(recognizer, picture);
             std::this_thread::sleep_for(2s);  // as long after the one before as in the assistant
-            rests.push_back(way - 140 - recognitionTime());
+            rests.push_back(way - 140 - recognitionTime(recognizer, picture));
         }
         return median(rests);
     }

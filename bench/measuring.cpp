@@ -8,6 +8,8 @@
 #include <utility>
 
 #include "base/error.h"
+#include "base/image.h"
+#include "platform/linux/recognition/onnx_text_recognizer.h"
 
 namespace ovrin {
 
@@ -24,6 +26,15 @@ double medianOf(int runs, const std::function<double()>& measure) {
     std::vector<double> values(static_cast<std::size_t>(runs));
     for (double& value : values) value = measure();
     return median(std::move(values));
+}
+
+double recognitionTime(OnnxTextRecognizer& recognizer, const Image& picture) {
+    const auto begin = std::chrono::steady_clock::now();
+    recognizer.perform({.usesLanguageCorrection = true,
+                        .automaticallyDetectsLanguage = true,
+                        .recognitionLanguages = {"zh-Hans", "zh-Hant", "en-US", "ja-JP", "ko-KR"}},
+                       picture, {});
+    return millisecondsSince(begin);
 }
 
 void report(const char* what, double value, const char* unit, double limit) {

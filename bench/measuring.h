@@ -7,11 +7,17 @@
 
 namespace ovrin {
 
+class Image;
+class OnnxTextRecognizer;
+
 double millisecondsSince(std::chrono::steady_clock::time_point begin);
 
 // Of at least one value.
 double median(std::vector<double> values);
 double medianOf(int runs, const std::function<double()>& measure);
+
+// Milliseconds, with the options of the assistant.
+double recognitionTime(OnnxTextRecognizer& recognizer, const Image& picture);
 
 // Prints a figure beside its limit.
 void report(const char* what, double value, const char* unit, double limit);

@@ -74,7 +74,7 @@ std::unique_ptr<WaylandConnection> chooseWindowSystem() {
     setUnlessChosen("QT_QPA_PLATFORM", isWayland ? "wayland" : "xcb");
     if (!isWayland) return compositor;
     // Every window has a frame of its own or none. To find out whether it could draw another one, the toolkit would
-    // start OpenGL, which takes 20 ms of the first window's coming up where there is no graphics processor, and memory.
+    // start OpenGL, which takes 20 ms of the first window's coming up where there is no graphics processor.
     setUnlessChosen("QT_WAYLAND_DISABLE_WINDOWDECORATION", "1");
     if (isAble(compositor.get())) {
         // Windows that bypass the window manager get no role from the toolkit: it is given to them in LayerWindow.
