@@ -17,6 +17,11 @@ struct WindowFrameTest : DesktopTest {
     PixelSpot bar(const DesktopWindow& window) const {
         return {.x = area(window).x + area(window).width / 2, .y = area(window).y + 14};
     }
+    template <typename Condition>
+    void drag(PixelSpot from, const std::string& what, Condition isReached) {
+        dragUntil(*user, from, what, isReached);
+        user->waitForFreePointer();
+    }
 };
 
 TEST_F(WindowFrameTest, TheBarAndTheEdgesOfTheSettingsWorkAsThoseOfAnyWindow) {
@@ -25,14 +30,16 @@ TEST_F(WindowFrameTest, TheBarAndTheEdgesOfTheSettingsWorkAsThoseOfAnyWindow) {
     const PixelArea first = area(window);
     user->doubleClick(bar(window));
     waitFor("the window to fill the work area", [&] { return area(window).width > 1800; });
+    reader->waitForName(programName, "还原");
     user->doubleClick(bar(window));
     waitFor("the window to be as before", [&] { return area(window).width == first.width; });
+    reader->waitForName(programName, "最大化");
 
-    dragUntil(*user, bar(window), "the window to be moved", [&] { return area(window).x != first.x; });
+    drag(bar(window), "the window to be moved", [&] { return area(window).x != first.x; });
     const PixelArea moved = area(window);
     EXPECT_EQ(moved.width, first.width);
-    dragUntil(*user, {.x = moved.x + moved.width - 2, .y = moved.y + moved.height - 2}, "the window to be larger",
-              [&] { return area(window).width > moved.width; });
+    drag({.x = moved.x + moved.width - 2, .y = moved.y + moved.height - 2}, "the window to be larger",
+         [&] { return area(window).width > moved.width; });
 
     user->click(bar(window), TestUser::Button::right);
     waitFor("the window's menu", [&] {

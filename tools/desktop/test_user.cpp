@@ -125,6 +125,20 @@ void TestUser::beginDrag(PixelSpot from, PixelSpot to) const {
     }
 }
 
+void TestUser::waitForFreePointer() const {
+    xcb_connection_t* const x = view_.connection();
+    waitFor("the pointer to be free", [&] {
+        const auto grab = owned(
+            xcb_grab_pointer_reply(x,
+                                   xcb_grab_pointer(x, 0, view_.root(), 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
+                                                    XCB_WINDOW_NONE, XCB_CURSOR_NONE, XCB_CURRENT_TIME),
+                                   nullptr));
+        return grab && grab->status == XCB_GRAB_STATUS_SUCCESS;
+    });
+    xcb_ungrab_pointer(x, XCB_CURRENT_TIME);
+    view_.synchronize();
+}
+
 TestUser::Stroke TestUser::strokeOf(std::uint32_t keysym) const {
     for (std::size_t index = 0; index < keysyms_.size(); index += keysymsPerCode_) {
         const auto code = static_cast<xcb_keycode_t>(firstCode_ + index / keysymsPerCode_);

@@ -51,6 +51,8 @@ public:
     void drag(PixelSpot from, PixelSpot to) const;
     // The same without the release.
     void beginDrag(PixelSpot from, PixelSpot to) const;
+    // Returns when no program holds the pointer: the window manager does until the window is where a drag left it.
+    void waitForFreePointer() const;
 
     // The keyboard. A combination is the names of X keysyms with + between them, modifiers first: "Super_L+Shift_L+t",
     // "Escape". The keys are pressed in order and released in reverse order.
