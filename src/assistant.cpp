@@ -237,7 +237,8 @@ private:
         *this, registry_, *layout_, windows_.commandPalettes(), loop_, text::caseRules(Environment::ofProcess())};
     X11Tray tray_{desktop_.screenshot()};
     QtStatusItem statusItem_{environment_, keyboardLayout_, tray_};
-    TrayNotice trayNotice_{{.loop = loop_, .statusItem = statusItem_, .notifications = notifications_}};
+    TrayNotice trayNotice_{
+        {.loop = loop_, .statusItem = statusItem_, .hotKeys = hotKeys_, .notifications = notifications_}};
     SettingsKey settingsKey_{[this] { showSettings(std::nullopt); }};
     std::optional<StatusBarController> statusBar_;  // from the launch on
     std::unique_ptr<SystemShortcuts> systemShortcuts_ = desktop_.makeSystemShortcuts(keyboardLayout_);

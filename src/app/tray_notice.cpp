@@ -34,7 +34,9 @@ void TrayNotice::judge(StatusItem::Visibility visibility) {
     if (visibility != StatusItem::Visibility::nowhere) return;
     surroundings_.notifications.add({.identifier = Uuid::random().text(),
                                      .title = "Ovrin 已启动",
-                                     .body = "当前桌面没有系统托盘，请使用快捷键或命令“ovrin do”。"});
+                                     .body = surroundings_.hotKeys.problem()
+                                                 ? "当前桌面没有系统托盘，请使用命令“ovrin do”。"
+                                                 : "当前桌面没有系统托盘，请使用快捷键或命令“ovrin do”。"});
 }
 
 }  // namespace ovrin

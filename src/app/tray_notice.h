@@ -3,6 +3,7 @@
 
 #include "base/event_loop.h"
 #include "base/published.h"
+#include "platform/hot_keys.h"
 #include "platform/notification_center.h"
 #include "platform/status_item.h"
 
@@ -15,6 +16,7 @@ public:
     struct Surroundings {
         EventLoop& loop;
         StatusItem& statusItem;
+        const HotKeys& hotKeys;
         NotificationCenter& notifications;
     };
 

@@ -190,7 +190,7 @@ TEST_F(StatusBarControllerTest, AMissingTrayIsToldOnceAndNotBeforeTheDesktopHasS
     using Visibility = StatusItem::Visibility;
     const auto told = [&](Visibility atFirst, Visibility later) {
         statusItem.isVisible.set(atFirst);
-        TrayNotice notice({.loop = loop, .statusItem = statusItem, .notifications = notifications});
+        TrayNotice notice({.loop = loop, .statusItem = statusItem, .hotKeys = hotKeys, .notifications = notifications});
         notice.start();
         loop.advance(5s);
         statusItem.isVisible.set(later);

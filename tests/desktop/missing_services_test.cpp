@@ -87,7 +87,7 @@ std::vector<MissingService<Test>> servicesOfEveryDesktop() {
                      const auto isTold = [&] {
                          return std::ranges::any_of(recorder.notifications(), [](const auto& notification) {
                              return notification.title == "Ovrin 已启动" &&
-                                    notification.body == "当前桌面没有系统托盘，请使用快捷键或命令“ovrin do”。";
+                                    notification.body == Test::noticeWithoutTray;
                          });
                      };
                      waitFor("the notification", isTold);
@@ -125,6 +125,8 @@ std::vector<MissingService<Test>> with(std::vector<MissingService<Test>> service
 struct MissingServiceTest : DesktopTest, testing::WithParamInterface<MissingService<MissingServiceTest>> {
     using DesktopTest::assistant, DesktopTest::desktop, DesktopTest::reader, DesktopTest::user,
         DesktopTest::waitForWords;
+
+    static constexpr auto noticeWithoutTray = "当前桌面没有系统托盘，请使用快捷键或命令“ovrin do”。";
 
     int perform(const std::string& action) const { return assistant->run({"do", action}); }
     std::string log() const { return assistant->log(); }
@@ -204,6 +206,8 @@ INSTANTIATE_TEST_SUITE_P(Desktop, MissingServiceTest,
 struct MissingWaylandServiceTest : WaylandDesktopTest,
                                    testing::WithParamInterface<MissingService<MissingWaylandServiceTest>> {
     using WaylandDesktopTest::desktop, WaylandDesktopTest::reader, WaylandDesktopTest::waitForWords;
+
+    static constexpr auto noticeWithoutTray = "当前桌面没有系统托盘，请使用命令“ovrin do”。";
 
     int perform(const std::string& action) const { return assistant->perform(action); }
     std::string log() const { return desktop->log(); }
