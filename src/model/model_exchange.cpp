@@ -18,14 +18,13 @@ namespace ovrin {
 namespace {
 
 // An error body is cut at its bound, and not in the middle of a character. The client may have cut it there already.
-std::string boundedErrorBody(std::string body) {
-    if (body.size() < maximumErrorBodySize) return body;
+void boundErrorBody(std::string& body) {
+    if (body.size() < maximumErrorBodySize) return;
     body.resize(maximumErrorBodySize);
     const auto isContinuation = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; };
     std::size_t lastCharacter = body.size() - 1;
     while (lastCharacter > 0 && isContinuation(body[lastCharacter])) --lastCharacter;
     if (!text::isValidUtf8(std::string_view(body).substr(lastCharacter))) body.resize(lastCharacter);
-    return body;
 }
 
 // Pushes what one line delivers, unless the task has been told to stop.
@@ -68,9 +67,8 @@ bool refusesTemperature(int status, std::string_view body) {
 }
 
 [[noreturn]] void throwHTTPError(const AnswerRules& rules, int status, std::string_view body) {
-    DeepSeekError error = rules.mapHTTPError(status, body);
-    if (refusesTemperature(status, body)) throw RefusedTemperature(std::move(error));
-    throw error;
+    if (refusesTemperature(status, body)) throw RefusedTemperature(rules.mapHTTPError(status, body));
+    throw rules.mapHTTPError(status, body);
 }
 
 }  // namespace
@@ -114,7 +112,8 @@ Task<std::string> collectErrorBody(AsyncStream<std::string> chunks) {
         if (!chunk) break;
         body += *chunk;
     }
-    co_return boundedErrorBody(std::move(body));
+    boundErrorBody(body);
+    co_return body;
 }
 
 Task<void> streamAnswer(HTTPClientProtocol& httpClient, HTTPRequest request, AnswerRules rules,
@@ -141,7 +140,8 @@ Task<std::string> wholeAnswer(HTTPClientProtocol& httpClient, HTTPRequest reques
     }
     if (!answer.response.statusCode) throw DeepSeekError::invalidResponse();
     if (!answer.response.isSuccess()) {
-        throwHTTPError(rules, *answer.response.statusCode, boundedErrorBody(std::move(answer.body)));
+        boundErrorBody(answer.body);
+        throwHTTPError(rules, *answer.response.statusCode, answer.body);
     }
     co_return std::move(answer.body);
 }

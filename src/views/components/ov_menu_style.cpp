@@ -111,8 +111,8 @@ void OVMenuStyle::drawItem(const QStyleOptionMenuItem& item, QPainter& painter) 
     if (item.menuItemType == QStyleOptionMenuItem::Separator) {
         QColor line = color(ColorToken::ink);
         line.setAlphaF(0.1F);
-        painter.fillRect(QRectF(row.left() + padding, row.top() + separatorHeight / 2, row.width() - 2 * padding, 1),
-                         line);
+        constexpr int above = separatorHeight / 2;
+        painter.fillRect(QRectF(row.left() + padding, row.top() + above, row.width() - 2 * padding, 1), line);
         painter.restore();
         return;
     }

@@ -4,7 +4,6 @@
 #include <QVBoxLayout>
 #include <array>
 #include <string>
-#include <utility>
 
 #include "base/watch.h"
 #include "theme/ov_icon.h"
@@ -91,8 +90,8 @@ void ResultPanelComposer::focusField() {
     composer_->field().setFocus(Qt::OtherFocusReason);
 }
 
-void ResultPanelComposer::submit(std::string question, AIAction action) {
-    viewModel_.submit(std::move(question), action);
+void ResultPanelComposer::submit(const std::string& question, AIAction action) {
+    viewModel_.submit(question, action);
     emit submitted();
 }
 

@@ -35,7 +35,7 @@ private:
     void addSuggestions(QHBoxLayout& row);
     void bind();
     void refresh();
-    void submit(std::string question, AIAction action);
+    void submit(const std::string& question, AIAction action);
     void submitPrompt();
 
     ResultPanelViewModel& viewModel_;

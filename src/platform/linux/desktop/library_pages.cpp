@@ -25,7 +25,8 @@ void giveBack(const dl_phdr_info& library) {
         if (segment.p_type != PT_LOAD || (segment.p_flags & PF_W) != 0) continue;
         const std::uintptr_t begin = (library.dlpi_addr + segment.p_vaddr) / pageSize * pageSize;
         const std::uintptr_t end = library.dlpi_addr + segment.p_vaddr + segment.p_memsz;
-        madvise(reinterpret_cast<void*>(begin), end - begin, MADV_DONTNEED);
+        auto* const pages = reinterpret_cast<void*>(begin);  // NOLINT(performance-no-int-to-ptr): told as a number
+        madvise(pages, end - begin, MADV_DONTNEED);
     }
 }
 

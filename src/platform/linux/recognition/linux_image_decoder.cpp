@@ -130,9 +130,9 @@ std::span<const l_uint8> cameraTags(std::span<const l_uint8> file, l_int32 forma
     // Both other formats keep it in a chunk of its own, whose length stands before its name or behind it.
     const std::string_view name = format == IFF_PNG ? "eXIf" : "EXIF";
     if (format != IFF_PNG && format != IFF_WEBP) return {};
-    const auto found = std::ranges::search(file, name, {}, [](l_uint8 byte) { return static_cast<char>(byte); });
-    const auto at = static_cast<std::size_t>(found.begin() - file.begin());
-    if (found.empty() || at < 4 || at + 8 > file.size()) return {};
+    const auto found = std::search(file.begin(), file.end(), name.begin(), name.end());
+    const auto at = static_cast<std::size_t>(found - file.begin());
+    if (at < 4 || at + 8 > file.size()) return {};
     const auto body = file.subspan(format == IFF_PNG ? at + 4 : at + 8);
     return std::equal(mark.begin(), mark.end(), body.begin(),
                       body.begin() + static_cast<std::ptrdiff_t>(std::min(mark.size(), body.size())))

@@ -12,7 +12,7 @@ namespace ovrin {
 
 namespace {
 
-constexpr std::uint32_t mostWindows = 4096;
+constexpr std::uint32_t longestList = 4096;
 
 struct Atoms {
     xcb_atom_t clientList, windowType, dock;
@@ -42,7 +42,7 @@ std::vector<PixelRect> panelFrames(xcb_connection_t* connection) {
     if (atoms.dock == XCB_ATOM_NONE) return {};
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
     const auto windows =
-        valuesOf(connection, xcb_get_property(connection, 0, root, atoms.clientList, XCB_ATOM_WINDOW, 0, mostWindows));
+        valuesOf(connection, xcb_get_property(connection, 0, root, atoms.clientList, XCB_ATOM_WINDOW, 0, longestList));
     // All questions first, then the answers: one round trip instead of many.
     std::vector<xcb_get_property_cookie_t> questions;
     for (const auto window : windows) {
