@@ -20,7 +20,7 @@ struct ChatTest : DesktopTest {
     // Waits for the keyboard.
     DesktopWindow openBar() const {
         press(Action::directAskAI);
-        const DesktopWindow bar = waitForChat(barSize);
+        DesktopWindow bar = waitForChat(barSize);
         user->waitUntilActive(bar.id);
         return bar;
     }

@@ -133,7 +133,7 @@ struct MissingServiceTest : DesktopTest, testing::WithParamInterface<MissingServ
     void copyText(const std::string& text) { openPage().copyText(text); }
     void waitForCopied(const std::string& text) { user->waitForClipboard(text); }
     Line capturesLine(const std::string& action) {
-        const Line line = openPage().lines()[0];
+        Line line = openPage().lines()[0];
         perform(action);
         assistant->waitForOverlays();
         user->drag(line.area.topLeft(), line.area.bottomRight());
@@ -218,7 +218,7 @@ struct MissingWaylandServiceTest : WaylandDesktopTest,
         const double bright = brightness(desktop->picture());
         perform(action);
         waitForOverlay(bright);
-        const Line line = program->lines()[0];
+        Line line = program->lines()[0];
         user->drag(line.area.topLeft(), line.area.bottomRight());
         return line;
     }

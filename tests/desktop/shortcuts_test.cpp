@@ -12,12 +12,12 @@ namespace {
 
 struct ShortcutsTest : DesktopTest {
     DesktopWindow waitForSettings() const {
-        const DesktopWindow window = waitFor("the settings", [this]() -> std::optional<DesktopWindow> {
-                                         for (const DesktopWindow& found : user->find({.program = programName})) {
-                                             if (found.title.starts_with("Ovrin 设置")) return found;
-                                         }
-                                         return std::nullopt;
-                                     }).value();
+        DesktopWindow window = waitFor("the settings", [this]() -> std::optional<DesktopWindow> {
+                                   for (const DesktopWindow& found : user->find({.program = programName})) {
+                                       if (found.title.starts_with("Ovrin 设置")) return found;
+                                   }
+                                   return std::nullopt;
+                               }).value();
         user->waitUntilActive(window.id);
         user->waitForStillPicture(window.area);
         return window;

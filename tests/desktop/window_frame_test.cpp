@@ -9,7 +9,7 @@ namespace {
 struct WindowFrameTest : DesktopTest {
     DesktopWindow openSettings(const std::string& page) {
         EXPECT_EQ(assistant->run({"do", "settings", page}), 0);
-        const DesktopWindow window = user->waitForWindow({.program = programName, .width = 820, .height = 660});
+        DesktopWindow window = user->waitForWindow({.program = programName, .width = 820, .height = 660});
         user->waitUntilActive(window.id);
         return window;
     }

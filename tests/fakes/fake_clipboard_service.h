@@ -43,11 +43,11 @@ public:
     std::int64_t readCount() const override { return reads; }
     std::vector<ClipboardSource> pastedSources() const override { return pasted; }
     Task<std::optional<Image>> readImage() override {
-        if (failure) throw *failure;
+        if (failure) throw Error(*failure);
         co_return image;
     }
     Task<std::optional<std::string>> readString(Source source = Source::clipboard) override {
-        if (failure) throw *failure;
+        if (failure) throw Error(*failure);
         co_return source == Source::primary ? selected : string;
     }
     Task<std::vector<std::vector<std::string>>> readTypes(Source source = Source::clipboard) override {

@@ -70,7 +70,7 @@ public:
         events_.failed(name, reason);
     }
 
-    void changeKeyboard() { events_.keyboardChanged(); }
+    void changeKeyboard() const { events_.keyboardChanged(); }
 
     bool isRegistered(const KeyboardShortcuts::Shortcut& shortcut) const {
         return std::ranges::find(registered_, shortcut, &HotKey::shortcut) != registered_.end();

@@ -424,8 +424,7 @@ TEST_F(ModelClientTest, CancelsTheBodyWhileItStreams) {
 }
 
 // The I/O loop on a thread of its own, as in the program.
-class ModelClientThreads : public ::testing::Test {
-protected:
+struct ModelClientThreads : ::testing::Test {
     ModelClientThreads() {
         while (!started.stop_requested()) std::this_thread::yield();
     }

@@ -20,6 +20,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "base/error.h"
 #include "fakes/temporary_directory.h"
 
 namespace ovrin {
@@ -39,8 +40,9 @@ public:
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
-        ::bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-        ::listen(listener_, 1);
+        if (::bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+            ::listen(listener_, 1) != 0)
+            throw Error("no speech server can be made");
         ::setenv("SPEECHD_ADDRESS", ("unix_socket:" + path).c_str(), 1);
         thread_ = std::thread([this] { serve(); });
     }

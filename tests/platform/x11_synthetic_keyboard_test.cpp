@@ -45,7 +45,7 @@ protected:
 
     // "54 with 4": the key codes pressed so far, each with the modifiers that counted.
     std::vector<std::string> received() {
-        X11Reply<xcb_get_input_focus_reply_t>(
+        const X11Reply<xcb_get_input_focus_reply_t> roundTrip(
             xcb_get_input_focus_reply(program.get(), xcb_get_input_focus(program.get()), nullptr));
         std::vector<std::string> presses;
         while (const X11Event event{xcb_poll_for_event(program.get())}) {

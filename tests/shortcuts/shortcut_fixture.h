@@ -31,7 +31,7 @@ class ShortcutTest : public testing::Test {
 protected:
     using Events = std::vector<std::string>;
 
-    KeyboardShortcuts::Registry::Action add(std::string event) {
+    KeyboardShortcuts::Registry::Action add(const std::string& event) {
         return [this, event] { journal.add(event); };
     }
 

@@ -32,7 +32,7 @@ TEST(Spring, StartsAtRestAndSettlesAtItsGoal) {
 TEST(Spring, OvershootsOnlyBelowCriticalDamping) {
     const auto peak = [](const theme::Spring& spring) {
         double highest = 0;
-        for (double t = 0; t < 3; t += 0.002) highest = std::max(highest, spring.valueAt(Seconds(t)));
+        for (int step = 0; step < 1500; ++step) highest = std::max(highest, spring.valueAt(Seconds(step * 0.002)));
         return highest;
     };
     // The first overshoot of a damped oscillator is exp(-pi * zeta / sqrt(1 - zeta^2)).

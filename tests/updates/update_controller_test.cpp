@@ -90,8 +90,7 @@ private:
     Journal& journal_;
 };
 
-class UpdateControllerTest : public testing::Test {
-protected:
+struct UpdateControllerTest : testing::Test {
     // A check that still waits comes to its end.
     ~UpdateControllerTest() override {
         controller_.reset();

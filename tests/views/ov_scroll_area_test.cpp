@@ -54,16 +54,15 @@ TEST_F(ScrollArea, FollowsGrowingContentOnlyWhileTheUserIsAtTheBottom) {
 TEST_F(ScrollArea, BringsIntoSightWhatHasJustAppeared) {
     auto* column = new QVBoxLayout(content);
     column->setContentsMargins(0, 0, 0, 0);
-    QWidget* part = nullptr;
+    auto* part = new QWidget;
     for (const int height : {300, 40, 400}) {
         auto* inner = new QWidget;  // the room is asked for from layout to layout
         auto* around = new QVBoxLayout(inner);
         around->setContentsMargins(0, 0, 0, 0);
-        auto* box = new QWidget;
+        auto* box = height == 40 ? part : new QWidget;
         box->setFixedHeight(height);
         around->addWidget(box);
         column->addWidget(inner);
-        if (height == 40) part = box;
     }
     part->hide();
     content->setMinimumHeight(0);

@@ -36,8 +36,7 @@ private:
     USKeyboardLayout letters;
 };
 
-class RecorderViewTest : public ShortcutTest {
-protected:
+struct RecorderViewTest : ShortcutTest {
     RecorderViewTest() {
         auto* column = new QVBoxLayout(&window);
         for (QWidget* widget : {static_cast<QWidget*>(&recorder), static_cast<QWidget*>(&other)}) {

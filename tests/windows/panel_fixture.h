@@ -31,8 +31,7 @@ namespace ovrin {
 
 using Events = std::vector<std::string>;
 
-class PanelTest : public testing::Test {
-protected:
+struct PanelTest : testing::Test {
     PanelTest() = default;
     PanelTest(const PanelTest&) = delete;
     PanelTest& operator=(const PanelTest&) = delete;

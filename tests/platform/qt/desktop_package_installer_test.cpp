@@ -16,8 +16,7 @@
 namespace ovrin {
 namespace {
 
-class DesktopPackageInstallerTest : public testing::Test {
-protected:
+struct DesktopPackageInstallerTest : testing::Test {
     DesktopPackageInstallerTest() {
         std::ofstream(package) << "package";
         qputenv("PATH", (folder.path() / "bin").c_str());  // without xdg-open, unless a test makes one
@@ -25,7 +24,7 @@ protected:
     }
     ~DesktopPackageInstallerTest() override { qputenv("PATH", path); }
 
-    void makeOpener(const std::string& script) {
+    void makeOpener(const std::string& script) const {
         const auto file = folder.path() / "bin" / "xdg-open";
         std::ofstream(file) << "#!/bin/sh\n" << script;
         std::filesystem::permissions(file, std::filesystem::perms::owner_all);
