@@ -150,7 +150,7 @@ private:
 
     void takeCard() {
         SampleProgram editor(desktop_, user_, samplePath, SampleProgram::Kind::editor);
-        user_.click(editor.window().area.center());
+        user_.waitUntilActive(editor.window().id);
         editor.selectText("A ticket to the small island costs three coins.");
         user_.moveTo({.x = 900, .y = 500});
         assistant_.run({"do", "silent-selection"});

@@ -12,7 +12,7 @@ struct SelectionTest : DesktopTest {
     // An editor in which the text is selected, and something of the user's on the clipboard.
     SampleProgram& editorWith(const std::string& text) {
         auto& editor = openEditor();
-        user->click(editor.window().area.center());
+        user->waitUntilActive(editor.window().id);
         editor.copyText("the user's own");
         editor.selectText(text);
         return editor;
